@@ -1,0 +1,63 @@
+#include "OPCV_dlib.h"
+#include "oracle/bit_packing.h"
+#include "support.h"
+
+namespace {
+
+// The 1-bit side takes an eighth of a byte a pixel.
+size_t bytesMoved(IppiSize size) { return static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * 9 / 8; }
+
+void comparePacking(IppiSize size, int offset) {
+    const bench::Page& grey = bench::source(size, 1);
+    bench::Page& bits = bench::target(size, 1);
+    bench::Page& expected = bench::otherTarget(size, 1);
+    const std::string suffix = " offset " + std::to_string(offset);
+
+    bench::compare(
+        bench::withSize("8u1u", size) + suffix,
+        [&grey, &bits, size, offset] {
+            IPPShare_ippiReduceBits_8u1u_C1R(grey.data(), grey.step(), bits.data(), bits.step(), offset, size, 0, 0, 0,
+                                             128);
+        },
+        {bench::memcpyOf(bytesMoved(size)),
+         {"scalar",
+          [&grey, &expected, size, offset] {
+              for (int y = 0; y < size.height; ++y)
+                  oracle::packRow(grey.data() + ptrdiff_t{y} * grey.step(),
+                                  expected.data() + ptrdiff_t{y} * expected.step(), offset, size.width, 128);
+          }}},
+        [&bits, &expected] { return bits.sameRegion(expected); });
+}
+
+void compareExpanding(IppiSize size, int offset) {
+    const bench::Page& bits = bench::source(size, 1);
+    bench::Page& grey = bench::target(size, 1);
+    bench::Page& expected = bench::otherTarget(size, 1);
+    const std::string suffix = " offset " + std::to_string(offset);
+
+    bench::compare(
+        bench::withSize("1u8u", size) + suffix,
+        [&bits, &grey, size, offset] {
+            IPPShare_ippiConvert_1u8u_C1R(bits.data(), bits.step(), offset, grey.data(), grey.step(), size);
+        },
+        {bench::memcpyOf(bytesMoved(size)),
+         {"scalar",
+          [&bits, &expected, size, offset] {
+              for (int y = 0; y < size.height; ++y)
+                  oracle::expandRow(bits.data() + ptrdiff_t{y} * bits.step(), offset,
+                                    expected.data() + ptrdiff_t{y} * expected.step(), size.width);
+          }}},
+        [&grey, &expected] { return grey.sameRegion(expected); });
+}
+
+void compareBitPacking() {
+    for (const IppiSize size : {bench::kPage, bench::kTile})
+        for (const int offset : {0, 3}) {
+            comparePacking(size, offset);
+            compareExpanding(size, offset);
+        }
+}
+
+const bench::Registration registration(compareBitPacking);
+
+}    // namespace

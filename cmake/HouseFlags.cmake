@@ -1,0 +1,18 @@
+# Compiler settings for our own code, as an interface target.
+add_library(opcv_dlib_house_flags INTERFACE)
+target_compile_options(opcv_dlib_house_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion
+    -ffp-contract=off    # where a multiply and an add are fused, the code says fma
+    -fstack-protector-strong)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+    target_compile_options(opcv_dlib_house_flags INTERFACE -mbranch-protection=standard)
+endif()
+
+if(OPCV_DLIB_SANITIZE)
+    set(sanitize -fsanitize=${OPCV_DLIB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_compile_options(opcv_dlib_house_flags INTERFACE ${sanitize})
+    target_link_options(opcv_dlib_house_flags INTERFACE ${sanitize})
+else()
+    target_compile_definitions(opcv_dlib_house_flags INTERFACE
+        $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+endif()

@@ -1,0 +1,25 @@
+# Cross build for 64-bit Arm against a Debian tree in OPCV_DLIB_SYSROOT; programs run under qemu-user.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR aarch64)
+set(triplet aarch64-linux-gnu)
+
+set(OPCV_DLIB_SYSROOT "" CACHE PATH "Debian arm64 tree with the development packages")
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES OPCV_DLIB_SYSROOT)
+set(CMAKE_SYSROOT ${OPCV_DLIB_SYSROOT})
+set(CMAKE_C_COMPILER ${triplet}-gcc)
+set(CMAKE_CXX_COMPILER ${triplet}-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE ${triplet})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+# BLAS and LAPACK, which OpenCV's core needs, lie in folders of their own that the loader normally learns of when the
+# packages are configured.
+set(lib ${OPCV_DLIB_SYSROOT}/usr/lib/${triplet})
+set(rpath_link "-Wl,-rpath-link,${lib}/blas:${lib}/lapack")
+set(CMAKE_EXE_LINKER_FLAGS_INIT ${rpath_link})
+set(CMAKE_SHARED_LINKER_FLAGS_INIT ${rpath_link})
+set(CMAKE_CROSSCOMPILING_EMULATOR
+    qemu-aarch64-static -L ${OPCV_DLIB_SYSROOT}
+    -E LD_LIBRARY_PATH=/usr/lib/${triplet}/blas:/usr/lib/${triplet}/lapack)

@@ -1,0 +1,74 @@
+// Image records: one block for the record, one for its pixels.
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "OPCV_dlib.h"
+
+namespace {
+
+constexpr int64_t roundUpTo16(int64_t bytes) { return (bytes + 15) & ~int64_t{15}; }
+
+int64_t packedRow24(int64_t width) { return 3 * width; }
+
+// Joined images keep their 24-bit rows on four-byte boundaries.
+int64_t paddedRow24(int64_t width) { return (24 * width + 31) / 32 * 4; }
+
+// False for a depth that has no row rule.
+bool bytesOfRow(int64_t width, unsigned char depth, int64_t (*row24)(int64_t), int64_t& rowBytes) {
+    switch (depth) {
+        case 1: rowBytes = roundUpTo16((width + 7) >> 3); return true;
+        case 8:
+        case 40: rowBytes = roundUpTo16(width); return true;
+        case 24: rowBytes = row24(width); return true;
+        case 32: rowBytes = roundUpTo16(4 * width); return true;
+        default: return false;
+    }
+}
+
+bool fitsInt32(int64_t value) { return value >= INT32_MIN && value <= INT32_MAX; }
+
+OSErr createRecord(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*row24)(int64_t)) {
+    if (!r || !out) return noErr;
+    const int64_t width = int64_t{r->right} - r->left;
+    const int64_t height = int64_t{r->bottom} - r->top;
+    int64_t rowBytes = 0;
+    if (!bytesOfRow(width, depth, row24, rowBytes)) return noErr;
+
+    // Width, height and row are below 2^35 each, so only the last product needs the guard of the tests before it. A
+    // negative size goes to the heap, which refuses it.
+    void* pixels = nullptr;
+    if (fitsInt32(width) && fitsInt32(height) && fitsInt32(rowBytes) && fitsInt32(rowBytes * height))
+        pixels = std::malloc(static_cast<size_t>(rowBytes * height));
+    if (!pixels) {
+        std::free(*out);
+        return memFullErr;
+    }
+    *out = static_cast<KVIMG*>(std::malloc(sizeof(KVIMG)));
+    if (!*out) {
+        std::free(pixels);
+        return memFullErr;
+    }
+    **out = {static_cast<unsigned char*>(pixels), depth,
+             static_cast<int32_t>(width),         static_cast<int32_t>(height),
+             static_cast<int32_t>(rowBytes),      static_cast<int32_t>(rowBytes * height)};
+    return noErr;
+}
+
+}    // namespace
+
+void KVSetRect(KVRect* r, int left, int top, int right, int bottom) { *r = {top, left, bottom, right}; }
+
+OSErr CreateNewKVIMGPtr(KVIMG** out, const KVRect* r, unsigned char depth) {
+    return createRecord(out, r, depth, packedRow24);
+}
+
+OSErr CreateNewKVIMGPtrForUnite(KVIMG** out, const KVRect* r, unsigned char depth) {
+    return createRecord(out, r, depth, paddedRow24);
+}
+
+void DisposeKVIMG(KVIMG* img) {
+    if (!img) return;
+    std::free(img->data);
+    std::free(img);
+}

@@ -1,0 +1,49 @@
+// Owners of what the heap gives, and the guard of a record-creating function's output slot.
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+
+#include "OPCV_dlib.h"
+
+struct FreeDeleter {
+    void operator()(void* p) const { std::free(p); }
+};
+using PixelBlock = std::unique_ptr<unsigned char, FreeDeleter>;
+
+struct RecordDeleter {
+    void operator()(KVIMG* record) const { DisposeKVIMG(record); }
+};
+using RecordPtr = std::unique_ptr<KVIMG, RecordDeleter>;
+
+// The caller's output slot. Unless a record is handed over, the slot is emptied: whatever it held, even before the
+// call, is released and it is set to null.
+class RecordSlot {
+public:
+    explicit RecordSlot(KVIMG** slot) : slot_(slot) {}
+    RecordSlot(const RecordSlot&) = delete;
+    RecordSlot& operator=(const RecordSlot&) = delete;
+    ~RecordSlot() {
+        if (!handedOver_) {
+            DisposeKVIMG(*slot_);
+            *slot_ = nullptr;
+        }
+    }
+
+    void handOver(RecordPtr record) {
+        *slot_ = record.release();
+        handedOver_ = true;
+    }
+
+private:
+    KVIMG** slot_;
+    bool handedOver_ = false;
+};
+
+// CreateNewKVIMGPtr into an owner. A depth that has no row rule leaves the owner empty, with noErr.
+inline OSErr createRecord(const KVRect& r, unsigned char depth, RecordPtr& record) {
+    KVIMG* made = nullptr;
+    const OSErr err = CreateNewKVIMGPtr(&made, &r, depth);
+    record.reset(made);
+    return err;
+}

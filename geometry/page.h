@@ -1,0 +1,28 @@
+// The checked arguments that the page routines share.
+#pragma once
+
+#include "OPCV_dlib.h"
+#include "geometry/page_format.h"
+
+struct Page {
+    const KVIMG* record = nullptr;    // only its pixels and bytes a row count
+    int width = 0;
+    int height = 0;
+    unsigned char depth = 0;
+    PageFormat format;
+
+    IppiSize size() const { return {width, height}; }
+    IppiRect rect() const { return {0, 0, width, height}; }
+    KVRect bounds() const { return {0, 0, height, width}; }
+};
+
+inline OSErr describePage(const KVIMG* src, KVImageDescriptionHandle description, Page& page) {
+    if (!src || !description || !*description) return paramErr;
+    const KVImageDescription& d = **description;
+    if (!pageFormatOf(d.depth, page.format)) return rotateFailedErr;
+    page.record = src;
+    page.width = d.width;
+    page.height = d.height;
+    page.depth = static_cast<unsigned char>(d.depth);
+    return noErr;
+}

@@ -1,0 +1,61 @@
+// Rotation of an image about its centre onto the centre of a canvas of another size.
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+#include "core/ownership.h"
+#include "geometry/page_format.h"
+
+namespace {
+
+constexpr int kLinearSmoothEdge = static_cast<int>(0x80000002U);
+
+unsigned char firstByteOfDepth(const KVImageHeader& header) {
+    unsigned char depth = 0;
+    std::memcpy(&depth, &header.depth, 1);
+    return depth;
+}
+
+// A positive angle turns clockwise; 180 itself is not wrapped.
+double counterClockwise(double angle) { return angle > 180.0 ? -(angle - 360.0) : -angle; }
+
+// The canvas is written with the header's own step, which must not lead past the record's pixels.
+bool staysWithin(const KVIMG& record, int rowStep) {
+    const int64_t rowLength = int64_t{record.width} * (record.depth / 8);
+    return int64_t{rowStep} * (record.height - 1) + rowLength <= record.size;
+}
+
+}    // namespace
+
+OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* srcHeader, KVIMG** unitedRecord,
+                               double angle) {
+    if (!dstHeader || !srcHeader || !unitedRecord) return uniteFailedErr;
+    const unsigned char depth = firstByteOfDepth(*dstHeader);
+    const KVRect canvas = {0, 0, dstHeader->height, dstHeader->width};
+    KVIMG* made = nullptr;
+    const OSErr err = CreateNewKVIMGPtrForUnite(&made, &canvas, depth);
+    RecordPtr united(made);
+    PageFormat format;
+    if (err != noErr || !pageFormatOf(depth, format)) return uniteFailedErr;
+    dstHeader->pixels = united->data;
+    if (!staysWithin(*united, dstHeader->rowStep)) return uniteFailedErr;
+
+    const double turn = counterClockwise(angle);
+    const double xCentre = srcHeader->width * 0.5;
+    const double yCentre = srcHeader->height * 0.5;
+    double xShift = 0;
+    double yShift = 0;
+    KVMac_ippiGetRotateShift(xCentre, yCentre, turn, &xShift, &yShift);
+    xShift = std::fma(dstHeader->width, 0.5, -xCentre) + xShift;
+    yShift = std::fma(dstHeader->height, 0.5, -yCentre) + yShift;
+
+    const IppiSize size = {srcHeader->width, srcHeader->height};
+    const IppiRect all = {0, 0, srcHeader->width, srcHeader->height};
+    const IppiRect target = {0, 0, dstHeader->width, dstHeader->height};
+    const IppStatus status = ippiRotate(srcHeader->pixels, size, srcHeader->rowStep, all, dstHeader->pixels,
+                                        dstHeader->rowStep, target, turn, static_cast<float>(xShift),
+                                        static_cast<float>(yShift), kLinearSmoothEdge, format.type, format.white);
+    if (status != ippStsNoErr) return uniteFailedErr;
+    *unitedRecord = united.release();
+    return noErr;
+}

@@ -1,0 +1,698 @@
+/// @file OPCV_dlib.h
+/// Image primitives for document-scanner pipelines.
+///
+/// This one header declares every exported function. It compiles as C11 and as C++17 and needs no other header of the
+/// library, of OpenCV or of libjpeg; the functions whose parameter types are part of their exported names are for C++
+/// only and stand at its end.
+///
+/// What holds everywhere:
+///
+/// - **Images.** A pointer to the first pixel of a region, the bytes from one row to the next (the step) and the size
+///   of the region in pixels. Rows run from top to bottom. C1 is one channel, C3 three interleaved channels, P3 three
+///   planes, given as an array of three pointers, that share one step. 1-bit rows hold the leftmost pixel in the most
+///   significant bit. Colour is in the order red, green, blue.
+/// - **Steps.** Functions that run OpenCV see a row as step / pixel size pixels and place the next row behind them, so
+///   their steps must be whole multiples of the pixel size: a remainder shifts each further row by as many bytes.
+/// - **Margins.** A function that reads a neighbourhood reads it from the caller's image: the pixels around the region
+///   must be there. Each function says how many. No function invents a border, except the rotations, which say so.
+/// - **Angles** are in degrees. `ippiRotate`, `ippiRotateCenter`, the KVMac and the deskew functions turn
+///   counter-clockwise as seen on screen for a positive angle; `RotateImageWithIPP` and `UniteImageIplRotateImage` turn
+///   clockwise.
+/// - **Failures.** A function that refuses its arguments says so by its status, prints nothing and throws nothing. What
+///   OpenCV throws while it works (`cv::Exception`, `std::bad_alloc`) passes to the caller, with everything released,
+///   except in the JPEG functions, which turn it into a status.
+/// - **Ownership.** Records belong to the caller, who releases them with `DisposeKVIMG`; plane blocks are released with
+///   `IPPMini_ippiFree` or `IPPShare_ippiFree`; JPEG streams are released with `free`. Nothing else outlives a call.
+/// - **Threads.** No function keeps state, so any number of threads may call any of them at once, as long as no two
+///   write to the same memory. The library starts no thread; OpenCV may work on a pool of its own, which
+///   `cv::setNumThreads` governs.
+#ifndef OPCV_DLIB_H
+#define OPCV_DLIB_H
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(__GNUC__)
+#define OPCV_DLIB_API __attribute__((visibility("default")))
+#else
+#define OPCV_DLIB_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// @name Status codes
+/// @{
+
+/// Result of the image functions: one of the three values below.
+typedef int IppStatus;
+enum {
+    ippStsNoErr = 0,         ///< Success.
+    ippStsNoMemErr = -4,     ///< Memory ran out.
+    ippStsBadArgErr = -5,    ///< An argument is refused: null pointer, empty size, region longer than the step, ...
+};
+
+/// Result of the record functions: one of the six values below.
+typedef short OSErr;
+enum {
+    noErr = 0,                 ///< Success.
+    paramErr = -50,            ///< An argument is refused, or a JPEG stream cannot be read.
+    memFullErr = -108,         ///< Memory ran out.
+    rotateFailedErr = -2,      ///< The depth cannot be rotated or scaled, or the rotation failed.
+    badAngleErr = -3,          ///< The angle is no quarter turn.
+    uniteFailedErr = -1001,    ///< `UniteImageIplRotateImage` failed.
+};
+/// @}
+
+/// @name Value types
+/// @{
+
+/// Size in pixels.
+typedef struct IppiSize {
+    int width;
+    int height;
+} IppiSize;
+
+/// Position in pixels, column first.
+typedef struct IppiPoint {
+    int x;
+    int y;
+} IppiPoint;
+
+/// Rectangle in pixels: first column, first row, extent.
+typedef struct IppiRect {
+    int x;
+    int y;
+    int width;
+    int height;
+} IppiRect;
+
+/// Rectangle by its edges; `bottom` and `right` are exclusive.
+typedef struct KVRect {
+    int32_t top;
+    int32_t left;
+    int32_t bottom;
+    int32_t right;
+} KVRect;
+/// @}
+
+/// @name Records
+/// @{
+
+/// An image on the heap: the record, and the block of pixels that it owns. Released with `DisposeKVIMG`.
+typedef struct KVIMG {
+    unsigned char* data;    ///< First byte of the pixel block.
+    int32_t depth;          ///< Bits a pixel: 1, 8, 24, 32 or 40 (laid out like 8).
+    int32_t width;          ///< Pixels a row.
+    int32_t height;         ///< Rows.
+    int32_t rowBytes;       ///< Bytes from one row to the next.
+    int32_t size;           ///< Bytes in the pixel block: `rowBytes` times `height`.
+} KVIMG;
+
+/// Describes a page; owned by the caller, who may keep further fields behind these. Written by the JPEG readers (width,
+/// height, depth), read by the deskew functions (the same) and by the compressors (the two resolutions).
+typedef struct KVImageDescription {
+    int32_t width;                   ///< Pixels a row.
+    int32_t height;                  ///< Rows.
+    int32_t horizontalResolution;    ///< Dots per inch.
+    int32_t verticalResolution;      ///< Dots per inch.
+    int32_t reserved;                ///< The caller's own; never touched.
+    int16_t depth;                   ///< Bits a pixel.
+} KVImageDescription;
+
+/// How a description is passed: a pointer to a pointer to the record.
+typedef KVImageDescription** KVImageDescriptionHandle;
+
+/// An image header over pixels of the caller's, for `UniteImageIplRotateImage`.
+typedef struct KVImageHeader {
+    unsigned char* pixels;    ///< First byte of the first row.
+    int64_t reserved;         ///< Not read.
+    int32_t depth;            ///< Bits a pixel; only the first byte of the field is read.
+    int32_t width;            ///< Pixels a row.
+    int32_t height;           ///< Rows.
+    int32_t rowStep;          ///< Bytes from one row to the next.
+} KVImageHeader;
+/// @}
+
+/// @name Initialisation
+/// There is nothing to initialise: these keep old callers working. Each returns 0, always.
+/// @{
+
+/// Does nothing. @return 0.
+OPCV_DLIB_API int IppInit(void);
+
+/// Does nothing. @return `ippStsNoErr`.
+OPCV_DLIB_API IppStatus IPPMini_ippStaticInit(void);
+
+/// Calls `IPPMini_ippStaticInit` by its exported name. @return its result.
+OPCV_DLIB_API IppStatus IPPShare_ippStaticInit(void);
+/// @}
+
+/// @name Image records
+/// @{
+
+/// Stores the four edges in a rectangle.
+///
+/// @param r       Rectangle to fill. Its fields stand in another order (top, left, bottom, right) than the arguments.
+/// @param left    First column.
+/// @param top     First row.
+/// @param right   Column behind the last one.
+/// @param bottom  Row behind the last one.
+OPCV_DLIB_API void KVSetRect(KVRect* r, int left, int top, int right, int bottom);
+
+/// Makes a record of the rectangle's size. The pixels are not cleared.
+///
+/// Bytes a row (w the width): depth 1: (w + 7) / 8 rounded up to 16; depths 8 and 40: w rounded up to 16; depth 24: 3 w,
+/// without padding; depth 32: 4 w rounded up to 16.
+///
+/// @param out    Receives the record. Set it to null before: when the pixels cannot be had, the block that it points at
+///               is freed and the pointer left as it is.
+/// @param r      Position does not matter; width is right - left, height is bottom - top. Neither is checked: an empty
+///               rectangle gives a record of 0 bytes, a negative size is refused by the heap.
+/// @param depth  Bits a pixel: 1, 8, 24, 32 or 40.
+/// @retval noErr       The record is made; or `out` or `r` is null or the depth is none of these, and nothing is done.
+/// @retval memFullErr  Memory ran out, or the size does not fit in 32 bits; nothing is kept.
+OPCV_DLIB_API OSErr CreateNewKVIMGPtr(KVIMG** out, const KVRect* r, unsigned char depth);
+
+/// `CreateNewKVIMGPtr` with one difference: rows of depth 24 are padded to a multiple of 4 bytes.
+///
+/// @param out    As in `CreateNewKVIMGPtr`.
+/// @param r      As in `CreateNewKVIMGPtr`.
+/// @param depth  As in `CreateNewKVIMGPtr`.
+/// @retval noErr       As in `CreateNewKVIMGPtr`.
+/// @retval memFullErr  As in `CreateNewKVIMGPtr`.
+OPCV_DLIB_API OSErr CreateNewKVIMGPtrForUnite(KVIMG** out, const KVRect* r, unsigned char depth);
+
+/// Frees a record and its pixels. The caller's pointer is not cleared.
+///
+/// @param img  The record; null is allowed.
+OPCV_DLIB_API void DisposeKVIMG(KVIMG* img);
+/// @}
+
+/// @name Planes
+/// @{
+
+/// Makes a plane of 16-bit signed samples with rows of a multiple of 64 bytes. It is not cleared.
+///
+/// @param width       Samples a row, above 0.
+/// @param height      Rows, above 0.
+/// @param pStepBytes  Receives the bytes from one row to the next, also when the heap fails.
+/// @return The plane, to be released with `IPPMini_ippiFree` or `IPPShare_ippiFree`; null when memory ran out or the
+///         plane does not fit in 31 bits of bytes, or when an argument is refused (`*pStepBytes` is then untouched).
+OPCV_DLIB_API short* IPPShare_ippiMalloc_16s_C1(int width, int height, int* pStepBytes);
+
+/// Makes an image of three interleaved 8-bit channels with rows of a multiple of 64 bytes. It is not cleared.
+///
+/// @param width       Pixels a row, above 0.
+/// @param height      Rows, above 0.
+/// @param pStepBytes  Receives the bytes from one row to the next, also when the heap fails.
+/// @return As in `IPPShare_ippiMalloc_16s_C1`.
+OPCV_DLIB_API unsigned char* IPPMini_ippiMalloc_8u_C3(int width, int height, int* pStepBytes);
+
+/// Frees a block from either allocator.
+///
+/// @param p  The block; null is allowed.
+OPCV_DLIB_API void IPPMini_ippiFree(void* p);
+
+/// Calls `IPPMini_ippiFree` by its exported name.
+///
+/// @param p  The block; null is allowed.
+OPCV_DLIB_API void IPPShare_ippiFree(void* p);
+/// @}
+
+//@@ rank filters @@
+
+/// @name Rotation of regions
+/// @{
+
+/// Computes the shift that makes `ippiRotate` turn about a centre of the caller's choice:
+/// x = xc - xc cos a - yc sin a, y = yc + xc sin a - yc cos a.
+///
+/// @param xCenter  Column of the centre, in pixels of the source region.
+/// @param yCenter  Row of the centre.
+/// @param angle    Degrees, counter-clockwise on screen.
+/// @param xShift   Receives the horizontal shift in pixels.
+/// @param yShift   Receives the vertical shift in pixels. If either pointer is null, nothing is written.
+OPCV_DLIB_API void KVMac_ippiGetRotateShift(double xCenter, double yCenter, double angle, double* xShift,
+                                            double* yShift);
+
+/// `ippiRotate` for one 8-bit channel, with black outside the source region.
+///
+/// @param src            First row of the source image.
+/// @param srcSize        Size of the source image.
+/// @param srcStep        Bytes from one source row to the next.
+/// @param srcRoi         Part of the source that is turned.
+/// @param dst            First row of the destination image.
+/// @param dstStep        Bytes from one destination row to the next.
+/// @param dstRoi         Part of the destination that is filled.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @param xShift         Shift to the right after the turn; converted to float, then rounded to whole pixels.
+/// @param yShift         Shift down after the turn, likewise.
+/// @param interpolation  Ignored: always bilinear.
+/// @retval noErr       The destination rectangle is filled.
+/// @retval paramErr    What `ippiRotate` answers with `ippStsBadArgErr`; nothing is written.
+/// @retval memFullErr  What `ippiRotate` answers with `ippStsNoMemErr`; nothing is written.
+OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C1R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                                            unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
+                                            double xShift, double yShift, int interpolation);
+
+/// `KVMac_ippiRotate_8u_C1R` for three interleaved 8-bit channels.
+///
+/// @param src            First row of the source image.
+/// @param srcSize        Size of the source image.
+/// @param srcStep        Bytes from one source row to the next, a multiple of 3.
+/// @param srcRoi         Part of the source that is turned.
+/// @param dst            First row of the destination image.
+/// @param dstStep        Bytes from one destination row to the next, a multiple of 3.
+/// @param dstRoi         Part of the destination that is filled.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @param xShift         Shift to the right after the turn; converted to float, then rounded to whole pixels.
+/// @param yShift         Shift down after the turn, likewise.
+/// @param interpolation  Ignored: always bilinear.
+/// @retval noErr       The destination rectangle is filled.
+/// @retval paramErr    What `ippiRotate` answers with `ippStsBadArgErr`; nothing is written.
+/// @retval memFullErr  What `ippiRotate` answers with `ippStsNoMemErr`; nothing is written.
+OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C3R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
+                                            unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
+                                            double xShift, double yShift, int interpolation);
+/// @}
+
+/// @name Deskew and rotation of pages
+///
+/// The functions that take a description read the page's width, height and depth from it, and from the source record
+/// only the pixels and the bytes a row. Depth is 8, 24 or 32. The new record is made by `CreateNewKVIMGPtr` (but see
+/// `UniteImageIplRotateImage`) and belongs to the caller.
+///
+/// Pass `*dst` as null: on every failure a record that it holds, the caller's own included, is released and `*dst` is
+/// set to null; on success it is overwritten.
+///
+/// Corners that come from outside the page are black. With white fill they are white at 24 bits; at 32 bits the first
+/// byte is 0 and the other three are 255; at 8 bits the flag has no effect.
+/// @{
+
+/// Turns a page about its exact centre; the new record has the page's size.
+///
+/// @param src            Page to turn; only its pixels and bytes a row are used.
+/// @param description    Size and depth of the page.
+/// @param dst            Receives the new record.
+/// @param interpolation  Ignored: always bilinear.
+/// @param whiteFill      Not 0: white corners instead of black ones, see above.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @retval noErr            `*dst` holds the turned page.
+/// @retval paramErr         A pointer is null, the description included.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused.
+/// @retval memFullErr       The record could not be made.
+OPCV_DLIB_API OSErr DeskewImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
+                                       int interpolation, unsigned char whiteFill, double angle);
+
+/// Turns a page about its centre and cuts a rectangle out of the result. The turned page is placed by whole pixels.
+///
+/// @param src            Page to turn; only its pixels and bytes a row are used.
+/// @param description    Size and depth of the page.
+/// @param dst            Receives the new record, of the crop rectangle's size.
+/// @param interpolation  Ignored: always bilinear.
+/// @param whiteFill      Not 0: white corners instead of black ones, see above.
+/// @param crop           Rectangle in the coordinates of the turned page; may reach outside it. On return a negative
+///                       top or left has been moved to 0, the size kept; the record shows what was asked for.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @retval noErr            `*dst` holds the part of the turned page.
+/// @retval paramErr         A pointer is null, the description included.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused, as for an empty rectangle.
+/// @retval memFullErr       The record could not be made.
+OPCV_DLIB_API OSErr DeskewImageWithIPPEx(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
+                                         int interpolation, unsigned char whiteFill, KVRect* crop, double angle);
+
+/// Turns a page about a point, which becomes the top-left pixel of the new record.
+///
+/// @param src            Page to turn; only its pixels and bytes a row are used.
+/// @param description    Size and depth of the page.
+/// @param dst            Receives the new record, of the crop rectangle's size.
+/// @param interpolation  Ignored: always bilinear.
+/// @param whiteFill      Not 0: white corners instead of black ones, see above.
+/// @param crop           Gives the size of the new record; its position does not matter. Never changed.
+/// @param xPoint         Column of the point on the page.
+/// @param yPoint         Row of the point on the page.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @retval noErr            `*dst` holds the part of the turned page.
+/// @retval paramErr         A pointer is null, the description included.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused, as for an empty rectangle.
+/// @retval memFullErr       The record could not be made.
+OPCV_DLIB_API OSErr DeskewImageWithIPPExWithShirftPoint(const KVIMG* src, KVImageDescriptionHandle description,
+                                                        KVIMG** dst, int interpolation, unsigned char whiteFill,
+                                                        KVRect* crop, int64_t xPoint, int64_t yPoint, double angle);
+
+/// Turns a page by a multiple of 90 degrees, without interpolation.
+///
+/// @param src          Page to turn; only its pixels and bytes a row are used.
+/// @param description  Size and depth of the page.
+/// @param dst          Receives the new record; width and height change places for quarter turns.
+/// @param angle        Degrees, **clockwise** on screen; the fraction is dropped. Allowed are 90, 180, 270 and their
+///                     negatives (so 90.9 turns by 90, and 89.9 is refused).
+/// @retval noErr            `*dst` holds the turned page.
+/// @retval paramErr         A pointer is null, the description included, or the page does not fit in its rows.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32.
+/// @retval badAngleErr      The angle is none of these.
+/// @retval memFullErr       The record could not be made.
+OPCV_DLIB_API OSErr RotateImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
+                                       double angle);
+
+/// Turns an image about its centre and centres it on a canvas of another size, whose pixels are a new record made by
+/// `CreateNewKVIMGPtrForUnite`. Uncovered pixels are white (24 bits: 255 255 255; 32 bits: 0 255 255 255), black at 8
+/// bits.
+///
+/// @param dstHeader     Canvas: depth (8, 24 or 32), width, height and row step are read; the pixel pointer is set to
+///                      the record's pixels. Set the row step to the record's rule: the width rounded up to 16 at 8
+///                      bits, 3 times the width rounded up to 4 at 24, 4 times the width rounded up to 16 at 32. After
+///                      a failure the pixel pointer may refer to released memory.
+/// @param srcHeader     Image to turn: pixels, width, height and row step; its depth is taken to be the canvas's.
+/// @param unitedRecord  Receives the record, on success only.
+/// @param angle         Degrees, **clockwise** on screen. Above 180, 360 is taken off first.
+/// @retval noErr           The canvas is filled and `*unitedRecord` holds it.
+/// @retval uniteFailedErr  Anything else.
+OPCV_DLIB_API OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* srcHeader,
+                                             KVIMG** unitedRecord, double angle);
+/// @}
+
+//@@ resize @@
+
+/// @name JPEG compression
+///
+/// A record of depth 8 becomes a grey stream, one of depth 24 (red, green, blue) a colour stream, in a block of its own
+/// that the caller releases with `free`. The streams are baseline JFIF 1.02 with dots per inch and the comment
+/// KORVELIN. `mode` selects the quality:
+///
+/// | mode | `CompressJPEG` | `CompressJPEGEx`, `CompressJPEGWithIPPEx` | `CompressJPEGWithIPP` |
+/// |---|---|---|---|
+/// | 0 | 15 | 14 | 15 |
+/// | 286 | 50 | 35 | 45 |
+/// | 389 | 67 | 55 | 67 |
+/// | 450 | 80 | 70 | 80 |
+/// | 788 | 95 | 95 | 95 |
+/// @{
+
+/// Compresses a record with the library's own quantisation tables and without subsampling (4:4:4).
+///
+/// @param image       Record of depth 8 or 24.
+/// @param resolution  Dots per inch, in both directions; the low 16 bits are stored.
+/// @param mode        Quality: 0, 286, 389, 450 or 788.
+/// @param outData     Receives the stream.
+/// @param outSize     Receives its length in bytes.
+/// @retval noErr       The stream is made.
+/// @retval paramErr    Null pointer, empty image, unknown mode or other depth; nothing is written.
+/// @retval memFullErr  The encoder failed, which includes sides above 65500 pixels; nothing is written. Or the block for
+///                     the stream could not be had: `*outSize` is the length and `*outData` is null.
+OPCV_DLIB_API OSErr CompressJPEG(const KVIMG* image, int resolution, int mode, void** outData, unsigned* outSize);
+
+/// Compresses a record with libjpeg's quantisation tables; colour is subsampled 2 x 2.
+///
+/// @param image        Record of depth 8 or 24.
+/// @param description  Its two resolutions are stored, the low 16 bits of each; nothing else is read.
+/// @param mode         Quality: 0, 286, 389, 450 or 788.
+/// @param outData      Receives the stream.
+/// @param outSize      Receives its length in bytes.
+/// @retval noErr       As in `CompressJPEG`.
+/// @retval paramErr    As in `CompressJPEG`, or the description is null.
+/// @retval memFullErr  As in `CompressJPEG`.
+OPCV_DLIB_API OSErr CompressJPEGEx(const KVIMG* image, KVImageDescriptionHandle description, int mode, void** outData,
+                                   unsigned* outSize);
+
+/// `CompressJPEGEx` with a quality column of its own.
+///
+/// @param image        As in `CompressJPEGEx`.
+/// @param description  As in `CompressJPEGEx`.
+/// @param mode         As in `CompressJPEGEx`.
+/// @param outData      As in `CompressJPEGEx`.
+/// @param outSize      As in `CompressJPEGEx`.
+/// @retval noErr       As in `CompressJPEGEx`.
+/// @retval paramErr    As in `CompressJPEGEx`.
+/// @retval memFullErr  As in `CompressJPEGEx`.
+OPCV_DLIB_API OSErr CompressJPEGWithIPP(const KVIMG* image, KVImageDescriptionHandle description, int mode,
+                                        void** outData, unsigned* outSize);
+
+/// `CompressJPEGEx` under a second name.
+///
+/// @param image        As in `CompressJPEGEx`.
+/// @param description  As in `CompressJPEGEx`.
+/// @param mode         As in `CompressJPEGEx`.
+/// @param outData      As in `CompressJPEGEx`.
+/// @param outSize      As in `CompressJPEGEx`.
+/// @retval noErr       As in `CompressJPEGEx`.
+/// @retval paramErr    As in `CompressJPEGEx`.
+/// @retval memFullErr  As in `CompressJPEGEx`.
+OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescriptionHandle description, int mode,
+                                          void** outData, unsigned* outSize);
+/// @}
+
+/// @name JPEG reading
+///
+/// Decoding is OpenCV's: a truncated stream gives the rows that it holds, an EXIF orientation turns the image. Rows of
+/// the new record are packed (width or 3 x width bytes).
+/// @{
+
+/// Reads a JPEG stream into a new record: depth 8 if it is grey, otherwise 24 in the order red, green, blue.
+///
+/// @param jpegData        The stream.
+/// @param jpegSize        Its length in bytes.
+/// @param descriptionPtr  Pointer to a description handle; the page's width, height and depth are written there.
+/// @param outImage        Receives the record.
+/// @retval noErr       `*outImage` holds the page.
+/// @retval paramErr    A pointer is null, the stream is empty or cannot be decoded.
+/// @retval memFullErr  Memory ran out; the description may already hold the page's size and depth. `*outImage` is null
+///                     if the record block was refused and untouched otherwise.
+OPCV_DLIB_API OSErr ReadJPEG(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle* descriptionPtr,
+                             KVIMG** outImage);
+
+/// `ReadJPEG` under a second name.
+///
+/// @param jpegData        As in `ReadJPEG`.
+/// @param jpegSize        As in `ReadJPEG`.
+/// @param descriptionPtr  As in `ReadJPEG`.
+/// @param outImage        As in `ReadJPEG`.
+/// @retval noErr       As in `ReadJPEG`.
+/// @retval paramErr    As in `ReadJPEG`.
+/// @retval memFullErr  As in `ReadJPEG`.
+OPCV_DLIB_API OSErr ReadJPEGWithIPP(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle* descriptionPtr,
+                                    KVIMG** outImage);
+
+/// Reads a JPEG stream whose size is known before, always into 24 bits (grey is repeated in all three bytes).
+///
+/// @param jpegData     The stream.
+/// @param jpegSize     Its length in bytes.
+/// @param description  Description handle that states the width and the height; its depth becomes 24 on success, and on
+///                     failure nothing in it changes. One level of indirection less than in `ReadJPEG`.
+/// @param outImage     Receives the record.
+/// @retval noErr       `*outImage` holds the image.
+/// @retval paramErr    A pointer is null, the stream is empty or cannot be decoded, or it has another size.
+/// @retval memFullErr  Memory ran out; `*outImage` is null if the record block was refused and untouched otherwise.
+OPCV_DLIB_API OSErr ReadSplitJPEG(const unsigned char* jpegData, unsigned jpegSize,
+                                  KVImageDescriptionHandle description, KVIMG** outImage);
+/// @}
+
+/// @name Bit packing
+///
+/// Between 1-bit images, whose region may start at any bit of a byte, and grey images. A set bit is 255 in grey and a
+/// clear bit is 0; a grey pixel above the threshold becomes a set bit.
+/// @{
+
+/// Expands a 1-bit region to grey: 0 becomes 0 and 1 becomes 255.
+///
+/// @param pSrc          Byte that holds the region's first pixel.
+/// @param srcStep       Bytes from one source row to the next.
+/// @param srcBitOffset  Bits of that byte before the first pixel, 0 to 7.
+/// @param pDst          First pixel of the destination; must not overlap the source.
+/// @param dstStep       Bytes from one destination row to the next.
+/// @param roiSize       Size of the region in pixels.
+/// @retval ippStsNoErr      The region is expanded; no byte outside it is read or written.
+/// @retval ippStsBadArgErr  Null pointer, offset outside 0..7, empty region, offset and width longer than the source
+///                          row, or width longer than `dstStep`; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiConvert_1u8u_C1R(const unsigned char* pSrc, int srcStep, int srcBitOffset,
+                                                      unsigned char* pDst, int dstStep, IppiSize roiSize);
+
+/// Reduces a grey region to 1 bit by a fixed threshold: a pixel above it becomes 1, any other 0. There is no dithering.
+///
+/// The other bits of the row's first and last byte are kept, except at threshold 255, which clears them.
+///
+/// @param pSrc          First pixel of the source.
+/// @param srcStep       Bytes from one source row to the next.
+/// @param pDst          Byte that receives the region's first pixel; must not overlap the source.
+/// @param dstStep       Bytes from one destination row to the next.
+/// @param dstBitOffset  Bits of that byte before the first pixel, 0 to 7.
+/// @param roiSize       Size of the region in pixels.
+/// @param noise         Ignored.
+/// @param seed          Ignored.
+/// @param ditherType    Ignored.
+/// @param threshold     Largest grey value that becomes 0.
+/// @retval ippStsNoErr      The region is reduced; no byte outside it is read or written.
+/// @retval ippStsBadArgErr  Null pointer, offset outside 0..7, empty region, width longer than `srcStep`, or offset and
+///                          width longer than the destination row; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiReduceBits_8u1u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                         int dstStep, int dstBitOffset, IppiSize roiSize, int noise,
+                                                         int seed, int ditherType, unsigned char threshold);
+/// @}
+
+//@@ depth, thresholds, fill, colour, planes @@
+
+//@@ filters @@
+
+#ifdef __cplusplus
+}    // extern "C"
+
+#include <vector>
+
+namespace cv {
+template <typename T>
+class Scalar_;
+typedef Scalar_<double> Scalar;
+}    // namespace cv
+
+//@@ C++: rank filters @@
+
+/// @name Rotation of regions, any pixel type
+/// @{
+
+/// Turns a region about its top-left pixel and moves the result by whole pixels. Uncovered pixels get the border value.
+///
+/// When the moved destination rectangle does not lie within the region, the region is enlarged first: with what the
+/// source image really holds above, to the left and, as far as the step reaches, to the right of it, and with the
+/// border value where there is no image. Bytes that pad a row count as image.
+///
+/// @param src            First row of the source image.
+/// @param srcSize        Size of the source image.
+/// @param srcStep        Bytes from one source row to the next.
+/// @param srcRoi         Part of the source that is turned.
+/// @param dst            First row of the destination image; must not overlap the source.
+/// @param dstStep        Bytes from one destination row to the next.
+/// @param dstRoi         Part of the destination that is filled.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @param xShift         Shift to the right after the turn; rounded to whole pixels, halves away from zero.
+/// @param yShift         Shift down after the turn, likewise.
+/// @param interpolation  Ignored: always bilinear.
+/// @param type           OpenCV type code: 0 for one 8-bit channel, 16 for three, 24 for four.
+/// @param borderValue    Fill for pixels from outside the source.
+/// @retval ippStsNoErr      The destination rectangle is filled.
+/// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, a rectangle is empty or does
+///                          not fit in its rows, or a shift leaves the range of int; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus ippiRotate(const unsigned char* src, const IppiSize& srcSize, int srcStep,
+                                   const IppiRect& srcRoi, unsigned char* dst, int dstStep, const IppiRect& dstRoi,
+                                   double angle, float xShift, float yShift, int interpolation, int type,
+                                   const cv::Scalar& borderValue);
+
+/// Turns a region about a point. Uncovered pixels get the border value; everything outside the region is uncovered.
+///
+/// @param src            First row of the source image.
+/// @param srcSize        Size of the source image.
+/// @param srcStep        Bytes from one source row to the next.
+/// @param srcRoi         Part of the source that is turned.
+/// @param dst            First row of the destination image; must not overlap the source.
+/// @param dstStep        Bytes from one destination row to the next.
+/// @param dstRoi         Part of the destination that is filled. Where it is larger than the source region, the rest of
+///                       it is left as it was.
+/// @param angle          Degrees, counter-clockwise on screen.
+/// @param xCenter        Column of the centre, in pixels of the source region; converted to float.
+/// @param yCenter        Row of the centre, likewise.
+/// @param interpolation  Ignored: always bilinear.
+/// @param type           OpenCV type code: 0 for one 8-bit channel, 16 for three, 24 for four.
+/// @param borderValue    Fill for pixels from outside the source region.
+/// @retval ippStsNoErr      The destination rectangle is filled.
+/// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, or a rectangle is empty or
+///                          does not fit in its rows; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus ippiRotateCenter(const unsigned char* src, const IppiSize& srcSize, int srcStep,
+                                         const IppiRect& srcRoi, unsigned char* dst, int dstStep,
+                                         const IppiRect& dstRoi, double angle, double xCenter, double yCenter,
+                                         int interpolation, int type, const cv::Scalar& borderValue);
+/// @}
+
+/// @name JPEG compression of buffers
+///
+/// Each appends a complete stream to `out`. Nothing is checked but what the encoder checks itself.
+/// @{
+
+/// Compresses a grey raster.
+///
+/// @param pixels           First row, one byte a pixel.
+/// @param rowBytes         Bytes from one row to the next.
+/// @param width            Pixels a row, 1 to 65500.
+/// @param height           Rows, 1 to 65500.
+/// @param out              Receives the stream behind what it already holds.
+/// @param quality          1 to 100.
+/// @param yResolution      Vertical dots per inch; the low 16 bits are stored. It comes before the horizontal one.
+/// @param xResolution      Horizontal dots per inch, likewise.
+/// @param useCustomTables  The library's own quantisation table, scaled by the quality, instead of libjpeg's.
+/// @return true if a complete stream was appended; false if the encoder failed, and part of one may have been.
+/// @throws std::bad_alloc if the encoder's work buffer cannot be had; nothing is appended.
+OPCV_DLIB_API bool CompressGray2Gray444(const unsigned char* pixels, int rowBytes, int width, int height,
+                                        std::vector<unsigned char>& out, int quality, int yResolution, int xResolution,
+                                        bool useCustomTables);
+
+/// Compresses a red, green, blue raster without subsampling.
+///
+/// @param pixels           First row, three bytes a pixel.
+/// @param rowBytes         As in `CompressGray2Gray444`.
+/// @param width            As in `CompressGray2Gray444`.
+/// @param height           As in `CompressGray2Gray444`.
+/// @param out              As in `CompressGray2Gray444`.
+/// @param quality          As in `CompressGray2Gray444`.
+/// @param yResolution      As in `CompressGray2Gray444`.
+/// @param xResolution      As in `CompressGray2Gray444`.
+/// @param useCustomTables  The library's own two quantisation tables, scaled by the quality, instead of libjpeg's.
+/// @return As in `CompressGray2Gray444`.
+/// @throws std::bad_alloc if the encoder's work buffer cannot be had; nothing is appended.
+OPCV_DLIB_API bool CompressRGB2YCbCr444(const unsigned char* pixels, int rowBytes, int width, int height,
+                                        std::vector<unsigned char>& out, int quality, int yResolution, int xResolution,
+                                        bool useCustomTables);
+
+/// Compresses a red, green, blue raster with chroma subsampled 2 x 2 and libjpeg's quantisation tables.
+///
+/// @param pixels       First row, three bytes a pixel.
+/// @param rowBytes     As in `CompressGray2Gray444`.
+/// @param width        As in `CompressGray2Gray444`.
+/// @param height       As in `CompressGray2Gray444`.
+/// @param out          As in `CompressGray2Gray444`.
+/// @param quality      As in `CompressGray2Gray444`.
+/// @param yResolution  As in `CompressGray2Gray444`.
+/// @param xResolution  As in `CompressGray2Gray444`.
+/// @return As in `CompressGray2Gray444`.
+/// @throws std::bad_alloc if the encoder's work buffer cannot be had; nothing is appended.
+OPCV_DLIB_API bool CompressRGB2YCbCr411(const unsigned char* pixels, int rowBytes, int width, int height,
+                                        std::vector<unsigned char>& out, int quality, int yResolution, int xResolution);
+/// @}
+
+/// @name Bit packing without checks
+/// @{
+
+/// `IPPShare_ippiConvert_1u8u_C1R` for arguments that are known to be good.
+///
+/// @param src        Byte that holds the region's first pixel.
+/// @param srcStep    Bytes from one source row to the next.
+/// @param bitOffset  Bits of that byte before the first pixel, 0 to 7.
+/// @param dst        First pixel of the destination.
+/// @param dstStep    Bytes from one destination row to the next.
+/// @param width      Pixels a row, at least 1.
+/// @param height     Rows; 0 and less do nothing.
+OPCV_DLIB_API void Convert_1u8u_C1R(const unsigned char* src, int srcStep, int bitOffset, unsigned char* dst,
+                                    int dstStep, int width, int height);
+
+/// `IPPShare_ippiReduceBits_8u1u_C1R` for arguments that are known to be good.
+///
+/// @param src        First pixel of the source.
+/// @param srcStep    Bytes from one source row to the next.
+/// @param dst        Byte that receives the region's first pixel.
+/// @param dstStep    Bytes from one destination row to the next.
+/// @param bitOffset  Bits of that byte before the first pixel, 0 to 7.
+/// @param width      Pixels a row, at least 1.
+/// @param height     Rows; 0 and less do nothing.
+/// @param threshold  Largest grey value that becomes 0.
+OPCV_DLIB_API void Convert_8u1u_C1R(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                                    int bitOffset, int width, int height, unsigned char threshold);
+/// @}
+
+//@@ C++: thresholds @@
+
+//@@ C++: filters @@
+#endif    // __cplusplus
+
+#endif    // OPCV_DLIB_H

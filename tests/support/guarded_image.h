@@ -1,0 +1,78 @@
+// An image whose every byte around the region is a canary: random bytes in front of it, in the margin, in the row
+// padding and behind it, compared with a copy.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "support/random.h"
+
+class GuardedImage {
+public:
+    struct Layout {
+        int pixelSize = 1;       // bytes
+        int margin = 0;          // pixels on each side of the region that belong to the image
+        int padding = 0;         // bytes behind each row
+        int misalignment = 0;    // bytes by which the first row is moved off alignment
+    };
+
+    GuardedImage(Random& random, IppiSize size, Layout layout, Random::Values values = Random::Values::kAny)
+        : size_(size),
+          layout_(layout),
+          step_((size.width + 2 * layout.margin) * layout.pixelSize + layout.padding),
+          bytes_(static_cast<size_t>(step_) * static_cast<size_t>(size.height + 2 * layout.margin) + 2 * kGuard +
+                 static_cast<size_t>(layout.misalignment)) {
+        random.fill(bytes_.data(), bytes_.size(), values);
+        remember();
+    }
+
+    // Random padding, of whole pixels, and misalignment.
+    static Layout anyLayout(Random& random, int pixelSize, int margin = 0) {
+        return {pixelSize, margin, pixelSize * random.between(0, 5), random.between(0, 31)};
+    }
+
+    uint8_t* data() { return at(0, 0); }
+    const uint8_t* data() const { return at(0, 0); }
+    int step() const { return step_; }
+    IppiSize size() const { return size_; }
+    int rowBytes() const { return size_.width * layout_.pixelSize; }
+
+    // First byte of a pixel; the margin's pixels have negative or large coordinates.
+    uint8_t* at(int x, int y) { return bytes_.data() + offsetOf(x, y); }
+    const uint8_t* at(int x, int y) const { return bytes_.data() + offsetOf(x, y); }
+
+    // From here on, what is there now is what must not change.
+    void remember() { before_ = bytes_; }
+
+    bool untouched() const { return bytes_ == before_; }
+
+    // Whether no byte has changed outside a rectangle of `rowBytes` by `rows` whose corner is `firstByte` bytes into row
+    // `firstRow`.
+    bool untouchedOutside(int firstByte, int firstRow, int rowBytes, int rows) const {
+        std::vector<uint8_t> expected = before_;
+        for (int y = firstRow; y < firstRow + rows; ++y)
+            for (int x = firstByte; x < firstByte + rowBytes; ++x) {
+                const size_t i = offsetOf(0, y) + static_cast<size_t>(x);
+                expected[i] = bytes_[i];
+            }
+        return expected == bytes_;
+    }
+    bool untouchedOutsideRegion() const { return untouchedOutside(0, 0, rowBytes(), size_.height); }
+
+private:
+    static constexpr size_t kGuard = 64;
+
+    size_t offsetOf(int x, int y) const {
+        const ptrdiff_t inside = ptrdiff_t{step_} * (y + layout_.margin) +
+                                 ptrdiff_t{layout_.pixelSize} * (x + layout_.margin) + layout_.misalignment;
+        return kGuard + static_cast<size_t>(inside);
+    }
+
+    IppiSize size_;
+    Layout layout_;
+    int step_;
+    std::vector<uint8_t> bytes_;
+    std::vector<uint8_t> before_;
+};

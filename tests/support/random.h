@@ -1,0 +1,36 @@
+// Random numbers with a fixed seed, so that a failure repeats.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <random>
+
+class Random {
+public:
+    explicit Random(unsigned seed) : engine_(seed) {}
+
+    // Both ends included.
+    int between(int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine_); }
+    double real(double low, double high) { return std::uniform_real_distribution<double>(low, high)(engine_); }
+    uint8_t byte() { return static_cast<uint8_t>(engine_() & 0xFFU); }
+    bool chance(int percent) { return between(1, 100) <= percent; }
+
+    // Uniform bytes, or bytes of few or extreme values, so that ties and saturation are common.
+    enum class Values { kAny, kFew, kExtreme };
+    Values anyValues() { return static_cast<Values>(between(0, 2)); }
+
+    void fill(uint8_t* bytes, size_t count, Values values = Values::kAny) {
+        const uint8_t base = byte();
+        for (size_t i = 0; i < count; ++i) {
+            const uint8_t any = byte();
+            switch (values) {
+                case Values::kAny: bytes[i] = any; break;
+                case Values::kFew: bytes[i] = static_cast<uint8_t>(base + any % 3); break;
+                case Values::kExtreme: bytes[i] = any & 1U ? 255 : 0; break;
+            }
+        }
+    }
+
+private:
+    std::mt19937 engine_;
+};
