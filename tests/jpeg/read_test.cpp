@@ -1,0 +1,339 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <memory>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "core/ownership.h"
+#include "oracle/jpeg.h"
+#include "support/random.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// A page of soft shapes and some noise, so that a decoder's every stage matters.
+Bytes drawing(Random& random, int width, int height, int components) {
+    cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), cv::Scalar(200, 190, 170));
+    for (int i = 0; i < 6; ++i)
+        cv::circle(image, {random.between(0, width), random.between(0, height)}, random.between(1, 1 + width / 3),
+                   cv::Scalar(random.byte(), random.byte(), random.byte()), cv::FILLED);
+    Bytes bytes(image.data, image.data + image.total() * image.elemSize());
+    for (uint8_t& b : bytes) b = static_cast<uint8_t>(std::clamp(b + random.between(-9, 9), 0, 255));
+    return bytes;
+}
+
+Bytes anyStream(Random& random, int components, int width, int height) {
+    oracle::JpegSettings settings;
+    settings.components = components;
+    settings.lumaSampling = components == 3 ? random.between(1, 2) : 1;
+    settings.quality = random.between(5, 98);
+    const Bytes pixels = drawing(random, width, height, components);
+    return oracle::encodeJpeg(pixels.data(), width * components, width, height, settings);
+}
+
+Bytes grey(int width, int height) {
+    Random random(11);
+    return anyStream(random, 1, width, height);
+}
+Bytes colour(int width, int height) {
+    Random random(12);
+    return anyStream(random, 3, width, height);
+}
+
+// A stream that OpenCV writes: progressive, optimised, with restart markers, or otherwise unlike our own.
+Bytes foreignStream(Random& random, int components, int width, int height) {
+    const Bytes pixels = drawing(random, width, height, components);
+    const cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), const_cast<uint8_t*>(pixels.data()));
+    Bytes stream;
+    cv::imencode(
+        ".jpg", image, stream,
+        {cv::IMWRITE_JPEG_QUALITY, random.between(5, 98), cv::IMWRITE_JPEG_PROGRESSIVE, random.between(0, 1),
+         cv::IMWRITE_JPEG_OPTIMIZE, random.between(0, 1), cv::IMWRITE_JPEG_RST_INTERVAL, random.between(0, 3)});
+    return stream;
+}
+
+// An APP1 segment with an orientation, behind the start of the image.
+Bytes withOrientation(const Bytes& stream, uint8_t orientation) {
+    const Bytes exif = {0xFF, 0xE1, 0,    34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
+                        0,    1,    0x01, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
+    Bytes all(stream.begin(), stream.begin() + 2);
+    all.insert(all.end(), exif.begin(), exif.end());
+    all.insert(all.end(), stream.begin() + 2, stream.end());
+    return all;
+}
+
+struct Reading {
+    OSErr status = 0;
+    RecordPtr image;
+    KVImageDescription description{-1, -2, 300, 600, 77, -3};
+
+    Bytes pixels() const { return {image->data, image->data + image->size}; }
+};
+
+KVIMG* const kNothing = nullptr;
+
+Reading read(const Bytes& stream, decltype(&ReadJPEG) reader = ReadJPEG) {
+    Reading r;
+    KVImageDescription* record = &r.description;
+    KVImageDescriptionHandle handle = &record;
+    KVIMG* image = kNothing;
+    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
+    r.image.reset(image);
+    return r;
+}
+
+Reading readSplit(const Bytes& stream, int width, int height) {
+    Reading r;
+    r.description.width = width;
+    r.description.height = height;
+    KVImageDescription* record = &r.description;
+    KVIMG* image = kNothing;
+    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
+    r.image.reset(image);
+    return r;
+}
+
+cv::Mat decodeWithOpenCV(const Bytes& stream, int flags) {
+    cv::Mat image;
+    try {
+        image = cv::imdecode(stream, flags);
+    } catch (const cv::Exception&) {
+        return {};
+    }
+    if (image.data && image.channels() == 3) cv::cvtColor(image, image, cv::COLOR_BGR2RGB);
+    return image;
+}
+
+void expectSame(const Reading& r, const cv::Mat& expected, const char* what, int round) {
+    if (!expected.data) {
+        ASSERT_EQ(r.status, paramErr) << what << " " << round;
+        ASSERT_EQ(r.image, nullptr);
+        return;
+    }
+    ASSERT_EQ(r.status, noErr) << what << " " << round;
+    const KVIMG& image = *r.image;
+    ASSERT_EQ(image.width, expected.cols);
+    ASSERT_EQ(image.height, expected.rows);
+    ASSERT_EQ(image.depth, 8 * expected.channels());
+    ASSERT_EQ(image.rowBytes, image.width * expected.channels());
+    ASSERT_EQ(image.size, image.rowBytes * image.height);
+    const Bytes bytes(expected.data, expected.data + expected.total() * expected.elemSize());
+    ASSERT_TRUE(r.pixels() == bytes) << what << " " << round;
+    ASSERT_EQ(r.description.width, expected.cols);
+    ASSERT_EQ(r.description.height, expected.rows);
+    ASSERT_EQ(r.description.depth, image.depth);
+    ASSERT_EQ(r.description.horizontalResolution, 300);
+    ASSERT_EQ(r.description.verticalResolution, 600);
+    ASSERT_EQ(r.description.reserved, 77);
+}
+
+void expectUntouched(const Reading& r) {
+    EXPECT_EQ(r.image, nullptr);
+    EXPECT_EQ(r.description.width, -1);
+    EXPECT_EQ(r.description.height, -2);
+    EXPECT_EQ(r.description.depth, -3);
+}
+
+TEST(ReadJPEG, GivesTheDecodersPixels) {
+    Random random(21);
+    for (int round = 0; round < 60; ++round) {
+        const int components = random.chance(40) ? 1 : 3;
+        const int width = random.between(1, 120);
+        const int height = random.between(1, 120);
+        const Bytes stream = random.chance(50) ? anyStream(random, components, width, height)
+                                               : foreignStream(random, components, width, height);
+        expectSame(read(stream), decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR), "read", round);
+        expectSame(read(stream, ReadJPEGWithIPP), decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR), "second name", round);
+        expectSame(readSplit(stream, width, height), decodeWithOpenCV(stream, cv::IMREAD_COLOR), "split", round);
+    }
+}
+
+TEST(ReadJPEG, TurnsByTheOrientationTag) {
+    Random random(22);
+    for (const int components : {1, 3})
+        for (uint8_t orientation = 0; orientation < 10; ++orientation) {
+            const Bytes stream = withOrientation(anyStream(random, components, 40, 23), orientation);
+            expectSame(read(stream), decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR), "orientation", orientation);
+        }
+}
+
+TEST(ReadJPEG, GreyPageHasDepth8AndPackedRows) {
+    const Reading r = read(grey(33, 20));
+    ASSERT_EQ(r.status, noErr);
+    EXPECT_EQ(r.image->depth, 8);
+    EXPECT_EQ(r.image->rowBytes, 33);
+    EXPECT_EQ(r.description.depth, 8);
+}
+
+TEST(ReadJPEG, StoresRedGreenBlue) {
+    const int side = 16;
+    Bytes pixels;
+    for (int i = 0; i < side * side; ++i) pixels.insert(pixels.end(), {0, 0, 255});
+    oracle::JpegSettings settings;
+    settings.components = 3;
+    settings.quality = 100;
+    const Reading r = read(oracle::encodeJpeg(pixels.data(), side * 3, side, side, settings));
+    ASSERT_EQ(r.status, noErr);
+    EXPECT_LE(r.image->data[0], 2);
+    EXPECT_LE(r.image->data[1], 2);
+    EXPECT_GE(r.image->data[2], 253);
+}
+
+TEST(ReadSplitJPEG, ExpandsGreyToThreeEqualBytes) {
+    const Bytes stream = grey(31, 17);
+    const Reading expected = read(stream);
+    const Reading r = readSplit(stream, 31, 17);
+    ASSERT_EQ(r.status, noErr);
+    EXPECT_EQ(r.image->depth, 24);
+    EXPECT_EQ(r.description.depth, 24);
+    for (size_t i = 0; i < 31 * 17; ++i)
+        for (size_t c = 0; c < 3; ++c) ASSERT_EQ(r.image->data[3 * i + c], expected.image->data[i]);
+}
+
+TEST(ReadSplitJPEG, RefusesAnotherSize) {
+    const Bytes stream = colour(30, 20);
+    for (const auto& [width, height] : {std::pair{31, 20}, {29, 20}, {30, 21}, {30, 19}, {20, 30}}) {
+        const Reading r = readSplit(stream, width, height);
+        EXPECT_EQ(r.status, paramErr);
+        EXPECT_EQ(r.image, nullptr);
+        EXPECT_EQ(r.description.width, width);
+        EXPECT_EQ(r.description.height, height);
+        EXPECT_EQ(r.description.depth, -3);
+    }
+}
+
+TEST(ReadJPEG, RefusesMissingArguments) {
+    const Bytes stream = grey(8, 8);
+    const auto size = static_cast<unsigned>(stream.size());
+    KVImageDescription description{};
+    KVImageDescription* record = &description;
+    KVImageDescription* noRecord = nullptr;
+    KVImageDescriptionHandle handle = &record;
+    KVImageDescriptionHandle noHandle = nullptr;
+    KVImageDescriptionHandle emptyHandle = &noRecord;
+    KVIMG untouched{};
+    KVIMG* image = &untouched;
+    for (const auto reader : {ReadJPEG, ReadJPEGWithIPP}) {
+        EXPECT_EQ(reader(nullptr, size, &handle, &image), paramErr);
+        EXPECT_EQ(reader(stream.data(), 0, &handle, &image), paramErr);
+        EXPECT_EQ(reader(stream.data(), size, nullptr, &image), paramErr);
+        EXPECT_EQ(reader(stream.data(), size, &noHandle, &image), paramErr);
+        EXPECT_EQ(reader(stream.data(), size, &emptyHandle, &image), paramErr);
+        EXPECT_EQ(reader(stream.data(), size, &handle, nullptr), paramErr);
+    }
+    EXPECT_EQ(ReadSplitJPEG(nullptr, size, handle, &image), paramErr);
+    EXPECT_EQ(ReadSplitJPEG(stream.data(), 0, handle, &image), paramErr);
+    EXPECT_EQ(ReadSplitJPEG(stream.data(), size, nullptr, &image), paramErr);
+    EXPECT_EQ(ReadSplitJPEG(stream.data(), size, emptyHandle, &image), paramErr);
+    EXPECT_EQ(ReadSplitJPEG(stream.data(), size, handle, nullptr), paramErr);
+    EXPECT_EQ(image, &untouched);
+    EXPECT_EQ(description.width, 0);
+}
+
+// Where no row could be decoded, OpenCV hands out one row of memory that it never wrote, again and again; such a stream
+// is refused. Everywhere else a stream that ends early gives the decoder's partial page.
+bool holdsNoRow(const cv::Mat& expected) {
+    if (!expected.data) return false;
+    const size_t rowBytes = static_cast<size_t>(expected.cols) * expected.elemSize();
+    for (int y = 1; y < expected.rows; ++y)
+        if (std::memcmp(expected.ptr(y), expected.ptr(0), rowBytes) != 0) return false;
+    return true;
+}
+
+TEST(ReadJPEG, CutStreamsGiveTheDecodersPartialPageOrAreRefused) {
+    Random random(23);
+    int partial = 0;
+    for (int round = 0; round < 150; ++round) {
+        const int components = random.chance(40) ? 1 : 3;
+        const int width = random.between(8, 90);
+        const int height = random.between(8, 90);
+        Bytes stream = random.chance(50) ? anyStream(random, components, width, height)
+                                         : foreignStream(random, components, width, height);
+        stream.resize(static_cast<size_t>(random.between(1, static_cast<int>(stream.size()))));
+        const Reading r = read(stream);
+        const cv::Mat expected = decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR);
+        if (r.status == paramErr && holdsNoRow(expected)) {
+            expectUntouched(r);
+            continue;
+        }
+        expectSame(r, expected, "cut", round);
+        partial += r.status == noErr;
+    }
+    EXPECT_GT(partial, 30);
+}
+
+TEST(ReadJPEG, DamagedStreamsGiveTheDecodersPageOrAreRefused) {
+    Random random(24);
+    for (int round = 0; round < 250; ++round) {
+        const int components = random.chance(40) ? 1 : 3;
+        const int width = random.between(8, 70);
+        const int height = random.between(8, 70);
+        Bytes stream = random.chance(50) ? anyStream(random, components, width, height)
+                                         : foreignStream(random, components, width, height);
+        for (int i = random.between(1, 6); i > 0; --i)
+            stream[static_cast<size_t>(random.between(2, static_cast<int>(stream.size()) - 1))] = random.byte();
+        const Reading r = read(stream);
+        const cv::Mat expected = decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR);
+        if (r.status == paramErr && holdsNoRow(expected)) continue;
+        expectSame(r, expected, "damaged", round);
+    }
+}
+
+TEST(ReadJPEG, RefusesRandomBytes) {
+    Random random(25);
+    for (int round = 0; round < 200; ++round) {
+        Bytes stream(static_cast<size_t>(random.between(1, 400)));
+        random.fill(stream.data(), stream.size());
+        if (random.chance(50) && stream.size() > 3) std::copy_n(Bytes{0xFF, 0xD8, 0xFF}.begin(), 3, stream.begin());
+        const Reading r = read(stream);
+        ASSERT_EQ(r.status, paramErr);
+        expectUntouched(r);
+        ASSERT_EQ(readSplit(stream, 1, 1).status, paramErr);
+    }
+}
+
+TEST(ReadJPEG, RefusesOtherFormats) {
+    const cv::Mat image(9, 9, CV_8UC3, cv::Scalar(1, 2, 3));
+    for (const char* format : {".png", ".bmp", ".ppm", ".tiff"}) {
+        Bytes stream;
+        ASSERT_TRUE(cv::imencode(format, image, stream));
+        EXPECT_EQ(read(stream).status, paramErr) << format;
+        EXPECT_EQ(readSplit(stream, 9, 9).status, paramErr) << format;
+    }
+}
+
+// A header that claims more pixels than memory holds is refused by its claim.
+TEST(ReadJPEG, RefusesAHeaderThatClaimsTooMuch) {
+    const Bytes stream = {0xFF, 0xD8, 0xFF, 0xC0, 0, 11, 8, 0xFF, 0xDC, 0xFF, 0xDC, 1,    0,   0x11,
+                          0,    0xFF, 0xDA, 0,    8, 1,  0, 0,    0,    63,   0,    0xFF, 0xD9};
+    const Reading r = read(stream);
+    EXPECT_EQ(r.status, paramErr);
+    expectUntouched(r);
+    EXPECT_EQ(readSplit(stream, 65500, 65500).status, paramErr);
+}
+
+// 30000 x 30000 colour pixels are below the decoder's limit but cannot be described by a signed 32-bit size.
+TEST(ReadJPEG, ARasterThatCannotBeDescribedIsOutOfMemory) {
+    const uint8_t high = 30000 / 256;
+    const uint8_t low = 30000 % 256;
+    const Bytes stream = {0xFF, 0xD8, 0xFF, 0xC0, 0, 17, 8, high, low, high, low, 3, 1, 0x11, 0,  2, 0x11, 0,   3,
+                          0x11, 0,    0xFF, 0xDA, 0, 12, 3, 1,    0,   2,    0,   3, 0, 0,    63, 0, 0xFF, 0xD9};
+    const Reading r = read(stream);
+    EXPECT_EQ(r.status, memFullErr);
+    EXPECT_EQ(r.image, nullptr);
+    EXPECT_EQ(r.description.width, 30000);
+    EXPECT_EQ(r.description.height, 30000);
+    EXPECT_EQ(r.description.depth, 24);
+    const Reading split = readSplit(stream, 30000, 30000);
+    EXPECT_EQ(split.status, memFullErr);
+    EXPECT_EQ(split.image, nullptr);
+    EXPECT_EQ(split.description.depth, -3);
+}
+
+}    // namespace
