@@ -1,0 +1,37 @@
+# Installs into an empty prefix, then builds and runs the README's examples against it, once with find_package and once
+# with pkg-config.
+file(REMOVE_RECURSE ${WORK})
+set(prefix ${WORK}/prefix)
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+    if(NOT result EQUAL 0)
+        message(FATAL_ERROR "${ARGN}: ${result}\n${output}")
+    endif()
+    set(output "${output}" PARENT_SCOPE)
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+file(GLOB_RECURSE pc ${prefix}/*.pc)
+get_filename_component(pc_dir ${pc} DIRECTORY)
+get_filename_component(lib_dir ${pc_dir} DIRECTORY)
+
+run(${CMAKE_COMMAND} -S ${CONSUMER} -B ${WORK}/consumer -DCMAKE_PREFIX_PATH=${prefix} -DEXAMPLES=${EXAMPLES})
+run(${CMAKE_COMMAND} --build ${WORK}/consumer)
+foreach(program IN ITEMS first_c first_cpp)
+    run(${WORK}/consumer/${program})
+endforeach()
+
+set(ENV{PKG_CONFIG_PATH} ${pc_dir})
+set(ENV{LD_LIBRARY_PATH} ${lib_dir})
+foreach(pair IN ITEMS "cc -std=c11|first.c" "c++ -std=c++17|first.cpp")
+    string(REPLACE "|" ";" pair "${pair}")
+    list(GET pair 0 compiler)
+    list(GET pair 1 program)
+    run(sh -c "${compiler} -Wall -Wextra -Werror ${EXAMPLES}/${program} $(pkg-config --cflags --libs OPCV_dlib) -o ${WORK}/${program}.out")
+    run(${WORK}/${program}.out)
+endforeach()
+run(sh -c "pkg-config --print-requires --print-requires-private OPCV_dlib")
+if(output MATCHES "opencv")
+    message(FATAL_ERROR "The .pc file pulls in OpenCV: ${output}")
+endif()

@@ -1,0 +1,12 @@
+# The README shows the example programs as they are compiled and run by the tests.
+file(READ ${ROOT}/README.md readme)
+foreach(pair IN ITEMS "cpp|first.cpp" "c|first.c")
+    string(REPLACE "|" ";" pair "${pair}")
+    list(GET pair 0 language)
+    list(GET pair 1 program)
+    file(READ ${ROOT}/examples/readme/${program} code)
+    string(FIND "${readme}" "```${language}\n${code}```" place)
+    if(place EQUAL -1)
+        message(FATAL_ERROR "README.md does not show examples/readme/${program} as it is")
+    endif()
+endforeach()
