@@ -1,0 +1,7 @@
+// The skew of a page, found by Leptonica.
+#pragma once
+
+#include "page.h"
+
+// False where no text lines can be told. Otherwise the degrees by which the page must be turned counter-clockwise.
+bool findSkew(const Bits& bits, double& degrees);
