@@ -2,6 +2,7 @@
 
 #include <jerror.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -36,6 +37,7 @@ const unsigned char DEFAULT_CREATOR[8] = {'K', 'O', 'R', 'V', 'E', 'L', 'I', 'N'
 namespace {
 
 constexpr int kApiVersion = 62;
+constexpr JDIMENSION kRowsAtOnce = 16;    // as many as the coder takes for one row of blocks
 
 JpegDestination& destinationOf(j_compress_ptr cinfo) { return *reinterpret_cast<JpegDestination*>(cinfo->dest); }
 
@@ -194,8 +196,11 @@ bool KVCompress::Compress(const unsigned char* pixels, int rowBytes, const unsig
             jpeg_write_marker(cinfo, JPEG_COM, marker, static_cast<unsigned>(markerLength));
         const size_t step = static_cast<unsigned>(rowBytes);
         while (cinfo->next_scanline < cinfo->image_height) {
-            JSAMPROW row = const_cast<JSAMPROW>(pixels + step * cinfo->next_scanline);
-            jpeg_write_scanlines(cinfo, &row, 1);
+            const JDIMENSION count = std::min<JDIMENSION>(kRowsAtOnce, cinfo->image_height - cinfo->next_scanline);
+            JSAMPROW rows[kRowsAtOnce];
+            for (JDIMENSION i = 0; i < count; ++i)
+                rows[i] = const_cast<JSAMPROW>(pixels + step * (cinfo->next_scanline + i));
+            jpeg_write_scanlines(cinfo, rows, count);
         }
         jpeg_finish_compress(cinfo);
     });
