@@ -109,7 +109,7 @@ Page::Page(IppiSize size, int pixelSize)
 bool Page::sameRegion(const Page& other) const {
     for (int y = 0; y < size_.height; ++y)
         if (std::memcmp(data() + ptrdiff_t{y} * step_, other.data() + ptrdiff_t{y} * other.step_,
-                        static_cast<size_t>(size_.width * pixelSize_)) != 0)
+                        static_cast<size_t>(size_.width) * static_cast<size_t>(pixelSize_)) != 0)
             return false;
     return true;
 }

@@ -91,7 +91,7 @@ void error_exit(j_common_ptr cinfo) { std::longjmp(reinterpret_cast<JpegErrorTra
 // destructor, as the jump would pass over it.
 template <class Calls>
 bool KVCompress::attempt(Calls calls) {
-    if (setjmp(jumpBuffer) != 0) return false;    // NOLINT(cert-err52-cpp): libjpeg's errors must not return to it
+    if (setjmp(jumpBuffer) != 0) return false;
     calls();
     return true;
 }

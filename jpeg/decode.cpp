@@ -61,7 +61,7 @@ private:
     // Runs libjpeg calls under an armed jump point. They must create nothing that has a destructor.
     template <class Calls>
     Outcome attempt(Calls calls) {
-        if (setjmp(jumpBuffer_) == 0) return calls();    // NOLINT(cert-err52-cpp): libjpeg's errors must not return
+        if (setjmp(jumpBuffer_) == 0) return calls();
         return errors_.msg_code == JERR_OUT_OF_MEMORY ? Outcome::kNoMemory : Outcome::kRefused;
     }
 

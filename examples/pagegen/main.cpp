@@ -92,9 +92,7 @@ void shadeAndAddNoise(cv::Mat& page, unsigned seed) {
     }
 }
 
-}    // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     double skew = 2.3;
     unsigned seed = 1;
     std::string file;
@@ -127,4 +125,15 @@ int main(int argc, char** argv) {
     }
     std::printf("%s: %d x %d, %d dpi, skew %.2f degrees\n", file.c_str(), kWidth, kHeight, kDpi, skew);
     return 0;
+}
+
+}    // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "pagegen: %s\n", e.what());
+        return 2;
+    }
 }

@@ -107,7 +107,7 @@ double peakMegabytes() {
 void printPeak(double peak, const std::vector<Report>& reports) {
     double largest = 0;
     for (const Report& r : reports)
-        largest = std::max(largest, static_cast<double>(r.width) * r.height * (r.depth / 8) / kMegabyte);
+        largest = std::max(largest, static_cast<double>(r.width) * r.height * r.depth / 8 / kMegabyte);
     std::printf("peak memory %.1f MB", peak);
     if (largest > 0) std::printf(", %.1f times the pixels of the largest page", peak / largest);
     std::printf("\n");

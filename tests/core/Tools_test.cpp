@@ -179,7 +179,10 @@ void checkReversal(int type) {
                 for (int c = 0; c < kernel.cols; ++c) {
                     const int j = kernel.rows - 1 - r;
                     const int i = kernel.cols - 1 - c;
-                    const T expected = j < height && i < width ? cells[static_cast<size_t>(j * width + i)] : T{0};
+                    const T expected =
+                        j < height && i < width
+                            ? cells[static_cast<size_t>(j) * static_cast<size_t>(width) + static_cast<size_t>(i)]
+                            : T{0};
                     ASSERT_EQ(kernel.at<T>(r, c), expected);
                 }
         }
