@@ -19,10 +19,11 @@ unsigned char firstByteOfDepth(const KVImageHeader& header) {
 // A positive angle turns clockwise; 180 itself is not wrapped.
 double counterClockwise(double angle) { return angle > 180.0 ? -(angle - 360.0) : -angle; }
 
-// The canvas is written with the header's own step, which must not lead past the record's pixels.
+// The canvas is written with the header's own step, in whole pixels, which must not lead past the record's pixels.
 bool staysWithin(const KVIMG& record, int rowStep) {
-    const int64_t rowLength = int64_t{record.width} * (record.depth / 8);
-    return int64_t{rowStep} * (record.height - 1) + rowLength <= record.size;
+    const int pixelSize = record.depth / 8;
+    const int64_t pitch = rowStep / pixelSize * pixelSize;
+    return pitch * (record.height - 1) + int64_t{record.width} * pixelSize <= record.size;
 }
 
 }    // namespace
