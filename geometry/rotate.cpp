@@ -1,11 +1,14 @@
-// Rotation of a region about a point by any angle: OpenCV's bilinear affine warp.
+// Rotation of a region about a point by any angle, as OpenCV's bilinear affine warp of the padded region has it. The
+// usual pixel types go to a kernel that computes the destination rectangle only, straight into it.
 #include <algorithm>
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "geometry/rotate_kernel.h"
 
 namespace {
 
@@ -54,58 +57,130 @@ bool place(float xShift, float yShift, const IppiRect& src, const IppiRect& dst,
     return p.fitsInt(src);
 }
 
-OSErr viewOf(const Image& image, cv::Mat& view) {
-    const IppiRect& r = image.roi;
-    return Tools::CreateAndCutImageMat(const_cast<unsigned char*>(image.pixels), image.step,
-                                       cv::Rect(r.x, r.y, r.width, r.height), image.type, view);
+OSErr viewOf(const unsigned char* pixels, int step, const cv::Rect& r, int type, cv::Mat& view) {
+    return Tools::CreateAndCutImageMat(const_cast<unsigned char*>(pixels), step, r, type, view);
 }
 
-OSErr warp(const cv::Mat& work, cv::Point2f centre, double angle, const cv::Scalar& borderValue, cv::Mat& turned) {
-    const cv::Mat matrix = cv::getRotationMatrix2D(centre, angle, 1.0);
+// Turns the region where it lies in the work image and takes the target out of the result.
+struct Turn {
+    cv::Mat region;
+    Placement place;
+    cv::Point2f centre;
+    double angle;
+    const cv::Scalar& border;
+    const Target& target;
+
+    cv::Size workSize() const {
+        return {region.cols + static_cast<int>(place.left + place.right),
+                region.rows + static_cast<int>(place.top + place.bottom)};
+    }
+    cv::Point origin() const { return {static_cast<int>(place.x), static_cast<int>(place.y)}; }
+};
+
+OSErr turnByOpenCV(const Turn& turn) {
+    // The border is not isolated: where the source image goes on around the region, its pixels come before the value.
+    const Placement& p = turn.place;
+    cv::Mat work = turn.region;
+    if (p.padded())
+        cv::copyMakeBorder(turn.region, work, static_cast<int>(p.top), static_cast<int>(p.bottom),
+                           static_cast<int>(p.left), static_cast<int>(p.right), cv::BORDER_CONSTANT, turn.border);
+    if (!work.data) return memFullErr;
+
+    const cv::Mat matrix = cv::getRotationMatrix2D(turn.centre, turn.angle, 1.0);
     if (!matrix.data) return memFullErr;
-    cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, borderValue);
-    return turned.data ? noErr : memFullErr;
+    cv::Mat turned;
+    cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, turn.border);
+    if (!turned.data) return memFullErr;
+
+    const IppiRect& r = turn.target.roi;
+    return Tools::CopyImageMatData(turned, turn.origin(), turn.target.pixels, turn.target.step, cv::Point(r.x, r.y),
+                                   cv::Size(r.width, r.height));
 }
 
-OSErr copyOut(const cv::Mat& turned, const cv::Point& origin, const Target& target) {
-    const IppiRect& r = target.roi;
-    return Tools::CopyImageMatData(turned, origin, target.pixels, target.step, cv::Point(r.x, r.y),
-                                   cv::Size(r.width, r.height));
+// What the kernel covers. OpenCV refuses longer images by an exception, which callers get from it.
+bool isDirect(int type, cv::Size work, const AffineMap& map) {
+    const bool knownType = type == CV_8UC1 || type == CV_8UC3 || type == CV_8UC4;
+    return knownType && work.width < SHRT_MAX && work.height < SHRT_MAX && map.isTame();
+}
+
+// Whether two views share any byte between the first and the last that each has.
+bool overlap(const cv::Mat& a, const cv::Mat& b) {
+    const auto end = [](const cv::Mat& m) { return m.ptr(m.rows - 1) + static_cast<size_t>(m.cols) * m.elemSize(); };
+    const std::less<> before;
+    return before(a.data, end(b)) && before(b.data, end(a));
+}
+
+void rotateInBands(const RotationJob& job, int rows) {
+    constexpr double kPixelsOfBand = 1 << 16;
+    const double bands = static_cast<double>(job.targetWidth) * rows / kPixelsOfBand;
+    if (bands < 1) return rotateRows(job, 0, rows);
+    cv::parallel_for_(
+        cv::Range(0, rows), [&job](const cv::Range& band) { rotateRows(job, band.start, band.end); }, bands);
+}
+
+// The padding is never made: what counts as image is a larger view, and all around it lies the border.
+OSErr turnDirectly(const Turn& turn, AffineMap map) {
+    const IppiRect& r = turn.target.roi;
+    const cv::Size rest = turn.workSize() - cv::Size(turn.origin());
+    const cv::Rect covered(r.x, r.y, std::min(r.width, rest.width), std::min(r.height, rest.height));
+    cv::Mat to;
+    if (const OSErr err = viewOf(turn.target.pixels, turn.target.step, covered, turn.region.type(), to)) return err;
+
+    const Placement& p = turn.place;
+    cv::Size whole;
+    cv::Point regionAt;
+    turn.region.locateROI(whole, regionAt);
+    cv::Mat from = turn.region;
+    if (p.padded())
+        from.adjustROI(static_cast<int>(p.top), static_cast<int>(p.bottom), static_cast<int>(p.left),
+                       static_cast<int>(p.right));
+    if (overlap(from, to)) return turnByOpenCV(turn);
+    cv::Point fromAt;
+    from.locateROI(whole, fromAt);
+
+    RotationJob job;
+    map.moveOrigins(turn.origin().x, turn.origin().y, static_cast<int>(p.left) - (regionAt.x - fromAt.x),
+                    static_cast<int>(p.top) - (regionAt.y - fromAt.y));
+    job.map = map;
+    job.source = from.data;
+    job.sourceStep = static_cast<ptrdiff_t>(from.step[0]);
+    job.sourceWidth = from.cols;
+    job.sourceHeight = from.rows;
+    job.target = to.data;
+    job.targetStep = static_cast<ptrdiff_t>(to.step[0]);
+    job.targetWidth = to.cols;
+    job.channels = from.channels();
+    for (int i = 0; i < RotationJob::kMaxChannels; ++i)
+        job.border[static_cast<size_t>(i)] = cv::saturate_cast<uint8_t>(turn.border[i]);
+    rotateInBands(job, to.rows);
+    return noErr;
+}
+
+OSErr run(const Turn& turn) {
+    const AffineMap map = AffineMap::inverseOf(cv::getRotationMatrix2D_(turn.centre, turn.angle, 1.0).val);
+    return isDirect(turn.region.type(), turn.workSize(), map) ? turnDirectly(turn, map) : turnByOpenCV(turn);
 }
 
 bool exceeds(const IppiRect& roi, const IppiSize& size) { return size.width < roi.width || size.height < roi.height; }
 
+cv::Rect rectOf(const IppiRect& r) { return {r.x, r.y, r.width, r.height}; }
+
 OSErr rotate(const Image& source, const Target& target, double angle, float xShift, float yShift,
-             const cv::Scalar& borderValue) {
+             const cv::Scalar& border) {
     if (exceeds(source.roi, source.size)) return paramErr;
     Placement p;
     if (!place(xShift, yShift, source.roi, target.roi, p)) return paramErr;
-    cv::Mat work;
-    if (const OSErr err = viewOf(source, work)) return err;
-
-    // The border is not isolated: where the source image goes on around the region, its pixels come before the value.
-    if (p.padded()) {
-        cv::Mat padded;
-        cv::copyMakeBorder(work, padded, static_cast<int>(p.top), static_cast<int>(p.bottom), static_cast<int>(p.left),
-                           static_cast<int>(p.right), cv::BORDER_CONSTANT, borderValue);
-        work = padded;
-    }
-    if (!work.data) return memFullErr;
-
-    const cv::Point2f corner(static_cast<float>(p.left), static_cast<float>(p.top));
-    cv::Mat turned;
-    if (const OSErr err = warp(work, corner, angle, borderValue, turned)) return err;
-    return copyOut(turned, cv::Point(static_cast<int>(p.x), static_cast<int>(p.y)), target);
+    cv::Mat region;
+    if (const OSErr err = viewOf(source.pixels, source.step, rectOf(source.roi), source.type, region)) return err;
+    return run({region, p, cv::Point2f(static_cast<float>(p.left), static_cast<float>(p.top)), angle, border, target});
 }
 
 OSErr rotateAbout(const Image& source, const Target& target, double angle, cv::Point2f centre,
-                  const cv::Scalar& borderValue) {
+                  const cv::Scalar& border) {
     if (exceeds(source.roi, source.size)) return paramErr;
-    cv::Mat work;
-    if (const OSErr err = viewOf(source, work)) return err;
-    cv::Mat turned;
-    if (const OSErr err = warp(work, centre, angle, borderValue, turned)) return err;
-    return copyOut(turned, cv::Point(0, 0), target);
+    cv::Mat region;
+    if (const OSErr err = viewOf(source.pixels, source.step, rectOf(source.roi), source.type, region)) return err;
+    return run({region, Placement(), centre, angle, border, target});
 }
 
 OSErr rotateOnBlack(const Image& source, const Target& target, double angle, double xShift, double yShift,

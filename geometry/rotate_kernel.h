@@ -1,0 +1,26 @@
+// Bilinear rotation of 8-bit pixels straight into the target, for arguments that have been checked.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "geometry/affine_map.h"
+
+struct RotationJob {
+    static constexpr int kMaxChannels = 4;
+
+    AffineMap map;                      // from target pixels to source positions
+    const uint8_t* source = nullptr;    // everything that counts as image; outside it lies the border colour
+    ptrdiff_t sourceStep = 0;
+    int sourceWidth = 0;
+    int sourceHeight = 0;
+    uint8_t* target = nullptr;    // must not overlap the source
+    ptrdiff_t targetStep = 0;
+    int targetWidth = 0;
+    int channels = 1;    // 1, 3 or 4
+    std::array<uint8_t, kMaxChannels> border{};
+};
+
+// Fills the target's rows from `firstRow` up to `endRow`, exclusive.
+void rotateRows(const RotationJob& job, int firstRow, int endRow);
