@@ -375,7 +375,79 @@ OPCV_DLIB_API OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVI
                                              KVIMG** unitedRecord, double angle);
 /// @}
 
-//@@ resize @@
+/// @name Resize
+///
+/// Always bilinear, as OpenCV computes it: pixel centres correspond, source pixels are repeated at the edges, weights
+/// have 11 bits. There is no smoothing before a reduction, except that exactly half in both directions is the mean of
+/// 2 x 2 pixels. Equal sizes are copied.
+/// @{
+
+/// Scales a page by numerator / denominator into a new record made by `CreateNewKVIMGPtr`, for instance from one
+/// resolution to another. Both sides are truncated to whole pixels: 101 x 51 at half becomes 50 x 25.
+///
+/// @param src          Page of depth 8, 24 or 32.
+/// @param dst          Receives the new record. Pass `*dst` as null: on every failure a record that it holds, the
+///                     caller's own included, is released and `*dst` is set to null; on success it is overwritten.
+/// @param denominator  Divisor of the scale.
+/// @param numerator    Dividend of the scale.
+/// @retval noErr            `*dst` holds the scaled page.
+/// @retval paramErr         A pointer is null; the page does not fit in its rows; a side of the scaled page is 0 or
+///                          less, or the scale is no number.
+/// @retval memFullErr       The record could not be made, or a side of the scaled page leaves the range of int.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32 and no record had to be refused for its size before.
+OPCV_DLIB_API OSErr ResizeImageWithIPPEx(const KVIMG* src, KVIMG** dst, double denominator, double numerator);
+
+/// Scales a region of one 8-bit channel by two factors, moves the result by whole pixels and puts it into a
+/// destination rectangle. What the moved image does not reach is left as it was.
+///
+/// The scaled size is the region's times the factors, rounded to the nearest, halves to even. A shift to the right
+/// leaves that many columns at the left of the rectangle untouched, a shift to the left drops columns of the scaled
+/// image; rows likewise.
+///
+/// @param src            First row of the source image.
+/// @param srcSize        Size of the source image.
+/// @param srcStep        Bytes from one source row to the next.
+/// @param srcRoi         Part of the source that is scaled; nothing outside it is read.
+/// @param dst            First row of the destination image; must not overlap the source.
+/// @param dstStep        Bytes from one destination row to the next.
+/// @param dstRoi         Part of the destination that is filled.
+/// @param xFactor        Scale of the width, above 0.
+/// @param yFactor        Scale of the height, above 0.
+/// @param xShift         Shift to the right after scaling; rounded to whole pixels, halves away from zero.
+/// @param yShift         Shift down after scaling, likewise.
+/// @param interpolation  Ignored: always bilinear.
+/// @param buffer         Ignored.
+/// @retval ippStsNoErr      The rectangle is filled as far as the moved image reaches.
+/// @retval ippStsBadArgErr  The region is larger than the source image or does not fit in its rows; a pointer is null;
+///                          the shift leaves the range of int or moves the image out of the rectangle; or what is left
+///                          of the rectangle does not fit in its rows. Nothing is written.
+/// @retval ippStsNoMemErr   The scaled image has no pixels; nothing is written.
+/// @throws cv::Exception if a factor is not above 0 or the scaled image is empty.
+OPCV_DLIB_API IppStatus OPCV_ippiResizeSqrPixel_8u_C1R(const unsigned char* src, IppiSize srcSize, int srcStep,
+                                                       IppiRect srcRoi, unsigned char* dst, int dstStep,
+                                                       IppiRect dstRoi, double xFactor, double yFactor, double xShift,
+                                                       double yShift, int interpolation, unsigned char* buffer);
+
+/// Scales a region of three interleaved 8-bit channels to the size of the destination region.
+///
+/// @param src            First row of the source image.
+/// @param srcSize        Size of the source image.
+/// @param srcStep        Bytes from one source row to the next, a multiple of 3.
+/// @param srcRoi         Part of the source that is scaled; nothing outside it is read.
+/// @param dst            First pixel of the destination region; must not overlap the source.
+/// @param dstStep        Bytes from one destination row to the next, a multiple of 3.
+/// @param dstRoiSize     Size of the destination region; it alone decides the scale.
+/// @param xFactor        Ignored.
+/// @param yFactor        Ignored.
+/// @param interpolation  Ignored: always bilinear.
+/// @retval ippStsNoErr      The destination region is filled.
+/// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, or a region is empty or does
+///                          not fit in its rows; nothing is written.
+OPCV_DLIB_API IppStatus IPPMini_ippiResize_8u_C3R(const unsigned char* src, IppiSize srcSize, int srcStep,
+                                                  IppiRect srcRoi, unsigned char* dst, int dstStep,
+                                                  IppiSize dstRoiSize, double xFactor, double yFactor,
+                                                  int interpolation);
+/// @}
 
 /// @name JPEG compression
 ///
@@ -532,7 +604,170 @@ OPCV_DLIB_API IppStatus IPPShare_ippiReduceBits_8u1u_C1R(const unsigned char* pS
                                                          int seed, int ditherType, unsigned char threshold);
 /// @}
 
-//@@ depth, thresholds, fill, colour, planes @@
+/// @name Depth conversion
+///
+/// Steps of 16-bit images are whole multiples of 2: with an odd one each further row starts a byte early.
+/// @{
+
+/// Widens 8-bit pixels to 16-bit signed: 0 to 255 stay what they are.
+///
+/// @param pSrc     First pixel of the source region.
+/// @param srcStep  Bytes from one source row to the next, at least `roiSize.width`.
+/// @param pDst     First pixel of the destination region; must not overlap the source.
+/// @param dstStep  Bytes from one destination row to the next, at least 2 x `roiSize.width`.
+/// @param roiSize  Size of the region in pixels, both sides above 0.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than its step; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiConvert_8u16s_C1R(const unsigned char* pSrc, int srcStep, short* pDst, int dstStep,
+                                                       IppiSize roiSize);
+
+/// Narrows 16-bit signed pixels to 8 bits, saturated: below 0 becomes 0 and above 255 becomes 255.
+///
+/// @param pSrc     First pixel of the source region.
+/// @param srcStep  Bytes from one source row to the next, at least 2 x `roiSize.width`.
+/// @param pDst     First pixel of the destination region; must not overlap the source.
+/// @param dstStep  Bytes from one destination row to the next, at least `roiSize.width`.
+/// @param roiSize  Size of the region in pixels, both sides above 0.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than its step; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiConvert_16s8u_C1R(const short* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                                       IppiSize roiSize);
+/// @}
+
+/// @name Thresholds and fill
+/// @{
+
+/// Replaces, in place, each pixel that is less than **or equal to** the threshold.
+///
+/// @param pSrcDst     First pixel of the region.
+/// @param srcDstStep  Bytes from one row to the next, at least `roiSize.width`.
+/// @param roiSize     Size of the region in pixels, both sides above 0.
+/// @param threshold   Largest value that is replaced.
+/// @param value       What it is replaced by.
+/// @retval ippStsNoErr      The region is thresholded; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than the step, as with every negative step;
+///                          nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiThreshold_LTVal_8u_C1IR(unsigned char* pSrcDst, int srcDstStep, IppiSize roiSize,
+                                                             unsigned char threshold, unsigned char value);
+
+/// `IPPShare_ippiThreshold_LTVal_8u_C1IR` for 16-bit signed pixels, with one difference: a negative step is allowed and
+/// walks upwards from the first row.
+///
+/// @param pSrcDst     First pixel of the region.
+/// @param srcDstStep  Bytes from one row to the next: at least 2 x `roiSize.width`, or negative.
+/// @param roiSize     Size of the region in pixels, both sides above 0.
+/// @param threshold   Largest value that is replaced.
+/// @param value       What it is replaced by.
+/// @retval ippStsNoErr      The region is thresholded; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than a step that is not negative; nothing is
+///                          written.
+OPCV_DLIB_API IppStatus IPPShare_ippiThreshold_LTVal_16s_C1IR(short* pSrcDst, int srcDstStep, IppiSize roiSize,
+                                                              short threshold, short value);
+
+/// Sets every pixel of an 8-bit region to one value.
+///
+/// @param value    The value.
+/// @param pDst     First pixel of the region.
+/// @param dstStep  Bytes from one row to the next, at least `roiSize.width`.
+/// @param roiSize  Size of the region in pixels, both sides above 0.
+/// @retval ippStsNoErr      The region is filled; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than the step; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiSet_8u_C1R(unsigned char value, unsigned char* pDst, int dstStep,
+                                                IppiSize roiSize);
+/// @}
+
+/// @name Colour space
+///
+/// Analog YUV of full range, in OpenCV's fixed point (14 bits), with U and V around 128:
+/// Y = 0.299 R + 0.587 G + 0.114 B, U = 0.492 (B - Y) + 128, V = 0.877 (R - Y) + 128 and back; all saturated to bytes.
+/// @{
+
+/// Converts packed RGB to packed YUV.
+///
+/// @param pSrc     First pixel of the source region.
+/// @param srcStep  Bytes from one source row to the next, a multiple of 3.
+/// @param pDst     First pixel of the destination region: the source itself, with the same step, or no part of it.
+/// @param dstStep  Bytes from one destination row to the next, a multiple of 3.
+/// @param roiSize  Size of the region in pixels, both sides above 0.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than its step; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiRGBToYUV_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                     int dstStep, IppiSize roiSize);
+
+/// Converts packed YUV to packed RGB.
+///
+/// @param pSrc     As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @param srcStep  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @param pDst     As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @param dstStep  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @param roiSize  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @retval ippStsNoErr      As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @retval ippStsBadArgErr  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @retval ippStsNoMemErr   As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+OPCV_DLIB_API IppStatus IPPShare_ippiYUVToRGB_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                     int dstStep, IppiSize roiSize);
+
+/// Converts packed RGB to planes of Y, U and V. The planes may overlap the source, not each other.
+///
+/// @param pSrc     First pixel of the source region.
+/// @param srcStep  Bytes from one source row to the next, a multiple of 3.
+/// @param pDst     First pixels of the three destination planes.
+/// @param dstStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
+/// @param roiSize  Size of the region in pixels.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, or a row longer than its step; nothing is written.
+/// @retval ippStsNoMemErr   Empty region, or one of 2^31 bytes or more at 3 bytes a pixel and rows of a multiple of 64;
+///                          comes before the other. Or memory ran out. Nothing is written.
+OPCV_DLIB_API IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep,
+                                                      unsigned char* const pDst[3], int dstStep, IppiSize roiSize);
+
+/// Converts planes of Y, U and V to packed RGB. The destination may overlap the planes.
+///
+/// @param pSrc     First pixels of the three source planes.
+/// @param srcStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
+/// @param pDst     First pixel of the destination region.
+/// @param dstStep  Bytes from one destination row to the next, a multiple of 3.
+/// @param roiSize  Size of the region in pixels.
+/// @retval ippStsNoErr      As in `IPPMini_ippiRGBToYUV_8u_C3P3R`.
+/// @retval ippStsBadArgErr  As in `IPPMini_ippiRGBToYUV_8u_C3P3R`.
+/// @retval ippStsNoMemErr   As in `IPPMini_ippiRGBToYUV_8u_C3P3R`.
+OPCV_DLIB_API IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep,
+                                                      unsigned char* pDst, int dstStep, IppiSize roiSize);
+/// @}
+
+/// @name Plane layout
+/// @{
+
+/// Copies the three channels of a packed image into planes.
+///
+/// @param pSrc     First pixel of the source region.
+/// @param srcStep  Bytes from one source row to the next, a multiple of 3.
+/// @param pDst     First pixels of the three destination planes, which must not overlap the source nor each other.
+/// @param dstStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
+/// @param roiSize  Size of the region in pixels, both sides above 0.
+/// @retval ippStsNoErr      The channels are copied; bytes outside the region are untouched.
+/// @retval ippStsBadArgErr  Null pointer, also of a single plane, empty region, or a row longer than its step; nothing is
+///                          written to any plane.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_C3P3R(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3],
+                                                  int dstStep, IppiSize roiSize);
+
+/// Copies three planes into the channels of a packed image.
+///
+/// @param pSrc     First pixels of the three source planes.
+/// @param srcStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
+/// @param pDst     First pixel of the destination region, which must not overlap the planes.
+/// @param dstStep  Bytes from one destination row to the next, a multiple of 3.
+/// @param roiSize  Size of the region in pixels, both sides above 0.
+/// @retval ippStsNoErr      The planes are copied; bytes outside the region are untouched.
+/// @retval ippStsBadArgErr  As in `IPPMini_ippiCopy_8u_C3P3R`.
+/// @retval ippStsNoMemErr   As in `IPPMini_ippiCopy_8u_C3P3R`.
+OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep, unsigned char* pDst,
+                                                  int dstStep, IppiSize roiSize);
+/// @}
 
 //@@ filters @@
 
@@ -690,7 +925,30 @@ OPCV_DLIB_API void Convert_8u1u_C1R(const unsigned char* src, int srcStep, unsig
                                     int bitOffset, int width, int height, unsigned char threshold);
 /// @}
 
-//@@ C++: thresholds @@
+/// @name Thresholds without checks
+/// @{
+
+/// `IPPShare_ippiThreshold_LTVal_8u_C1IR` for arguments that are known to be good. The step may be negative.
+///
+/// @param p          First pixel of the region.
+/// @param step       Bytes from one row to the next.
+/// @param width      Pixels a row; 0 and less do nothing.
+/// @param height     Rows; 0 and less do nothing.
+/// @param threshold  Largest value that is replaced.
+/// @param value      What it is replaced by.
+OPCV_DLIB_API void Threshold_LTVal_8u_C1IR(unsigned char* p, int step, int width, int height, unsigned char threshold,
+                                           unsigned char value);
+
+/// `IPPShare_ippiThreshold_LTVal_16s_C1IR` for arguments that are known to be good.
+///
+/// @param p          First pixel of the region.
+/// @param step       Bytes from one row to the next, of any sign.
+/// @param width      Pixels a row; 0 and less do nothing.
+/// @param height     Rows; 0 and less do nothing.
+/// @param threshold  Largest value that is replaced.
+/// @param value      What it is replaced by.
+OPCV_DLIB_API void Threshold_LTVal_16s_C1IR(short* p, int step, int width, int height, short threshold, short value);
+/// @}
 
 //@@ C++: filters @@
 #endif    // __cplusplus

@@ -1,0 +1,28 @@
+// Conversion between 8-bit and 16-bit signed pixels.
+#include "OPCV_dlib.h"
+#include "core/Tools.h"
+
+namespace {
+
+OSErr convertDepth(const void* pSrc, int srcStep, int srcType, void* pDst, int dstStep, int dstType, IppiSize roi) {
+    const cv::Rect region(0, 0, roi.width, roi.height);
+    cv::Mat from;
+    if (const OSErr err = Tools::CreateAndCutImageMat(const_cast<void*>(pSrc), srcStep, region, srcType, from))
+        return err;
+    cv::Mat to;
+    if (const OSErr err = Tools::CreateAndCutImageMat(pDst, dstStep, region, dstType, to)) return err;
+    from.convertTo(to, dstType);
+    return noErr;
+}
+
+}    // namespace
+
+IppStatus IPPShare_ippiConvert_8u16s_C1R(const unsigned char* pSrc, int srcStep, short* pDst, int dstStep,
+                                         IppiSize roiSize) {
+    return Tools::OSErrToIppStatus(convertDepth(pSrc, srcStep, CV_8UC1, pDst, dstStep, CV_16SC1, roiSize));
+}
+
+IppStatus IPPShare_ippiConvert_16s8u_C1R(const short* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                         IppiSize roiSize) {
+    return Tools::OSErrToIppStatus(convertDepth(pSrc, srcStep, CV_16SC1, pDst, dstStep, CV_8UC1, roiSize));
+}

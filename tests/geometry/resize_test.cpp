@@ -1,0 +1,501 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "core/ownership.h"
+#include "oracle/resize.h"
+#include "support/cv_views.h"
+#include "support/fenced_memory.h"
+#include "support/guarded_image.h"
+#include "support/random.h"
+
+namespace {
+
+int channelsOf(int depth) { return depth / 8; }
+
+RecordPtr makePage(Random& random, int width, int height, int depth, Random::Values values = Random::Values::kAny) {
+    RecordPtr page;
+    EXPECT_EQ(createRecord({0, 0, height, width}, static_cast<unsigned char>(depth), page), noErr);
+    random.fill(page->data, static_cast<size_t>(page->size), values);
+    return page;
+}
+
+oracle::Raster rasterOf(const KVIMG& page) {
+    return {page.data, page.rowBytes, page.width, page.height, channelsOf(page.depth)};
+}
+
+cv::Mat viewOf(const KVIMG& page) {
+    return {page.height, page.width, CV_8UC(channelsOf(page.depth)), page.data, static_cast<size_t>(page.rowBytes)};
+}
+
+// Compares with the definition in fixed point and with the plain formula.
+void expectResized(const oracle::Raster& source, double xScale, double yScale, const cv::Mat& scaled) {
+    for (int y = 0; y < scaled.rows; ++y)
+        for (int x = 0; x < scaled.cols; ++x)
+            for (int c = 0; c < source.channels; ++c) {
+                const int value = scaled.ptr(y)[source.channels * x + c];
+                ASSERT_EQ(value, oracle::resizedAt(source, xScale, yScale, x, y, c)) << x << ' ' << y << ' ' << c;
+                ASSERT_LE(std::abs(value - oracle::realResizedAt(source, xScale, yScale, x, y, c)), 1.0)
+                    << x << ' ' << y << ' ' << c;
+            }
+}
+
+int anyDepth(Random& random) { return 8 * (random.chance(40) ? 1 : random.chance(70) ? 3 : 4); }
+
+TEST(ResizePage, ScalesLikeTheDefinition) {
+    Random random(601);
+    for (int round = 0; round < 250; ++round) {
+        const int depth = anyDepth(random);
+        const RecordPtr page =
+            makePage(random, random.between(8, 150), random.between(2, 40), depth, random.anyValues());
+        const double denominator = random.between(1, 12) * 50;
+        const double numerator = random.between(1, 12) * 50;
+        const int width = static_cast<int>(numerator / denominator * page->width);
+        const int height = static_cast<int>(numerator / denominator * page->height);
+        if (width < 1 || height < 1 || width > 900) continue;
+        KVIMG* out = nullptr;
+        ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, denominator, numerator), noErr);
+        const RecordPtr scaled(out);
+        ASSERT_EQ(scaled->width, width);
+        ASSERT_EQ(scaled->height, height);
+        ASSERT_EQ(scaled->depth, depth);
+        cv::Mat expected;
+        cv::resize(viewOf(*page), expected, cv::Size(width, height), 0, 0, cv::INTER_LINEAR);
+        ASSERT_EQ(cv::norm(viewOf(*scaled), expected, cv::NORM_INF), 0)
+            << depth << ' ' << page->width << 'x' << page->height << ' ' << numerator << '/' << denominator;
+        expectResized(rasterOf(*page), page->width / static_cast<double>(width),
+                      page->height / static_cast<double>(height), viewOf(*scaled));
+        if (HasFatalFailure()) return;
+    }
+}
+
+// Page-like sizes meet strips, bands and threads.
+TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
+    Random random(602);
+    for (const int depth : {8, 24, 32})
+        for (const double numerator : {100.0, 150.0, 200.0, 225.0, 299.0, 400.0, 301.0}) {
+            const RecordPtr page = makePage(random, random.between(900, 1300), random.between(100, 300), depth);
+            KVIMG* out = nullptr;
+            ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 300, numerator), noErr);
+            const RecordPtr scaled(out);
+            cv::Mat expected;
+            cv::resize(viewOf(*page), expected, cv::Size(scaled->width, scaled->height), 0, 0, cv::INTER_LINEAR);
+            ASSERT_EQ(cv::norm(viewOf(*scaled), expected, cv::NORM_INF), 0) << depth << ' ' << numerator;
+        }
+}
+
+TEST(ResizePage, TruncatesTheNewSize) {
+    Random random(603);
+    const RecordPtr page = makePage(random, 101, 51, 8);
+    KVIMG* out = nullptr;
+    ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 400, 200), noErr);
+    const RecordPtr half(out);
+    EXPECT_EQ(half->width, 50);
+    EXPECT_EQ(half->height, 25);
+    EXPECT_EQ(half->rowBytes, 64);
+    EXPECT_EQ(half->size, 64 * 25);
+}
+
+TEST(ResizePage, EqualNumbersCopyThePage) {
+    Random random(604);
+    for (const int depth : {8, 24, 32}) {
+        const RecordPtr page = makePage(random, 77, 13, depth);
+        KVIMG* out = nullptr;
+        ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 300, 300), noErr);
+        const RecordPtr copy(out);
+        EXPECT_EQ(copy->width, 77);
+        EXPECT_EQ(copy->height, 13);
+        EXPECT_EQ(cv::norm(viewOf(*page), viewOf(*copy), cv::NORM_INF), 0);
+    }
+}
+
+TEST(ResizePage, ExactHalfIsTheMeanOfFourPixels) {
+    RecordPtr page;
+    ASSERT_EQ(createRecord({0, 0, 2, 4}, 8, page), noErr);
+    const std::vector<uint8_t> above = {0, 1, 255, 255};
+    const std::vector<uint8_t> below = {0, 0, 255, 252};
+    std::memcpy(page->data, above.data(), 4);
+    std::memcpy(page->data + page->rowBytes, below.data(), 4);
+    KVIMG* out = nullptr;
+    ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 2, 1), noErr);
+    const RecordPtr half(out);
+    EXPECT_EQ(half->data[0], 0);
+    EXPECT_EQ(half->data[1], 254);
+}
+
+// The slot holds a record of the caller's, which every failure releases.
+OSErr resizeIntoUsedSlot(const KVIMG* page, double denominator, double numerator) {
+    KVIMG* slot = nullptr;
+    const KVRect bounds = {0, 0, 2, 2};
+    EXPECT_EQ(CreateNewKVIMGPtr(&slot, &bounds, 8), noErr);
+    const OSErr err = ResizeImageWithIPPEx(page, &slot, denominator, numerator);
+    EXPECT_EQ(slot, nullptr);
+    return err;
+}
+
+TEST(ResizePage, RefusesNullRecords) {
+    Random random(605);
+    const RecordPtr page = makePage(random, 10, 10, 8);
+    EXPECT_EQ(ResizeImageWithIPPEx(page.get(), nullptr, 1, 1), paramErr);
+    EXPECT_EQ(ResizeImageWithIPPEx(nullptr, nullptr, 1, 1), paramErr);
+    EXPECT_EQ(resizeIntoUsedSlot(nullptr, 1, 1), paramErr);
+    KVIMG* empty = nullptr;
+    EXPECT_EQ(ResizeImageWithIPPEx(nullptr, &empty, 1, 1), paramErr);
+    EXPECT_EQ(empty, nullptr);
+}
+
+TEST(ResizePage, RefusesOtherDepths) {
+    Random random(606);
+    for (const int depth : {1, 40}) {    // of which a record can be made
+        const RecordPtr page = makePage(random, 32, 4, depth);
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1), rotateFailedErr) << depth;
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1e8), memFullErr) << depth;
+    }
+    const RecordPtr page = makePage(random, 32, 4, 8);
+    // Of the last ones only the low byte is that of a depth.
+    for (const int depth : {0, 2, 16, 41, -8, 256 + 8, 256 + 24, 65536 + 32}) {
+        page->depth = depth;
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1), rotateFailedErr) << depth;
+    }
+    page->depth = 16;
+    EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1e6), rotateFailedErr);
+    page->depth = 8;
+}
+
+TEST(ResizePage, RefusesEmptyResults) {
+    Random random(607);
+    for (const int depth : {8, 24, 32}) {
+        const RecordPtr page = makePage(random, 16, 4, depth);
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 5, 1), paramErr);      // 3 x 0
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 0), paramErr);      // 0 x 0
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 0, 0), paramErr);      // no number
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), -1, 10), paramErr);    // both negative, the product is not
+    }
+}
+
+TEST(ResizePage, RefusesPagesThatDoNotFitTheirRows) {
+    Random random(608);
+    const RecordPtr page = makePage(random, 16, 4, 24);
+    const KVIMG good = *page;
+    page->rowBytes = 47;
+    EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 2), paramErr);
+    *page = good;
+    for (int32_t KVIMG::*side : {&KVIMG::width, &KVIMG::height}) {
+        (*page).*side = 0;
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 2), paramErr);
+        (*page).*side = -16;    // the new record would have a negative size
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 2), memFullErr);
+        *page = good;
+    }
+    KVIMG withoutPixels = good;
+    withoutPixels.data = nullptr;
+    EXPECT_EQ(resizeIntoUsedSlot(&withoutPixels, 1, 2), paramErr);
+}
+
+TEST(ResizePage, SizesThatCannotBeHadAreOutOfMemory) {
+    Random random(609);
+    const RecordPtr page = makePage(random, 1000, 10, 8);
+    // In range for each side but not for the product; a side just beyond int; far beyond; infinite.
+    for (const double scale : {50000.0, 2147483.648, -2147483.649, 1e300, std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity()})
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, scale), memFullErr) << scale;
+    EXPECT_EQ(resizeIntoUsedSlot(page.get(), 0, 1), memFullErr);
+    page->width = 10;
+    page->height = 1000;
+    for (const double scale : {2147483.648, -2147483.649})
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, scale), memFullErr) << scale;
+}
+
+// Arguments of the grey resize with placement, changed one at a time.
+struct Placed {
+    IppiSize srcSize;
+    IppiRect srcRoi;
+    IppiRect dstRoi;
+    double xFactor = 1;
+    double yFactor = 1;
+    double xShift = 0;
+    double yShift = 0;
+};
+
+IppStatus resize(const GuardedImage& source, const Placed& p, GuardedImage& target) {
+    return OPCV_ippiResizeSqrPixel_8u_C1R(source.data(), p.srcSize, source.step(), p.srcRoi, target.data(),
+                                          target.step(), p.dstRoi, p.xFactor, p.yFactor, p.xShift, p.yShift, -77,
+                                          nullptr);
+}
+
+// Where the moved image meets the rectangle.
+cv::Rect coveredBy(const Placed& p, const cv::Size& scaled) {
+    const auto xShift = static_cast<int>(std::lround(p.xShift));
+    const auto yShift = static_cast<int>(std::lround(p.yShift));
+    const cv::Rect image(p.dstRoi.x + xShift, p.dstRoi.y + yShift, scaled.width, scaled.height);
+    return image & cv::Rect(p.dstRoi.x, p.dstRoi.y, p.dstRoi.width, p.dstRoi.height);
+}
+
+TEST(ResizePlaced, ScalesAndPlacesLikeTheDefinition) {
+    Random random(621);
+    int placed = 0;
+    for (int round = 0; round < 400; ++round) {
+        const IppiSize size = {random.between(20, 160), random.between(5, 40)};
+        const GuardedImage source(random, size, GuardedImage::anyLayout(random, 1), random.anyValues());
+        Placed p = {};
+        p.srcSize = size;
+        p.srcRoi = {random.between(0, 9), random.between(0, 3), 0, 0};
+        p.srcRoi.width = random.between(1, size.width - p.srcRoi.x);
+        p.srcRoi.height = random.between(1, size.height - p.srcRoi.y);
+        p.xFactor = random.chance(20) ? 0.5 : random.real(0.2, 3);
+        p.yFactor = random.chance(50) ? p.xFactor : random.real(0.2, 3);
+        p.xShift = random.real(-20, 20);
+        p.yShift = random.real(-10, 10);
+        const IppiSize targetSize = {random.between(20, 200), random.between(20, 60)};
+        p.dstRoi = {random.between(0, 9), random.between(0, 9), 0, 0};
+        p.dstRoi.width = random.between(1, targetSize.width - p.dstRoi.x);
+        p.dstRoi.height = random.between(1, targetSize.height - p.dstRoi.y);
+        const cv::Mat region =
+            viewOf(source, CV_8UC1)(cv::Rect(p.srcRoi.x, p.srcRoi.y, p.srcRoi.width, p.srcRoi.height));
+        cv::Mat scaled;
+        if (cvRound(region.cols * p.xFactor) < 1 || cvRound(region.rows * p.yFactor) < 1) continue;
+        cv::resize(region, scaled, cv::Size(), p.xFactor, p.yFactor, cv::INTER_LINEAR);
+
+        GuardedImage target(random, targetSize, GuardedImage::anyLayout(random, 1));
+        const IppStatus status = resize(source, p, target);
+        const cv::Rect covered = coveredBy(p, scaled.size());
+        if (covered.empty()) {
+            ASSERT_EQ(status, ippStsBadArgErr) << "round " << round;
+            ASSERT_TRUE(target.untouched());
+            continue;
+        }
+        ++placed;
+        ASSERT_EQ(status, ippStsNoErr) << "round " << round;
+        ASSERT_TRUE(target.untouchedOutside(covered.x, covered.y, covered.width, covered.height)) << "round " << round;
+        const cv::Point origin(covered.x - p.dstRoi.x - static_cast<int>(std::lround(p.xShift)),
+                               covered.y - p.dstRoi.y - static_cast<int>(std::lround(p.yShift)));
+        ASSERT_EQ(cv::norm(viewOf(target, CV_8UC1)(covered), scaled(cv::Rect(origin, covered.size())), cv::NORM_INF), 0)
+            << "round " << round;
+        if (scaled.size() != region.size())    // equal sizes are copied whatever the factors
+            expectResized({region.data, source.step(), region.cols, region.rows, 1}, 1 / p.xFactor, 1 / p.yFactor,
+                          scaled);
+        if (HasFatalFailure()) return;
+    }
+    EXPECT_GT(placed, 200);
+}
+
+TEST(ResizePlaced, PlacesByWholePixels) {
+    Random random(622);
+    const GuardedImage source(random, {20, 6}, {});
+    const cv::Mat expected = viewOf(source, CV_8UC1);
+    Placed p = {{20, 6}, {0, 0, 20, 6}, {4, 2, 20, 6}, 1, 1, 2.5, 0};
+    GuardedImage target(random, {40, 12}, {});
+    ASSERT_EQ(resize(source, p, target), ippStsNoErr);
+    EXPECT_TRUE(target.untouchedOutside(4 + 3, 2, 17, 6));
+    EXPECT_EQ(cv::norm(viewOf(target, CV_8UC1)({7, 2, 17, 6}), expected({0, 0, 17, 6}), cv::NORM_INF), 0);
+
+    p.xShift = -2.5;
+    target.remember();
+    ASSERT_EQ(resize(source, p, target), ippStsNoErr);
+    EXPECT_TRUE(target.untouchedOutside(4, 2, 17, 6));
+    EXPECT_EQ(cv::norm(viewOf(target, CV_8UC1)({4, 2, 17, 6}), expected({3, 0, 17, 6}), cv::NORM_INF), 0);
+
+    p.xShift = 0.49;
+    p.yShift = -1.5;
+    target.remember();
+    ASSERT_EQ(resize(source, p, target), ippStsNoErr);
+    EXPECT_TRUE(target.untouchedOutside(4, 2, 20, 4));
+    EXPECT_EQ(cv::norm(viewOf(target, CV_8UC1)({4, 2, 20, 4}), expected({0, 2, 20, 4}), cv::NORM_INF), 0);
+
+    p.yShift = 1.5;
+    target.remember();
+    ASSERT_EQ(resize(source, p, target), ippStsNoErr);
+    EXPECT_TRUE(target.untouchedOutside(4, 4, 20, 4));
+    EXPECT_EQ(cv::norm(viewOf(target, CV_8UC1)({4, 4, 20, 4}), expected({0, 0, 20, 4}), cv::NORM_INF), 0);
+}
+
+TEST(ResizePlaced, RefusesBadArguments) {
+    Random random(623);
+    const GuardedImage source(random, {20, 6}, {});
+    GuardedImage target(random, {40, 12}, {});
+    const Placed good = {{20, 6}, {0, 0, 20, 6}, {4, 2, 20, 6}, 1.5, 1.5, 0, 0};
+    const auto call = [&](const Placed& p) {
+        const IppStatus status = resize(source, p, target);
+        EXPECT_TRUE(target.untouched());
+        return status;
+    };
+    const auto with = [&](auto change) {
+        Placed p = good;
+        change(p);
+        return p;
+    };
+    EXPECT_EQ(call(with([](Placed& p) { p.srcRoi.width = 21; })), ippStsBadArgErr);
+    EXPECT_EQ(call(with([](Placed& p) { p.srcRoi.height = 7; })), ippStsBadArgErr);
+    EXPECT_EQ(call(with([](Placed& p) { p.srcRoi.x = 1; })), ippStsBadArgErr);    // the row ends before
+    EXPECT_EQ(call(with([](Placed& p) { p.srcRoi.x = -1; })), ippStsBadArgErr);
+    EXPECT_EQ(call(with([](Placed& p) { p.srcRoi.y = -1; })), ippStsBadArgErr);
+    for (const int side : {0, -1, INT_MIN}) {
+        EXPECT_EQ(call(with([&](Placed& p) { p.srcRoi.width = side; })), ippStsBadArgErr);
+        EXPECT_EQ(call(with([&](Placed& p) { p.srcRoi.height = side; })), ippStsBadArgErr);
+        EXPECT_EQ(call(with([&](Placed& p) { p.dstRoi.width = side; })), ippStsBadArgErr);
+        EXPECT_EQ(call(with([&](Placed& p) { p.dstRoi.height = side; })), ippStsBadArgErr);
+    }
+    EXPECT_EQ(call(with([](Placed& p) { p.dstRoi = {15, 2, 26, 6}; })), ippStsBadArgErr);    // beyond the row
+    EXPECT_EQ(call(with([](Placed& p) { p.dstRoi.x = -1; })), ippStsBadArgErr);
+    EXPECT_EQ(call(with([](Placed& p) { p.dstRoi.y = -1; })), ippStsBadArgErr);
+    for (const double shift : {20.0, -30.0, 2147483647.0, 2147483648.0, -2147483648.0, -2147483647.0, -2147483649.0,
+                               1e300, -1e300, std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_EQ(call(with([&](Placed& p) { p.xShift = shift; })), ippStsBadArgErr) << shift;
+        EXPECT_EQ(call(with([&](Placed& p) { p.yShift = shift; })), ippStsBadArgErr) << shift;
+    }
+    const auto callOn = [&](const uint8_t* src, int srcStep, uint8_t* dst, int dstStep) {
+        const IppStatus status = OPCV_ippiResizeSqrPixel_8u_C1R(src, good.srcSize, srcStep, good.srcRoi, dst, dstStep,
+                                                                good.dstRoi, 1.5, 1.5, 0, 0, 0, nullptr);
+        EXPECT_TRUE(target.untouched());
+        return status;
+    };
+    EXPECT_EQ(callOn(nullptr, 20, target.data(), 40), ippStsBadArgErr);
+    EXPECT_EQ(callOn(source.data(), 20, nullptr, 40), ippStsBadArgErr);
+    for (const int step : {19, 0, -20}) EXPECT_EQ(callOn(source.data(), step, target.data(), 40), ippStsBadArgErr);
+    for (const int step : {23, 0, -40}) EXPECT_EQ(callOn(source.data(), 20, target.data(), step), ippStsBadArgErr);
+}
+
+// A shift that leaves no column is refused even where the difference would leave the type.
+TEST(ResizePlaced, RefusesRectanglesThatLeaveTheType) {
+    Random random(624);
+    const GuardedImage source(random, {20, 6}, {});
+    GuardedImage target(random, {40, 12}, {});
+    Placed p = {{20, 6}, {0, 0, 20, 6}, {INT_MAX, 0, INT_MIN, 6}, 1, 1, 1, 0};
+    EXPECT_EQ(resize(source, p, target), ippStsBadArgErr);
+    p.dstRoi = {0, INT_MAX, 20, INT_MIN};
+    p.xShift = 0;
+    p.yShift = 1;
+    EXPECT_EQ(resize(source, p, target), ippStsBadArgErr);
+    EXPECT_TRUE(target.untouched());
+}
+
+TEST(ResizePlaced, FactorsThatOpenCVRefusesThrow) {
+    Random random(625);
+    const GuardedImage source(random, {20, 6}, {});
+    GuardedImage target(random, {40, 12}, {});
+    const Placed good = {{20, 6}, {0, 0, 20, 6}, {4, 2, 20, 6}, 1.5, 1.5, 0, 0};
+    for (const double factor : {0.0, -1.0, 1e-9, std::numeric_limits<double>::quiet_NaN()}) {
+        Placed p = good;
+        p.xFactor = factor;
+        EXPECT_THROW(resize(source, p, target), cv::Exception) << factor;
+        p = good;
+        p.yFactor = factor;
+        EXPECT_THROW(resize(source, p, target), cv::Exception) << factor;
+    }
+    EXPECT_TRUE(target.untouched());
+}
+
+IppStatus resizeColour(const GuardedImage& source, IppiRect roi, GuardedImage& target, IppiSize size, double xFactor,
+                       double yFactor) {
+    return IPPMini_ippiResize_8u_C3R(source.data(), source.size(), source.step(), roi, target.data(), target.step(),
+                                     size, xFactor, yFactor, 99);
+}
+
+TEST(ResizeColour, ScalesToTheDestinationSizeWhateverTheFactors) {
+    Random random(631);
+    for (int round = 0; round < 250; ++round) {
+        const IppiSize size = {random.between(10, 90), random.between(4, 30)};
+        const GuardedImage source(random, size, GuardedImage::anyLayout(random, 3), random.anyValues());
+        IppiRect roi = {random.between(0, 9), random.between(0, 3), 0, 0};
+        roi.width = random.between(1, size.width - roi.x);
+        roi.height = random.between(1, size.height - roi.y);
+        const IppiSize targetSize = {random.between(1, 120), random.between(1, 30)};
+        GuardedImage target(random, targetSize, GuardedImage::anyLayout(random, 3));
+        ASSERT_EQ(resizeColour(source, roi, target, targetSize, random.real(-2, 2), random.real(-2, 2)), ippStsNoErr);
+        ASSERT_TRUE(target.untouchedOutsideRegion());
+        const cv::Mat region = viewOf(source, CV_8UC3)(cv::Rect(roi.x, roi.y, roi.width, roi.height));
+        cv::Mat expected;
+        cv::resize(region, expected, cv::Size(targetSize.width, targetSize.height), 0, 0, cv::INTER_LINEAR);
+        ASSERT_EQ(firstDifferentRow(target, expected), -1) << "round " << round;
+        expectResized({region.data, source.step(), roi.width, roi.height, 3},
+                      roi.width / static_cast<double>(targetSize.width),
+                      roi.height / static_cast<double>(targetSize.height), viewOf(target, CV_8UC3));
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(ResizeColour, EqualSizesAreCopiedWhateverTheFactors) {
+    Random random(632);
+    const GuardedImage source(random, {50, 20}, {3});
+    GuardedImage target(random, {40, 10}, {3});
+    ASSERT_EQ(resizeColour(source, {5, 5, 40, 10}, target, {40, 10}, 2, 2), ippStsNoErr);
+    EXPECT_EQ(firstDifferentRow(target, viewOf(source, CV_8UC3)(cv::Rect(5, 5, 40, 10))), -1);
+}
+
+// A packed row is taken to be as long as the whole pixels that the step holds.
+TEST(ResizeColour, StepsThatAreNoMultipleOf3MoveFurtherRowsBack) {
+    Random random(633);
+    const std::vector<uint8_t> source = [&] {
+        std::vector<uint8_t> bytes(size_t{62} * 12);
+        random.fill(bytes.data(), bytes.size());
+        return bytes;
+    }();
+    GuardedImage target(random, {50, 9}, {});
+    ASSERT_EQ(
+        IPPMini_ippiResize_8u_C3R(source.data(), {20, 12}, 62, {0, 0, 20, 12}, target.data(), 50, {16, 9}, 1, 1, 0),
+        ippStsNoErr);
+    cv::Mat expected;
+    cv::resize(cv::Mat(12, 20, CV_8UC3, const_cast<uint8_t*>(source.data()), 60), expected, cv::Size(16, 9));
+    EXPECT_EQ(cv::norm(cv::Mat(9, 16, CV_8UC3, target.data(), 48), expected, cv::NORM_INF), 0);
+}
+
+TEST(ResizeColour, RefusesBadArguments) {
+    Random random(634);
+    const GuardedImage source(random, {20, 6}, {3});
+    GuardedImage target(random, {16, 6}, {3});
+    const auto call = [&](const uint8_t* src, int srcStep, IppiRect roi, uint8_t* dst, int dstStep, IppiSize size) {
+        const IppStatus status =
+            IPPMini_ippiResize_8u_C3R(src, source.size(), srcStep, roi, dst, dstStep, size, 1, 1, 0);
+        EXPECT_TRUE(target.untouched());
+        return status;
+    };
+    const IppiRect all = {0, 0, 20, 6};
+    const uint8_t* src = source.data();
+    uint8_t* dst = target.data();
+    EXPECT_EQ(call(src, 63, {0, 0, 21, 6}, dst, 48, {16, 6}), ippStsBadArgErr);
+    EXPECT_EQ(call(src, 60, {0, 0, 20, 7}, dst, 48, {16, 6}), ippStsBadArgErr);
+    EXPECT_EQ(call(src, 60, {1, 0, 20, 6}, dst, 48, {16, 6}), ippStsBadArgErr);
+    EXPECT_EQ(call(src, 60, {-1, 0, 19, 6}, dst, 48, {16, 6}), ippStsBadArgErr);
+    EXPECT_EQ(call(src, 60, {0, -1, 20, 6}, dst, 48, {16, 6}), ippStsBadArgErr);
+    EXPECT_EQ(call(nullptr, 60, all, dst, 48, {16, 6}), ippStsBadArgErr);
+    EXPECT_EQ(call(src, 60, all, nullptr, 48, {16, 6}), ippStsBadArgErr);
+    for (const int step : {59, 2, 0, -60}) EXPECT_EQ(call(src, step, all, dst, 48, {16, 6}), ippStsBadArgErr);
+    for (const int step : {47, 2, 0, -48}) EXPECT_EQ(call(src, 60, all, dst, step, {16, 6}), ippStsBadArgErr);
+    for (const int side : {0, -1, INT_MIN}) {
+        EXPECT_EQ(call(src, 60, {0, 0, side, 6}, dst, 48, {16, 6}), ippStsBadArgErr);
+        EXPECT_EQ(call(src, 60, {0, 0, 20, side}, dst, 48, {16, 6}), ippStsBadArgErr);
+        EXPECT_EQ(call(src, 60, all, dst, 48, {side, 6}), ippStsBadArgErr);
+        EXPECT_EQ(call(src, 60, all, dst, 48, {16, side}), ippStsBadArgErr);
+    }
+}
+
+TEST(Resize, ReadsAndWritesNoByteTooMany) {
+    for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
+        for (int width = 1; width <= 70; ++width)
+            for (const int scaledWidth : {width / 2 + 1, width * 2 / 3 + 1, width + 1, width * 4 / 3 + 1}) {
+                const IppiRect roi = {0, 0, width, 3};
+                FencedMemory source(static_cast<size_t>(3 * 3 * width), fence);
+                FencedMemory target(static_cast<size_t>(3 * 2 * scaledWidth), fence);
+                ASSERT_EQ(IPPMini_ippiResize_8u_C3R(source.data(), {width, 3}, 3 * width, roi, target.data(),
+                                                    3 * scaledWidth, {scaledWidth, 2}, 1, 1, 0),
+                          ippStsNoErr);
+                FencedMemory greySource(static_cast<size_t>(3 * width), fence);
+                const double factor = static_cast<double>(scaledWidth) / width;
+                const int cols = cvRound(width * factor);
+                const int rows = cvRound(3 * factor);
+                FencedMemory greyTarget(static_cast<size_t>(cols * rows), fence);
+                ASSERT_EQ(OPCV_ippiResizeSqrPixel_8u_C1R(greySource.data(), {width, 3}, width, roi, greyTarget.data(),
+                                                         cols, {0, 0, cols, rows}, factor, factor, 0, 0, 0, nullptr),
+                          ippStsNoErr);
+            }
+}
+
+}    // namespace

@@ -1,0 +1,59 @@
+// Conversion between RGB and analog YUV, one pixel at a time: by the definition in 14-bit fixed point, and by the plain
+// formula in double precision.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+namespace oracle {
+
+using Triple = std::array<uint8_t, 3>;
+using RealTriple = std::array<double, 3>;
+
+inline uint8_t byteOf(int64_t value) { return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255)); }
+
+// Value in 14-bit fixed point to the nearest whole number, halves up.
+inline int64_t whole14(int64_t value) {
+    const int64_t half = 1 << 13;
+    const int64_t unit = 1 << 14;
+    const int64_t sum = value + half;
+    return sum >= 0 ? sum / unit : -((-sum + unit - 1) / unit);
+}
+
+inline Triple yuvOf(const uint8_t* rgb) {
+    const int64_t r = rgb[0];
+    const int64_t g = rgb[1];
+    const int64_t b = rgb[2];
+    const int64_t y = whole14(4899 * r + 9617 * g + 1868 * b);
+    return {byteOf(y), byteOf(128 + whole14(8061 * (b - y))), byteOf(128 + whole14(14369 * (r - y)))};
+}
+
+inline Triple rgbOf(const uint8_t* yuv) {
+    const int64_t y = yuv[0];
+    const int64_t u = yuv[1] - 128;
+    const int64_t v = yuv[2] - 128;
+    return {byteOf(y + whole14(18678 * v)), byteOf(y + whole14(-6472 * u - 9519 * v)), byteOf(y + whole14(33292 * u))};
+}
+
+inline double inByte(double value) { return std::clamp(value, 0.0, 255.0); }
+
+inline RealTriple realYuvOf(const uint8_t* rgb) {
+    const double y = 0.299 * rgb[0] + 0.587 * rgb[1] + 0.114 * rgb[2];
+    return {y, inByte(128 + 0.492 * (rgb[2] - y)), inByte(128 + 0.877 * (rgb[0] - y))};
+}
+
+inline RealTriple realRgbOf(const uint8_t* yuv) {
+    const double u = yuv[1] - 128.0;
+    const double v = yuv[2] - 128.0;
+    return {inByte(yuv[0] + 1.140 * v), inByte(yuv[0] - 0.395 * u - 0.581 * v), inByte(yuv[0] + 2.032 * u)};
+}
+
+inline bool withinOneLevel(const uint8_t* bytes, const RealTriple& real) {
+    for (size_t c = 0; c < real.size(); ++c)
+        if (std::abs(bytes[c] - real[c]) > 1) return false;
+    return true;
+}
+
+}    // namespace oracle
