@@ -1,58 +1,116 @@
 // Conversion between RGB and YUV, packed and planar.
+#include <climits>
+#include <cstdint>
+#include <functional>
 #include <memory>
-#include <opencv2/imgproc.hpp>
+#include <opencv2/core.hpp>
 
 #include "OPCV_dlib.h"
 #include "pixel/views.h"
 
 namespace {
 
-OSErr convertColour(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, IppiSize roi, int code) {
-    cv::Mat from;
+template <class From, class To>
+using Conversion = void (*)(const From&, const To&, int width, int height);
+
+// Works on bands of rows, on OpenCV's threads where its own conversion would.
+template <class From, class To>
+void runInBands(Conversion<From, To> convert, const From& from, const To& to, IppiSize roi) {
+    const auto band = [&](const cv::Range& rows) {
+        convert(from.below(rows.start), to.below(rows.start), roi.width, rows.size());
+    };
+    cv::parallel_for_(cv::Range(0, roi.height), band, static_cast<double>(roi.width) * roi.height / (1 << 16));
+}
+
+OSErr convertPacked(Conversion<PackedImage, PackedImage> convert, const unsigned char* pSrc, int srcStep,
+                    unsigned char* pDst, int dstStep, IppiSize roi) {
+    PackedImage from{};
     if (const OSErr err = viewPacked(pSrc, srcStep, roi, from)) return err;
-    cv::Mat to;
+    PackedImage to{};
     if (const OSErr err = viewPacked(pDst, dstStep, roi, to)) return err;
-    cv::cvtColor(from, to, code);
+    runInBands(convert, from, to, roi);
     return noErr;
 }
 
-struct PlaneDeleter {
+// A planar conversion is two steps with a packed image between them, rows a multiple of 64 bytes. One pass does both
+// without that image, but a size that it could not have is still memory that cannot be had.
+bool packedImageCanBeHad(IppiSize roi) {
+    if (roi.width <= 0 || roi.height <= 0) return false;
+    const int64_t step = (3 * int64_t{roi.width} + 63) & ~int64_t{63};
+    return step <= INT_MAX && step * roi.height <= INT_MAX;
+}
+
+// The steps answer with an IppStatus, which callers get to see as if it had been an OSErr: whatever goes wrong in them
+// is a bad argument.
+IppStatus statusOfSteps(IppStatus status) { return Tools::OSErrToIppStatus(static_cast<OSErr>(status)); }
+
+bool overlap(const PackedImage& packed, const PlanarImage& planes, IppiSize roi) {
+    const auto end = [&](const uint8_t* first, ptrdiff_t step, int pixelSize) {
+        return first + (roi.height - 1) * step + ptrdiff_t{pixelSize} * roi.width;
+    };
+    const std::less<> before;
+    for (const uint8_t* plane : planes.planes)
+        if (before(plane, end(packed.pixels, packed.step, 3)) && before(packed.pixels, end(plane, planes.step, 1)))
+            return true;
+    return false;
+}
+
+struct PackedDeleter {
     void operator()(unsigned char* p) const { IPPMini_ippiFree(p); }
 };
-using PackedBlock = std::unique_ptr<unsigned char, PlaneDeleter>;
 
-// The two steps of a planar conversion answer with an IppStatus, which callers get to see as if it had been an OSErr:
-// whatever goes wrong in a step, memory that cannot be had included, is a bad argument.
-IppStatus statusOfSteps(IppStatus status) { return Tools::OSErrToIppStatus(static_cast<OSErr>(status)); }
+// The packed image of the two steps, for a destination that overlaps the source.
+struct Between {
+    explicit Between(IppiSize roi) { pixels.reset(IPPMini_ippiMalloc_8u_C3(roi.width, roi.height, &step)); }
+
+    int step = 0;
+    std::unique_ptr<unsigned char, PackedDeleter> pixels;
+};
 
 }    // namespace
 
 IppStatus IPPShare_ippiRGBToYUV_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                        IppiSize roiSize) {
-    return Tools::OSErrToIppStatus(convertColour(pSrc, srcStep, pDst, dstStep, roiSize, cv::COLOR_RGB2YUV));
+    return Tools::OSErrToIppStatus(convertPacked(convertRgbToYuv, pSrc, srcStep, pDst, dstStep, roiSize));
 }
 
 IppStatus IPPShare_ippiYUVToRGB_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                        IppiSize roiSize) {
-    return Tools::OSErrToIppStatus(convertColour(pSrc, srcStep, pDst, dstStep, roiSize, cv::COLOR_YUV2RGB));
+    return Tools::OSErrToIppStatus(convertPacked(convertYuvToRgb, pSrc, srcStep, pDst, dstStep, roiSize));
 }
 
 IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3],
                                         int dstStep, IppiSize roiSize) {
-    int step = 0;
-    const PackedBlock packed(IPPMini_ippiMalloc_8u_C3(roiSize.width, roiSize.height, &step));
-    if (!packed) return ippStsNoMemErr;
-    IppStatus status = IPPShare_ippiRGBToYUV_8u_C3R(pSrc, srcStep, packed.get(), step, roiSize);
-    if (status == ippStsNoErr) status = IPPMini_ippiCopy_8u_C3P3R(packed.get(), step, pDst, dstStep, roiSize);
+    if (!packedImageCanBeHad(roiSize)) return ippStsNoMemErr;
+    PackedImage rgb{};
+    PlanarImage yuv{};
+    if (viewPacked(pSrc, srcStep, roiSize, rgb) || viewPlanes(pDst, dstStep, roiSize, yuv)) return ippStsBadArgErr;
+    if (!overlap(rgb, yuv, roiSize)) {
+        runInBands<PackedImage, PlanarImage>(convertRgbToYuv, rgb, yuv, roiSize);
+        return ippStsNoErr;
+    }
+    const Between packed(roiSize);
+    if (!packed.pixels) return ippStsNoMemErr;
+    IppStatus status = IPPShare_ippiRGBToYUV_8u_C3R(pSrc, srcStep, packed.pixels.get(), packed.step, roiSize);
+    if (status == ippStsNoErr)
+        status = IPPMini_ippiCopy_8u_C3P3R(packed.pixels.get(), packed.step, pDst, dstStep, roiSize);
     return statusOfSteps(status);
 }
 
 IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep, unsigned char* pDst,
                                         int dstStep, IppiSize roiSize) {
-    int step = 0;
-    const PackedBlock packed(IPPMini_ippiMalloc_8u_C3(roiSize.width, roiSize.height, &step));
-    if (!packed) return ippStsNoMemErr;
-    IppStatus status = IPPMini_ippiCopy_8u_P3C3R(pSrc, srcStep, packed.get(), step, roiSize);
-    if (status == ippStsNoErr) status = IPPShare_ippiYUVToRGB_8u_C3R(packed.get(), step, pDst, dstStep, roiSize);
+    if (!packedImageCanBeHad(roiSize)) return ippStsNoMemErr;
+    PlanarImage yuv{};
+    PackedImage rgb{};
+    if (viewPlanes(pSrc, srcStep, roiSize, yuv) || viewPacked(pDst, dstStep, roiSize, rgb)) return ippStsBadArgErr;
+    if (!overlap(rgb, yuv, roiSize)) {
+        runInBands<PlanarImage, PackedImage>(convertYuvToRgb, yuv, rgb, roiSize);
+        return ippStsNoErr;
+    }
+    const Between packed(roiSize);
+    if (!packed.pixels) return ippStsNoMemErr;
+    IppStatus status = IPPMini_ippiCopy_8u_P3C3R(pSrc, srcStep, packed.pixels.get(), packed.step, roiSize);
+    if (status == ippStsNoErr)
+        status = IPPShare_ippiYUVToRGB_8u_C3R(packed.pixels.get(), packed.step, pDst, dstStep, roiSize);
     return statusOfSteps(status);
 }

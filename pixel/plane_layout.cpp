@@ -1,28 +1,24 @@
 // Copies between packed images and planes.
-#include <opencv2/core.hpp>
-
 #include "OPCV_dlib.h"
 #include "pixel/views.h"
 
 namespace {
 
 OSErr toPlanes(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3], int dstStep, IppiSize roi) {
-    if (!pDst) return paramErr;
-    cv::Mat packed;
+    PackedImage packed{};
     if (const OSErr err = viewPacked(pSrc, srcStep, roi, packed)) return err;
-    Planes planes;
+    PlanarImage planes{};
     if (const OSErr err = viewPlanes(pDst, dstStep, roi, planes)) return err;
-    cv::split(packed, planes.data());
+    splitChannels(packed, planes, roi.width, roi.height);
     return noErr;
 }
 
 OSErr toPacked(const unsigned char* const pSrc[3], int srcStep, unsigned char* pDst, int dstStep, IppiSize roi) {
-    if (!pSrc) return paramErr;
-    Planes planes;
+    PlanarImage planes{};
     if (const OSErr err = viewPlanes(pSrc, srcStep, roi, planes)) return err;
-    cv::Mat packed;
+    PackedImage packed{};
     if (const OSErr err = viewPacked(pDst, dstStep, roi, packed)) return err;
-    cv::merge(planes.data(), planes.size(), packed);
+    mergeChannels(planes, packed, roi.width, roi.height);
     return noErr;
 }
 

@@ -1,21 +1,29 @@
-// Views over packed images and planes of one region.
+// Checked views of the caller's three-channel images, as the kernels take them.
 #pragma once
 
-#include <array>
+#include <opencv2/core.hpp>
 
 #include "core/Tools.h"
+#include "pixel/channel_kernels.h"
 
-using Planes = std::array<cv::Mat, 3>;
-
-inline OSErr viewPacked(const unsigned char* p, int step, IppiSize roi, cv::Mat& view) {
-    return Tools::CreateAndCutImageMat(const_cast<unsigned char*>(p), step, cv::Rect(0, 0, roi.width, roi.height),
-                                       CV_8UC3, view);
+// The pitch of a view is whole pixels, which the step need not be.
+inline OSErr viewRegion(const unsigned char* p, int step, IppiSize roi, int type, uint8_t*& first, ptrdiff_t& pitch) {
+    cv::Mat view;
+    if (const OSErr err = Tools::CreateAndCutImageMat(const_cast<unsigned char*>(p), step,
+                                                      cv::Rect(0, 0, roi.width, roi.height), type, view))
+        return err;
+    first = view.data;
+    pitch = static_cast<ptrdiff_t>(view.step[0]);
+    return noErr;
 }
 
-inline OSErr viewPlanes(const unsigned char* const p[3], int step, IppiSize roi, Planes& views) {
-    for (size_t i = 0; i < views.size(); ++i)
-        if (const OSErr err = Tools::CreateAndCutImageMat(const_cast<unsigned char*>(p[i]), step,
-                                                          cv::Rect(0, 0, roi.width, roi.height), CV_8UC1, views[i]))
-            return err;
+inline OSErr viewPacked(const unsigned char* p, int step, IppiSize roi, PackedImage& image) {
+    return viewRegion(p, step, roi, CV_8UC3, image.pixels, image.step);
+}
+
+inline OSErr viewPlanes(const unsigned char* const p[3], int step, IppiSize roi, PlanarImage& image) {
+    if (!p) return paramErr;
+    for (size_t i = 0; i < image.planes.size(); ++i)
+        if (const OSErr err = viewRegion(p[i], step, roi, CV_8UC1, image.planes[i], image.step)) return err;
     return noErr;
 }

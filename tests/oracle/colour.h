@@ -12,28 +12,20 @@ namespace oracle {
 using Triple = std::array<uint8_t, 3>;
 using RealTriple = std::array<double, 3>;
 
-inline uint8_t byteOf(int64_t value) { return static_cast<uint8_t>(std::clamp<int64_t>(value, 0, 255)); }
+inline uint8_t byteOf(int value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
 // Value in 14-bit fixed point to the nearest whole number, halves up.
-inline int64_t whole14(int64_t value) {
-    const int64_t half = 1 << 13;
-    const int64_t unit = 1 << 14;
-    const int64_t sum = value + half;
-    return sum >= 0 ? sum / unit : -((-sum + unit - 1) / unit);
-}
+inline int whole14(int value) { return (value + (1 << 13)) >> 14; }
 
 inline Triple yuvOf(const uint8_t* rgb) {
-    const int64_t r = rgb[0];
-    const int64_t g = rgb[1];
-    const int64_t b = rgb[2];
-    const int64_t y = whole14(4899 * r + 9617 * g + 1868 * b);
-    return {byteOf(y), byteOf(128 + whole14(8061 * (b - y))), byteOf(128 + whole14(14369 * (r - y)))};
+    const int y = whole14(4899 * rgb[0] + 9617 * rgb[1] + 1868 * rgb[2]);
+    return {byteOf(y), byteOf(128 + whole14(8061 * (rgb[2] - y))), byteOf(128 + whole14(14369 * (rgb[0] - y)))};
 }
 
 inline Triple rgbOf(const uint8_t* yuv) {
-    const int64_t y = yuv[0];
-    const int64_t u = yuv[1] - 128;
-    const int64_t v = yuv[2] - 128;
+    const int y = yuv[0];
+    const int u = yuv[1] - 128;
+    const int v = yuv[2] - 128;
     return {byteOf(y + whole14(18678 * v)), byteOf(y + whole14(-6472 * u - 9519 * v)), byteOf(y + whole14(33292 * u))};
 }
 

@@ -13,7 +13,7 @@
 #include "support/cv_views.h"
 #include "support/fenced_memory.h"
 #include "support/guarded_image.h"
-#include "support/planar_image.h"
+#include "support/guarded_planes.h"
 #include "support/random.h"
 
 namespace {
@@ -44,13 +44,17 @@ TEST_P(Colour, ConvertsEveryTriple) {
     cv::Mat converted(side, side, CV_8UC3);
     ASSERT_EQ(GetParam().packed(all.data, 3 * side, converted.data, 3 * side, {side, side}), ippStsNoErr);
 
+    int wrong = 0;
+    int farOff = 0;
     for (int i = 0; i < side * side; ++i) {
         const uint8_t* from = all.data + ptrdiff_t{3} * i;
         const uint8_t* to = converted.data + ptrdiff_t{3} * i;
         const oracle::Triple exact = GetParam().exact(from);
-        ASSERT_TRUE(to[0] == exact[0] && to[1] == exact[1] && to[2] == exact[2]) << i;
-        ASSERT_TRUE(i % 7 != 0 || oracle::withinOneLevel(to, GetParam().real(from))) << i;
+        wrong += std::memcmp(to, exact.data(), exact.size()) != 0;
+        if (i % 7 == 0) farOff += !oracle::withinOneLevel(to, GetParam().real(from));
     }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(farOff, 0);
     cv::Mat expected;
     cv::cvtColor(all, expected, GetParam().code);
     EXPECT_EQ(std::memcmp(converted.data, expected.data, expected.total() * expected.elemSize()), 0);
@@ -135,7 +139,7 @@ TEST(PlanarColour, ConvertsToPlanesLikeTheDefinition) {
     for (int round = 0; round < 500; ++round) {
         const IppiSize size = round == 0 ? IppiSize{517, 300} : anySize(random);
         const GuardedImage rgb(random, size, GuardedImage::anyLayout(random, 3), random.anyValues());
-        PlanarImage yuv(random, size);
+        GuardedPlanes yuv(random, size);
         ASSERT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(rgb.data(), rgb.step(), yuv.pointers(), yuv.step(), size), ippStsNoErr);
         ASSERT_TRUE(yuv.untouchedOutsideRegion());
         for (int y = 0; y < size.height; ++y)
@@ -154,7 +158,7 @@ TEST(PlanarColour, ConvertsFromPlanesLikeTheDefinition) {
     Random random(512);
     for (int round = 0; round < 500; ++round) {
         const IppiSize size = round == 0 ? IppiSize{517, 300} : anySize(random);
-        PlanarImage yuv(random, size, random.anyValues());
+        GuardedPlanes yuv(random, size, random.anyValues());
         GuardedImage rgb(random, size, GuardedImage::anyLayout(random, 3));
         ASSERT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(yuv.pointers(), yuv.step(), rgb.data(), rgb.step(), size), ippStsNoErr);
         ASSERT_TRUE(rgb.untouchedOutsideRegion());
@@ -231,7 +235,7 @@ TEST(PlanarColour, GreyHasNoChroma) {
 // before any pointer is looked at.
 TEST(PlanarColour, SizesThatCannotBeHadAreOutOfMemory) {
     Random random(514);
-    PlanarImage planes(random, {16, 2});
+    GuardedPlanes planes(random, {16, 2});
     GuardedImage packed(random, {16, 2}, {3});
     for (const IppiSize size : {IppiSize{0, 1},
                                 {1, 0},
@@ -239,6 +243,7 @@ TEST(PlanarColour, SizesThatCannotBeHadAreOutOfMemory) {
                                 {1, -1},
                                 {30000, 30000},
                                 {INT_MAX, 1},
+                                {INT_MAX, INT_MAX},
                                 {INT_MIN, INT_MIN},
                                 {1, 33554432},
                                 {715827862, 1}}) {
@@ -260,7 +265,7 @@ TEST(PlanarColour, LargestSizesAreNotOutOfMemory) {
 
 TEST(PlanarColour, RefusesBadArguments) {
     Random random(515);
-    PlanarImage planes(random, {16, 2});
+    GuardedPlanes planes(random, {16, 2});
     GuardedImage packed(random, {16, 2}, {3});
     const auto toPlanes = [&](const uint8_t* src, int srcStep, unsigned char* const* dst, int dstStep) {
         const IppStatus status = IPPMini_ippiRGBToYUV_8u_C3P3R(src, srcStep, dst, dstStep, {16, 2});

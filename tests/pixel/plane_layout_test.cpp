@@ -8,7 +8,7 @@
 #include "support/cv_views.h"
 #include "support/fenced_memory.h"
 #include "support/guarded_image.h"
-#include "support/planar_image.h"
+#include "support/guarded_planes.h"
 #include "support/random.h"
 
 namespace {
@@ -20,7 +20,7 @@ TEST(PlaneLayout, SplitsAPackedImage) {
     for (int round = 0; round < 500; ++round) {
         const IppiSize size = anySize(random);
         const GuardedImage packed(random, size, GuardedImage::anyLayout(random, 3));
-        PlanarImage planes(random, size);
+        GuardedPlanes planes(random, size);
         ASSERT_EQ(IPPMini_ippiCopy_8u_C3P3R(packed.data(), packed.step(), planes.pointers(), planes.step(), size),
                   ippStsNoErr);
         ASSERT_TRUE(planes.untouchedOutsideRegion());
@@ -34,7 +34,7 @@ TEST(PlaneLayout, MergesPlanes) {
     Random random(402);
     for (int round = 0; round < 500; ++round) {
         const IppiSize size = anySize(random);
-        PlanarImage planes(random, size);
+        GuardedPlanes planes(random, size);
         GuardedImage packed(random, size, GuardedImage::anyLayout(random, 3));
         ASSERT_EQ(IPPMini_ippiCopy_8u_P3C3R(planes.pointers(), planes.step(), packed.data(), packed.step(), size),
                   ippStsNoErr);
@@ -49,7 +49,7 @@ TEST(PlaneLayout, SplittingAndMergingGivesBackTheImage) {
     Random random(403);
     for (const IppiSize size : {IppiSize{517, 40}, {640, 480}}) {
         const GuardedImage packed(random, size, GuardedImage::anyLayout(random, 3));
-        PlanarImage planes(random, size);
+        GuardedPlanes planes(random, size);
         GuardedImage back(random, size, GuardedImage::anyLayout(random, 3));
         ASSERT_EQ(IPPMini_ippiCopy_8u_C3P3R(packed.data(), packed.step(), planes.pointers(), planes.step(), size),
                   ippStsNoErr);
@@ -65,7 +65,7 @@ TEST(PlaneLayout, StepsThatAreNoMultipleOf3MoveFurtherRowsBack) {
     const IppiSize size = {5, 4};
     const int step = 17;
     const GuardedImage packed(random, {17, 4}, {});
-    PlanarImage planes(random, size);
+    GuardedPlanes planes(random, size);
     ASSERT_EQ(IPPMini_ippiCopy_8u_C3P3R(packed.data(), step, planes.pointers(), planes.step(), size), ippStsNoErr);
     GuardedImage back(random, {17, 4}, {});
     ASSERT_EQ(IPPMini_ippiCopy_8u_P3C3R(planes.pointers(), planes.step(), back.data(), step, size), ippStsNoErr);
@@ -93,7 +93,7 @@ TEST(PlaneLayout, ReadsAndWritesNoByteTooMany) {
 TEST(PlaneLayout, SplittingRefusesBadArguments) {
     Random random(405);
     const std::vector<uint8_t> packed(96);
-    PlanarImage planes(random, {16, 2});
+    GuardedPlanes planes(random, {16, 2});
     const auto call = [&](const uint8_t* src, int srcStep, unsigned char* const* dst, int dstStep, IppiSize size) {
         const IppStatus status = IPPMini_ippiCopy_8u_C3P3R(src, srcStep, dst, dstStep, size);
         EXPECT_TRUE(planes.untouched());
@@ -116,7 +116,7 @@ TEST(PlaneLayout, SplittingRefusesBadArguments) {
 
 TEST(PlaneLayout, MergingRefusesBadArguments) {
     Random random(406);
-    PlanarImage planes(random, {16, 2});
+    GuardedPlanes planes(random, {16, 2});
     GuardedImage packed(random, {16, 2}, {3});
     const auto call = [&](unsigned char* const* src, int srcStep, uint8_t* dst, int dstStep, IppiSize size) {
         const IppStatus status = IPPMini_ippiCopy_8u_P3C3R(src, srcStep, dst, dstStep, size);

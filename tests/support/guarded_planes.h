@@ -8,17 +8,17 @@
 #include "support/cv_views.h"
 #include "support/guarded_image.h"
 
-class PlanarImage {
+class GuardedPlanes {
 public:
-    PlanarImage(Random& random, IppiSize size, Random::Values values = Random::Values::kAny) {
+    GuardedPlanes(Random& random, IppiSize size, Random::Values values = Random::Values::kAny) {
         const int padding = random.between(0, 5);
         for (size_t i = 0; i < pointers_.size(); ++i) {
             planes_.emplace_back(random, size, GuardedImage::Layout{1, 0, padding, random.between(0, 31)}, values);
             pointers_[i] = planes_[i].data();
         }
     }
-    PlanarImage(const PlanarImage&) = delete;
-    PlanarImage& operator=(const PlanarImage&) = delete;
+    GuardedPlanes(const GuardedPlanes&) = delete;
+    GuardedPlanes& operator=(const GuardedPlanes&) = delete;
 
     unsigned char* const* pointers() { return pointers_.data(); }
     int step() const { return planes_[0].step(); }

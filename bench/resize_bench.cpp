@@ -1,0 +1,117 @@
+#include <opencv2/imgproc.hpp>
+
+#include "OPCV_dlib.h"
+#include "core/ownership.h"
+#include "support.h"
+
+namespace {
+
+size_t bytesMoved(IppiSize from, IppiSize to, int channels) {
+    return static_cast<size_t>(channels) * (static_cast<size_t>(from.width) * static_cast<size_t>(from.height) +
+                                            static_cast<size_t>(to.width) * static_cast<size_t>(to.height));
+}
+
+cv::Mat viewOf(const KVIMG& record) {
+    return {record.height, record.width, CV_8UC(record.depth / 8), record.data, static_cast<size_t>(record.rowBytes)};
+}
+
+KVIMG recordOf(const bench::Page& page, int channels) {
+    return {const_cast<uint8_t*>(page.data()), 8 * channels, page.size().width, page.size().height, page.step(), 0};
+}
+
+RecordPtr ours(const KVIMG& from, double denominator, double numerator) {
+    KVIMG* scaled = nullptr;
+    ResizeImageWithIPPEx(&from, &scaled, denominator, numerator);
+    return RecordPtr(scaled);
+}
+
+RecordPtr plain(const KVIMG& from, double denominator, double numerator) {
+    const double scale = numerator / denominator;
+    RecordPtr record;
+    createRecord({0, 0, static_cast<int>(scale * from.height), static_cast<int>(scale * from.width)},
+                 static_cast<unsigned char>(from.depth), record);
+    cv::Mat to = viewOf(*record);
+    cv::resize(viewOf(from), to, to.size(), 0, 0, cv::INTER_LINEAR);
+    return record;
+}
+
+void comparePages(IppiSize size, int channels, int denominator, int numerator) {
+    const KVIMG from = recordOf(bench::source(size, channels), channels);
+    const IppiSize to = {size.width * numerator / denominator, size.height * numerator / denominator};
+    bench::compare(
+        bench::withSize("ResizeImageWithIPPEx", size) + " " + std::to_string(8 * channels) + " bit " +
+            std::to_string(denominator) + ":" + std::to_string(numerator),
+        [from, denominator, numerator] { ours(from, denominator, numerator); },
+        {bench::memcpyOf(bytesMoved(size, to, channels)),
+         {"OpenCV", [from, denominator, numerator] { plain(from, denominator, numerator); }}},
+        [from, denominator, numerator] {
+            return cv::norm(viewOf(*ours(from, denominator, numerator)), viewOf(*plain(from, denominator, numerator)),
+                            cv::NORM_INF) == 0;
+        });
+}
+
+// A page at 2 : 3 into a rectangle of its size, moved by a few pixels.
+void comparePlaced(IppiSize size) {
+    const bench::Page& from = bench::source(size, 1);
+    bench::Page& to = bench::target(size, 1);
+    bench::Page& expected = bench::otherTarget(size, 1);
+    const IppiRect all = {0, 0, size.width, size.height};
+    const double factor = 2.0 / 3;
+    const IppiSize scaledSize = {cvRound(size.width * factor), cvRound(size.height * factor)};
+    bench::compare(
+        bench::withSize("ResizeSqrPixel_8u_C1R", size) + " 3:2",
+        [&from, &to, size, all, factor] {
+            OPCV_ippiResizeSqrPixel_8u_C1R(from.data(), size, from.step(), all, to.data(), to.step(), all, factor,
+                                           factor, 3, 5, 0, nullptr);
+        },
+        {bench::memcpyOf(bytesMoved(size, scaledSize, 1)),
+         {"OpenCV",
+          [&from, &expected, size, factor] {
+              const cv::Mat source(size.height, size.width, CV_8UC1, const_cast<uint8_t*>(from.data()),
+                                   static_cast<size_t>(from.step()));
+              cv::Mat scaled;
+              cv::resize(source, scaled, cv::Size(), factor, factor, cv::INTER_LINEAR);
+              cv::Mat target(size.height, size.width, CV_8UC1, expected.data(), static_cast<size_t>(expected.step()));
+              scaled.copyTo(target(cv::Rect(3, 5, scaled.cols, scaled.rows)));
+          }}},
+        [&to, &expected] { return to.sameRegion(expected); });
+}
+
+void compareColour(IppiSize size) {
+    const bench::Page& from = bench::source(size, 3);
+    const IppiSize half = {size.width / 2 + 1, size.height / 2 + 1};
+    bench::Page& to = bench::target(half, 3);
+    bench::Page& expected = bench::otherTarget(half, 3);
+    bench::compare(
+        bench::withSize("Resize_8u_C3R", size) + " about 2:1",
+        [&from, &to, size, half] {
+            IPPMini_ippiResize_8u_C3R(from.data(), size, from.step(), {0, 0, size.width, size.height}, to.data(),
+                                      to.step(), half, 1, 1, 0);
+        },
+        {bench::memcpyOf(bytesMoved(size, half, 3)),
+         {"OpenCV",
+          [&from, &expected, size, half] {
+              const cv::Mat source(size.height, size.width, CV_8UC3, const_cast<uint8_t*>(from.data()),
+                                   static_cast<size_t>(from.step()));
+              cv::Mat target(half.height, half.width, CV_8UC3, expected.data(), static_cast<size_t>(expected.step()));
+              cv::resize(source, target, target.size(), 0, 0, cv::INTER_LINEAR);
+          }}},
+        [&to, &expected] { return to.sameRegion(expected); });
+}
+
+void compareResize() {
+    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+        for (const int channels : {1, 3, 4}) {
+            comparePages(size, channels, 3, 2);
+            comparePages(size, channels, 4, 3);
+            comparePages(size, channels, 3, 4);
+            comparePages(size, channels, 3, 1);
+        }
+        comparePlaced(size);
+        compareColour(size);
+    }
+}
+
+const bench::Registration registration(compareResize);
+
+}    // namespace
