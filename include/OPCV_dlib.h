@@ -769,7 +769,231 @@ OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_P3C3R(const unsigned char* const pSr
                                                   int dstStep, IppiSize roiSize);
 /// @}
 
-//@@ filters @@
+/// @name Convolution and box filter
+///
+/// A convolution gives dst(x, y) = the sum over the kernel's cells (column i, row j) of
+/// kernel[j][i] x src(x + anchor.x - i, y + anchor.y - j), divided by the divisor, for each channel; rounded to the
+/// nearest integer (a half to the even one; sums are of 32-bit floats) and saturated. Kernels are dense arrays, row after
+/// row. The anchor is the cell that lies on the pixel; it may lie outside the kernel.
+///
+/// With h = side / 2, rounded down, the source is read from column anchor.x - 2 h to roi.width - 1 + anchor.x and from
+/// row anchor.y - 2 h to roi.height - 1 + anchor.y of the region (for an even side, one more than the kernel needs).
+/// Where a kernel has 50 cells and more, up to h pixels to the right of these may be looked at as well if the rows are
+/// longer; they have no effect. Source and destination may share memory.
+///
+/// What all of them answer:
+/// - `ippStsNoErr`: the region is written; bytes outside it are untouched.
+/// - `ippStsBadArgErr`: an argument is refused, and nothing is written: a null pointer, a region or a kernel with a side
+///   of 0 or less, a divisor of 0, a source step shorter than the columns read, or a destination step shorter than the
+///   region's row.
+/// - `ippStsNoMemErr`: memory ran out; nothing is written.
+/// @{
+
+/// Convolution of one 8-bit channel with an integer kernel.
+///
+/// @param pSrc        First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next.
+/// @param pDst        First pixel of the destination region.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param pKernel     kernelSize.width x kernelSize.height cells.
+/// @param kernelSize  Sides of the kernel, odd or even.
+/// @param anchor      Cell that lies on the pixel.
+/// @param divisor     Not 0; may be negative.
+/// @retval ippStsNoErr      As above.
+/// @retval ippStsBadArgErr  As above.
+/// @retval ippStsNoMemErr   As above.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilter_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                   int dstStep, IppiSize dstRoiSize, const int* pKernel,
+                                                   IppiSize kernelSize, IppiPoint anchor, int divisor);
+
+/// Convolution of three interleaved 8-bit channels with an integer kernel.
+///
+/// @param pSrc        As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param srcStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 3.
+/// @param pDst        As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param dstStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 3.
+/// @param dstRoiSize  As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param pKernel     As in `IPPShare_ippiFilter_8u_C1R`; one kernel for all channels.
+/// @param kernelSize  As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param anchor      As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param divisor     As in `IPPShare_ippiFilter_8u_C1R`.
+/// @retval ippStsNoErr      As above.
+/// @retval ippStsBadArgErr  As above.
+/// @retval ippStsNoMemErr   As above.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilter_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                   int dstStep, IppiSize dstRoiSize, const int* pKernel,
+                                                   IppiSize kernelSize, IppiPoint anchor, int divisor);
+
+/// Convolution of one 16-bit signed channel with an integer kernel.
+///
+/// @param pSrc        As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param srcStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 2.
+/// @param pDst        As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param dstStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 2.
+/// @param dstRoiSize  As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param pKernel     As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param kernelSize  As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param anchor      As in `IPPShare_ippiFilter_8u_C1R`.
+/// @param divisor     As in `IPPShare_ippiFilter_8u_C1R`.
+/// @retval ippStsNoErr      As above.
+/// @retval ippStsBadArgErr  As above.
+/// @retval ippStsNoMemErr   As above.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilter_16s_C1R(const short* pSrc, int srcStep, short* pDst, int dstStep,
+                                                    IppiSize dstRoiSize, const int* pKernel, IppiSize kernelSize,
+                                                    IppiPoint anchor, int divisor);
+
+/// Convolution of three interleaved 8-bit channels with a float kernel, without a divisor.
+///
+/// @param pSrc        As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param srcStep     As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param pDst        As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param dstStep     As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param dstRoiSize  As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param pKernel     As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param kernelSize  As in `IPPShare_ippiFilter_8u_C3R`.
+/// @param anchor      As in `IPPShare_ippiFilter_8u_C3R`.
+/// @retval ippStsNoErr      As above.
+/// @retval ippStsBadArgErr  As above.
+/// @retval ippStsNoMemErr   As above.
+OPCV_DLIB_API IppStatus IPPMini_ippiFilter32f_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                     int dstStep, IppiSize dstRoiSize, const float* pKernel,
+                                                     IppiSize kernelSize, IppiPoint anchor);
+
+/// Box filter in place, on three interleaved 8-bit channels: each pixel becomes the rounded mean of the mask's pixels,
+/// the top left one of which is (x - anchor.x, y - anchor.y). The mean is OpenCV's: up to 256 mask pixels it multiplies
+/// by a 23-bit reciprocal, which rounds up one sum early where their number is a power of two (4 pixels: a sum of 1
+/// gives 1; 2 pixels: even a sum of 0 does).
+///
+/// The image is read from column -anchor.x to roi.width - 1 - anchor.x + 2 h, h = mask width / 2 rounded down, and
+/// likewise in rows; all means are formed from the pixels as they were before the call.
+///
+/// @param srcDst      First pixel of the region.
+/// @param srcDstStep  Bytes from one row to the next, a multiple of 3.
+/// @param roi         Size of the region in pixels.
+/// @param maskSize    Sides of the mask, at least 1, odd or even.
+/// @param anchor      Mask cell that lies on the pixel; it may lie outside the mask.
+/// @retval ippStsNoErr      The region is filtered; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, a side of the mask or of the region is 0 or less, or the step is shorter than
+///                          the columns read; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPMini_ippiFilterBox_8u_C3IR(unsigned char* srcDst, int srcDstStep, IppiSize roi,
+                                                      IppiSize maskSize, IppiPoint anchor);
+
+/// Convolution of a whole packed 24-bit image with one square float kernel for all channels. The ring of `radius` pixels
+/// along the edges of `dst` is not written.
+///
+/// @param src     The image: rows of 3 x width bytes.
+/// @param dst     Receives the result, laid out like `src`; it may be `src`.
+/// @param size    Size of the image in pixels. If a side is not above 2 x radius, nothing is done.
+/// @param radius  The kernel's sides are 2 x radius + 1. Below 0 nothing is done.
+/// @param kernel  The cells, row after row. If this or another pointer is null, nothing is done.
+OPCV_DLIB_API void Convolution24MonoFilter(const unsigned char* src, unsigned char* dst, IppiSize size, int radius,
+                                           const float* kernel);
+
+/// Convolution of a whole packed 24-bit image with a square float kernel for each channel.
+///
+/// @param src      The image: rows of 3 x width bytes.
+/// @param dst      Receives the result, laid out like `src`; it may be `src`. The ring of `radius` pixels along the edges
+///                 is not filtered: it holds the source's pixels, and no caller should rely on it.
+/// @param size     Size of the image in pixels.
+/// @param radius   The kernels' sides are 2 x radius + 1.
+/// @param kernels  Three kernels, one behind the other, in the reverse order of the channels: the first is for the last
+///                 byte of a pixel, the third for the first byte.
+/// @return true if the image is filtered; false, with nothing written, if a pointer is null, the radius is below 0, a
+///         side of the image is not above 2 x radius, the image (with rows of a multiple of 64 bytes) does not fit in 31
+///         bits of bytes, or memory ran out.
+OPCV_DLIB_API bool Convolution24(const unsigned char* src, unsigned char* dst, IppiSize size, int radius,
+                                 const float* kernels);
+/// @}
+
+/// @name Noise reduction
+/// @{
+
+/// Bilateral filter of one 8-bit channel: each pixel becomes the weighted mean of the pixels not farther away than half
+/// the kernel's side, with weights exp(-d^2 / 2 colorSquareSigma) exp(-r^2 / 2 spaceSquareSigma) for a difference d in
+/// grey and a distance r in pixels.
+///
+/// @param src               First pixel of the source region; the image continues kernelSize.width / 2 pixels past every
+///                          edge. (Sides of 1 filter with 3x3 pixels, and what lies left, above and below the region is
+///                          mirrored from it; to the right it is read if the rows are longer, otherwise mirrored.)
+/// @param srcStep           Bytes from one source row to the next.
+/// @param dst               First pixel of the destination region; may share memory with the source.
+/// @param dstStep           Bytes from one destination row to the next.
+/// @param roi               Size of the region in pixels.
+/// @param kernelSize        Sides of the neighbourhood: equal and odd.
+/// @param colorSquareSigma  Square of sigma in grey levels; 0 counts as 1.
+/// @param spaceSquareSigma  Square of sigma in pixels; 0 counts as 1.
+/// @retval ippStsNoErr      The region is filtered; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, sides of the kernel unequal, even or below 1, a side of the region 0 or less,
+///                          or a step shorter than the columns that it serves; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus OPCV_ippiFilterBilateral_8u_C1R(const unsigned char* src, int srcStep, unsigned char* dst,
+                                                        int dstStep, IppiSize roi, IppiSize kernelSize,
+                                                        float colorSquareSigma, float spaceSquareSigma);
+
+/// Noise reduction of a whole packed grey image: the bilateral filter with both squared sigmas 96 x strength, or 1 for
+/// strength 0. The outer ring of `dst` (2 pixels in mode 2, otherwise 1) is not written.
+///
+/// @param src       The image: rows of `size.width` bytes.
+/// @param dst       Receives the result, laid out like `src`; it may be `src`. If a pointer is null, nothing is done.
+/// @param size      Size of the image in pixels. If a side has no more than the ring's pixels, nothing is done.
+/// @param mode      2: 5x5 pixels; every other value: 3x3.
+/// @param strength  0 to 10; not checked.
+OPCV_DLIB_API void DeosNr(const unsigned char* src, unsigned char* dst, IppiSize size, int mode, int strength);
+
+/// Noise reduction of a whole packed 24-bit image: `DeosNr` on each channel.
+///
+/// @param src       The image: rows of 3 x width bytes.
+/// @param dst       Receives the result, laid out like `src`; it may be `src`. The outer ring is not filtered: it holds
+///                  the source's pixels, and no caller should rely on it.
+/// @param width     Pixels a row, a multiple of 4.
+/// @param height    Rows.
+/// @param mode      0 and 1: 3x3 pixels; 2: 5x5.
+/// @param strength  0 to 10.
+/// @retval 0  The image is filtered; or, with nothing written, a pointer is null, a side is 0 or less, the image (with
+///            rows of a multiple of 64 bytes) does not fit in 31 bits of bytes, or memory ran out.
+/// @retval 1  `mode` is not 0 to 2; nothing is written.
+/// @retval 2  `strength` is not 0 to 10; nothing is written.
+/// @retval 3  `width` is no multiple of 4; nothing is written.
+OPCV_DLIB_API int DeosNrRGB(const unsigned char* src, unsigned char* dst, int width, int height, int mode,
+                            int strength);
+/// @}
+
+/// @name Matrix product and cosine transform
+/// @{
+
+/// Single-precision matrix product: C = alpha op(A) op(B) + beta C, with op(A) of M x K, op(B) of K x N and C of M x N
+/// elements. Leading dimensions are in elements. Nothing is done if a matrix pointer is null, a size is 0 or less, a
+/// leading dimension is shorter than the rows (columns, if column-major) as they are stored, or its bytes do not fit in
+/// 31 bits.
+///
+/// @param order   101: row-major; every other value: column-major.
+/// @param transA  111: A as it is stored; every other value: its transpose.
+/// @param transB  111: B as it is stored; every other value: its transpose.
+/// @param M       Rows of op(A) and C.
+/// @param N       Columns of op(B) and C.
+/// @param K       Columns of op(A), rows of op(B).
+/// @param alpha   Factor of the product.
+/// @param A       First matrix.
+/// @param lda     Its leading dimension.
+/// @param B       Second matrix.
+/// @param ldb     Its leading dimension.
+/// @param beta    Factor of what C holds; with 0 it is not read.
+/// @param C       Receives the result; elements beside it are untouched.
+/// @param ldc     Its leading dimension.
+OPCV_DLIB_API void OPCV_cblas_sgemm(int order, int transA, int transB, int M, int N, int K, float alpha, const float* A,
+                                    int lda, const float* B, int ldb, float beta, float* C, int ldc);
+
+/// Replaces a table of n x n values by its orthonormal discrete cosine transform (forward: type II). It is one transform
+/// of length n x n over the rows, one behind the other, not one in two dimensions. Odd n is summed up by the definition
+/// and takes n^4 steps.
+///
+/// @param direction  0 and above: forward; below 0: inverse.
+/// @param rows       The n rows of n values each. If it or a row is null, nothing is written.
+/// @param n          Side of the table; nothing is done if it is 0 or less or above 46340.
+OPCV_DLIB_API void ddct(int direction, double** rows, int n);
+/// @}
 
 #ifdef __cplusplus
 }    // extern "C"
@@ -950,7 +1174,47 @@ OPCV_DLIB_API void Threshold_LTVal_8u_C1IR(unsigned char* p, int step, int width
 OPCV_DLIB_API void Threshold_LTVal_16s_C1IR(short* p, int step, int width, int height, short threshold, short value);
 /// @}
 
-//@@ C++: filters @@
+/// @name Convolution of any pixel type
+/// @{
+
+/// Convolution with an integer kernel, as described for `IPPShare_ippiFilter_8u_C1R`, of any pixel type that OpenCV's
+/// linear filter takes.
+///
+/// @param src         First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next, a multiple of the pixel size.
+/// @param type        OpenCV type code: 0 for one 8-bit channel, 16 for three, 3 for one 16-bit signed channel.
+/// @param dst         First pixel of the destination region.
+/// @param dstStep     Bytes from one destination row to the next, a multiple of the pixel size.
+/// @param roi         Size of the region in pixels.
+/// @param kernel      kernelSize.width x kernelSize.height cells.
+/// @param kernelSize  Sides of the kernel, odd or even.
+/// @param anchor      Cell that lies on the pixel; it may lie outside the kernel.
+/// @param divisor     Not 0; may be negative.
+/// @retval ippStsNoErr      The region is written; bytes outside it are untouched.
+/// @retval ippStsBadArgErr  Null pointer, a side of the region or the kernel is 0 or less, divisor 0, or a step shorter
+///                          than the columns that it serves; nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus ippiFilter(const void* src, int srcStep, int type, void* dst, int dstStep, const IppiSize& roi,
+                                   const int* kernel, const IppiSize& kernelSize, const IppiPoint& anchor, int divisor);
+
+/// `ippiFilter` with a float kernel and without a divisor.
+///
+/// @param src         As in `ippiFilter`.
+/// @param srcStep     As in `ippiFilter`.
+/// @param type        As in `ippiFilter`.
+/// @param dst         As in `ippiFilter`.
+/// @param dstStep     As in `ippiFilter`.
+/// @param roi         As in `ippiFilter`.
+/// @param kernel      As in `ippiFilter`.
+/// @param kernelSize  As in `ippiFilter`.
+/// @param anchor      As in `ippiFilter`.
+/// @retval ippStsNoErr      As in `ippiFilter`.
+/// @retval ippStsBadArgErr  As in `ippiFilter`, but there is no divisor.
+/// @retval ippStsNoMemErr   As in `ippiFilter`.
+OPCV_DLIB_API IppStatus ippiFilter32f(const void* src, int srcStep, int type, void* dst, int dstStep,
+                                      const IppiSize& roi, const float* kernel, const IppiSize& kernelSize,
+                                      const IppiPoint& anchor);
+/// @}
 #endif    // __cplusplus
 
 #endif    // OPCV_DLIB_H

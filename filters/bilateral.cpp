@@ -1,0 +1,39 @@
+// Bilateral filter of one 8-bit channel.
+#include <cmath>
+#include <opencv2/imgproc.hpp>
+
+#include "core/Tools.h"
+#include "filters/views.h"
+
+namespace {
+
+OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep, const IppiSize& roi,
+                      const IppiSize& kernel, float colorSquareSigma, float spaceSquareSigma) {
+    if (!src) return paramErr;
+    if (kernel.width != kernel.height || kernel.width < 1 || kernel.width % 2 == 0) return paramErr;
+
+    const IppiSize half = filters::halfOf(kernel);
+    cv::Mat view;
+    if (const OSErr err = filters::viewWithMargin(filters::pixelAt(src, srcStep, -half.width, -half.height, 1), srcStep,
+                                                  CV_8UC1, roi, half, view))
+        return err;
+
+    // Isolated: OpenCV must not read the pixels around the view. They reach none of the region, except that a side of 1
+    // still filters with 3x3 pixels: that result is the plain mode's.
+    const int border = kernel.width == 1 ? cv::BORDER_REFLECT_101 : cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED;
+    cv::Mat filtered;
+    cv::bilateralFilter(view, filtered, kernel.width, std::sqrt(double{colorSquareSigma}),
+                        std::sqrt(double{spaceSquareSigma}), border);
+    if (!filtered.data) return memFullErr;
+    return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), dst, dstStep, cv::Point(0, 0),
+                                   cv::Size(roi.width, roi.height));
+}
+
+}    // namespace
+
+IppStatus OPCV_ippiFilterBilateral_8u_C1R(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
+                                          IppiSize roi, IppiSize kernelSize, float colorSquareSigma,
+                                          float spaceSquareSigma) {
+    return Tools::OSErrToIppStatus(
+        filterBilateral(src, srcStep, dst, dstStep, roi, kernelSize, colorSquareSigma, spaceSquareSigma));
+}

@@ -1,0 +1,34 @@
+// Box filter in place: each pixel becomes the mean of the mask's pixels.
+#include <opencv2/imgproc.hpp>
+
+#include "core/Tools.h"
+#include "filters/views.h"
+
+namespace {
+
+OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const IppiSize& mask, const IppiPoint& anchor) {
+    if (mask.width < 1 || mask.height < 1 || !srcDst) return paramErr;
+
+    // Unlike a convolution's, the view begins at minus the anchor.
+    const IppiSize half = filters::halfOf(mask);
+    unsigned char* first = filters::pixelAt(srcDst, step, -int64_t{anchor.x}, -int64_t{anchor.y}, 3);
+    cv::Mat view;
+    if (const OSErr err = filters::viewWithMargin(first, step, CV_8UC3, roi, half, view)) return err;
+
+    // Isolated: OpenCV must not read the pixels around the view. They reach none of the region.
+    cv::Mat filtered;
+    const cv::Point centre(-1, -1);
+    const bool mean = true;
+    cv::boxFilter(view, filtered, -1, cv::Size(mask.width, mask.height), centre, mean,
+                  cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED);
+    if (!filtered.data) return memFullErr;
+    return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), srcDst, step, cv::Point(0, 0),
+                                   cv::Size(roi.width, roi.height));
+}
+
+}    // namespace
+
+IppStatus IPPMini_ippiFilterBox_8u_C3IR(unsigned char* srcDst, int srcDstStep, IppiSize roi, IppiSize maskSize,
+                                        IppiPoint anchor) {
+    return Tools::OSErrToIppStatus(filterBox(srcDst, srcDstStep, roi, maskSize, anchor));
+}

@@ -1,0 +1,60 @@
+#include "filters/colour_image.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <opencv2/core.hpp>
+
+#include "core/Tools.h"
+#include "filters/views.h"
+
+namespace filters {
+
+bool isColourImage(IppiSize size) {
+    if (size.width <= 0 || size.height <= 0) return false;
+    const int64_t step = (3 * int64_t{size.width} + 63) & ~int64_t{63};
+    return step <= INT32_MAX && step * size.height <= INT32_MAX;
+}
+
+const unsigned char* sourceApart(const unsigned char* src, const unsigned char* dst, size_t bytes, PixelBlock& copy) {
+    if (!overlap(src, src + bytes, dst, dst + bytes)) return src;
+    copy.reset(static_cast<unsigned char*>(std::malloc(bytes)));
+    if (copy) std::memcpy(copy.get(), src, bytes);
+    return copy.get();
+}
+
+void copyRing(const unsigned char* src, unsigned char* dst, IppiSize size, int width) {
+    const ptrdiff_t step = 3 * ptrdiff_t{size.width};
+    for (int y = 0; y < size.height; ++y, src += step, dst += step) {
+        const bool whole = y < width || y >= size.height - width || 2 * width >= size.width;
+        const ptrdiff_t bytes = whole ? step : 3 * ptrdiff_t{width};
+        std::memcpy(dst, src, static_cast<size_t>(bytes));
+        std::memcpy(dst + step - bytes, src + step - bytes, static_cast<size_t>(bytes));
+    }
+}
+
+OSErr filterChannels(const unsigned char* src, unsigned char* dst, IppiSize size,
+                     const std::function<OSErr(int channel, const unsigned char* from, unsigned char* to)>& filter) {
+    cv::Mat source;
+    cv::Mat target;
+    if (const OSErr err =
+            Tools::CreateImageMat(const_cast<unsigned char*>(src), 3 * size.width, size.height, CV_8UC3, source))
+        return err;
+    if (const OSErr err = Tools::CreateImageMat(dst, 3 * size.width, size.height, CV_8UC3, target)) return err;
+
+    const size_t planeBytes = source.total();
+    const PixelBlock from(static_cast<unsigned char*>(std::malloc(planeBytes)));
+    const PixelBlock to(static_cast<unsigned char*>(std::malloc(planeBytes)));
+    if (!from || !to) return memFullErr;
+    cv::Mat fromPlane(size.height, size.width, CV_8UC1, from.get());
+    const cv::Mat toPlane(size.height, size.width, CV_8UC1, to.get());
+    for (int channel = 0; channel < 3; ++channel) {
+        cv::extractChannel(source, fromPlane, channel);
+        std::memcpy(to.get(), from.get(), planeBytes);
+        if (const OSErr err = filter(channel, from.get(), to.get())) return err;
+        cv::insertChannel(toPlane, target, channel);
+    }
+    return noErr;
+}
+
+}    // namespace filters

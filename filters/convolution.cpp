@@ -1,0 +1,124 @@
+// Convolution of a region with a caller's kernel.
+//
+// OpenCV correlates, so the kernel is turned by 180 degrees first. A turned kernel has odd sides and its centre as the
+// anchor; the caller's anchor only says where the source region begins:
+//
+//     first column of the view = anchor.x - 2 * half    (half = kernel width / 2, rows likewise)
+//     first column of the region in the result = half
+#include <opencv2/imgproc.hpp>
+
+#include "core/Tools.h"
+#include "filters/views.h"
+
+namespace {
+
+struct Source {
+    const void* pixels;
+    int step;
+    int type;
+};
+
+struct Target {
+    void* pixels;
+    int step;
+};
+
+IppiSize halfOf(const cv::Mat& kernel) { return filters::halfOf({kernel.cols, kernel.rows}); }
+
+OSErr viewUnderKernel(const Source& source, const IppiSize& roi, const cv::Mat& kernel, const IppiPoint& anchor,
+                      cv::Mat& view) {
+    const IppiSize half = halfOf(kernel);
+    unsigned char* first =
+        filters::pixelAt(source.pixels, source.step, int64_t{anchor.x} - 2 * int64_t{half.width},
+                         int64_t{anchor.y} - 2 * int64_t{half.height}, static_cast<int>(CV_ELEM_SIZE(source.type)));
+    return filters::viewWithMargin(first, source.step, source.type, roi, half, view);
+}
+
+// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, past the caller's last row as well. With it, OpenCV
+// would take a Fourier transform, which rounds differently, for large kernels on views that are narrower than their
+// rows; these keep the plain mode. The border itself never reaches the region.
+int borderFor(const cv::Mat& kernel) {
+    constexpr size_t kSmallestTransformed = 50;
+    return kernel.total() < kSmallestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED
+                                                 : cv::BORDER_REFLECT_101;
+}
+
+OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
+    cv::Mat filtered;
+    const cv::Point centre(-1, -1);
+    cv::filter2D(view, filtered, -1, kernel, centre, 0.0, borderFor(kernel));
+    if (!filtered.data) return memFullErr;
+    const IppiSize half = halfOf(kernel);
+    return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), target.pixels, target.step,
+                                   cv::Point(0, 0), cv::Size(roi.width, roi.height));
+}
+
+// `kernel` is turned and of floats.
+OSErr convolve(const Source& source, const Target& target, const IppiSize& roi, const cv::Mat& kernel,
+               const IppiPoint& anchor) {
+    cv::Mat view;
+    if (const OSErr err = viewUnderKernel(source, roi, kernel, anchor, view)) return err;
+    cv::Mat region;
+    if (const OSErr err = Tools::CreateAndCutImageMat(target.pixels, target.step, cv::Rect(0, 0, roi.width, roi.height),
+                                                      source.type, region))
+        return err;
+    return filterWithOpenCV(view, kernel, roi, target);
+}
+
+OSErr filter(const Source& source, const Target& target, const IppiSize& roi, const int* kernel,
+             const IppiSize& kernelSize, const IppiPoint& anchor, int divisor) {
+    if (!source.pixels || divisor == 0) return paramErr;
+
+    cv::Mat turned;
+    if (const OSErr err = Tools::CreateKernelMatReverse<int, CV_32S>(kernel, kernelSize, turned)) return err;
+    cv::Mat weights;
+    turned.convertTo(weights, CV_32F);
+    if (!weights.data) return memFullErr;
+    weights.convertTo(weights, CV_32F, 1.0 / divisor);
+    return convolve(source, target, roi, weights, anchor);
+}
+
+OSErr filter32f(const Source& source, const Target& target, const IppiSize& roi, const float* kernel,
+                const IppiSize& kernelSize, const IppiPoint& anchor) {
+    if (!source.pixels) return paramErr;
+
+    cv::Mat turned;
+    if (const OSErr err = Tools::CreateKernelMatReverse<float, CV_32F>(kernel, kernelSize, turned)) return err;
+    return convolve(source, target, roi, turned, anchor);
+}
+
+}    // namespace
+
+IppStatus ippiFilter(const void* src, int srcStep, int type, void* dst, int dstStep, const IppiSize& roi,
+                     const int* kernel, const IppiSize& kernelSize, const IppiPoint& anchor, int divisor) {
+    return Tools::OSErrToIppStatus(
+        filter({src, srcStep, type}, {dst, dstStep}, roi, kernel, kernelSize, anchor, divisor));
+}
+
+IppStatus ippiFilter32f(const void* src, int srcStep, int type, void* dst, int dstStep, const IppiSize& roi,
+                        const float* kernel, const IppiSize& kernelSize, const IppiPoint& anchor) {
+    return Tools::OSErrToIppStatus(filter32f({src, srcStep, type}, {dst, dstStep}, roi, kernel, kernelSize, anchor));
+}
+
+IppStatus IPPShare_ippiFilter_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                     IppiSize dstRoiSize, const int* pKernel, IppiSize kernelSize, IppiPoint anchor,
+                                     int divisor) {
+    return ippiFilter(pSrc, srcStep, CV_8UC1, pDst, dstStep, dstRoiSize, pKernel, kernelSize, anchor, divisor);
+}
+
+IppStatus IPPShare_ippiFilter_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                     IppiSize dstRoiSize, const int* pKernel, IppiSize kernelSize, IppiPoint anchor,
+                                     int divisor) {
+    return ippiFilter(pSrc, srcStep, CV_8UC3, pDst, dstStep, dstRoiSize, pKernel, kernelSize, anchor, divisor);
+}
+
+IppStatus IPPShare_ippiFilter_16s_C1R(const short* pSrc, int srcStep, short* pDst, int dstStep, IppiSize dstRoiSize,
+                                      const int* pKernel, IppiSize kernelSize, IppiPoint anchor, int divisor) {
+    return ippiFilter(pSrc, srcStep, CV_16SC1, pDst, dstStep, dstRoiSize, pKernel, kernelSize, anchor, divisor);
+}
+
+IppStatus IPPMini_ippiFilter32f_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                       IppiSize dstRoiSize, const float* pKernel, IppiSize kernelSize,
+                                       IppiPoint anchor) {
+    return ippiFilter32f(pSrc, srcStep, CV_8UC3, pDst, dstStep, dstRoiSize, pKernel, kernelSize, anchor);
+}

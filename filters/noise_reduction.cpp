@@ -1,0 +1,54 @@
+// Noise reduction of whole images: the bilateral filter with a strength from 0 to 10 on 3x3 or 5x5 pixels.
+#include <cstddef>
+#include <cstdint>
+
+#include "core/Tools.h"
+#include "filters/colour_image.h"
+#include "filters/views.h"
+
+namespace {
+
+constexpr int kLargestMode = 2;    // 5x5; 0 and 1 are 3x3
+constexpr int kStrongest = 10;
+
+// Pixels along each edge that the neighbourhood of a mode leaves out.
+int insetOf(int mode) { return mode == 2 ? 2 : 1; }
+
+// Of both the grey levels and the distance.
+float squareSigmaOf(int strength) {
+    constexpr int64_t kSquareSigmaPerStrength = 96;
+    const auto squareSigma = static_cast<float>(strength * kSquareSigmaPerStrength);
+    return squareSigma == 0 ? 1.0F : squareSigma;
+}
+
+}    // namespace
+
+void DeosNr(const unsigned char* src, unsigned char* dst, IppiSize size, int mode, int strength) {
+    const int inset = insetOf(mode);
+    if (!src || !dst || size.width <= 2 * inset || size.height <= 2 * inset) return;
+    const IppiSize roi = {size.width - 2 * inset, size.height - 2 * inset};
+    const IppiSize kernel = {2 * inset + 1, 2 * inset + 1};
+    const ptrdiff_t offset = inset * ptrdiff_t{size.width} + inset;
+    const float squareSigma = squareSigmaOf(strength);
+    OPCV_ippiFilterBilateral_8u_C1R(src + offset, size.width, dst + offset, size.width, roi, kernel, squareSigma,
+                                    squareSigma);
+}
+
+int DeosNrRGB(const unsigned char* src, unsigned char* dst, int width, int height, int mode, int strength) {
+    if (mode < 0 || mode > kLargestMode) return 1;
+    if (strength < 0 || strength > kStrongest) return 2;
+    if (width % 4 != 0) return 3;
+
+    // From here on the result is 0, done or not.
+    const IppiSize size = {width, height};
+    if (!src || !dst || !filters::isColourImage(size)) return 0;
+    PixelBlock copy;
+    const unsigned char* source =
+        filters::sourceApart(src, dst, 3 * static_cast<size_t>(width) * static_cast<size_t>(height), copy);
+    if (!source) return 0;
+    filters::filterChannels(source, dst, size, [&](int, const unsigned char* from, unsigned char* to) {
+        DeosNr(from, to, size, mode, strength);
+        return OSErr{noErr};
+    });
+    return 0;
+}
