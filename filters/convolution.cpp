@@ -5,9 +5,14 @@
 //
 //     first column of the view = anchor.x - 2 * half    (half = kernel width / 2, rows likewise)
 //     first column of the region in the result = half
+//
+// Kernels of moderate size on 8-bit and 16-bit signed pixels run directly from the source to the destination; everything
+// else is OpenCV's. Both give the same bytes.
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "filters/convolution_kernels.h"
+#include "filters/fused_sums.h"
 #include "filters/views.h"
 
 namespace {
@@ -34,13 +39,46 @@ OSErr viewUnderKernel(const Source& source, const IppiSize& roi, const cv::Mat& 
     return filters::viewWithMargin(first, source.step, source.type, roi, half, view);
 }
 
+// From this number of cells on, OpenCV may take a Fourier transform, which rounds differently, if a view is as wide as
+// its rows.
+constexpr size_t kFewestTransformed = 50;
+
+bool mayBeTransformed(const cv::Mat& view, const cv::Mat& kernel) {
+    const bool wholeRows = static_cast<size_t>(view.cols) * view.elemSize() == view.step;
+    return wholeRows && kernel.total() >= kFewestTransformed;
+}
+
+bool hasDirectKernel(int type) { return type == CV_8UC1 || type == CV_8UC3 || type == CV_8UC4 || type == CV_16SC1; }
+
+filters::Taps tapsOf(const cv::Mat& kernel, int channels) {
+    filters::Taps taps;
+    taps.rows = kernel.rows;
+    taps.reach = (kernel.cols - 1) * channels;
+    for (int row = 0; row < kernel.rows; ++row)
+        for (int column = 0; column < kernel.cols; ++column) {
+            const float weight = kernel.at<float>(row, column);
+            if (weight == 0) continue;
+            taps.taps[static_cast<size_t>(taps.count++)] = {row, column * channels, {weight, weight, weight}};
+        }
+    return taps;
+}
+
+void filterDirectly(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& region) {
+    const filters::Taps taps = tapsOf(kernel, view.channels());
+    const filters::Shape shape = {region.cols * region.channels(), region.rows};
+    const auto srcStep = static_cast<ptrdiff_t>(view.step);
+    const auto dstStep = static_cast<ptrdiff_t>(region.step);
+    if (view.depth() == CV_8U)
+        filters::convolve8u(view.ptr<uint8_t>(), srcStep, region.ptr<uint8_t>(), dstStep, shape, taps);
+    else
+        filters::convolve16s(view.ptr<int16_t>(), srcStep, region.ptr<int16_t>(), dstStep, shape, taps);
+}
+
 // Without BORDER_ISOLATED, OpenCV reads the pixels around a view, past the caller's last row as well. With it, OpenCV
-// would take a Fourier transform, which rounds differently, for large kernels on views that are narrower than their
-// rows; these keep the plain mode. The border itself never reaches the region.
+// takes a large view for one that is as wide as its rows, and its transform; so that is kept to the small kernels. The
+// border itself never reaches the region.
 int borderFor(const cv::Mat& kernel) {
-    constexpr size_t kSmallestTransformed = 50;
-    return kernel.total() < kSmallestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED
-                                                 : cv::BORDER_REFLECT_101;
+    return kernel.total() < kFewestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED : cv::BORDER_REFLECT_101;
 }
 
 OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
@@ -62,6 +100,12 @@ OSErr convolve(const Source& source, const Target& target, const IppiSize& roi, 
     if (const OSErr err = Tools::CreateAndCutImageMat(target.pixels, target.step, cv::Rect(0, 0, roi.width, roi.height),
                                                       source.type, region))
         return err;
+
+    if (hasDirectKernel(view.type()) && kernel.total() <= filters::Taps::kMost && !mayBeTransformed(view, kernel) &&
+        !filters::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
+        filterDirectly(view, kernel, region);
+        return noErr;
+    }
     return filterWithOpenCV(view, kernel, roi, target);
 }
 

@@ -1,0 +1,190 @@
+// Convolution by the definition: each result is the rounded, saturated sum of pixel x weight over the kernel's cells in
+// raster order. Products are added fused, in 32-bit floats, from a sum of 0 on: to the last bit what OpenCV does.
+//
+// The region is filtered in strips of columns. The source rows of a window are converted to floats once, into a ring of
+// rows that stays in the first-level cache:
+//
+//     ring row (y + j) mod rows:  | element 0 | 1 | 2 | ... | strip | reach |     j = 0 .. rows - 1
+//                                       |<-- tap -->| read at element + tap.element
+//
+// Read are the window's own pixels only.
+#include "filters/convolution_kernels.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/convolution_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+using filters::Shape;
+using filters::Tap;
+using filters::Taps;
+
+using D = hn::ScalableTag<float>;
+using V = hn::Vec<D>;
+constexpr size_t kLanes = hn::MaxLanes(D());
+constexpr size_t kVectors = 6;    // summed up together: two turns of the three places that a vector has in pixels
+constexpr size_t kBlock = kVectors * kLanes;
+constexpr size_t kRingFloats = 6144;
+
+// One weight for all elements.
+struct EqualWeights {
+    explicit EqualWeights(const Taps& all) : taps(all) {}
+    V at(int tap, size_t /*place*/) const { return hn::Set(D(), taps.taps[static_cast<size_t>(tap)].weights[0]); }
+
+    const Taps& taps;
+};
+
+// A weight for each element of a pixel: vectors with period 3, at three places.
+struct PixelWeights {
+    explicit PixelWeights(const Taps& all) {
+        for (size_t tap = 0; tap < static_cast<size_t>(all.count); ++tap)
+            for (size_t i = 0; i < 3 * kLanes; ++i) table[tap][i] = all.taps[tap].weights[i % 3];
+    }
+    V at(int tap, size_t place) const { return hn::Load(D(), table[tap] + place * kLanes); }
+
+    HWY_ALIGN float table[Taps::kMost][3 * kLanes];
+};
+
+template <class Pixel>
+void convertRow(const Pixel* HWY_RESTRICT src, size_t count, float* HWY_RESTRICT dst) {
+    const D d;
+    const hn::RebindToSigned<D> d32;
+    const hn::Rebind<Pixel, D> dPixel;
+    size_t x = 0;
+    for (; x + kLanes <= count; x += kLanes)
+        hn::StoreU(hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(dPixel, src + x))), d, dst + x);
+    for (; x < count; ++x) dst[x] = static_cast<float>(src[x]);
+}
+
+// Sums of N vectors whose taps read at `x`; the first one stands at a place of its own in the pixels.
+template <size_t N, class Weights>
+HWY_INLINE void sumTaps(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t x,
+                        size_t place, V* sums) {
+    const D d;
+    for (size_t v = 0; v < N; ++v) sums[v] = hn::Zero(d);
+    for (int tap = 0; tap < count; ++tap)
+        for (size_t v = 0; v < N; ++v)
+            sums[v] = hn::MulAdd(hn::LoadU(d, taps[tap] + x + v * kLanes), weights.at(tap, (place + v) % 3), sums[v]);
+}
+
+// To bytes by way of 16 bits: straight from 32 bits, values from 32768 on lose their saturation on AVX2.
+HWY_INLINE auto roundedTo16(V sum) {
+    const hn::Rebind<int16_t, D> d16;
+    return hn::DemoteTo(d16, hn::NearestInt(sum));
+}
+
+HWY_INLINE void storeRounded(V sum, int16_t* dst) { hn::StoreU(roundedTo16(sum), hn::Rebind<int16_t, D>(), dst); }
+
+HWY_INLINE void storeRounded(V sum, uint8_t* dst) {
+    const hn::Rebind<uint8_t, D> d8;
+    hn::StoreU(hn::DemoteTo(d8, roundedTo16(sum)), d8, dst);
+}
+
+template <class Pixel, class Weights>
+void convolveRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
+                 Pixel* HWY_RESTRICT dst) {
+    size_t x = 0;
+    for (; x + kBlock <= width; x += kBlock) {
+        V sums[kVectors];
+        sumTaps<kVectors>(weights, taps, count, x, 0, sums);
+        for (size_t v = 0; v < kVectors; ++v) storeRounded(sums[v], dst + x + v * kLanes);
+    }
+    for (; x < width; x += kLanes) {
+        V sum[1];
+        sumTaps<1>(weights, taps, count, x, x / kLanes % 3, sum);
+        if (x + kLanes <= width) {
+            storeRounded(sum[0], dst + x);
+        } else {
+            // The ring has room for a whole vector, the destination has not.
+            Pixel last[kLanes];
+            storeRounded(sum[0], last);
+            std::memcpy(dst + x, last, (width - x) * sizeof(Pixel));
+        }
+    }
+}
+
+template <class Pixel>
+const Pixel* behind(const Pixel* row, ptrdiff_t bytes) {
+    return reinterpret_cast<const Pixel*>(reinterpret_cast<const uint8_t*>(row) + bytes);
+}
+
+template <class Pixel>
+Pixel* behind(Pixel* row, ptrdiff_t bytes) {
+    return reinterpret_cast<Pixel*>(reinterpret_cast<uint8_t*>(row) + bytes);
+}
+
+template <class Pixel, class Weights>
+void convolveWith(const Weights& weights, const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep,
+                  Shape region, const Taps& taps) {
+    HWY_ALIGN float ring[kRingFloats] = {};
+    const auto rows = static_cast<size_t>(taps.rows);
+    const auto reach = static_cast<size_t>(taps.reach);
+    const size_t pitch = kRingFloats / rows / kLanes * kLanes;
+    // Strips begin at the first element of a pixel, at the first place of a vector.
+    const size_t strip = (pitch - reach) / (3 * kLanes) * (3 * kLanes);
+    const auto elements = static_cast<size_t>(region.elements);
+    for (size_t left = 0; left < elements; left += strip) {
+        const size_t width = std::min(strip, elements - left);
+        const auto convert = [&](size_t row) {
+            const Pixel* from = behind(src, static_cast<ptrdiff_t>(row) * srcStep) + left;
+            convertRow(from, width + reach, ring + row % rows * pitch);
+        };
+        for (size_t row = 0; row + 1 < rows; ++row) convert(row);
+        for (size_t y = 0; y < static_cast<size_t>(region.rows); ++y) {
+            convert(y + rows - 1);
+            const float* reads[Taps::kMost];
+            for (size_t i = 0; i < static_cast<size_t>(taps.count); ++i) {
+                const Tap& tap = taps.taps[i];
+                reads[i] = ring + (y + static_cast<size_t>(tap.row)) % rows * pitch + tap.element;
+            }
+            convolveRow(weights, reads, taps.count, width, behind(dst, static_cast<ptrdiff_t>(y) * dstStep) + left);
+        }
+    }
+}
+
+template <class Pixel>
+void convolve(const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep, Shape region, const Taps& taps) {
+    if (taps.alike)
+        convolveWith(EqualWeights(taps), src, srcStep, dst, dstStep, region, taps);
+    else
+        convolveWith(PixelWeights(taps), src, srcStep, dst, dstStep, region, taps);
+}
+
+void convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region,
+                const Taps& taps) {
+    convolve(src, srcStep, dst, dstStep, region, taps);
+}
+
+void convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
+                 const Taps& taps) {
+    convolve(src, srcStep, dst, dstStep, region, taps);
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(convolve8u);
+HWY_EXPORT(convolve16s);
+}    // namespace
+
+void filters::convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region,
+                         const Taps& taps) {
+    HWY_DYNAMIC_DISPATCH(convolve8u)(src, srcStep, dst, dstStep, region, taps);
+}
+
+void filters::convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
+                          const Taps& taps) {
+    HWY_DYNAMIC_DISPATCH(convolve16s)(src, srcStep, dst, dstStep, region, taps);
+}
+#endif    // HWY_ONCE
