@@ -222,7 +222,194 @@ OPCV_DLIB_API void IPPMini_ippiFree(void* p);
 OPCV_DLIB_API void IPPShare_ippiFree(void* p);
 /// @}
 
-//@@ rank filters @@
+/// @name Square medians
+///
+/// The source image must hold every window: with the anchor (ax, ay) of an m x m mask it goes on ax pixels to the left
+/// and ay above the region, m - 1 - ax to the right and m - 1 - ay below. The anchor may lie outside the mask, which
+/// shifts the windows on. Small masks are filtered straight from the caller's rows, without memory of their own; where
+/// source and destination overlap, and for large masks, OpenCV makes a copy first.
+/// @{
+
+/// Median of a grey region by a square mask: each pixel becomes the median of the mask's pixels, placed with the anchor
+/// over it.
+///
+/// @param pSrc        First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next; at least width + m - 1 pixels.
+/// @param pDst        First pixel of the destination region; may overlap the source.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param maskSize    Size of the mask: odd, width equal to height.
+/// @param anchor      Cell of the mask that lies over the pixel, counted from 0.
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, mask not square or not odd, empty region, or rows too short for the region (at
+///                          the source: for the region and m - 1 more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedian_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                         int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
+                                                         IppiPoint anchor);
+
+/// `IPPShare_ippiFilterMedian_8u_C1R` for a colour region, each channel by itself.
+///
+/// @param pSrc        As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param srcStep     Bytes from one source row to the next; a multiple of 3.
+/// @param pDst        As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param dstStep     Bytes from one destination row to the next; a multiple of 3.
+/// @param dstRoiSize  As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param maskSize    As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param anchor      As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @retval ippStsNoErr      As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @retval ippStsBadArgErr  As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @retval ippStsNoMemErr   As in `IPPShare_ippiFilterMedian_8u_C1R`.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedian_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                         int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
+                                                         IppiPoint anchor);
+
+/// Calls `IPPShare_ippiFilterMedian_8u_C1R` by its exported name.
+///
+/// @param pSrc        As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param srcStep     As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param pDst        As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param dstStep     As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param dstRoiSize  As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param maskSize    As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param anchor      As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @retval ippStsNoErr      As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @retval ippStsBadArgErr  As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @retval ippStsNoMemErr   As in `IPPShare_ippiFilterMedian_8u_C1R`.
+OPCV_DLIB_API IppStatus IPPMini_ippiFilterMedian_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                        int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
+                                                        IppiPoint anchor);
+/// @}
+
+/// @name Medians with a fixed window
+///
+/// Windows that lie over the region's edge take the pixels around it: the source image goes on as far as each function
+/// says. No other byte of the source is read.
+/// @{
+
+/// Cross-shaped median of a grey region: each pixel becomes the median of the pixels of a plus sign centred on it.
+///
+/// @param pSrc        First pixel of the source region; the image goes on 1 pixel (mask 33) or 2 (mask 55) on each side.
+/// @param srcStep     Bytes from one source row to the next; not checked.
+/// @param pDst        First pixel of the destination region; must not overlap the source.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param mask        33: the 5 pixels of a 3 x 3 cross. 55: the 9 pixels of a 5 x 5 cross.
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, empty region, width above `dstStep`, or another mask; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianCross_8u_C1R(const unsigned char* pSrc, int srcStep,
+                                                              unsigned char* pDst, int dstStep, IppiSize dstRoiSize,
+                                                              int mask);
+
+/// 3 x 3 median of a grey region in which the centre counts several times, so that fine detail survives: each pixel
+/// becomes the middle one of its eight neighbours and `weight` times itself.
+///
+/// @param pSrc        First pixel of the source region; the image goes on 1 pixel on each side.
+/// @param srcStep     Bytes from one source row to the next; not checked.
+/// @param pDst        First pixel of the destination region; must not overlap the source.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param weight      3 (the 6th smallest of 11 values) or 5 (the 7th smallest of 13).
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, empty region, width above `dstStep`, or another weight; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R(const unsigned char* pSrc, int srcStep,
+                                                                          unsigned char* pDst, int dstStep,
+                                                                          IppiSize dstRoiSize, int weight);
+
+/// Vector median of a colour region: each pixel becomes that pixel of its 3 x 3 window whose city-block distances
+/// |r1 - r2| + |g1 - g2| + |b1 - b2| to the other eight have the smallest sum; among equals the first in raster order.
+///
+/// @param pSrc        First pixel of the source region; the image goes on 1 pixel on each side.
+/// @param srcStep     Bytes from one source row to the next; not checked.
+/// @param pDst        First pixel of the destination region; must not overlap the source.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param mask        33; there is no other.
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, empty region, 3 x width above `dstStep`, or another mask; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianColor_8u_C3R(const unsigned char* pSrc, int srcStep,
+                                                              unsigned char* pDst, int dstStep, IppiSize dstRoiSize,
+                                                              int mask);
+/// @}
+
+/// @name Dilation, erosion, maximum and minimum
+///
+/// Each pixel becomes the largest or the smallest of the source pixels that the cells of a mask select, when the mask is
+/// placed with its anchor over the pixel. The source image must hold every window: with the anchor (ax, ay) of a
+/// mw x mh mask it goes on ax pixels to the left and ay above the region, mw - 1 - ax to the right and mh - 1 - ay below;
+/// where OpenCV does the work, one more to the right (below) if mw (mh) is even. The anchor may lie outside the mask,
+/// which shifts the windows on. Small masks are filtered straight from the caller's rows, without memory of their own;
+/// where source and destination overlap, and for large masks, OpenCV makes a copy first.
+/// @{
+
+/// Largest pixel under an arbitrary mask.
+///
+/// @param pSrc        First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next; at least the width and twice half the mask's (mw / 2).
+/// @param pDst        First pixel of the destination region; may overlap the source.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param pMask       The mask's cells, row after row without gaps; each that is not 0 selects a pixel. What a mask
+///                    that selects none gives is OpenCV's choice.
+/// @param maskSize    Size of the mask in cells.
+/// @param anchor      Cell of the mask that lies over the pixel, counted from 0.
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, empty mask or region, or rows too short for the region (at the source: for the
+///                          region and 2 (mw / 2) more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+OPCV_DLIB_API IppStatus IPPShare_ippiDilate_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                   int dstStep, IppiSize dstRoiSize, const unsigned char* pMask,
+                                                   IppiSize maskSize, IppiPoint anchor);
+
+/// Smallest pixel under an arbitrary mask.
+///
+/// @param pSrc        As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param srcStep     As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param pDst        As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param dstStep     As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param dstRoiSize  As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param pMask       As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param maskSize    As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param anchor      As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsNoErr      As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsBadArgErr  As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsNoMemErr   As in `IPPShare_ippiDilate_8u_C1R`.
+OPCV_DLIB_API IppStatus IPPShare_ippiErode_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                  int dstStep, IppiSize dstRoiSize, const unsigned char* pMask,
+                                                  IppiSize maskSize, IppiPoint anchor);
+
+/// Largest pixel under a full rectangle.
+///
+/// @param pSrc        As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param srcStep     As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param pDst        As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param dstStep     As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param dstRoiSize  As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param maskSize    Size of the rectangle.
+/// @param anchor      As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsNoErr      As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsBadArgErr  As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsNoMemErr   As in `IPPShare_ippiDilate_8u_C1R`.
+OPCV_DLIB_API IppStatus IPPMini_ippiFilterMax_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                     int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
+                                                     IppiPoint anchor);
+
+/// Smallest pixel under a full rectangle.
+///
+/// @param pSrc        As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param srcStep     As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param pDst        As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param dstStep     As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param dstRoiSize  As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param maskSize    Size of the rectangle.
+/// @param anchor      As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsNoErr      As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsBadArgErr  As in `IPPShare_ippiDilate_8u_C1R`.
+/// @retval ippStsNoMemErr   As in `IPPShare_ippiDilate_8u_C1R`.
+OPCV_DLIB_API IppStatus IPPMini_ippiFilterMin_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                     int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
+                                                     IppiPoint anchor);
+/// @}
 
 /// @name Rotation of regions
 /// @{
@@ -1006,7 +1193,89 @@ class Scalar_;
 typedef Scalar_<double> Scalar;
 }    // namespace cv
 
-//@@ C++: rank filters @@
+/// @name Square median, any pixel type
+/// @{
+
+/// Median of a region by a square mask, for any pixel type that OpenCV's median filter takes; each channel by itself.
+///
+/// @param pSrc      First pixel of the source region. The image must hold every window, as told for
+///                  `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @param srcStep   Bytes from one source row to the next; a multiple of the pixel size.
+/// @param type      OpenCV type code: 0 for one 8-bit channel, 16 for three, ...
+/// @param pDst      First pixel of the destination region; may overlap the source.
+/// @param dstStep   Bytes from one destination row to the next; a multiple of the pixel size.
+/// @param roiSize   Size of the region in pixels.
+/// @param maskSize  Size of the mask: odd, width equal to height.
+/// @param anchor    Cell of the mask that lies over the pixel, counted from 0.
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, mask not square or not odd, empty region, or rows too short for the region (at
+///                          the source: for the region and m - 1 more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @throws cv::Exception if OpenCV has no median for the type and mask; nothing is written.
+OPCV_DLIB_API IppStatus ippiFilterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstStep,
+                                         const IppiSize& roiSize, const IppiSize& maskSize, const IppiPoint& anchor);
+/// @}
+
+/// @name Medians without checks
+///
+/// What the checked entry points of the medians with a fixed window call, for arguments that are known to be good.
+/// @{
+
+/// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 33.
+///
+/// @param pSrc     First pixel of the source region; the image goes on 1 pixel on each side.
+/// @param srcStep  Bytes from one source row to the next.
+/// @param pDst     First pixel of the destination region; must not overlap the source.
+/// @param dstStep  Bytes from one destination row to the next.
+/// @param width    Pixels a row, at least 1.
+/// @param height   Rows; 0 and less do nothing.
+OPCV_DLIB_API void FilterMedianCross3x3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                               int width, int height);
+
+/// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 55.
+///
+/// @param pSrc     First pixel of the source region; the image goes on 2 pixels on each side.
+/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
+/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+OPCV_DLIB_API void FilterMedianCross5x5_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                               int width, int height);
+
+/// `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` with weight 3.
+///
+/// @param pSrc     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
+/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+OPCV_DLIB_API void FilterMedianWeightedCenter3x3_3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                          int dstStep, int width, int height);
+
+/// `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` with weight 5.
+///
+/// @param pSrc     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
+/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+OPCV_DLIB_API void FilterMedianWeightedCenter3x3_5_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                          int dstStep, int width, int height);
+
+/// `IPPShare_ippiFilterMedianColor_8u_C3R` with mask 33.
+///
+/// @param pSrc     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
+/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
+/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
+/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+OPCV_DLIB_API void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                               int width, int height);
+/// @}
 
 /// @name Rotation of regions, any pixel type
 /// @{

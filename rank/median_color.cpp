@@ -1,0 +1,305 @@
+// 3x3 vector median of colour pixels: the pixel of the window whose colour distances to the other eight sum up to the
+// least; the first in raster order among equals.
+//
+// A pair of pixels meets in up to six windows, so each distance is computed once. Per pixel there are twelve: to its
+// neighbours 1 and 2 to the right, to five pixels of the next row and to five of the row after that. The image goes
+// through in strips of columns, from top to bottom, three rows at a time; all that is kept of them is on the stack.
+//
+// Instead of |a - b| summed over the channels, a pair has M(p, q) = max r + max g + max b. With T = r + g + b the
+// distance is 2 M(p, q) - T(p) - T(q), so over the eight others of a window
+//
+//     distances(p) = 2 sum of M(p, q) - 7 T(p) - (sum of T over the nine pixels),
+//
+// and as the last term is the same for all nine candidates they are ranked by the first two, the score. The sum over the
+// three pixels of one row depends on whether p is in the left, middle or right column of the window, and serves three
+// windows.
+//
+// The least of the nine scores is at most their mean, which is convex in each sample and hence largest when samples are
+// 0 or 255: 255 (2 k (9 - k) / 9 + k) for k samples of 255 in a channel, at most 2578.4 a channel and 7735 in all. So
+// 8 score + 7 fits in 16 bits where it matters; other scores saturate. The low three bits hold the candidate's place.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "OPCV_dlib.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rank/median_color.cpp"
+#include <hwy/cache_control.h>
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using D8 = hn::ScalableTag<uint8_t>;
+using D16 = hn::ScalableTag<uint16_t>;
+using DI16 = hn::RebindToSigned<D16>;
+using V16 = hn::Vec<D16>;
+
+constexpr D8 d8;
+constexpr D16 d16;
+constexpr DI16 di16;
+
+constexpr ptrdiff_t kColumns = 256;           // of a strip, with one more on either side than it writes
+constexpr ptrdiff_t kStrip = kColumns - 2;    // columns that it writes
+constexpr ptrdiff_t kPad = 16;                // columns around them that are read but matter to no result
+constexpr int kReach = 2;                     // columns from one end of a window to the other
+constexpr int kShifts = 2 * kReach + 1;       // column distances of a pair in different rows
+constexpr int kScale = 16;                    // of the samples in 16 bits: 2 for the distance, 8 for the place
+static_assert(kColumns % static_cast<ptrdiff_t>(hn::MaxLanes(d8)) == 0, "the last vector of a row ends with it");
+
+enum Column { kLeft, kMiddle, kRight, kColumnsOfWindow };
+
+// One value a column; column 0 lies left of the first one that is written.
+template <class T>
+class Row {
+public:
+    T* at(ptrdiff_t p) { return values_ + kPad + p; }
+    const T* at(ptrdiff_t p) const { return values_ + kPad + p; }
+
+private:
+    HWY_ALIGN T values_[kPad + kColumns + kPad] = {};
+};
+
+struct PixelRow {
+    Row<uint8_t> bytes[3];
+    Row<int16_t> samples[3];    // times kScale
+};
+
+struct ColumnSums {
+    V16 of[kColumnsOfWindow];
+};
+
+using SumRows = Row<uint16_t>[kColumnsOfWindow];
+
+// A strip of columns of the image, and what it keeps between rows: the last three rows of pixels (above, here, below),
+// and of their pairs what later rows need.
+class Strip {
+public:
+    explicit Strip(ptrdiff_t width) : width_(width) {}
+
+    // Makes the next row of the source the row below. `row` is the first pixel that is written; one more is read on
+    // either side.
+    void enter(const uint8_t* row) {
+        std::rotate(pixels_, pixels_ + 1, pixels_ + 3);
+        load(row - 3);
+        for (ptrdiff_t p = 0; p < width_ + kReach; p += lanes16()) pairAt(p);
+        for (ptrdiff_t p = 0; p < width_ + kReach; p += lanes16()) scoreAt(p);
+    }
+
+    // Writes the medians of the row here.
+    void select(uint8_t* dst) const {
+        if (width_ < lanes8()) {
+            HWY_ALIGN uint8_t block[3 * hn::MaxLanes(d8)];
+            selectAt(0, block);
+            std::memcpy(dst, block, static_cast<size_t>(3 * width_));
+            return;
+        }
+        for (ptrdiff_t x = 0; x < width_ - lanes8(); x += lanes8()) selectAt(x, dst);
+        selectAt(width_ - lanes8(), dst);
+    }
+
+private:
+    static ptrdiff_t lanes8() { return static_cast<ptrdiff_t>(hn::Lanes(d8)); }
+    static ptrdiff_t lanes16() { return static_cast<ptrdiff_t>(hn::Lanes(d16)); }
+
+    const PixelRow& above() const { return *pixels_[0]; }
+    const PixelRow& here() const { return *pixels_[1]; }
+    const PixelRow& below() const { return *pixels_[2]; }
+
+    void load(const uint8_t* row) {
+        const ptrdiff_t count = width_ + kReach;
+        if (count < lanes8()) {
+            HWY_ALIGN uint8_t block[3 * hn::MaxLanes(d8)] = {};
+            std::memcpy(block, row, static_cast<size_t>(3 * count));
+            loadAt(0, block);
+            return;
+        }
+        for (ptrdiff_t p = 0; p < count - lanes8(); p += lanes8()) loadAt(p, row);
+        loadAt(count - lanes8(), row);
+    }
+
+    void loadAt(ptrdiff_t p, const uint8_t* row) {
+        const hn::Half<D8> half;
+        hn::Vec<D8> channel[3];
+        hn::LoadInterleaved3(d8, row + 3 * p, channel[0], channel[1], channel[2]);
+        for (int c = 0; c < 3; ++c) {
+            hn::StoreU(channel[c], d8, pixels_[2]->bytes[c].at(p));
+            int16_t* samples = pixels_[2]->samples[c].at(p);
+            const auto scale = hn::Set(di16, kScale);
+            hn::StoreU(hn::Mul(hn::PromoteTo(di16, hn::LowerHalf(half, channel[c])), scale), di16, samples);
+            hn::StoreU(hn::Mul(hn::PromoteTo(di16, hn::UpperHalf(half, channel[c])), scale), di16, samples + lanes16());
+        }
+    }
+
+    // Three samples of a column.
+    struct Pixels {
+        hn::Vec<DI16> c0, c1, c2;
+    };
+    static HWY_INLINE Pixels pixelsAt(const PixelRow& row, ptrdiff_t p) {
+        return {hn::LoadU(di16, row.samples[0].at(p)), hn::LoadU(di16, row.samples[1].at(p)),
+                hn::LoadU(di16, row.samples[2].at(p))};
+    }
+
+    static HWY_INLINE void storePair(const Pixels& a, const Pixels& b, Row<uint16_t>& out, ptrdiff_t p) {
+        const auto sum = hn::Add(hn::Add(hn::Max(a.c0, b.c0), hn::Max(a.c1, b.c1)), hn::Max(a.c2, b.c2));
+        hn::StoreU(hn::BitCast(d16, sum), d16, out.at(p));
+    }
+
+    // M of the pixels at column p with those of the row below.
+    HWY_INLINE void pairAt(ptrdiff_t p) {
+        const Pixels above2 = pixelsAt(above(), p);
+        const Pixels above1 = pixelsAt(here(), p);
+        for (int i = 0; i < kShifts; ++i) {
+            const Pixels partner = pixelsAt(below(), p + i - kReach);
+            storePair(above1, partner, nextRow_[i], p);
+            storePair(above2, partner, rowAfter_[i], p);
+        }
+        const Pixels own = pixelsAt(below(), p);
+        storePair(own, pixelsAt(below(), p + 1), nextColumn_, p);
+        storePair(own, pixelsAt(below(), p + 2), columnAfter_, p);
+    }
+
+    static HWY_INLINE V16 load16(const Row<uint16_t>& row, ptrdiff_t p) { return hn::LoadU(d16, row.at(p)); }
+
+    // Sums over the three pixels of another row, by the pairs' column distances -2 to 2.
+    static HWY_INLINE ColumnSums sumsOf(V16 l2, V16 l1, V16 same, V16 r1, V16 r2) {
+        const V16 left = hn::Add(l1, same);
+        const V16 right = hn::Add(same, r1);
+        return {{hn::Add(right, r2), hn::Add(left, r1), hn::Add(l2, left)}};
+    }
+    static HWY_INLINE ColumnSums downwards(const Row<uint16_t> (&pairs)[kShifts], ptrdiff_t p) {
+        return sumsOf(load16(pairs[0], p), load16(pairs[1], p), load16(pairs[2], p), load16(pairs[3], p),
+                      load16(pairs[4], p));
+    }
+    // The same pairs from their lower pixel: the partner at distance i has this one at distance -i.
+    static HWY_INLINE ColumnSums upwards(const Row<uint16_t> (&pairs)[kShifts], ptrdiff_t p) {
+        return sumsOf(load16(pairs[4], p - 2), load16(pairs[3], p - 1), load16(pairs[2], p), load16(pairs[1], p + 1),
+                      load16(pairs[0], p + 2));
+    }
+
+    // Sums within the row below, less 7 T of the pixel itself. Together with the sums over any further row they are not
+    // negative, as 5 M >= 5 T.
+    HWY_INLINE ColumnSums withinRow(ptrdiff_t p) const {
+        const Pixels own = pixelsAt(below(), p);
+        const auto total = hn::BitCast(d16, hn::Add(hn::Add(own.c0, own.c1), own.c2));
+        const V16 sevenTotals = hn::Mul(hn::ShiftRight<1>(total), hn::Set(d16, 7));
+        const V16 r1 = hn::Sub(load16(nextColumn_, p), sevenTotals);
+        const V16 l1 = load16(nextColumn_, p - 1);
+        const V16 l2 = hn::Sub(load16(columnAfter_, p - 2), sevenTotals);
+        return {{hn::Add(r1, load16(columnAfter_, p)), hn::Add(r1, l1), hn::Add(l1, l2)}};
+    }
+
+    // Keys of the window's candidates in column p, from the sums over its three rows.
+    HWY_INLINE void scoreAt(ptrdiff_t p) {
+        const ColumnSums own = withinRow(p);
+        const ColumnSums belowToHere = upwards(nextRow_, p);
+        const ColumnSums belowToAbove = upwards(rowAfter_, p);
+        const ColumnSums hereToBelow = downwards(nextRow_, p);
+        const ColumnSums aboveToBelow = downwards(rowAfter_, p);
+        for (int c = 0; c < kColumnsOfWindow; ++c) {
+            const V16 up = hn::Add(own.of[c], belowToHere.of[c]);
+            storeKey(c, load16(ownAndDown_[c], p), aboveToBelow.of[c], p);
+            storeKey(3 + c, load16(ownAndUp_[c], p), hereToBelow.of[c], p);
+            storeKey(6 + c, up, belowToAbove.of[c], p);
+            hn::StoreU(hn::Add(load16(own_[c], p), hereToBelow.of[c]), d16, ownAndDown_[c].at(p));
+            hn::StoreU(up, d16, ownAndUp_[c].at(p));
+            hn::StoreU(own.of[c], d16, own_[c].at(p));
+        }
+    }
+
+    // The ninth candidate has no place of its own in three bits. It wins if even with the place 7 its key is below all
+    // others, which is when its score is.
+    HWY_INLINE void storeKey(int place, V16 twoRows, V16 oneRow, ptrdiff_t p) {
+        const auto bits = static_cast<uint16_t>(std::min(place, 7));
+        hn::StoreU(hn::SaturatedAdd(twoRows, hn::Add(oneRow, hn::Set(d16, bits))), d16, keys_[place].at(p));
+    }
+
+    // Places, 0 to 8, of the winners in the windows that begin at column p.
+    HWY_INLINE V16 winnersAt(ptrdiff_t p) const {
+        const auto key = [=](int place) HWY_ATTR { return load16(keys_[place], p + place % 3); };
+        const V16 best = hn::Min(hn::Min(hn::Min(key(0), key(1)), hn::Min(key(2), key(3))),
+                                 hn::Min(hn::Min(key(4), key(5)), hn::Min(key(6), key(7))));
+        const auto lastLoses = hn::Eq(hn::Min(best, key(8)), best);
+        return hn::IfThenElse(lastLoses, hn::And(best, hn::Set(d16, 7)), hn::Set(d16, 8));
+    }
+
+    HWY_INLINE void selectAt(ptrdiff_t x, uint8_t* dst) const {
+        const auto place = hn::ConcatEven(d8, hn::BitCast(d8, winnersAt(x + lanes16())), hn::BitCast(d8, winnersAt(x)));
+        const auto bit0 = hn::TestBit(place, hn::Set(d8, 1));
+        const auto bit1 = hn::TestBit(place, hn::Set(d8, 2));
+        const auto bit2 = hn::TestBit(place, hn::Set(d8, 4));
+        const auto bit3 = hn::TestBit(place, hn::Set(d8, 8));
+        const auto channel = [=](int c) HWY_ATTR {
+            const auto candidate = [=](int i)
+                                       HWY_ATTR { return hn::LoadU(d8, pixels_[i / 3]->bytes[c].at(x + i % 3)); };
+            const auto pick2 = [=](int i) HWY_ATTR { return hn::IfThenElse(bit0, candidate(i + 1), candidate(i)); };
+            const auto pick4 = [=](int i) HWY_ATTR { return hn::IfThenElse(bit1, pick2(i + 2), pick2(i)); };
+            return hn::IfThenElse(bit3, candidate(8), hn::IfThenElse(bit2, pick4(4), pick4(0)));
+        };
+        hn::StoreInterleaved3(channel(0), channel(1), channel(2), d8, dst + 3 * x);
+    }
+
+    ptrdiff_t width_;
+    PixelRow ring_[3];
+    PixelRow* pixels_[3] = {&ring_[0], &ring_[1], &ring_[2]};    // above, here, below
+    Row<uint16_t> nextRow_[kShifts];                             // M of here and below, at the pixel here
+    Row<uint16_t> rowAfter_[kShifts];                            // M of above and below, at the pixel above
+    Row<uint16_t> nextColumn_;                                   // M within the row below
+    Row<uint16_t> columnAfter_;
+    SumRows own_;           // within one row; from here on of the last row entered
+    SumRows ownAndUp_;      // with the row before it
+    SumRows ownAndDown_;    // of the row before, with the last one
+    Row<uint16_t> keys_[9];
+};
+
+// A strip's row is too short for the processor to see that the next one follows a step later.
+HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
+    constexpr ptrdiff_t kCacheLine = 64;
+    for (ptrdiff_t i = 0; i < 3 * width; i += kCacheLine) hwy::Prefetch(row + i);
+}
+
+void filterStrip(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width, int height) {
+    constexpr int kAhead = 2;
+    Strip strip(width);
+    strip.enter(src - srcStep);
+    strip.enter(src);
+    for (; height > 0; --height, src += srcStep, dst += dstStep) {
+        if (height > kAhead) {
+            prefetchRow(src + (1 + kAhead) * srcStep, width);
+            prefetchRow(dst + kAhead * dstStep, width);
+        }
+        strip.enter(src + srcStep);
+        strip.select(dst);
+    }
+}
+
+void filter(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int width, int height) {
+    if (height < 1) return;
+    const ptrdiff_t strips = (width + kStrip - 1) / kStrip;
+    for (ptrdiff_t i = 0; i < strips; ++i) {
+        const ptrdiff_t first = width * i / strips;
+        const ptrdiff_t end = width * (i + 1) / strips;
+        filterStrip(src + 3 * first, srcStep, dst + 3 * first, dstStep, end - first, height);
+    }
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(filter);
+}    // namespace
+
+void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, int width,
+                                 int height) {
+    HWY_DYNAMIC_DISPATCH(filter)(pSrc, srcStep, pDst, dstStep, width, height);
+}
+#endif    // HWY_ONCE
