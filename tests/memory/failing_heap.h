@@ -1,0 +1,19 @@
+// The heap of the test program: malloc and its kin, operator new included, for the program and every library in it. On
+// demand the n-th allocation of a call fails, and what the call has allocated and not freed is counted.
+#pragma once
+
+#include <cstddef>
+
+class FailingHeap {
+public:
+    enum class Failure { kOnce, kLasting };
+
+    // From now on, in this thread: the n-th allocation fails (counted from 1), and with kLasting all after it.
+    static void arm(long n, Failure failure);
+
+    // Ends the counting. Whether an allocation was made to fail.
+    static bool disarm();
+
+    // Blocks that were allocated while armed and are still there. A block that the call has handed over counts.
+    static size_t liveBlocks();
+};
