@@ -4,21 +4,287 @@
 //     value = ((32 - fy) * ((32 - fx) * p00 + fx * p01) + fy * ((32 - fx) * p10 + fx * p11) + 512) >> 10
 //
 // and a tap outside the source has the border colour. Nothing is computed but the target's own pixels, and nothing is
-// read but the taps.
+// read but what lies between the taps of neighbours.
+//
+// While the angle is small, the taps of a group of neighbouring target bytes nearly follow each other in memory, so
+// that they need no gather. Along a group the source column runs on by 1 and stays behind once at most; the source row
+// changes a few times:
+//
+//     target    0 1 2 3 4 5 6 7
+//     row r     a b c d                    group of 8 pixels, turned counter-clockwise: its taps at the upper left lie
+//     row r+1           e e f              in two rows, and one column comes twice
+//
+// Each of these rows is loaded once from the group's first column and once from a pixel further, and the lanes take
+// from each what is theirs. Lanes that have fallen behind take the load one pixel earlier. Positions relative to the
+// group's first pixel come from tables of 16-bit lanes, the even bytes of a group before its odd bytes.
+//
+// A group that reaches over the source's edge gets its taps from a small patch, filled up with the border colour.
+// Where the angle is too steep for groups, pixels are computed one by one.
 #include "geometry/rotate_kernel.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "geometry/rotate_kernel.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace {
+namespace HWY_NAMESPACE {
 
-constexpr int kPixelsOfStrip = 512;
+namespace hn = hwy::HWY_NAMESPACE;
 
-struct Taps {
-    const uint8_t* p00;
-    const uint8_t* p01;
-    const uint8_t* p10;
-    const uint8_t* p11;
+constexpr int kFractionMask = (1 << kMapBits) - 1;
+constexpr int kStripBytes = 1536;    // of the target, so that few memory pages are in use at a time
+constexpr int kMaxTopRows = 12;      // source rows in which the upper taps of one group may lie
+constexpr int kSmallestGroup = 8;    // bytes
+
+struct Group {
+    MapPosition start;    // column part of its first pixel's position
+    int phase;            // bytes of that pixel that stand before the group
+    int lastPixel;        // counted from its first pixel
+    int lastBehind;       // of its last byte, as in the strip's tables
+    int lastDown;
 };
+
+// Part of the target's columns. In the tables, in 1/1024 pixel against the group's first pixel: how far a byte's source
+// column has fallen behind the run of one a pixel (never positive), and how far its source row lies below.
+struct Strip {
+    HWY_ALIGN int16_t behind[kStripBytes];
+    HWY_ALIGN int16_t down[kStripBytes];
+    Group groups[kStripBytes / kSmallestGroup];
+};
+
+template <class D>
+int groupBytes(D d) {
+    return static_cast<int>(hn::Lanes(d));
+}
+
+// Where a byte of a group stands in the tables.
+template <class D>
+int tableIndex(D d, int byte) {
+    return byte / 2 + (byte % 2 != 0 ? groupBytes(d) / 2 : 0);
+}
+
+template <class D>
+void prepareGroup(D d, const RotationJob& job, int firstByte, Group& group, int16_t* behind, int16_t* down) {
+    const int firstPixel = firstByte / job.channels;
+    group.start = job.map.column(firstPixel);
+    group.phase = firstByte % job.channels;
+    for (int i = 0; i < groupBytes(d); ++i) {
+        group.lastPixel = (group.phase + i) / job.channels;
+        const MapPosition at = job.map.column(firstPixel + group.lastPixel);
+        group.lastBehind = at.x - group.start.x - (group.lastPixel << kMapBits);
+        group.lastDown = at.y - group.start.y;
+        behind[tableIndex(d, i)] = static_cast<int16_t>(group.lastBehind);
+        down[tableIndex(d, i)] = static_cast<int16_t>(group.lastDown);
+    }
+}
+
+// The taps of one group.
+struct Window {
+    const uint8_t* first;    // upper left tap that the first byte would have in the top row
+    ptrdiff_t step;
+    int pixelSize;
+    int topRows;    // rows in which upper taps lie
+    int topRow;     // the first of them, against the row of the first byte's tap
+    int xFraction;
+    int yFraction;
+    bool someBehind;
+};
+
+// Left and right taps of all lanes in one row.
+template <class V>
+struct TapRow {
+    V left;
+    V right;
+};
+
+// v = value of the formula at the top, of 16-bit lanes. The floor of the vertical part is the high half of a product:
+// 2 (h1 - h0) * 1024 fy = (h1 - h0) * fy / 32 * 2^16.
+template <class V>
+V interpolate(V p00, V p01, V p10, V p11, V fx, V fyTimes1024, V half) {
+    const V h0 = hn::Add(hn::ShiftLeft<5>(p00), hn::Mul(fx, hn::Sub(p01, p00)));
+    const V h1 = hn::Add(hn::ShiftLeft<5>(p10), hn::Mul(fx, hn::Sub(p11, p10)));
+    const V rise = hn::Sub(h1, h0);
+    return hn::ShiftRight<5>(hn::Add(hn::Add(h0, half), hn::MulHigh(hn::Add(rise, rise), fyTimes1024)));
+}
+
+template <class D>
+hn::Vec<D> rotateGroup(D d, const Window& w, const int16_t* HWY_RESTRICT behind, const int16_t* HWY_RESTRICT down) {
+    const hn::RebindToSigned<D> s8;
+    const hn::RepartitionToWide<decltype(s8)> s16;
+    using V = hn::Vec<D>;
+    using V16 = hn::Vec<decltype(s16)>;
+    const size_t odd = hn::Lanes(s16);
+    const auto join = [&](V16 evens, V16 odds) HWY_ATTR {
+        return hn::BitCast(d, hn::Or(hn::And(evens, hn::Set(s16, 0xFF)), hn::ShiftLeft<8>(odds)));
+    };
+
+    const V16 xStart = hn::Set(s16, static_cast<int16_t>(w.xFraction));
+    const V16 yStart = hn::Set(s16, static_cast<int16_t>(w.yFraction));
+    const V16 xEven = hn::Add(xStart, hn::Load(s16, behind));
+    const V16 xOdd = hn::Add(xStart, hn::Load(s16, behind + odd));
+    const V16 yEven = hn::Add(yStart, hn::Load(s16, down));
+    const V16 yOdd = hn::Add(yStart, hn::Load(s16, down + odd));
+
+    // Negative: the column is the one before.
+    const auto isBehind =
+        hn::Lt(hn::BitCast(s8, join(hn::ShiftRight<kMapBits>(xEven), hn::ShiftRight<kMapBits>(xOdd))), hn::Zero(s8));
+    const auto tapsOf = [&](int row) HWY_ATTR {
+        const uint8_t* at = w.first + row * w.step;
+        TapRow<V> taps = {hn::LoadU(d, at), hn::LoadU(d, at + w.pixelSize)};
+        if (w.someBehind) {
+            const auto mask = hn::RebindMask(d, isBehind);
+            taps.right = hn::IfThenElse(mask, taps.left, taps.right);
+            taps.left = hn::IfThenElse(mask, hn::LoadU(d, at - w.pixelSize), taps.left);
+        }
+        return taps;
+    };
+
+    TapRow<V> upper = tapsOf(0);
+    TapRow<V> next = tapsOf(1);
+    TapRow<V> lower = next;
+    if (w.topRows > 1) {
+        const auto row = hn::BitCast(s8, join(hn::ShiftRight<kMapBits>(yEven), hn::ShiftRight<kMapBits>(yOdd)));
+        for (int i = 1; i < w.topRows; ++i) {
+            const auto fromHere = hn::RebindMask(d, hn::Gt(row, hn::Set(s8, static_cast<int8_t>(w.topRow + i - 1))));
+            upper.left = hn::IfThenElse(fromHere, next.left, upper.left);
+            upper.right = hn::IfThenElse(fromHere, next.right, upper.right);
+            next = tapsOf(i + 1);
+            lower.left = hn::IfThenElse(fromHere, next.left, lower.left);
+            lower.right = hn::IfThenElse(fromHere, next.right, lower.right);
+        }
+    }
+
+    const V16 half = hn::Set(s16, 16);
+    const V16 lowByte = hn::Set(s16, 0xFF);
+    const V16 fractionOfX = hn::Set(s16, 31);
+    const V16 fractionOfY = hn::Set(s16, 31 << 5);
+    const auto even = [&](V v) HWY_ATTR { return hn::And(hn::BitCast(s16, v), lowByte); };
+    const auto odds = [&](V v) HWY_ATTR {
+        const hn::RebindToUnsigned<decltype(s16)> u16;
+        return hn::BitCast(s16, hn::ShiftRight<8>(hn::BitCast(u16, v)));
+    };
+    const auto fx = [&](V16 x) HWY_ATTR { return hn::And(hn::ShiftRight<5>(x), fractionOfX); };
+    const auto fy = [&](V16 y) HWY_ATTR { return hn::ShiftLeft<5>(hn::And(y, fractionOfY)); };
+    return join(interpolate(even(upper.left), even(upper.right), even(lower.left), even(lower.right), fx(xEven),
+                            fy(yEven), half),
+                interpolate(odds(upper.left), odds(upper.right), odds(lower.left), odds(lower.right), fx(xOdd),
+                            fy(yOdd), half));
+}
+
+// Border colour, pixel after pixel.
+struct BorderRow {
+    static constexpr int kPixels = HWY_MAX_BYTES + 4;
+
+    explicit BorderRow(const RotationJob& job) {
+        for (int i = 0; i < kPixels * job.channels; ++i) bytes[i] = job.border[static_cast<size_t>(i % job.channels)];
+    }
+
+    uint8_t bytes[kPixels * RotationJob::kMaxChannels];
+};
+
+// The part of the source around a group, filled up with the border colour.
+struct Patch {
+    static constexpr int kStep = HWY_MAX_BYTES + 4 * RotationJob::kMaxChannels;
+
+    // Columns from `left` to `right` of rows from `top` on, all inclusive.
+    void fill(const RotationJob& job, const BorderRow& border, int left, int right, int top, int bottom) {
+        const int first = std::clamp(left, 0, job.sourceWidth);
+        const int end = std::clamp(right + 1, first, job.sourceWidth);
+        uint8_t* out = bytes;
+        for (int y = top; y <= bottom; ++y, out += kStep) {
+            std::memcpy(out, border.bytes, static_cast<size_t>((right + 1 - left) * job.channels));
+            if (y >= 0 && y < job.sourceHeight)
+                std::memcpy(out + ptrdiff_t{first - left} * job.channels,
+                            job.source + y * job.sourceStep + ptrdiff_t{first} * job.channels,
+                            static_cast<size_t>((end - first) * job.channels));
+        }
+    }
+
+    uint8_t bytes[(kMaxTopRows + 1) * kStep];
+};
+
+template <class D>
+void rotateGroupAt(D d, const RotationJob& job, const BorderRow& border, MapPosition at, const Group& group,
+                   const int16_t* behind, const int16_t* down, uint8_t* out) {
+    const int x = at.x >> kMapBits;
+    const int y = at.y >> kMapBits;
+    Window w;
+    w.pixelSize = job.channels;
+    w.xFraction = at.x & kFractionMask;
+    w.yFraction = at.y & kFractionMask;
+    w.someBehind = w.xFraction + group.lastBehind < 0;
+    const int lastRow = (w.yFraction + group.lastDown) >> kMapBits;
+    w.topRow = std::min(0, lastRow);
+    w.topRows = std::abs(lastRow) + 1;
+
+    const int left = x - 1;
+    const int right = x + group.lastPixel + 1;
+    const int top = y + w.topRow;
+    const int bottom = top + w.topRows;
+    const bool inside = left >= 0 && right < job.sourceWidth && top >= 0 && bottom < job.sourceHeight;
+    if (inside) {
+        w.first = job.source + top * job.sourceStep + ptrdiff_t{x} * job.channels + group.phase;
+        w.step = job.sourceStep;
+        hn::StoreU(rotateGroup(d, w, behind, down), d, out);
+    } else if (right < 0 || left >= job.sourceWidth || bottom < 0 || top >= job.sourceHeight) {
+        hn::StoreU(hn::LoadU(d, border.bytes + group.phase), d, out);
+    } else {
+        Patch patch;
+        patch.fill(job, border, left, right, top, bottom);
+        w.first = patch.bytes + job.channels + group.phase;
+        w.step = Patch::kStep;
+        hn::StoreU(rotateGroup(d, w, behind, down), d, out);
+    }
+}
+
+// One strip's columns in all rows. A group that the strip fills in part goes through a block on the stack.
+template <class D>
+void rotateStrip(D d, const RotationJob& job, const BorderRow& border, int firstByte, int bytes, int firstRow,
+                 int endRow) {
+    Strip strip;
+    const int size = groupBytes(d);
+    for (int i = 0; i < bytes; i += size)
+        prepareGroup(d, job, firstByte + i, strip.groups[i / size], strip.behind + i, strip.down + i);
+    for (int y = firstRow; y < endRow; ++y) {
+        const MapPosition row = job.map.row(y);
+        uint8_t* out = job.target + y * job.targetStep + firstByte;
+        int i = 0;
+        for (; i + size <= bytes; i += size) {
+            const Group& group = strip.groups[i / size];
+            rotateGroupAt(d, job, border, row + group.start, group, strip.behind + i, strip.down + i, out + i);
+        }
+        if (i < bytes) {
+            HWY_ALIGN uint8_t block[HWY_MAX_BYTES];
+            const Group& group = strip.groups[i / size];
+            rotateGroupAt(d, job, border, row + group.start, group, strip.behind + i, strip.down + i, block);
+            std::memcpy(out + i, block, static_cast<size_t>(bytes - i));
+        }
+    }
+}
+
+template <class D>
+void rotateInGroups(D d, const RotationJob& job, int firstRow, int endRow) {
+    const BorderRow border(job);
+    const int rowBytes = job.targetWidth * job.channels;
+    for (int first = 0; first < rowBytes; first += kStripBytes)
+        rotateStrip(d, job, border, first, std::min(kStripBytes, rowBytes - first), firstRow, endRow);
+}
+
+// Whether within a group of so many bytes the column stays behind once at most, and the rows are not too many. Each
+// position may be off by one unit, as both ends of a distance are rounded.
+template <class D>
+bool groupsFit(D d, const RotationJob& job) {
+    const int lastPixel = (groupBytes(d) + job.channels - 2) / job.channels;
+    const double behind = lastPixel * (1 - job.map.xPerColumn());
+    const double down = lastPixel * std::abs(job.map.yPerColumn());
+    return behind * kMapScale + 1 <= kMapScale && down + 2 <= kMaxTopRows;
+}
 
 const uint8_t* tapAt(const RotationJob& job, int x, int y) {
     const bool inside = x >= 0 && x < job.sourceWidth && y >= 0 && y < job.sourceHeight;
@@ -31,46 +297,57 @@ void rotatePixel(const RotationJob& job, MapPosition at, uint8_t* out) {
     const int y = at.y >> kMapBits;
     const int fx = at.x >> (kMapBits - 5) & 31;
     const int fy = at.y >> (kMapBits - 5) & 31;
-    Taps taps;
-    if (x >= 0 && x + 1 < job.sourceWidth && y >= 0 && y + 1 < job.sourceHeight) {
-        taps.p00 = job.source + y * job.sourceStep + ptrdiff_t{x} * kChannels;
-        taps.p01 = taps.p00 + kChannels;
-        taps.p10 = taps.p00 + job.sourceStep;
-        taps.p11 = taps.p10 + kChannels;
-    } else {
-        taps = {tapAt(job, x, y), tapAt(job, x + 1, y), tapAt(job, x, y + 1), tapAt(job, x + 1, y + 1)};
-    }
+    const uint8_t* p00 = tapAt(job, x, y);
+    const uint8_t* p01 = tapAt(job, x + 1, y);
+    const uint8_t* p10 = tapAt(job, x, y + 1);
+    const uint8_t* p11 = tapAt(job, x + 1, y + 1);
     const int w11 = fx * fy;
     const int w10 = 32 * fy - w11;
     const int w01 = 32 * fx - w11;
     const int w00 = 1024 - w01 - 32 * fy;
     for (int k = 0; k < kChannels; ++k)
-        out[k] = static_cast<uint8_t>(
-            (w00 * taps.p00[k] + w01 * taps.p01[k] + w10 * taps.p10[k] + w11 * taps.p11[k] + 512) >> 10);
+        out[k] = static_cast<uint8_t>((w00 * p00[k] + w01 * p01[k] + w10 * p10[k] + w11 * p11[k] + 512) >> 10);
 }
 
-// In strips, whose column positions stay on the stack.
 template <int kChannels>
 void rotateByPixel(const RotationJob& job, int firstRow, int endRow) {
-    std::array<MapPosition, kPixelsOfStrip> columns;
-    for (int first = 0; first < job.targetWidth; first += kPixelsOfStrip) {
-        const int count = std::min(kPixelsOfStrip, job.targetWidth - first);
-        for (int i = 0; i < count; ++i) columns[static_cast<size_t>(i)] = job.map.column(first + i);
+    constexpr int kStripPixels = kStripBytes / kChannels;
+    MapPosition columns[kStripPixels];
+    for (int first = 0; first < job.targetWidth; first += kStripPixels) {
+        const int count = std::min(kStripPixels, job.targetWidth - first);
+        for (int i = 0; i < count; ++i) columns[i] = job.map.column(first + i);
         for (int y = firstRow; y < endRow; ++y) {
             const MapPosition row = job.map.row(y);
             uint8_t* out = job.target + y * job.targetStep + ptrdiff_t{first} * kChannels;
-            for (int i = 0; i < count; ++i, out += kChannels)
-                rotatePixel<kChannels>(job, row + columns[static_cast<size_t>(i)], out);
+            for (int i = 0; i < count; ++i, out += kChannels) rotatePixel<kChannels>(job, row + columns[i], out);
         }
     }
 }
 
-}    // namespace
-
-void rotateRows(const RotationJob& job, int firstRow, int endRow) {
+void rotate(const RotationJob& job, int firstRow, int endRow) {
+    const hn::ScalableTag<uint8_t> full;
+    const hn::CappedTag<uint8_t, 16> half;
+    const hn::CappedTag<uint8_t, kSmallestGroup> quarter;
+    if (groupsFit(full, job)) return rotateInGroups(full, job, firstRow, endRow);
+    if (groupsFit(half, job)) return rotateInGroups(half, job, firstRow, endRow);
+    if (groupsFit(quarter, job)) return rotateInGroups(quarter, job, firstRow, endRow);
     switch (job.channels) {
         case 1: return rotateByPixel<1>(job, firstRow, endRow);
         case 3: return rotateByPixel<3>(job, firstRow, endRow);
         default: return rotateByPixel<4>(job, firstRow, endRow);
     }
 }
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(rotate);
+}    // namespace
+
+void rotateRows(const RotationJob& job, int firstRow, int endRow) {
+    HWY_DYNAMIC_DISPATCH(rotate)(job, firstRow, endRow);
+}
+#endif    // HWY_ONCE
