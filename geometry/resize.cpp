@@ -1,12 +1,16 @@
 // Bilinear resize: of a page record by a ratio, of a grey region with placement, of a colour region to a given size.
+#include <algorithm>
+#include <cfloat>
 #include <climits>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
 #include "core/ownership.h"
 #include "geometry/page_format.h"
+#include "geometry/resize_kernels.h"
 
 namespace {
 
@@ -30,6 +34,48 @@ OSErr viewOf(const KVIMG& record, int type, cv::Mat& view) {
     return viewOf(record.data, record.rowBytes, {0, 0, record.width, record.height}, type, view);
 }
 
+// A source and the rectangle of the scaled image that is wanted of it.
+BilinearJob jobOf(const cv::Mat& from, double xScale, double yScale, const cv::Point& origin, const cv::Mat& to) {
+    return {from.data,
+            static_cast<ptrdiff_t>(from.step[0]),
+            from.cols,
+            from.rows,
+            from.channels(),
+            xScale,
+            yScale,
+            origin.x,
+            origin.y,
+            to.cols,
+            to.rows,
+            to.data,
+            static_cast<ptrdiff_t>(to.step[0])};
+}
+
+// Equal sizes are a copy and exactly half in both directions is a mean, which OpenCV does best.
+bool isDirect(const BilinearJob& job, const cv::Size& scaled) {
+    const auto isTwo = [](double scale) { return std::abs(scale - 2) < DBL_EPSILON; };
+    return scaled != cv::Size(job.sourceWidth, job.sourceHeight) && !(isTwo(job.xScale) && isTwo(job.yScale)) &&
+           BilinearResize::canDo(job);
+}
+
+// Bands of rows go to OpenCV's threads where its own resize would.
+void resizeDirectly(const BilinearJob& job) {
+    const BilinearResize resize(job);
+    const auto band = [&](const cv::Range& rows) { resize.run(rows.start, rows.size()); };
+    cv::parallel_for_(cv::Range(0, job.height), band, static_cast<double>(job.width) * job.height / (1 << 16));
+}
+
+// The scale is that of the two sizes.
+void resizeInto(const cv::Mat& from, cv::Mat& to) {
+    const double xScale = 1 / (static_cast<double>(to.cols) / from.cols);
+    const double yScale = 1 / (static_cast<double>(to.rows) / from.rows);
+    const BilinearJob job = jobOf(from, xScale, yScale, {0, 0}, to);
+    if (isDirect(job, to.size()))
+        resizeDirectly(job);
+    else
+        cv::resize(from, to, to.size(), 0, 0, cv::INTER_LINEAR);
+}
+
 OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
     int width = 0;
     int height = 0;
@@ -44,7 +90,7 @@ OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
     if (const OSErr err = viewOf(src, format.type, from)) return err;
     cv::Mat to;
     if (const OSErr err = viewOf(*scaled, format.type, to)) return err;
-    cv::resize(from, to, to.size(), 0, 0, cv::INTER_LINEAR);
+    resizeInto(from, to);
     return noErr;
 }
 
@@ -71,32 +117,62 @@ struct Factors {
     double y;
 };
 
+struct Placement {
+    Span columns;
+    Span rows;
+};
+
+bool overlap(const cv::Mat& a, const cv::Mat& b) {
+    const auto end = [](const cv::Mat& m) { return m.ptr(m.rows - 1) + static_cast<size_t>(m.cols) * m.elemSize(); };
+    const std::less<> before;
+    return before(a.data, end(b)) && before(b.data, end(a));
+}
+
+// Computes only what is placed, straight to where it goes. False, with nothing written, where that cannot be done or
+// the arguments are refused.
+bool placeDirectly(const cv::Mat& from, Factors factors, const Placement& at, unsigned char* dst, int dstStep) {
+    const double width = from.cols * factors.x;
+    const double height = from.rows * factors.y;
+    if (!(width > 0 && width < INT_MAX && height > 0 && height < INT_MAX)) return false;
+    const cv::Size scaled(cvRound(width), cvRound(height));
+    const IppiRect covered = {at.columns.to, at.rows.to, std::min(scaled.width - at.columns.from, at.columns.count),
+                              std::min(scaled.height - at.rows.from, at.rows.count)};
+    cv::Mat to;
+    if (viewOf(dst, dstStep, covered, CV_8UC1, to) != noErr || overlap(from, to)) return false;
+    const cv::Point origin(at.columns.from, at.rows.from);
+    const BilinearJob job = jobOf(from, 1 / factors.x, 1 / factors.y, origin, to);
+    if (!isDirect(job, scaled)) return false;
+    resizeDirectly(job);
+    return true;
+}
+
 OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
                      unsigned char* dst, int dstStep, const IppiRect& dstRoi, Factors factors, double xShift,
                      double yShift) {
     if (exceeds(srcRoi, srcSize)) return paramErr;
     cv::Mat from;
     if (const OSErr err = viewOf(src, srcStep, srcRoi, CV_8UC1, from)) return err;
+    Placement at{};
+    const bool placed =
+        place(xShift, dstRoi.x, dstRoi.width, at.columns) && place(yShift, dstRoi.y, dstRoi.height, at.rows);
+    if (placed && placeDirectly(from, factors, at, dst, dstStep)) return noErr;
+
     cv::Mat scaled;
     cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR);
     if (!scaled.data) return memFullErr;
-
-    Span columns{};
-    Span rows{};
-    if (!place(xShift, dstRoi.x, dstRoi.width, columns) || !place(yShift, dstRoi.y, dstRoi.height, rows))
-        return paramErr;
-    return Tools::CopyImageMatData(scaled, cv::Point(columns.from, rows.from), dst, dstStep,
-                                   cv::Point(columns.to, rows.to), cv::Size(columns.count, rows.count));
+    if (!placed) return paramErr;
+    return Tools::CopyImageMatData(scaled, cv::Point(at.columns.from, at.rows.from), dst, dstStep,
+                                   cv::Point(at.columns.to, at.rows.to), cv::Size(at.columns.count, at.rows.count));
 }
 
 OSErr resizeToFit(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
-                  unsigned char* dst, int dstStep, const IppiSize& dstSize, Factors factors) {
+                  unsigned char* dst, int dstStep, const IppiSize& dstSize) {
     if (exceeds(srcRoi, srcSize)) return paramErr;
     cv::Mat from;
     if (const OSErr err = viewOf(src, srcStep, srcRoi, CV_8UC3, from)) return err;
     cv::Mat to;
     if (const OSErr err = viewOf(dst, dstStep, {0, 0, dstSize.width, dstSize.height}, CV_8UC3, to)) return err;
-    cv::resize(from, to, to.size(), factors.x, factors.y, cv::INTER_LINEAR);
+    resizeInto(from, to);
     return noErr;
 }
 
@@ -121,8 +197,7 @@ IppStatus OPCV_ippiResizeSqrPixel_8u_C1R(const unsigned char* src, IppiSize srcS
 }
 
 IppStatus IPPMini_ippiResize_8u_C3R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
-                                    unsigned char* dst, int dstStep, IppiSize dstRoiSize, double xFactor,
-                                    double yFactor, int /*interpolation*/) {
-    return Tools::OSErrToIppStatus(
-        resizeToFit(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize, {xFactor, yFactor}));
+                                    unsigned char* dst, int dstStep, IppiSize dstRoiSize, double /*xFactor*/,
+                                    double /*yFactor*/, int /*interpolation*/) {
+    return Tools::OSErrToIppStatus(resizeToFit(src, srcSize, srcStep, srcRoi, dst, dstStep, dstRoiSize));
 }
