@@ -117,7 +117,7 @@ hn::Vec<D> loadBlocks(D d, const uint8_t* row, const int32_t* firstBytes) {
 // A vector's share of the table, for any number of rows.
 struct Columns {
     Columns(const ColumnTable& table, int result, int vector) {
-        const size_t slot = static_cast<size_t>(result / kFour + vector * kBlocks);
+        const auto slot = static_cast<size_t>(result) / kFour + static_cast<size_t>(vector) * kBlocks;
         firstBytes = &table.firstBytes[slot];
         shuffle = hn::LoadU(D8(), &table.shuffles[slot * kBlockBytes]);
         weights = hn::LoadU(D16(), &table.weights[slot * 2 * kFour]);

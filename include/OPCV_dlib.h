@@ -595,7 +595,7 @@ OPCV_DLIB_API OSErr ResizeImageWithIPPEx(const KVIMG* src, KVIMG** dst, double d
 /// @param srcSize        Size of the source image.
 /// @param srcStep        Bytes from one source row to the next.
 /// @param srcRoi         Part of the source that is scaled; nothing outside it is read.
-/// @param dst            First row of the destination image; must not overlap the source.
+/// @param dst            First row of the destination image; may be the source image, or overlap it.
 /// @param dstStep        Bytes from one destination row to the next.
 /// @param dstRoi         Part of the destination that is filled.
 /// @param xFactor        Scale of the width, above 0.

@@ -66,8 +66,8 @@ V16 weightedSum(V16 a, int16_t weightOfA, V16 b, int16_t weightOfB) {
     const auto half = hn::Set(d32, 1 << 13);
     const auto sumOf = [&](V16 pairs) HWY_ATTR {
         auto rest = hn::Zero(d32);
-        const auto sum = hn::ReorderWidenMulAccumulate(d32, pairs, weights, half, rest);
-        return hn::ShiftRight<14>(hn::RearrangeToOddPlusEven(sum, rest));
+        const auto products = hn::ReorderWidenMulAccumulate(d32, pairs, weights, hn::Zero(d32), rest);
+        return hn::ShiftRight<14>(hn::Add(hn::RearrangeToOddPlusEven(products, rest), half));
     };
     // The pairs are interleaved within blocks of 128 bits, and the sums are narrowed back within them.
     return hn::ReorderDemote2To(d16, sumOf(hn::InterleaveLower(d16, a, b)), sumOf(hn::InterleaveUpper(d16, a, b)));

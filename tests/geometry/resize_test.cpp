@@ -286,6 +286,24 @@ TEST(ResizePlaced, ScalesAndPlacesLikeTheDefinition) {
     EXPECT_GT(placed, 200);
 }
 
+// The scaled image is complete before anything is written.
+TEST(ResizePlaced, MayWriteOverItsSource) {
+    Random random(626);
+    for (const int shift : {0, 1, -1, 40}) {
+        GuardedImage image(random, {60, 40}, {1, 0, 4, 0});
+        cv::Mat scaled;
+        cv::resize(viewOf(image, CV_8UC1)(cv::Rect(0, 0, 50, 30)), scaled, cv::Size(), 0.8, 0.8, cv::INTER_LINEAR);
+        const IppiRect rectangle = {0, 0, 60, 40};
+        ASSERT_EQ(OPCV_ippiResizeSqrPixel_8u_C1R(image.data(), {60, 40}, image.step(), {0, 0, 50, 30}, image.data(),
+                                                 image.step(), rectangle, 0.8, 0.8, shift, 0, 0, nullptr),
+                  ippStsNoErr);
+        const cv::Rect covered = cv::Rect(shift, 0, scaled.cols, scaled.rows) & cv::Rect(0, 0, 60, 40);
+        EXPECT_TRUE(image.untouchedOutside(covered.x, covered.y, covered.width, covered.height)) << shift;
+        EXPECT_EQ(cv::norm(viewOf(image, CV_8UC1)(covered), scaled(covered - cv::Point(shift, 0)), cv::NORM_INF), 0)
+            << shift;
+    }
+}
+
 TEST(ResizePlaced, PlacesByWholePixels) {
     Random random(622);
     const GuardedImage source(random, {20, 6}, {});
