@@ -2,9 +2,16 @@
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "filters/box_kernels.h"
 #include "filters/views.h"
 
 namespace {
+
+// Rows are read from the top down, each as a whole, before they are overwritten. A mask that ends above or to the left of
+// its pixel would come too late, and rows must not shift against each other.
+bool canFilterInPlace(int step, const IppiSize& mask, const IppiPoint& anchor) {
+    return anchor.x < mask.width && anchor.y < mask.height && step % 3 == 0;
+}
 
 OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const IppiSize& mask, const IppiPoint& anchor) {
     if (mask.width < 1 || mask.height < 1 || !srcDst) return paramErr;
@@ -14,6 +21,17 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
     unsigned char* first = filters::pixelAt(srcDst, step, -int64_t{anchor.x}, -int64_t{anchor.y}, 3);
     cv::Mat view;
     if (const OSErr err = filters::viewWithMargin(first, step, CV_8UC3, roi, half, view)) return err;
+    cv::Mat region;
+    if (const OSErr err =
+            Tools::CreateAndCutImageMat(srcDst, step, cv::Rect(0, 0, roi.width, roi.height), CV_8UC3, region))
+        return err;
+
+    constexpr int kWidestDirect = 16;    // OpenCV's running sums do not grow with the width
+    filters::MeanRule rule;
+    if (mask.width <= kWidestDirect && canFilterInPlace(step, mask, anchor) &&
+        filters::findMeanRule(int64_t{mask.width} * mask.height, rule))
+        return filters::filterBox24({view.data, srcDst, step, 3 * roi.width, roi.height}, mask, rule) ? noErr
+                                                                                                      : memFullErr;
 
     // Isolated: OpenCV must not read the pixels around the view. They reach none of the region.
     cv::Mat filtered;

@@ -1,8 +1,8 @@
 // Convolution by the definition: each result is the rounded, saturated sum of pixel x weight over the kernel's cells in
 // raster order. Products are added fused, in 32-bit floats, from a sum of 0 on: to the last bit what OpenCV does.
 //
-// The region is filtered in strips of columns. The source rows of a window are converted to floats once, into a ring of
-// rows that stays in the first-level cache:
+// The region is filtered in as few strips of columns as the stack has room for. The source rows of a window are converted
+// to floats once, into a ring of rows:
 //
 //     ring row (y + j) mod rows:  | element 0 | 1 | 2 | ... | strip | reach |     j = 0 .. rows - 1
 //                                       |<-- tap -->| read at element + tap.element
@@ -32,7 +32,7 @@ using V = hn::Vec<D>;
 constexpr size_t kLanes = hn::MaxLanes(D());
 constexpr size_t kVectors = 6;    // summed up together: two turns of the three places that a vector has in pixels
 constexpr size_t kBlock = kVectors * kLanes;
-constexpr size_t kRingFloats = 6144;
+constexpr size_t kRingFloats = 24576;    // holds whole rows of an A4 page for most kernels; narrower strips cost time
 
 // One weight for all elements.
 struct EqualWeights {
@@ -62,6 +62,7 @@ void convertRow(const Pixel* HWY_RESTRICT src, size_t count, float* HWY_RESTRICT
     for (; x + kLanes <= count; x += kLanes)
         hn::StoreU(hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(dPixel, src + x))), d, dst + x);
     for (; x < count; ++x) dst[x] = static_cast<float>(src[x]);
+    hn::StoreU(hn::Zero(d), d, dst + x);    // the last vector of a strip reads on
 }
 
 // Sums of N vectors whose taps read at `x`; the first one stands at a place of its own in the pixels.
@@ -121,16 +122,22 @@ Pixel* behind(Pixel* row, ptrdiff_t bytes) {
     return reinterpret_cast<Pixel*>(reinterpret_cast<uint8_t*>(row) + bytes);
 }
 
+// Elements of a strip: as even a share of a row as may be, whole pixels of three and whole vectors.
+size_t stripOf(size_t elements, size_t most) {
+    constexpr size_t kUnit = 3 * kLanes;
+    const size_t strips = (elements - 1) / (most / kUnit * kUnit) + 1;
+    return ((elements - 1) / strips / kUnit + 1) * kUnit;
+}
+
 template <class Pixel, class Weights>
 void convolveWith(const Weights& weights, const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep,
                   Shape region, const Taps& taps) {
-    HWY_ALIGN float ring[kRingFloats] = {};
+    HWY_ALIGN float ring[kRingFloats];
     const auto rows = static_cast<size_t>(taps.rows);
     const auto reach = static_cast<size_t>(taps.reach);
     const size_t pitch = kRingFloats / rows / kLanes * kLanes;
-    // Strips begin at the first element of a pixel, at the first place of a vector.
-    const size_t strip = (pitch - reach) / (3 * kLanes) * (3 * kLanes);
     const auto elements = static_cast<size_t>(region.elements);
+    const size_t strip = stripOf(elements, pitch - reach - kLanes);
     for (size_t left = 0; left < elements; left += strip) {
         const size_t width = std::min(strip, elements - left);
         const auto convert = [&](size_t row) {

@@ -1,0 +1,32 @@
+// Box filter in place, straight on the caller's rows.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "OPCV_dlib.h"
+
+namespace filters {
+
+// Divides the sums of a mask as OpenCV does.
+struct MeanRule {
+    uint16_t addend = 0;        // to the sum
+    uint16_t multiplier = 0;    // of which product the upper half
+    int shift = 0;              // is shifted
+};
+
+// False if no 16-bit multiplier gives OpenCV's means for masks of this many pixels; so for 1, 2 and more than 256.
+bool findMeanRule(int64_t area, MeanRule& rule);
+
+struct BoxRegion {
+    const uint8_t* window;    // first element of the first row under the mask
+    uint8_t* pixels;          // first element of the region; no row below a window is written before it is read
+    ptrdiff_t step;           // bytes
+    int elements;             // a row, three a pixel
+    int rows;
+};
+
+// False if there is no memory for the rows of a mask; nothing is written then.
+bool filterBox24(const BoxRegion& region, IppiSize mask, const MeanRule& rule);
+
+}    // namespace filters
