@@ -1,0 +1,284 @@
+// Bilateral filter over the pixels within a radius of 1 or 2. The weight of two pixels is the same for either, so it is
+// looked up once, for the pair, and kept for the pixel that comes later:
+//
+//     radius 1:   . u .        radius 2:   . . u . .       u, l, v: cells before the centre o, whose weights are known
+//                 l o r                    . v u v .       r, d, e: cells behind it; their weights are looked up now
+//                 . d .                    l l o r r
+//                                          . e d e .
+//                                          . . d . .
+//
+// Sums are formed as OpenCV forms them, to the last bit: float sums in raster order, products added fused; but in the
+// columns that fill no vector of the view, four cells at a time are added across.
+//
+// The region is filtered in strips, from a copy of the source rows under the window. Read are the pixels within the
+// radius only.
+#include "filters/bilateral_kernels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <opencv2/core/utility.hpp>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "filters/bilateral_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+using filters::BilateralRegion;
+using filters::BilateralWeights;
+
+using D = hn::ScalableTag<float>;
+using V = hn::Vec<D>;
+using Bytes = hn::ScalableTag<uint8_t>;
+constexpr ptrdiff_t kLanes = hn::MaxLanes(D());
+constexpr ptrdiff_t kByteLanes = hn::MaxLanes(Bytes());
+
+// A cell behind the centre, and by symmetry the one opposite to it. The weights of as many rows are kept as lie from one
+// of the pair to the other.
+struct Pair {
+    int dx;
+    int dy;
+    BilateralWeights::Distance distance;
+    int firstRow;    // among all rows of weights
+};
+
+// In raster order.
+template <int kRadius>
+struct Window;
+
+template <>
+struct Window<1> {
+    static constexpr int kPairs = 2;
+    static constexpr int kWeightRows = 3;
+    static constexpr Pair kPair[kPairs] = {{1, 0, BilateralWeights::kOne, 0}, {0, 1, BilateralWeights::kOne, 1}};
+};
+
+template <>
+struct Window<2> {
+    static constexpr int kPairs = 6;
+    static constexpr int kWeightRows = 11;
+    static constexpr Pair kPair[kPairs] = {
+        {1, 0, BilateralWeights::kOne, 0},        {2, 0, BilateralWeights::kTwo, 1},
+        {-1, 1, BilateralWeights::kRootOfTwo, 2}, {0, 1, BilateralWeights::kOne, 4},
+        {1, 1, BilateralWeights::kRootOfTwo, 6},  {0, 2, BilateralWeights::kTwo, 8},
+    };
+};
+
+// The rows of a strip under the window and the weights of their pairs. Rows and elements count from the strip's first.
+template <int kRadius>
+class Strip {
+public:
+    static constexpr ptrdiff_t kWidth = 480;    // with the weights about the size of a first-level cache
+
+    Strip(const BilateralRegion& region, const BilateralWeights& weights, ptrdiff_t left, ptrdiff_t width)
+        : region_(region), weights_(weights), left_(left), width_(width) {}
+
+    void filter(int firstRow, int endRow) {
+        for (int row = firstRow - kRadius; row < firstRow + kRadius; ++row) copyRow(row);
+        for (int row = firstRow - kRadius; row < firstRow; ++row) {
+            copyRow(row + kRadius);
+            for (const Pair& pair : W::kPair)
+                if (pair.dy > 0) lookUp(pair, row);
+        }
+        for (int row = firstRow; row < endRow; ++row) {
+            copyRow(row + kRadius);
+            for (const Pair& pair : W::kPair) lookUp(pair, row);
+            filterRow(row);
+        }
+    }
+
+private:
+    using W = Window<kRadius>;
+    static constexpr int kRows = 2 * kRadius + 1;
+    static constexpr ptrdiff_t kMargin = 3 * kRadius;
+    static constexpr ptrdiff_t kPitch = kMargin + kWidth + kMargin + kByteLanes;    // vectors run over the end
+
+    uint8_t* row(int y) { return rows_[(y + kRows) % kRows] + kMargin; }
+    float* weightsOf(const Pair& pair, int y) {
+        return pairWeights_[pair.firstRow + (y + kRadius) % (pair.dy + 1)] + kMargin;
+    }
+
+    void copyRow(int y) {
+        const ptrdiff_t margin = ptrdiff_t{kRadius} * region_.channels;
+        std::memcpy(row(y) - margin, region_.src + y * region_.srcStep + left_ - margin,
+                    static_cast<size_t>(width_ + 2 * margin));
+    }
+
+    // Weights of the pixels of a row and their partners, as far as the strip's pixels are one of them.
+    void lookUp(const Pair& pair, int y) {
+        const Bytes bytes;
+        const ptrdiff_t shift = ptrdiff_t{pair.dx} * region_.channels;
+        const uint8_t* here = row(y);
+        const uint8_t* there = row(y + pair.dy) + shift;
+        const float* weightOf = weights_.at[pair.distance];
+        float* found = weightsOf(pair, y);
+        for (ptrdiff_t x = std::min<ptrdiff_t>(-shift, 0); x < width_ + std::max<ptrdiff_t>(-shift, 0);
+             x += kByteLanes) {
+            const auto a = hn::LoadU(bytes, here + x);
+            const auto b = hn::LoadU(bytes, there + x);
+            HWY_ALIGN uint8_t difference[kByteLanes];
+            hn::Store(hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a)), bytes, difference);
+            for (ptrdiff_t i = 0; i < kByteLanes; ++i) found[x + i] = weightOf[difference[i]];
+        }
+    }
+
+    void filterRow(int y) {
+        const D d;
+        const hn::Rebind<uint8_t, D> bytes;
+        // Cells before the centre: the pairs from the last to the first, seen from the other side.
+        const uint8_t* pixels[2 * W::kPairs];
+        const float* weights[2 * W::kPairs];
+        for (int i = 0; i < W::kPairs; ++i) {
+            const Pair& pair = W::kPair[i];
+            const ptrdiff_t shift = ptrdiff_t{pair.dx} * region_.channels;
+            const int before = W::kPairs - 1 - i;
+            const int behind = W::kPairs + i;
+            pixels[before] = row(y - pair.dy) - shift;
+            weights[before] = weightsOf(pair, y - pair.dy) - shift;
+            pixels[behind] = row(y + pair.dy) + shift;
+            weights[behind] = weightsOf(pair, y);
+        }
+        const uint8_t* centre = row(y);
+        uint8_t* dst = region_.dst + y * region_.dstStep + left_;
+        for (ptrdiff_t x = 0; x < width_; x += kLanes) {
+            V sum = hn::Zero(d);
+            V weightSum = hn::Zero(d);
+            const auto add = [&](int cell) HWY_ATTR {
+                const V weight = hn::LoadU(d, weights[cell] + x);
+                weightSum = hn::Add(weightSum, weight);
+                sum = hn::MulAdd(toFloat(pixels[cell] + x), weight, sum);
+            };
+            for (int cell = 0; cell < W::kPairs; ++cell) add(cell);
+            weightSum = hn::Add(weightSum, hn::Set(d, 1.0F));
+            sum = hn::Add(sum, toFloat(centre + x));
+            for (int cell = W::kPairs; cell < 2 * W::kPairs; ++cell) add(cell);
+            const auto mean = hn::DemoteTo(bytes, hn::NearestInt(hn::Div(sum, weightSum)));
+            if (x + kLanes <= width_) {
+                hn::StoreU(mean, bytes, dst + x);
+            } else {
+                uint8_t last[kLanes];
+                hn::StoreU(mean, bytes, last);
+                std::memcpy(dst + x, last, static_cast<size_t>(width_ - x));
+            }
+        }
+    }
+
+    static V toFloat(const uint8_t* pixels) {
+        const D d;
+        const hn::RebindToSigned<D> d32;
+        const hn::Rebind<uint8_t, D> bytes;
+        return hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(bytes, pixels)));
+    }
+
+    const BilateralRegion& region_;
+    const BilateralWeights& weights_;
+    ptrdiff_t left_;
+    ptrdiff_t width_;
+    uint8_t rows_[kRows][kPitch];
+    float pairWeights_[W::kWeightRows][kPitch];
+};
+
+// One pixel of the columns that fill no vector.
+template <int kRadius>
+uint8_t meanInFours(const BilateralRegion& region, const BilateralWeights& weights, const uint8_t* centre) {
+    using W = Window<kRadius>;
+    constexpr int kCells = 2 * W::kPairs + 1;
+    HWY_ALIGN float pixel[kCells];
+    HWY_ALIGN float weight[kCells];
+    const auto place = [&](int cell, const uint8_t* neighbour, BilateralWeights::Distance distance) {
+        pixel[cell] = static_cast<float>(*neighbour);
+        weight[cell] = weights.at[distance][std::abs(*neighbour - *centre)];
+    };
+    for (int i = 0; i < W::kPairs; ++i) {
+        const Pair& pair = W::kPair[i];
+        const ptrdiff_t away = pair.dy * region.srcStep + ptrdiff_t{pair.dx} * region.channels;
+        place(W::kPairs - 1 - i, centre - away, pair.distance);
+        place(W::kPairs + 1 + i, centre + away, pair.distance);
+    }
+    pixel[W::kPairs] = static_cast<float>(*centre);
+    weight[W::kPairs] = 1.0F;
+
+    const hn::FixedTag<float, 4> four;
+    const hn::CappedTag<float, 1> one;
+    auto sum = hn::Zero(one);
+    auto weightSum = hn::Zero(one);
+    int cell = 0;
+    for (; cell + 4 <= kCells; cell += 4) {
+        const auto w = hn::Load(four, weight + cell);
+        const auto product = hn::Mul(hn::Load(four, pixel + cell), w);
+        weightSum = hn::Add(weightSum, hn::Set(one, hn::GetLane(hn::SumOfLanes(four, w))));
+        sum = hn::Add(sum, hn::Set(one, hn::GetLane(hn::SumOfLanes(four, product))));
+    }
+    for (; cell < kCells; ++cell) {
+        const auto w = hn::Load(one, weight + cell);
+        weightSum = hn::Add(weightSum, w);
+        sum = hn::MulAdd(hn::Load(one, pixel + cell), w, sum);
+    }
+    return static_cast<uint8_t>(hn::GetLane(hn::NearestInt(hn::Div(sum, weightSum))));
+}
+
+template <int kRadius>
+void filterRows(const BilateralRegion& region, const BilateralWeights& weights, int firstRow, int endRow) {
+    // OpenCV's vectors cover the view, which is wider by the radius on each side.
+    const int inVectors = (region.width + 2 * kRadius) / static_cast<int>(kLanes) * static_cast<int>(kLanes) - kRadius;
+    const ptrdiff_t body = ptrdiff_t{std::clamp(inVectors, 0, region.width)} * region.channels;
+    for (ptrdiff_t left = 0; left < body; left += Strip<kRadius>::kWidth) {
+        Strip<kRadius> strip(region, weights, left, std::min(Strip<kRadius>::kWidth, body - left));
+        strip.filter(firstRow, endRow);
+    }
+    for (int y = firstRow; y < endRow; ++y)
+        for (ptrdiff_t x = body; x < ptrdiff_t{region.width} * region.channels; ++x)
+            region.dst[y * region.dstStep + x] =
+                meanInFours<kRadius>(region, weights, region.src + y * region.srcStep + x);
+}
+
+void filterBand(const BilateralRegion& region, const BilateralWeights& weights, int firstRow, int endRow) {
+    if (region.radius == 1)
+        filterRows<1>(region, weights, firstRow, endRow);
+    else
+        filterRows<2>(region, weights, firstRow, endRow);
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(filterBand);
+}    // namespace
+
+// Every step as OpenCV takes it, as the weights must be the same to the last bit.
+filters::BilateralWeights::BilateralWeights(double sigmaColor, double sigmaSpace) {
+    const double colorCoefficient = -0.5 / (sigmaColor * sigmaColor);
+    const double spaceCoefficient = -0.5 / (sigmaSpace * sigmaSpace);
+    float colorWeights[256];
+    for (int difference = 0; difference < 256; ++difference)
+        colorWeights[difference] = static_cast<float>(std::exp(difference * difference * colorCoefficient));
+    const double distances[kDistances] = {1.0, std::sqrt(2.0), 2.0};
+    for (int i = 0; i < kDistances; ++i) {
+        const auto spaceWeight = static_cast<float>(std::exp(distances[i] * distances[i] * spaceCoefficient));
+        for (int difference = 0; difference < 256; ++difference)
+            at[i][difference] = spaceWeight * colorWeights[difference];
+    }
+}
+
+void filters::filterBilateral(const BilateralRegion& region, const BilateralWeights& weights) {
+    constexpr double kElementsOfABand = 1 << 16;
+    const double elements = double{1} * region.width * region.channels * region.height;
+    if (elements <= kElementsOfABand) {
+        HWY_DYNAMIC_DISPATCH(filterBand)(region, weights, 0, region.height);
+        return;
+    }
+    cv::parallel_for_(
+        cv::Range(0, region.height),
+        [&](const cv::Range& rows) { HWY_DYNAMIC_DISPATCH(filterBand)
+                                     (region, weights, rows.start, rows.end); },
+        elements / kElementsOfABand);
+}
+#endif    // HWY_ONCE

@@ -1,0 +1,33 @@
+// Bilateral filter over 3x3 or 5x5 pixels, straight from the caller's rows into the caller's rows.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace filters {
+
+// Weight of a neighbour by its difference in grey, for the three distances that occur in 5x5 pixels.
+struct BilateralWeights {
+    enum Distance { kOne, kRootOfTwo, kTwo, kDistances };
+
+    // Sigmas above 0.
+    BilateralWeights(double sigmaColor, double sigmaSpace);
+
+    float at[kDistances][256];
+};
+
+struct BilateralRegion {
+    const uint8_t* src;    // first pixel; `radius` pixels around the region are read
+    ptrdiff_t srcStep;     // bytes
+    uint8_t* dst;          // shares no byte with the source
+    ptrdiff_t dstStep;
+    int width;       // pixels
+    int height;      // rows
+    int channels;    // 1 or 3 interleaved ones, each filtered on its own
+    int radius;      // 1 or 2
+};
+
+// Large regions are filtered in bands of rows on OpenCV's threads.
+void filterBilateral(const BilateralRegion& region, const BilateralWeights& weights);
+
+}    // namespace filters
