@@ -26,15 +26,14 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rank/median_color.cpp"
-#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+#include "rank/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
-
-namespace hn = hwy::HWY_NAMESPACE;
 
 using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::ScalableTag<uint16_t>;
@@ -258,12 +257,6 @@ private:
     Row<uint16_t> keys_[9];
 };
 
-// A strip's row is too short for the processor to see that the next one follows a step later.
-HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
-    constexpr ptrdiff_t kCacheLine = 64;
-    for (ptrdiff_t i = 0; i < 3 * width; i += kCacheLine) hwy::Prefetch(row + i);
-}
-
 void filterStrip(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width, int height) {
     constexpr int kAhead = 2;
     Strip strip(width);
@@ -271,8 +264,8 @@ void filterStrip(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t 
     strip.enter(src);
     for (; height > 0; --height, src += srcStep, dst += dstStep) {
         if (height > kAhead) {
-            prefetchRow(src + (1 + kAhead) * srcStep, width);
-            prefetchRow(dst + kAhead * dstStep, width);
+            prefetchRow(src + (1 + kAhead) * srcStep, 3 * width);
+            prefetchRow(dst + kAhead * dstStep, 3 * width);
         }
         strip.enter(src + srcStep);
         strip.select(dst);

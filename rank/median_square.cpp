@@ -1,0 +1,62 @@
+// Square medians of any odd size: the small ones by kernels of our own, the others by OpenCV.
+#include "rank/median_square.h"
+
+#include <opencv2/imgproc.hpp>
+
+#include "OPCV_dlib.h"
+#include "core/Tools.h"
+#include "rank/window_view.h"
+
+namespace {
+
+bool isOddSquare(const IppiSize& mask) { return mask.width > 0 && mask.width % 2 == 1 && mask.height == mask.width; }
+
+bool hasKernel(int type, int m) { return (type == CV_8UC1 || type == CV_8UC3) && hasSquareMedian(m); }
+
+OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstStep, const IppiSize& roi,
+                   const IppiSize& mask, const IppiPoint& anchor) {
+    if (!pSrc || !isOddSquare(mask)) return paramErr;
+    const int m = mask.width;
+    cv::Mat source;
+    if (const OSErr err = viewOfWindows(pSrc, srcStep, type, roi, mask, anchor, source)) return err;
+
+    if (hasKernel(type, m)) {
+        cv::Mat target;
+        const cv::Rect region(0, 0, roi.width, roi.height);
+        if (const OSErr err = Tools::CreateAndCutImageMat(pDst, dstStep, region, type, target)) return err;
+        if (!mayOverlap(source, target)) {
+            const int channels = target.channels();
+            squareMedian(source.data, static_cast<ptrdiff_t>(source.step), target.data,
+                         static_cast<ptrdiff_t>(target.step), ptrdiff_t{roi.width} * channels, roi.height, m, channels);
+            return noErr;
+        }
+    }
+
+    cv::Mat filtered;
+    cv::medianBlur(source, filtered, m);
+    if (!filtered.data) return memFullErr;
+    return Tools::CopyImageMatData(filtered, cv::Point(m / 2, m / 2), pDst, dstStep, cv::Point(0, 0),
+                                   cv::Size(roi.width, roi.height));
+}
+
+}    // namespace
+
+IppStatus ippiFilterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstStep, const IppiSize& roiSize,
+                           const IppiSize& maskSize, const IppiPoint& anchor) {
+    return Tools::OSErrToIppStatus(filterMedian(pSrc, srcStep, type, pDst, dstStep, roiSize, maskSize, anchor));
+}
+
+IppStatus IPPShare_ippiFilterMedian_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                           IppiSize dstRoiSize, IppiSize maskSize, IppiPoint anchor) {
+    return ippiFilterMedian(pSrc, srcStep, CV_8UC1, pDst, dstStep, dstRoiSize, maskSize, anchor);
+}
+
+IppStatus IPPShare_ippiFilterMedian_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                           IppiSize dstRoiSize, IppiSize maskSize, IppiPoint anchor) {
+    return ippiFilterMedian(pSrc, srcStep, CV_8UC3, pDst, dstStep, dstRoiSize, maskSize, anchor);
+}
+
+IppStatus IPPMini_ippiFilterMedian_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                          IppiSize dstRoiSize, IppiSize maskSize, IppiPoint anchor) {
+    return IPPShare_ippiFilterMedian_8u_C1R(pSrc, srcStep, pDst, dstStep, dstRoiSize, maskSize, anchor);
+}

@@ -1,0 +1,13 @@
+// Square medians straight from the caller's rows.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Whether there is a kernel for m x m windows.
+bool hasSquareMedian(int m);
+
+// Medians of `height` rows of `width` bytes; `src` is the corner of the first window. A window's columns lie `channels`
+// bytes apart. Reads no byte that no window holds. Source and destination must not overlap.
+void squareMedian(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
+                  ptrdiff_t height, int m, int channels);

@@ -1,0 +1,286 @@
+// Medians of m x m windows by merging sorted columns, from minimum and maximum alone.
+//
+// The image goes through in strips of columns, two rows at a time. The m - 1 source rows that the two have in common are
+// sorted vertically once, and each row's own is merged in: every column of the strip is now a sorted list of m, held in m
+// row buffers. Adjacent columns are merged into pairs (m >= 5), pairs into fours (m >= 9), each of which several windows
+// use. A window is then two or three such lists and a single column. At each merge only the ranks go on that can still be
+// the median.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "rank/median_square.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rank/median_square_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "rank/merge_network.h"
+#include "rank/row-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+using rank_network::MedianRanks;
+using D = hn::ScalableTag<uint8_t>;
+using V = hn::Vec<D>;
+
+constexpr D d;
+
+ptrdiff_t lanes() { return static_cast<ptrdiff_t>(hn::Lanes(d)); }
+
+// Calls `body` with each index as a constant: an array whose every index is known becomes registers.
+template <int... i, class Body>
+HWY_INLINE void unrolled(std::integer_sequence<int, i...> /*indices*/, const Body& body) {
+    (body(std::integral_constant<int, i>()), ...);
+}
+template <int kCount, class Body>
+HWY_INLINE void unrolled(const Body& body) {
+    unrolled(std::make_integer_sequence<int, kCount>(), body);
+}
+
+template <class Maker>
+HWY_INLINE void run(V* wires) {
+    unrolled<Maker::kNetwork.size>([=](auto i) HWY_ATTR {
+        constexpr auto kStep = Maker::kNetwork.steps[i];
+        const V a = wires[kStep.low];
+        const V b = wires[kStep.high];
+        if constexpr (kStep.keepLow) wires[kStep.low] = hn::Min(a, b);
+        if constexpr (kStep.keepHigh) wires[kStep.high] = hn::Max(a, b);
+    });
+}
+
+template <int kCount>
+struct Sorter {
+    static constexpr auto kNetwork = rank_network::sorter<kCount>();
+};
+
+template <int kA, int kB, int kFirst, int kCount>
+struct Merger {
+    static constexpr auto kNetwork = rank_network::merger<kA, kB, kFirst, kCount>();
+};
+
+// kSubset values of a window, sorted; only the ranks that can be its median.
+template <int m, int kSubset>
+struct Sorted {
+    using Ranks = MedianRanks<m, kSubset>;
+    V v[Ranks::kCount];
+};
+
+template <int m, int kA, int kB>
+HWY_INLINE Sorted<m, kA + kB> merged(const Sorted<m, kA>& a, const Sorted<m, kB>& b) {
+    using A = MedianRanks<m, kA>;
+    using B = MedianRanks<m, kB>;
+    using Both = MedianRanks<m, kA + kB>;
+    using Maker = Merger<A::kCount, B::kCount, Both::kFirst - A::kFirst - B::kFirst, Both::kCount>;
+    V wires[A::kCount + B::kCount];
+    unrolled<A::kCount>([&](auto i) HWY_ATTR { wires[i] = a.v[i]; });
+    unrolled<B::kCount>([&](auto i) HWY_ATTR { wires[A::kCount + i] = b.v[i]; });
+    run<Maker>(wires);
+    Sorted<m, kA + kB> both;
+    unrolled<Both::kCount>([&](auto i) HWY_ATTR { both.v[i] = wires[Maker::kNetwork.outputs[i]]; });
+    return both;
+}
+
+// The value of rank k in two sorted lists is the least maximum of k + 1 values, some from the front of each.
+template <int m, int kA, int kB>
+HWY_INLINE V medianOf(const Sorted<m, kA>& a, const Sorted<m, kB>& b) {
+    static_assert(kA + kB == m * m);
+    using A = MedianRanks<m, kA>;
+    using B = MedianRanks<m, kB>;
+    constexpr int kTaken = m * m / 2 + 1 - A::kFirst - B::kFirst;
+    static_assert(A::kCount >= kTaken && B::kCount < kTaken);
+    V least = a.v[kTaken - 1];
+    unrolled<B::kCount>([&](auto i) HWY_ATTR { least = hn::Min(least, hn::Max(a.v[kTaken - 2 - i], b.v[i])); });
+    return least;
+}
+
+// ---- row buffers
+
+constexpr ptrdiff_t kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(d));
+
+// Rows of sorted lists, one a column: row i holds rank kFirst + i of each.
+template <int m, int kSubset, ptrdiff_t kBytes>
+class ListRows {
+public:
+    HWY_INLINE Sorted<m, kSubset> load(ptrdiff_t x) const {
+        Sorted<m, kSubset> list;
+        unrolled<kRows>([&](auto i) HWY_ATTR { list.v[i] = hn::LoadU(d, rows_[i] + x); });
+        return list;
+    }
+    HWY_INLINE void store(const Sorted<m, kSubset>& list, ptrdiff_t x) {
+        unrolled<kRows>([&](auto i) HWY_ATTR { hn::StoreU(list.v[i], d, rows_[i] + x); });
+    }
+
+private:
+    static constexpr int kRows = MedianRanks<m, kSubset>::kCount;
+    HWY_ALIGN uint8_t rows_[kRows][kBytes] = {};
+};
+
+template <int m>
+class Strip {
+public:
+    static constexpr ptrdiff_t kBytes = m <= 7 ? 1024 : 512;    // of a row that is written
+
+    Strip(ptrdiff_t width, int channels) : width_(width), channels_(channels) {}
+
+    // Filters two rows, or one if `dst[1]` is null. `src` are the m + 1 rows of their windows, from the first window's
+    // left edge on.
+    void filter(const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2]) {
+        sortColumns(src);
+        for (int r = 0; r < 2 && dst[r]; ++r) {
+            if constexpr (m >= 5) {
+                for (ptrdiff_t x = 0; x < width_ + (m - 2) * channels_; x += lanes())
+                    pairs_.store(merged(columns_[r].load(x), columns_[r].load(x + channels_)), x);
+            }
+            if constexpr (m >= 9) {
+                for (ptrdiff_t x = 0; x < width_ + (m - 4) * channels_; x += lanes())
+                    fours_.store(merged(pairs_.load(x), pairs_.load(x + 2 * channels_)), x);
+            }
+            writeRow(columns_[r], dst[r]);
+        }
+    }
+
+private:
+    static constexpr int kLargestGroup = m >= 9 ? 4 : m >= 5 ? 2 : 1;
+    static constexpr ptrdiff_t kBuffer = kBytes + 3 * (m - 1) + 2 * kMaxLanes;
+    struct Nothing {};
+    using Columns = ListRows<m, m, kBuffer>;
+    using Pairs = std::conditional_t<kLargestGroup >= 2, ListRows<m, 2 * m, kBuffer>, Nothing>;
+    using Fours = std::conditional_t<kLargestGroup >= 4, ListRows<m, 4 * m, kBuffer>, Nothing>;
+
+    // The last vector is pulled back to end where the windows end; rows shorter than a vector are copied first.
+    void sortColumns(const uint8_t* const (&src)[m + 1]) {
+        const ptrdiff_t width = width_ + (m - 1) * channels_;
+        if (width < lanes()) {
+            HWY_ALIGN uint8_t block[m + 1][kMaxLanes] = {};
+            const uint8_t* rows[m + 1];
+            for (int i = 0; i <= m; ++i) {
+                std::memcpy(block[i], src[i], static_cast<size_t>(width));
+                rows[i] = block[i];
+            }
+            sortColumnsAt(rows, 0);
+            return;
+        }
+        for (ptrdiff_t x = 0; x < width - lanes(); x += lanes()) sortColumnsAt(src, x);
+        sortColumnsAt(src, width - lanes());
+    }
+
+    HWY_INLINE void sortColumnsAt(const uint8_t* const (&src)[m + 1], ptrdiff_t x) {
+        V shared[m - 1];
+        unrolled<m - 1>([&](auto i) HWY_ATTR { shared[i] = hn::LoadU(d, src[i + 1] + x); });
+        run<Sorter<m - 1>>(shared);
+        Sorted<m, m - 1> sorted;
+        unrolled<m - 1>([&](auto i) HWY_ATTR { sorted.v[i] = shared[Sorter<m - 1>::kNetwork.outputs[i]]; });
+        columns_[0].store(merged(sorted, Sorted<m, 1>{{hn::LoadU(d, src[0] + x)}}), x);
+        columns_[1].store(merged(sorted, Sorted<m, 1>{{hn::LoadU(d, src[m] + x)}}), x);
+    }
+
+    // kCount adjacent columns as one list.
+    template <int kCount>
+    HWY_INLINE Sorted<m, kCount * m> sorted(const Columns& columns, ptrdiff_t x) const {
+        if constexpr (kCount == 1) {
+            return columns.load(x);
+        } else if constexpr (kCount == 2 && kLargestGroup >= 2) {
+            return pairs_.load(x);
+        } else if constexpr (kCount == 4 && kLargestGroup >= 4) {
+            return fours_.load(x);
+        } else {
+            constexpr int kLast = kCount % kLargestGroup ? kCount % kLargestGroup : kLargestGroup;
+            return merged(sorted<kCount - kLast>(columns, x), sorted<kLast>(columns, x + (kCount - kLast) * channels_));
+        }
+    }
+
+    HWY_INLINE V medianAt(const Columns& columns, ptrdiff_t x) const {
+        return medianOf(sorted<m - 1>(columns, x), columns.load(x + (m - 1) * channels_));
+    }
+
+    void writeRow(const Columns& columns, uint8_t* dst) const {
+        if (width_ < lanes()) {
+            HWY_ALIGN uint8_t block[kMaxLanes];
+            hn::Store(medianAt(columns, 0), d, block);
+            std::memcpy(dst, block, static_cast<size_t>(width_));
+            return;
+        }
+        for (ptrdiff_t x = 0; x < width_ - lanes(); x += lanes()) hn::StoreU(medianAt(columns, x), d, dst + x);
+        hn::StoreU(medianAt(columns, width_ - lanes()), d, dst + width_ - lanes());
+    }
+
+    ptrdiff_t width_;
+    ptrdiff_t channels_;
+    Columns columns_[2];    // of the two rows
+    Pairs pairs_;           // of the row that is being written
+    Fours fours_;
+};
+
+struct Image {
+    const uint8_t* src;
+    ptrdiff_t srcStep;
+    uint8_t* dst;
+    ptrdiff_t dstStep;
+    ptrdiff_t width;
+    ptrdiff_t height;
+};
+
+template <int m>
+void filterStrip(const Image& image, ptrdiff_t first, ptrdiff_t end, int channels) {
+    Strip<m> strip(end - first, channels);
+    for (ptrdiff_t y = 0; y < image.height; y += 2) {
+        const bool pair = y + 1 < image.height;
+        const uint8_t* rows[m + 1];
+        for (int i = 0; i < m + (pair ? 1 : 0); ++i) rows[i] = image.src + (y + i) * image.srcStep + first;
+        if (!pair) rows[m] = rows[m - 1];
+        for (ptrdiff_t next = y + 2; next < std::min(y + 4, image.height); ++next) {
+            prefetchRow(image.src + (next + m - 1) * image.srcStep + first, end - first);
+            prefetchRow(image.dst + next * image.dstStep + first, end - first);
+        }
+        uint8_t* const dst = image.dst + y * image.dstStep + first;
+        strip.filter(rows, {dst, pair ? dst + image.dstStep : nullptr});
+    }
+}
+
+template <int m>
+void filterImage(const Image& image, int channels) {
+    const ptrdiff_t strips = (image.width + Strip<m>::kBytes - 1) / Strip<m>::kBytes;
+    for (ptrdiff_t i = 0; i < strips; ++i)
+        filterStrip<m>(image, image.width * i / strips, image.width * (i + 1) / strips, channels);
+}
+
+void filter(const Image& image, int m, int channels) {
+    switch (m) {
+        case 3: return filterImage<3>(image, channels);
+        case 5: return filterImage<5>(image, channels);
+        case 7: return filterImage<7>(image, channels);
+        case 9: return filterImage<9>(image, channels);
+        case 11: return filterImage<11>(image, channels);
+        case 13: return filterImage<13>(image, channels);
+        default: return;
+    }
+}
+
+void squareMedianKernel(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
+                        ptrdiff_t height, int m, int channels) {
+    filter({src, srcStep, dst, dstStep, width, height}, m, channels);
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(squareMedianKernel);
+}    // namespace
+
+bool hasSquareMedian(int m) { return m % 2 == 1 && m >= 3 && m <= 13; }
+
+void squareMedian(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
+                  ptrdiff_t height, int m, int channels) {
+    HWY_DYNAMIC_DISPATCH(squareMedianKernel)(src, srcStep, dst, dstStep, width, height, m, channels);
+}
+#endif    // HWY_ONCE

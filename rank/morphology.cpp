@@ -1,0 +1,116 @@
+// Dilation, erosion, maximum and minimum: small masks by kernels of our own, the others by OpenCV.
+#include "rank/morphology.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <opencv2/imgproc.hpp>
+
+#include "OPCV_dlib.h"
+#include "core/Tools.h"
+#include "rank/window_view.h"
+
+namespace {
+
+struct Source {
+    const unsigned char* pixels;
+    int step;
+};
+
+struct Target {
+    unsigned char* pixels;
+    int step;
+    IppiSize size;
+};
+
+// Filters by a kernel where there is one; says whether it did.
+bool filterDirectly(const WindowRows& rows, const cv::Mat& mask, Extremum extremum) {
+    const int selected = cv::countNonZero(mask);
+    if (selected == 0) return false;
+    if (selected == mask.rows * mask.cols && std::max(mask.rows, mask.cols) <= kLargestRectangleSide) {
+        filterUnderRectangle(rows, {mask.cols, mask.rows}, extremum);
+        return true;
+    }
+    std::array<ptrdiff_t, kMostMaskCells> cells;
+    if (selected > kMostMaskCells) return false;
+    int count = 0;
+    for (int j = 0; j < mask.rows; ++j)
+        for (int i = 0; i < mask.cols; ++i)
+            if (mask.at<unsigned char>(j, i) != 0) cells[static_cast<size_t>(count++)] = j * rows.srcStep + i;
+    filterUnderCells(rows, cells.data(), count, extremum);
+    return true;
+}
+
+// The view's header reaches further than the view; isolated, OpenCV does not look there. Its neutral border never comes
+// into the interior.
+void filterByOpenCV(const cv::Mat& source, const cv::Mat& mask, Extremum extremum, cv::Mat& filtered) {
+    const auto morph = extremum == Extremum::kMax ? cv::dilate : cv::erode;
+    morph(source, filtered, mask, cv::Point(-1, -1), 1, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
+          cv::morphologyDefaultBorderValue());
+}
+
+OSErr filter(const Source& src, const Target& dst, const cv::Mat& mask, IppiPoint anchor, Extremum extremum) {
+    cv::Mat source;
+    if (const OSErr err =
+            viewOfWindows(src.pixels, src.step, CV_8UC1, dst.size, {mask.cols, mask.rows}, anchor, source))
+        return err;
+
+    cv::Mat target;
+    const cv::Rect region(0, 0, dst.size.width, dst.size.height);
+    if (const OSErr err = Tools::CreateAndCutImageMat(dst.pixels, dst.step, region, CV_8UC1, target)) return err;
+    const WindowRows rows = {source.data,    static_cast<ptrdiff_t>(source.step),
+                             target.data,    static_cast<ptrdiff_t>(target.step),
+                             dst.size.width, dst.size.height};
+    if (!mayOverlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
+
+    cv::Mat filtered;
+    filterByOpenCV(source, mask, extremum, filtered);
+    if (!filtered.data) return memFullErr;
+    return Tools::CopyImageMatData(filtered, cv::Point(mask.cols / 2, mask.rows / 2), dst.pixels, dst.step,
+                                   cv::Point(0, 0), region.size());
+}
+
+OSErr filterUnderMask(const Source& src, const Target& dst, const unsigned char* pMask, IppiSize maskSize,
+                      IppiPoint anchor, Extremum extremum) {
+    if (!src.pixels) return paramErr;
+    cv::Mat mask;
+    if (const OSErr err = Tools::CreateKernelMat(const_cast<unsigned char*>(pMask), maskSize, CV_8UC1, mask))
+        return err;
+    return filter(src, dst, mask, anchor, extremum);
+}
+
+OSErr filterUnderRectangle(const Source& src, const Target& dst, IppiSize maskSize, IppiPoint anchor,
+                           Extremum extremum) {
+    if (maskSize.height < 1 || maskSize.width < 1 || !src.pixels) return paramErr;
+    const cv::Mat mask = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(maskSize.width, maskSize.height));
+    if (!mask.data) return memFullErr;
+    return filter(src, dst, mask, anchor, extremum);
+}
+
+}    // namespace
+
+IppStatus IPPShare_ippiDilate_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                     IppiSize dstRoiSize, const unsigned char* pMask, IppiSize maskSize,
+                                     IppiPoint anchor) {
+    return Tools::OSErrToIppStatus(
+        filterUnderMask({pSrc, srcStep}, {pDst, dstStep, dstRoiSize}, pMask, maskSize, anchor, Extremum::kMax));
+}
+
+IppStatus IPPShare_ippiErode_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                    IppiSize dstRoiSize, const unsigned char* pMask, IppiSize maskSize,
+                                    IppiPoint anchor) {
+    return Tools::OSErrToIppStatus(
+        filterUnderMask({pSrc, srcStep}, {pDst, dstStep, dstRoiSize}, pMask, maskSize, anchor, Extremum::kMin));
+}
+
+IppStatus IPPMini_ippiFilterMax_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                       IppiSize dstRoiSize, IppiSize maskSize, IppiPoint anchor) {
+    return Tools::OSErrToIppStatus(
+        filterUnderRectangle({pSrc, srcStep}, {pDst, dstStep, dstRoiSize}, maskSize, anchor, Extremum::kMax));
+}
+
+IppStatus IPPMini_ippiFilterMin_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
+                                       IppiSize dstRoiSize, IppiSize maskSize, IppiPoint anchor) {
+    return Tools::OSErrToIppStatus(
+        filterUnderRectangle({pSrc, srcStep}, {pDst, dstStep, dstRoiSize}, maskSize, anchor, Extremum::kMin));
+}

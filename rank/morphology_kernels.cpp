@@ -1,0 +1,172 @@
+// Largest and smallest pixels under a rectangle or under any set of cells.
+//
+// A rectangle is a column of pixels, then a row of such columns. Columns go by van Herk's method, in blocks of as many
+// rows as the rectangle is high: the extremes of the rows from each one to the end of the block are kept, and each window
+// is one of those and the extreme of the rows from the block's end on:
+//
+//     rows of a block of 4    | 0 1 2 3 | 4 5 6 ...
+//     window of row 2             |---| |---|          3 operations a pixel, whatever the height
+//
+// Rows of columns go by doubling: extremes of 2, 4, 8, ... neighbours, at last of two such groups that overlap.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "rank/morphology.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rank/morphology_kernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "rank/row-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+struct Max {
+    template <class V>
+    static HWY_INLINE V of(V a, V b) {
+        return hn::Max(a, b);
+    }
+};
+
+struct Min {
+    template <class V>
+    static HWY_INLINE V of(V a, V b) {
+        return hn::Min(a, b);
+    }
+};
+
+constexpr hn::ScalableTag<uint8_t> dFull;
+constexpr auto kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(dFull));
+
+template <class Op>
+class RectangleFilter {
+public:
+    RectangleFilter(const WindowRows& rows, IppiSize rectangle)
+        : rows_(rows),
+          side_(rectangle),
+          rowBytes_(std::min(kScratch / (side_.height + kExtraRows), kWidest) / kMaxLanes * kMaxLanes) {}
+
+    void filter() {
+        const ptrdiff_t widest = rowBytes_ - 2 * kMaxLanes - (side_.width - 1);
+        const ptrdiff_t strips = (rows_.width + widest - 1) / widest;
+        for (ptrdiff_t i = 0; i < strips; ++i) {
+            first_ = rows_.width * i / strips;
+            width_ = rows_.width * (i + 1) / strips - first_;
+            for (ptrdiff_t y = 0; y < rows_.height; y += side_.height) filterBlock(y);
+        }
+    }
+
+private:
+    static constexpr ptrdiff_t kScratch = 32768;
+    static constexpr ptrdiff_t kWidest = 8192;
+    static constexpr ptrdiff_t kExtraRows = 2;    // extremes beyond the block; the columns of a row
+
+    const uint8_t* source(ptrdiff_t y) const { return rows_.src + y * rows_.srcStep + first_; }
+    uint8_t* toBlockEnd(ptrdiff_t row) { return scratch_ + (kExtraRows + row) * rowBytes_; }
+    uint8_t* fromBlockEnd() { return scratch_; }
+    uint8_t* columns() { return scratch_ + rowBytes_; }
+
+    ptrdiff_t columnsWidth() const { return width_ + side_.width - 1; }
+
+    // The block of rows from y on, as far as the region goes.
+    void filterBlock(ptrdiff_t y) {
+        const ptrdiff_t height = side_.height;
+        copy(source(y + height - 1), toBlockEnd(height - 1));
+        for (ptrdiff_t i = height - 2; i >= 0; --i) combine(toBlockEnd(i + 1), source(y + i), toBlockEnd(i));
+        const ptrdiff_t count = std::min(height, rows_.height - y);
+        for (ptrdiff_t i = 0; i < count; ++i) {
+            if (i == 0) {
+                copy(toBlockEnd(0), columns());
+            } else {
+                if (i == 1) copy(source(y + height), fromBlockEnd());
+                if (i > 1) combine(fromBlockEnd(), source(y + height + i - 1), fromBlockEnd());
+                combine(toBlockEnd(i), fromBlockEnd(), columns());
+            }
+            writeRow(rows_.dst + (y + i) * rows_.dstStep + first_);
+        }
+    }
+
+    void copy(const uint8_t* from, uint8_t* to) const {
+        coverRow(columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR { hn::StoreU(hn::LoadU(d, from + x), d, to + x); });
+    }
+
+    // `to` may be `a`: a byte that is combined twice stays as it is.
+    void combine(const uint8_t* a, const uint8_t* b, uint8_t* to) const {
+        coverRow(columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR {
+            hn::StoreU(Op::of(hn::LoadU(d, a + x), hn::LoadU(d, b + x)), d, to + x);
+        });
+    }
+
+    // Doubling in place must not meet a byte twice, so it runs on, past the row's end, in whole vectors.
+    void writeRow(uint8_t* dst) {
+        uint8_t* const line = columns();
+        const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(dFull));
+        ptrdiff_t group = 1;
+        for (; 2 * group <= side_.width; group *= 2)
+            for (ptrdiff_t x = 0; x < columnsWidth() - group; x += lanes)
+                hn::StoreU(Op::of(hn::LoadU(dFull, line + x), hn::LoadU(dFull, line + x + group)), dFull, line + x);
+        const uint8_t* const last = line + side_.width - group;
+        coverRow(width_, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            hn::StoreU(Op::of(hn::LoadU(d, line + x), hn::LoadU(d, last + x)), d, dst + x);
+        });
+    }
+
+    WindowRows rows_;
+    IppiSize side_;
+    ptrdiff_t rowBytes_;
+    ptrdiff_t first_ = 0;    // column of the strip
+    ptrdiff_t width_ = 0;
+    HWY_ALIGN uint8_t scratch_[kScratch];
+};
+
+template <class Op>
+void filterCells(const WindowRows& rows, const ptrdiff_t* cells, int count) {
+    for (ptrdiff_t y = 0; y < rows.height; ++y) {
+        const uint8_t* const src = rows.src + y * rows.srcStep;
+        uint8_t* const dst = rows.dst + y * rows.dstStep;
+        coverRow(rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            auto extreme = hn::LoadU(d, src + x + cells[0]);
+            for (int i = 1; i < count; ++i) extreme = Op::of(extreme, hn::LoadU(d, src + x + cells[i]));
+            hn::StoreU(extreme, d, dst + x);
+        });
+    }
+}
+
+void rectangle(const WindowRows& rows, IppiSize side, Extremum extremum) {
+    if (extremum == Extremum::kMax) {
+        RectangleFilter<Max>(rows, side).filter();
+    } else {
+        RectangleFilter<Min>(rows, side).filter();
+    }
+}
+
+void underCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extremum extremum) {
+    if (extremum == Extremum::kMax) {
+        filterCells<Max>(rows, cells, count);
+    } else {
+        filterCells<Min>(rows, cells, count);
+    }
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(rectangle);
+HWY_EXPORT(underCells);
+}    // namespace
+
+void filterUnderRectangle(const WindowRows& rows, IppiSize side, Extremum extremum) {
+    HWY_DYNAMIC_DISPATCH(rectangle)(rows, side, extremum);
+}
+
+void filterUnderCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extremum extremum) {
+    HWY_DYNAMIC_DISPATCH(underCells)(rows, cells, count, extremum);
+}
+#endif    // HWY_ONCE
