@@ -108,7 +108,7 @@ struct Cross5x5 {
 template <class Cross>
 HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int width,
                             int height) {
-    forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
+    forEachRowPair(src, srcStep, dst, dstStep, width, height, [=](const RowPair& pair) HWY_ATTR {
         const Crosses crosses(pair, srcStep, Cross::kReach);
         coverRow(width, [=](auto d, ptrdiff_t x) HWY_ATTR { Cross::filterAt(d, crosses, x, pair); });
     });

@@ -72,6 +72,16 @@ struct Sorted {
     V v[Ranks::kCount];
 };
 
+// The list whose values `valueOf` gives.
+template <class List, int... i, class ValueOf>
+HWY_INLINE List listOf(std::integer_sequence<int, i...> /*indices*/, const ValueOf& valueOf) {
+    return {{valueOf(std::integral_constant<int, i>())...}};
+}
+template <class List, class ValueOf>
+HWY_INLINE List listOf(const ValueOf& valueOf) {
+    return listOf<List>(std::make_integer_sequence<int, List::Ranks::kCount>(), valueOf);
+}
+
 template <int m, int kA, int kB>
 HWY_INLINE Sorted<m, kA + kB> merged(const Sorted<m, kA>& a, const Sorted<m, kB>& b) {
     using A = MedianRanks<m, kA>;
@@ -82,9 +92,7 @@ HWY_INLINE Sorted<m, kA + kB> merged(const Sorted<m, kA>& a, const Sorted<m, kB>
     unrolled<A::kCount>([&](auto i) HWY_ATTR { wires[i] = a.v[i]; });
     unrolled<B::kCount>([&](auto i) HWY_ATTR { wires[A::kCount + i] = b.v[i]; });
     run<Maker>(wires);
-    Sorted<m, kA + kB> both;
-    unrolled<Both::kCount>([&](auto i) HWY_ATTR { both.v[i] = wires[Maker::kNetwork.outputs[i]]; });
-    return both;
+    return listOf<Sorted<m, kA + kB>>([&](auto i) HWY_ATTR { return wires[Maker::kNetwork.outputs[i]]; });
 }
 
 // The value of rank k in two sorted lists is the least maximum of k + 1 values, some from the front of each.
@@ -109,9 +117,7 @@ template <int m, int kSubset, ptrdiff_t kBytes>
 class ListRows {
 public:
     HWY_INLINE Sorted<m, kSubset> load(ptrdiff_t x) const {
-        Sorted<m, kSubset> list;
-        unrolled<kRows>([&](auto i) HWY_ATTR { list.v[i] = hn::LoadU(d, rows_[i] + x); });
-        return list;
+        return listOf<Sorted<m, kSubset>>([&](auto i) HWY_ATTR { return hn::LoadU(d, rows_[i] + x); });
     }
     HWY_INLINE void store(const Sorted<m, kSubset>& list, ptrdiff_t x) {
         unrolled<kRows>([&](auto i) HWY_ATTR { hn::StoreU(list.v[i], d, rows_[i] + x); });
@@ -175,8 +181,8 @@ private:
         V shared[m - 1];
         unrolled<m - 1>([&](auto i) HWY_ATTR { shared[i] = hn::LoadU(d, src[i + 1] + x); });
         run<Sorter<m - 1>>(shared);
-        Sorted<m, m - 1> sorted;
-        unrolled<m - 1>([&](auto i) HWY_ATTR { sorted.v[i] = shared[Sorter<m - 1>::kNetwork.outputs[i]]; });
+        const auto sorted =
+            listOf<Sorted<m, m - 1>>([&](auto i) HWY_ATTR { return shared[Sorter<m - 1>::kNetwork.outputs[i]]; });
         columns_[0].store(merged(sorted, Sorted<m, 1>{{hn::LoadU(d, src[0] + x)}}), x);
         columns_[1].store(merged(sorted, Sorted<m, 1>{{hn::LoadU(d, src[m] + x)}}), x);
     }

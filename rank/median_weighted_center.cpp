@@ -82,7 +82,7 @@ HWY_INLINE void filterAt(D d, const Rows& src, ptrdiff_t x, const RowPair& pair)
 template <class Weight>
 HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int width,
                             int height) {
-    forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
+    forEachRowPair(src, srcStep, dst, dstStep, width, height, [=](const RowPair& pair) HWY_ATTR {
         const uint8_t* lower = pair.upper + srcStep;
         const Rows rows = {pair.upper - srcStep, pair.upper, lower, pair.hasLower ? lower + srcStep : lower};
         coverRow(width, [=](auto d, ptrdiff_t x) HWY_ATTR { filterAt<Weight>(d, rows, x, pair); });

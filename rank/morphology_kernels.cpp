@@ -63,49 +63,58 @@ public:
 private:
     static constexpr ptrdiff_t kScratch = 32768;
     static constexpr ptrdiff_t kWidest = 8192;
-    static constexpr ptrdiff_t kExtraRows = 2;    // extremes beyond the block; the columns of a row
+    static constexpr ptrdiff_t kExtraRows = 2;    // extremes beyond the block; groups of neighbours
 
     const uint8_t* source(ptrdiff_t y) const { return rows_.src + y * rows_.srcStep + first_; }
     uint8_t* toBlockEnd(ptrdiff_t row) { return scratch_ + (kExtraRows + row) * rowBytes_; }
     uint8_t* fromBlockEnd() { return scratch_; }
-    uint8_t* columns() { return scratch_ + rowBytes_; }
+    uint8_t* groups() { return scratch_ + rowBytes_; }
 
     ptrdiff_t columnsWidth() const { return width_ + side_.width - 1; }
 
     // The block of rows from y on, as far as the region goes.
     void filterBlock(ptrdiff_t y) {
         const ptrdiff_t height = side_.height;
-        copy(source(y + height - 1), toBlockEnd(height - 1));
-        for (ptrdiff_t i = height - 2; i >= 0; --i) combine(toBlockEnd(i + 1), source(y + i), toBlockEnd(i));
-        const ptrdiff_t count = std::min(height, rows_.height - y);
-        for (ptrdiff_t i = 0; i < count; ++i) {
-            if (i == 0) {
-                copy(toBlockEnd(0), columns());
+        const uint8_t* toEnd = source(y + height - 1);    // of the block's last row: that row
+        for (ptrdiff_t i = height - 2; i >= 0; --i) {
+            combine(source(y + i), toEnd, toBlockEnd(i));
+            toEnd = toBlockEnd(i);
+        }
+        writeRow(y, toEnd, toEnd);
+        const uint8_t* fromEnd = nullptr;
+        for (ptrdiff_t i = 1; i < std::min(height, rows_.height - y); ++i) {
+            if (i == 1) {
+                fromEnd = source(y + height);
             } else {
-                if (i == 1) copy(source(y + height), fromBlockEnd());
-                if (i > 1) combine(fromBlockEnd(), source(y + height + i - 1), fromBlockEnd());
-                combine(toBlockEnd(i), fromBlockEnd(), columns());
+                combine(source(y + height + i - 1), fromEnd, fromBlockEnd());
+                fromEnd = fromBlockEnd();
             }
-            writeRow(rows_.dst + (y + i) * rows_.dstStep + first_);
+            writeRow(y + i, i == height - 1 ? source(y + i) : toBlockEnd(i), fromEnd);
         }
     }
 
-    void copy(const uint8_t* from, uint8_t* to) const {
-        coverRow(columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR { hn::StoreU(hn::LoadU(d, from + x), d, to + x); });
-    }
-
-    // `to` may be `a`: a byte that is combined twice stays as it is.
+    // `to` may be `b`: a byte that is combined twice stays as it is.
     void combine(const uint8_t* a, const uint8_t* b, uint8_t* to) const {
         coverRow(columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR {
             hn::StoreU(Op::of(hn::LoadU(d, a + x), hn::LoadU(d, b + x)), d, to + x);
         });
     }
 
-    // Doubling in place must not meet a byte twice, so it runs on, past the row's end, in whole vectors.
-    void writeRow(uint8_t* dst) {
-        uint8_t* const line = columns();
+    // Writes a row, from the two parts of its windows' columns.
+    void writeRow(ptrdiff_t y, const uint8_t* a, const uint8_t* b) {
+        uint8_t* const dst = rows_.dst + y * rows_.dstStep + first_;
+        if (side_.width == 1) {
+            combine(a, b, dst);
+            return;
+        }
+        uint8_t* const line = groups();
+        coverRow(columnsWidth() - 1, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            const auto column = [=](ptrdiff_t i) HWY_ATTR { return Op::of(hn::LoadU(d, a + i), hn::LoadU(d, b + i)); };
+            hn::StoreU(Op::of(column(x), column(x + 1)), d, line + x);
+        });
+        // Doubling in place must not meet a byte twice, so it runs on, past the row's end, in whole vectors.
         const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(dFull));
-        ptrdiff_t group = 1;
+        ptrdiff_t group = 2;
         for (; 2 * group <= side_.width; group *= 2)
             for (ptrdiff_t x = 0; x < columnsWidth() - group; x += lanes)
                 hn::StoreU(Op::of(hn::LoadU(dFull, line + x), hn::LoadU(dFull, line + x + group)), dFull, line + x);

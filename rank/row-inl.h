@@ -33,7 +33,7 @@ HWY_INLINE void coverRow(ptrdiff_t width, const FilterAt& filterAt) {
     filterAt(full, width - lanes);
 }
 
-// The rows of a narrow strip are too short for the processor to see that the next one follows a step later.
+// Rows are too short for the processor to see that the next one follows a step later.
 HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
     constexpr ptrdiff_t kCacheLine = 64;
     for (ptrdiff_t i = 0; i < width; i += kCacheLine) hwy::Prefetch(row + i);
@@ -49,10 +49,17 @@ struct RowPair {
 };
 
 template <class FilterPair>
-HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int height,
-                               const FilterPair& filterPair) {
-    for (; height > 0; height -= 2, src += 2 * srcStep, dst += 2 * dstStep)
+HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int width,
+                               int height, const FilterPair& filterPair) {
+    for (; height > 0; height -= 2, src += 2 * srcStep, dst += 2 * dstStep) {
+        if (height > 3) {
+            for (int next = 2; next <= 3; ++next) {
+                prefetchRow(src + (next + 1) * srcStep, width);
+                prefetchRow(dst + next * dstStep, width);
+            }
+        }
         filterPair(RowPair{src, height > 1, dst, height > 1 ? dst + dstStep : dst});
+    }
 }
 
 }    // namespace HWY_NAMESPACE
