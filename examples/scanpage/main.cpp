@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "contact_sheet.h"
+#include "filter.h"
 #include "page.h"
 
 namespace {
@@ -127,6 +128,14 @@ int run(int argc, char** argv) {
         ->check(CLI::ExistingDirectory);
     auto* angle = app.add_option("--angle", options.angle,
                                  "Turn by this many degrees, counter-clockwise, instead of finding the skew");
+    app.add_option("--denoise", options.denoise, "Reduce noise with this strength, 0 to 10")->check(CLI::Range(0, 10));
+    app.add_option("--median", options.median,
+                   "Median over 3 x 3 pixels: none, cross, weighted (centre counts 3 times), colour")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, Median>{{"none", Median::kNone},
+                                                                          {"cross", Median::kCross},
+                                                                          {"weighted", Median::kWeighted},
+                                                                          {"colour", Median::kColour}}));
+    app.add_option("--dpi", options.dpi, "Scale to this resolution")->check(CLI::Range(10, 4800));
     app.add_option("--format", formats, "Results to write: jpeg, pbm, g4 (TIFF, CCITT group 4)")
         ->check(CLI::IsMember({"jpeg", "pbm", "g4"}))
         ->delimiter(',')

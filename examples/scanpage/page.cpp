@@ -6,6 +6,7 @@
 
 #include <leptonica/allheaders.h>
 
+#include "filter.h"
 #include "skew.h"
 #include "write.h"
 
@@ -84,6 +85,19 @@ void process(const std::string& file, const Options& options, bool keepImages, R
     if (keepImages) report.before = std::move(page);
     page.reset();
 
+    if (options.denoise >= 0) {
+        reduceNoise(*straight, options.denoise);
+        watch.lap("reduce noise", static_cast<size_t>(straight->size));
+    }
+    if (options.median != Median::kNone) {
+        filterMedian(*straight, options.median);
+        watch.lap("median", static_cast<size_t>(straight->size));
+    }
+    if (options.dpi > 0 && options.dpi != description.horizontalResolution) {
+        straight = scaled(*straight, description, options.dpi);
+        watch.lap("scale", static_cast<size_t>(straight->size));
+    }
+
     const std::string name = options.directory + "/" + baseName(file);
     if (options.pbm || options.g4) {
         const Grey grey = greyOf(*straight);
@@ -106,6 +120,16 @@ void process(const std::string& file, const Options& options, bool keepImages, R
 }
 
 }    // namespace
+
+Record scaled(const KVIMG& page, KVImageDescription& description, int dpi) {
+    KVIMG* result = nullptr;
+    require(ResizeImageWithIPPEx(&page, &result, description.horizontalResolution, dpi), "scaling");
+    description.verticalResolution =
+        static_cast<int32_t>((int64_t{description.verticalResolution} * dpi + description.horizontalResolution / 2) /
+                             description.horizontalResolution);
+    description.horizontalResolution = dpi;
+    return Record(result);
+}
 
 Record deskewed(const KVIMG& page, KVImageDescriptionHandle description, double angle) {
     KVRect whole = {0, 0, page.height, page.width};

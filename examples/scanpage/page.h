@@ -23,9 +23,14 @@ struct Bits {
     std::vector<uint8_t> bytes;
 };
 
+enum class Median;
+
 struct Options {
     bool skewGiven = false;
     double angle = 0;
+    Median median{};
+    int denoise = -1;    // strength; below 0: not at all
+    int dpi = 0;         // to scale to; 0: as it is
     int mode = 450;
     int threshold = -1;    // below 0: chosen for each page
     bool jpeg = true;
@@ -58,6 +63,9 @@ inline void require(int status, const char* step) {
 }
 
 Report processPage(const std::string& file, const Options& options, bool keepImages);
+
+// The page scaled to another resolution, which the description then states.
+Record scaled(const KVIMG& page, KVImageDescription& description, int dpi);
 
 Record deskewed(const KVIMG& page, KVImageDescriptionHandle description, double angle);
 
