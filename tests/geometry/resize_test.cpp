@@ -496,20 +496,21 @@ TEST(ResizeColour, RefusesBadArguments) {
 }
 
 TEST(Resize, ReadsAndWritesNoByteTooMany) {
+    const auto area = [](int width, int height) { return static_cast<size_t>(width) * static_cast<size_t>(height); };
     for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
         for (int width = 1; width <= 70; ++width)
             for (const int scaledWidth : {width / 2 + 1, width * 2 / 3 + 1, width + 1, width * 4 / 3 + 1}) {
                 const IppiRect roi = {0, 0, width, 3};
-                FencedMemory source(static_cast<size_t>(3 * 3 * width), fence);
-                FencedMemory target(static_cast<size_t>(3 * 2 * scaledWidth), fence);
+                FencedMemory source(3 * area(width, 3), fence);
+                FencedMemory target(3 * area(scaledWidth, 2), fence);
                 ASSERT_EQ(IPPMini_ippiResize_8u_C3R(source.data(), {width, 3}, 3 * width, roi, target.data(),
                                                     3 * scaledWidth, {scaledWidth, 2}, 1, 1, 0),
                           ippStsNoErr);
-                FencedMemory greySource(static_cast<size_t>(3 * width), fence);
+                FencedMemory greySource(area(width, 3), fence);
                 const double factor = static_cast<double>(scaledWidth) / width;
                 const int cols = cvRound(width * factor);
                 const int rows = cvRound(3 * factor);
-                FencedMemory greyTarget(static_cast<size_t>(cols * rows), fence);
+                FencedMemory greyTarget(area(cols, rows), fence);
                 ASSERT_EQ(OPCV_ippiResizeSqrPixel_8u_C1R(greySource.data(), {width, 3}, width, roi, greyTarget.data(),
                                                          cols, {0, 0, cols, rows}, factor, factor, 0, 0, 0, nullptr),
                           ippStsNoErr);

@@ -183,7 +183,7 @@ TEST(PlanarColour, ConvertsWhereSourceAndDestinationOverlap) {
     Random random(513);
     const IppiSize size = {37, 11};
     const int rowBytes = 3 * size.width;
-    const auto area = static_cast<size_t>(size.width * size.height);
+    const auto area = static_cast<size_t>(size.width) * static_cast<size_t>(size.height);
     const GuardedImage source(random, {rowBytes, size.height}, {});
     const cv::Mat packed(size.height, size.width, CV_8UC3, const_cast<uint8_t*>(source.data()),
                          static_cast<size_t>(source.step()));
