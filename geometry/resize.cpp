@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <opencv2/imgproc.hpp>
+#include <utility>
 
 #include "core/Tools.h"
 #include "core/ownership.h"
