@@ -28,6 +28,7 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "geometry/rotate_kernel.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -38,8 +39,9 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int kFractionMask = (1 << kMapBits) - 1;
-constexpr int kStripBytes = 1536;    // of the target, so that few memory pages are in use at a time
+constexpr int kStripBytes = 2048;    // of the target, so that few memory pages are in use at a time
 constexpr int kMaxTopRows = 12;      // source rows in which the upper taps of one group may lie
+constexpr int kRowsAhead = 8;        // prefetched; neighbouring rows lie on memory pages of their own
 constexpr int kSmallestGroup = 8;    // bytes
 
 struct Group {
@@ -114,7 +116,8 @@ V interpolate(V p00, V p01, V p10, V p11, V fx, V fyTimes1024, V half) {
 }
 
 template <class D>
-hn::Vec<D> rotateGroup(D d, const Window& w, const int16_t* HWY_RESTRICT behind, const int16_t* HWY_RESTRICT down) {
+HWY_INLINE hn::Vec<D> rotateGroup(D d, const Window& w, const int16_t* HWY_RESTRICT behind,
+                                  const int16_t* HWY_RESTRICT down) {
     const hn::RebindToSigned<D> s8;
     const hn::RepartitionToWide<decltype(s8)> s16;
     using V = hn::Vec<D>;
@@ -131,16 +134,14 @@ hn::Vec<D> rotateGroup(D d, const Window& w, const int16_t* HWY_RESTRICT behind,
     const V16 yEven = hn::Add(yStart, hn::Load(s16, down));
     const V16 yOdd = hn::Add(yStart, hn::Load(s16, down + odd));
 
-    // Negative: the column is the one before.
-    const auto isBehind =
-        hn::Lt(hn::BitCast(s8, join(hn::ShiftRight<kMapBits>(xEven), hn::ShiftRight<kMapBits>(xOdd))), hn::Zero(s8));
     const auto tapsOf = [&](int row) HWY_ATTR {
         const uint8_t* at = w.first + row * w.step;
         TapRow<V> taps = {hn::LoadU(d, at), hn::LoadU(d, at + w.pixelSize)};
         if (w.someBehind) {
-            const auto mask = hn::RebindMask(d, isBehind);
-            taps.right = hn::IfThenElse(mask, taps.left, taps.right);
-            taps.left = hn::IfThenElse(mask, hn::LoadU(d, at - w.pixelSize), taps.left);
+            const auto columns = join(hn::ShiftRight<kMapBits>(xEven), hn::ShiftRight<kMapBits>(xOdd));
+            const auto isBehind = hn::RebindMask(d, hn::Lt(hn::BitCast(s8, columns), hn::Zero(s8)));
+            taps.right = hn::IfThenElse(isBehind, taps.left, taps.right);
+            taps.left = hn::IfThenElse(isBehind, hn::LoadU(d, at - w.pixelSize), taps.left);
         }
         return taps;
     };
@@ -188,19 +189,39 @@ struct BorderRow {
     uint8_t bytes[kPixels * RotationJob::kMaxChannels];
 };
 
+// What the taps of a group lie between, one column more on either side; inclusive.
+struct Surroundings {
+    Surroundings(MapPosition at, const Group& group, const Window& w)
+        : left((at.x >> kMapBits) - 1),
+          right((at.x >> kMapBits) + group.lastPixel + 1),
+          top((at.y >> kMapBits) + w.topRow),
+          bottom(top + w.topRows) {}
+
+    bool inside(const RotationJob& job) const {
+        return left >= 0 && right < job.sourceWidth && top >= 0 && bottom < job.sourceHeight;
+    }
+    bool outside(const RotationJob& job) const {
+        return right < 0 || left >= job.sourceWidth || bottom < 0 || top >= job.sourceHeight;
+    }
+
+    int left;
+    int right;
+    int top;
+    int bottom;
+};
+
 // The part of the source around a group, filled up with the border colour.
 struct Patch {
     static constexpr int kStep = HWY_MAX_BYTES + 4 * RotationJob::kMaxChannels;
 
-    // Columns from `left` to `right` of rows from `top` on, all inclusive.
-    void fill(const RotationJob& job, const BorderRow& border, int left, int right, int top, int bottom) {
-        const int first = std::clamp(left, 0, job.sourceWidth);
-        const int end = std::clamp(right + 1, first, job.sourceWidth);
+    void fill(const RotationJob& job, const BorderRow& border, const Surroundings& s) {
+        const int first = std::clamp(s.left, 0, job.sourceWidth);
+        const int end = std::clamp(s.right + 1, first, job.sourceWidth);
         uint8_t* out = bytes;
-        for (int y = top; y <= bottom; ++y, out += kStep) {
-            std::memcpy(out, border.bytes, static_cast<size_t>((right + 1 - left) * job.channels));
+        for (int y = s.top; y <= s.bottom; ++y, out += kStep) {
+            std::memcpy(out, border.bytes, static_cast<size_t>((s.right + 1 - s.left) * job.channels));
             if (y >= 0 && y < job.sourceHeight)
-                std::memcpy(out + ptrdiff_t{first - left} * job.channels,
+                std::memcpy(out + ptrdiff_t{first - s.left} * job.channels,
                             job.source + y * job.sourceStep + ptrdiff_t{first} * job.channels,
                             static_cast<size_t>((end - first) * job.channels));
         }
@@ -209,11 +230,8 @@ struct Patch {
     uint8_t bytes[(kMaxTopRows + 1) * kStep];
 };
 
-template <class D>
-void rotateGroupAt(D d, const RotationJob& job, const BorderRow& border, MapPosition at, const Group& group,
-                   const int16_t* behind, const int16_t* down, uint8_t* out) {
-    const int x = at.x >> kMapBits;
-    const int y = at.y >> kMapBits;
+// Without the place of the taps, which may be in the source or in a patch.
+HWY_INLINE Window windowOf(const RotationJob& job, MapPosition at, const Group& group) {
     Window w;
     w.pixelSize = job.channels;
     w.xFraction = at.x & kFractionMask;
@@ -222,25 +240,40 @@ void rotateGroupAt(D d, const RotationJob& job, const BorderRow& border, MapPosi
     const int lastRow = (w.yFraction + group.lastDown) >> kMapBits;
     w.topRow = std::min(0, lastRow);
     w.topRows = std::abs(lastRow) + 1;
+    return w;
+}
 
-    const int left = x - 1;
-    const int right = x + group.lastPixel + 1;
-    const int top = y + w.topRow;
-    const int bottom = top + w.topRows;
-    const bool inside = left >= 0 && right < job.sourceWidth && top >= 0 && bottom < job.sourceHeight;
-    if (inside) {
-        w.first = job.source + top * job.sourceStep + ptrdiff_t{x} * job.channels + group.phase;
-        w.step = job.sourceStep;
-        hn::StoreU(rotateGroup(d, w, behind, down), d, out);
-    } else if (right < 0 || left >= job.sourceWidth || bottom < 0 || top >= job.sourceHeight) {
+// A group that does not lie inside the source. Kept apart, so that the patch costs the others nothing.
+template <class D>
+HWY_NOINLINE void rotateGroupAtEdge(D d, const RotationJob& job, const BorderRow& border, MapPosition at,
+                                    const Group& group, const int16_t* behind, const int16_t* down, uint8_t* out) {
+    Window w = windowOf(job, at, group);
+    const Surroundings around(at, group, w);
+    if (around.outside(job)) {
         hn::StoreU(hn::LoadU(d, border.bytes + group.phase), d, out);
-    } else {
-        Patch patch;
-        patch.fill(job, border, left, right, top, bottom);
-        w.first = patch.bytes + job.channels + group.phase;
-        w.step = Patch::kStep;
-        hn::StoreU(rotateGroup(d, w, behind, down), d, out);
+        return;
     }
+    Patch patch;
+    patch.fill(job, border, around);
+    w.first = patch.bytes + job.channels + group.phase;
+    w.step = Patch::kStep;
+    hn::StoreU(rotateGroup(d, w, behind, down), d, out);
+}
+
+template <class D>
+HWY_INLINE void rotateGroupAt(D d, const RotationJob& job, const BorderRow& border, MapPosition at, const Group& group,
+                              const int16_t* behind, const int16_t* down, uint8_t* out) {
+    Window w = windowOf(job, at, group);
+    const Surroundings around(at, group, w);
+    if (!around.inside(job)) {
+        rotateGroupAtEdge(d, job, border, at, group, behind, down, out);
+        return;
+    }
+    const uint8_t* column = job.source + ptrdiff_t{around.left + 1} * job.channels + group.phase;
+    hwy::Prefetch(column + std::min(around.top + kRowsAhead, job.sourceHeight - 1) * job.sourceStep);
+    w.first = column + around.top * job.sourceStep;
+    w.step = job.sourceStep;
+    hn::StoreU(rotateGroup(d, w, behind, down), d, out);
 }
 
 // One strip's columns in all rows. A group that the strip fills in part goes through a block on the stack.
@@ -291,27 +324,36 @@ const uint8_t* tapAt(const RotationJob& job, int x, int y) {
     return inside ? job.source + y * job.sourceStep + ptrdiff_t{x} * job.channels : job.border.data();
 }
 
+struct Taps {
+    const uint8_t* p00;
+    const uint8_t* p01;
+    const uint8_t* p10;
+    const uint8_t* p11;
+};
+
+template <int kChannels>
+Taps tapsAt(const RotationJob& job, int x, int y) {
+    if (x < 0 || x + 1 >= job.sourceWidth || y < 0 || y + 1 >= job.sourceHeight)
+        return {tapAt(job, x, y), tapAt(job, x + 1, y), tapAt(job, x, y + 1), tapAt(job, x + 1, y + 1)};
+    const uint8_t* first = job.source + y * job.sourceStep + ptrdiff_t{x} * kChannels;
+    return {first, first + kChannels, first + job.sourceStep, first + job.sourceStep + kChannels};
+}
+
 template <int kChannels>
 void rotatePixel(const RotationJob& job, MapPosition at, uint8_t* out) {
-    const int x = at.x >> kMapBits;
-    const int y = at.y >> kMapBits;
+    const Taps taps = tapsAt<kChannels>(job, at.x >> kMapBits, at.y >> kMapBits);
     const int fx = at.x >> (kMapBits - 5) & 31;
     const int fy = at.y >> (kMapBits - 5) & 31;
-    const uint8_t* p00 = tapAt(job, x, y);
-    const uint8_t* p01 = tapAt(job, x + 1, y);
-    const uint8_t* p10 = tapAt(job, x, y + 1);
-    const uint8_t* p11 = tapAt(job, x + 1, y + 1);
-    const int w11 = fx * fy;
-    const int w10 = 32 * fy - w11;
-    const int w01 = 32 * fx - w11;
-    const int w00 = 1024 - w01 - 32 * fy;
-    for (int k = 0; k < kChannels; ++k)
-        out[k] = static_cast<uint8_t>((w00 * p00[k] + w01 * p01[k] + w10 * p10[k] + w11 * p11[k] + 512) >> 10);
+    for (int k = 0; k < kChannels; ++k) {
+        const int h0 = 32 * taps.p00[k] + fx * (taps.p01[k] - taps.p00[k]);
+        const int h1 = 32 * taps.p10[k] + fx * (taps.p11[k] - taps.p10[k]);
+        out[k] = static_cast<uint8_t>((32 * h0 + fy * (h1 - h0) + 512) >> 10);
+    }
 }
 
 template <int kChannels>
 void rotateByPixel(const RotationJob& job, int firstRow, int endRow) {
-    constexpr int kStripPixels = kStripBytes / kChannels;
+    constexpr int kStripPixels = 512;
     MapPosition columns[kStripPixels];
     for (int first = 0; first < job.targetWidth; first += kStripPixels) {
         const int count = std::min(kStripPixels, job.targetWidth - first);

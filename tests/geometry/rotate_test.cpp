@@ -10,6 +10,7 @@
 
 #include "OPCV_dlib.h"
 #include "oracle/rotation.h"
+#include "support/fenced_memory.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
 
@@ -70,6 +71,22 @@ struct Case {
         if (random.chance(20)) return 0;
         const float whole = static_cast<float>(random.between(-longestSide, longestSide));
         return random.chance(30) ? whole + 0.5F : whole + static_cast<float>(random.real(-0.5, 0.5));
+    }
+
+    // The whole of other images, with packed rows.
+    void reshape(int newChannels, IppiSize from, IppiSize to) {
+        Random random(static_cast<unsigned>(from.width + to.width + newChannels));
+        channels = newChannels;
+        srcSize = from;
+        srcRoi = {0, 0, from.width, from.height};
+        srcStep = from.width * channels;
+        dstSize = to;
+        dstRoi = {0, 0, to.width, to.height};
+        dstStep = to.width * channels;
+        source.resize(static_cast<size_t>(srcStep) * static_cast<size_t>(from.height));
+        target.resize(kGuard + static_cast<size_t>(dstStep) * static_cast<size_t>(to.height) + kGuard);
+        random.fill(source.data(), source.size());
+        random.fill(target.data(), target.size());
     }
 
     uint8_t* inTarget(Bytes& bytes) const { return bytes.data() + kGuard; }
@@ -147,6 +164,89 @@ TEST(RotateCenter, IsTheFrameOfOpenCVCalls) {
         const double y = inside ? (c.srcRoi.height - 1) * 0.5 : random.real(-300, 300);
         ASSERT_NO_FATAL_FAILURE(expectTurnedAboutLikeOpenCV(c, x, y, random.between(-9, 9)));
     }
+}
+
+// Large enough for several strips of columns, for bands of rows and for groups of every kind.
+TEST(Rotate, IsTheFrameOfOpenCVCallsOnLargeImages) {
+    Random random(313);
+    for (int round = 0; round < 24; ++round) {
+        Case c(random, 1000);
+        ASSERT_NO_FATAL_FAILURE(expectTurnedLikeOpenCV(c, kLinear));
+        ASSERT_NO_FATAL_FAILURE(expectTurnedAboutLikeOpenCV(c, c.srcRoi.width * 0.5, c.srcRoi.height * 0.5, kLinear));
+    }
+    for (const int channels : {1, 3, 4})
+        for (const double angle : {0.5, -2.3, 9.0, 40.0}) {
+            Case c(random, 40);
+            c.reshape(channels, {800, 500}, {900, 520});
+            c.angle = angle;
+            ASSERT_NO_FATAL_FAILURE(expectTurnedLikeOpenCV(c, kLinear));
+            ASSERT_NO_FATAL_FAILURE(expectTurnedAboutLikeOpenCV(c, 399.5, 249.5, kLinear));
+        }
+}
+
+// Groups of neighbouring bytes become smaller as the angle grows, at some angle for each pixel size.
+TEST(Rotate, IsTheFrameOfOpenCVCallsAtEveryAngle) {
+    Random random(314);
+    for (const int channels : {1, 3, 4})
+        for (int step = -250; step <= 250; ++step) {
+            Case c(random, 40);
+            c.reshape(channels, {90, 30}, {90, 30});
+            c.angle = step * 0.2;
+            c.xShift = static_cast<float>(random.between(-20, 20));
+            c.yShift = static_cast<float>(random.between(-40, 40));
+            ASSERT_NO_FATAL_FAILURE(expectTurnedLikeOpenCV(c, kLinear));
+        }
+}
+
+TEST(Rotate, IsTheFrameOfOpenCVCallsOnTheLongestRows) {
+    Random random(315);
+    for (const int channels : {1, 3})
+        for (const double angle : {0.001, -0.002, 0.01, 5.0}) {
+            Case c(random, 40);
+            c.reshape(channels, {32766, 4}, {32766, 4});
+            c.angle = angle;
+            c.xShift = c.yShift = 0;
+            ASSERT_NO_FATAL_FAILURE(expectTurnedLikeOpenCV(c, kLinear));
+            ASSERT_NO_FATAL_FAILURE(expectTurnedAboutLikeOpenCV(c, 16383, 2, kLinear));
+        }
+}
+
+// Centres that put positions halfway between two of the fixed-point grid.
+TEST(RotateCenter, RoundsPositionsLikeOpenCV) {
+    Random random(316);
+    for (int round = 0; round < 300; ++round) {
+        Case c(random, 60);
+        c.angle = std::array<double, 5>{0, 90, -90, 180, 30}[static_cast<size_t>(round % 5)];
+        const auto halfway = [&] { return random.between(-100, 300) + random.between(0, 2047) / 2048.0; };
+        ASSERT_NO_FATAL_FAILURE(expectTurnedAboutLikeOpenCV(c, halfway(), halfway(), kLinear));
+    }
+}
+
+TEST(Rotate, ReadsAndWritesNoByteTooMany) {
+    Random random(317);
+    for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
+        for (int round = 0; round < 300; ++round) {
+            const int channels = std::array<int, 3>{1, 3, 4}[static_cast<size_t>(round % 3)];
+            const IppiSize from = {random.between(1, 100), random.between(1, 60)};
+            const IppiSize to = {random.between(1, 100), random.between(1, 60)};
+            const auto bytes = [channels](IppiSize s) {
+                return static_cast<size_t>(s.width) * static_cast<size_t>(s.height * channels);
+            };
+            FencedMemory source(bytes(from), fence);
+            FencedMemory target(bytes(to), fence);
+            random.fill(source.data(), source.size());
+            const double angle = Case::anyAngle(random);
+            ASSERT_EQ(
+                ippiRotate(source.data(), from, from.width * channels, {0, 0, from.width, from.height}, target.data(),
+                           to.width * channels, {0, 0, to.width, to.height}, angle, Case::anyShift(random, 60),
+                           Case::anyShift(random, 60), kLinear, typeOf(channels), cv::Scalar(1, 2, 3, 4)),
+                ippStsNoErr);
+            ASSERT_EQ(ippiRotateCenter(source.data(), from, from.width * channels, {0, 0, from.width, from.height},
+                                       target.data(), to.width * channels,
+                                       {0, 0, std::min(to.width, from.width), to.height}, angle, random.real(-20, 120),
+                                       random.real(-20, 80), kLinear, typeOf(channels), cv::Scalar(1, 2, 3, 4)),
+                      ippStsNoErr);
+        }
 }
 
 // A smooth image, so that a wrong place shows and the cut of positions does not.
