@@ -1,6 +1,8 @@
-// Rank filters: each beside memcpy of the bytes read and written once, and beside its definition in plain code.
+// Rank filters. Those with a fixed window: beside memcpy of the bytes read and written once and beside their definition
+// in plain code. The others: beside OpenCV on a view of the same memory and one copy back.
 #include <algorithm>
 #include <cstdlib>
+#include <opencv2/imgproc.hpp>
 #include <string>
 
 #include "OPCV_dlib.h"
@@ -99,6 +101,98 @@ void compareFixedWindows() {
     }
 }
 
+// What a plain frame does: a view of the region and half the mask around it, the operation, one copy of the interior.
+template <class Operation>
+void runFrame(const bench::Page& source, bench::Page& result, int type, IppiSize mask, Operation operation) {
+    const IppiSize size = source.size();
+    const int x = mask.width / 2;
+    const int y = mask.height / 2;
+    const auto view = [](uint8_t* pixels, int rows, int cols, int viewType, int step) {
+        return cv::Mat(rows, cols, viewType, pixels, static_cast<size_t>(step));
+    };
+    auto* corner = const_cast<uint8_t*>(source.data()) - ptrdiff_t{y} * source.step() -
+                   ptrdiff_t{x} * static_cast<ptrdiff_t>(CV_ELEM_SIZE(type));
+    const cv::Mat from = view(corner, size.height + 2 * y, size.width + 2 * x, type, source.step());
+    cv::Mat filtered;
+    operation(from, filtered);
+    cv::Mat to = view(result.data(), size.height, size.width, type, result.step());
+    filtered(cv::Rect(x, y, size.width, size.height)).copyTo(to);
+}
+
+void compareSquareMedian(IppiSize size, int channels, int m) {
+    const bench::Page& source = bench::source(size, channels);
+    bench::Page& result = bench::target(size, channels);
+    bench::Page& expected = bench::otherTarget(size, channels);
+    const int type = CV_MAKETYPE(CV_8U, channels);
+    const std::string name = "median " + std::to_string(m) + "x" + std::to_string(m) + " C" + std::to_string(channels);
+    bench::compare(
+        bench::withSize(name, size),
+        [&source, &result, size, type, m] {
+            ippiFilterMedian(source.data(), source.step(), type, result.data(), result.step(), size, {m, m},
+                             {m / 2, m / 2});
+        },
+        {{"OpenCV",
+          [&source, &expected, type, m] {
+              runFrame(source, expected, type, {m, m},
+                       [m](const cv::Mat& from, cv::Mat& to) { cv::medianBlur(from, to, m); });
+          }}},
+        [&result, &expected] { return result.sameRegion(expected); });
+}
+
+using MaskFilter = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, const unsigned char*,
+                                 IppiSize, IppiPoint);
+using RectangleFilter = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, IppiSize, IppiPoint);
+using Morph = void (*)(cv::InputArray, cv::OutputArray, cv::InputArray, cv::Point, int, int, const cv::Scalar&);
+
+template <class Call>
+void compareMorphology(const std::string& name, IppiSize size, const cv::Mat& mask, Morph morph, Call call) {
+    const bench::Page& source = bench::source(size, 1);
+    bench::Page& result = bench::target(size, 1);
+    bench::Page& expected = bench::otherTarget(size, 1);
+    bench::compare(
+        bench::withSize(name, size), [&source, &result, call] { call(source, result); },
+        {{"OpenCV",
+          [&source, &expected, mask, morph] {
+              runFrame(source, expected, CV_8UC1, {mask.cols, mask.rows}, [&](const cv::Mat& from, cv::Mat& to) {
+                  morph(from, to, mask, cv::Point(-1, -1), 1, cv::BORDER_CONSTANT, cv::morphologyDefaultBorderValue());
+              });
+          }},
+         bench::memcpyOf(bytesMoved(size, 1))},
+        [&result, &expected] { return result.sameRegion(expected); });
+}
+
+void compareMask(const std::string& name, MaskFilter filter, Morph morph, IppiSize size, const cv::Mat& mask) {
+    compareMorphology(name, size, mask, morph, [=](const bench::Page& source, bench::Page& result) {
+        filter(source.data(), source.step(), result.data(), result.step(), size, mask.data, {mask.cols, mask.rows},
+               {mask.cols / 2, mask.rows / 2});
+    });
+}
+
+void compareRectangle(const std::string& name, RectangleFilter filter, Morph morph, IppiSize size, int side) {
+    const cv::Mat mask = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(side, side));
+    compareMorphology(name, size, mask, morph, [=](const bench::Page& source, bench::Page& result) {
+        filter(source.data(), source.step(), result.data(), result.step(), size, {side, side}, {side / 2, side / 2});
+    });
+}
+
+void compareWindowsOfAnySize() {
+    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+        for (const int channels : {1, 3})
+            for (const int m : {3, 5, 7, 9, 13}) compareSquareMedian(size, channels, m);
+        const cv::Mat full = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3));
+        const cv::Mat cross = cv::getStructuringElement(cv::MORPH_CROSS, cv::Size(3, 3));
+        compareMask("dilate 3x3", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, full);
+        compareMask("erode 3x3", IPPShare_ippiErode_8u_C1R, cv::erode, size, full);
+        compareMask("dilate 3x3 cross", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, cross);
+        for (const int side : {3, 9, 31}) {
+            const std::string sides = std::to_string(side) + "x" + std::to_string(side);
+            compareRectangle("maximum " + sides, IPPMini_ippiFilterMax_8u_C1R, cv::dilate, size, side);
+            compareRectangle("minimum " + sides, IPPMini_ippiFilterMin_8u_C1R, cv::erode, size, side);
+        }
+    }
+}
+
 const bench::Registration fixedWindows(compareFixedWindows);
+const bench::Registration windowsOfAnySize(compareWindowsOfAnySize);
 
 }    // namespace

@@ -112,7 +112,8 @@ HWY_INLINE V medianOf(const Sorted<m, kA>& a, const Sorted<m, kB>& b) {
 
 constexpr ptrdiff_t kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(d));
 
-// Rows of sorted lists, one a column: row i holds rank kFirst + i of each.
+// Rows of sorted lists, one a column: row i holds rank kFirst + i of each. Vectors run on past the strip's end; what lies
+// there is anything, and no result depends on it.
 template <int m, int kSubset, ptrdiff_t kBytes>
 class ListRows {
 public:
@@ -125,13 +126,15 @@ public:
 
 private:
     static constexpr int kRows = MedianRanks<m, kSubset>::kCount;
-    HWY_ALIGN uint8_t rows_[kRows][kBytes] = {};
+    HWY_ALIGN uint8_t rows_[kRows][kBytes];
 };
 
 template <int m>
 class Strip {
 public:
-    static constexpr ptrdiff_t kBytes = m <= 7 ? 1024 : 512;    // of a row that is written
+    // Of a row that is written. The buffers stay in the first-level cache beside the source rows; the six of m = 3 are so
+    // few that whole rows of a page, which the processor reads ahead, are better.
+    static constexpr ptrdiff_t kBytes = m == 3 ? 8192 : 512;
 
     Strip(ptrdiff_t width, int channels) : width_(width), channels_(channels) {}
 
