@@ -105,7 +105,7 @@ void compareResize() {
             comparePages(size, channels, 3, 2);
             comparePages(size, channels, 4, 3);
             comparePages(size, channels, 3, 4);
-            comparePages(size, channels, 3, 1);
+            comparePages(size, channels, 5, 2);
         }
         comparePlaced(size);
         compareColour(size);

@@ -238,10 +238,11 @@ HWY_EXPORT(prepare);
 HWY_EXPORT(resizeRows);
 }    // namespace
 
-// Four results lie in four pixels of one channel, in two of three, in one of four. At a scale of 3, with the second
-// taps and one column more where float rounds a position up, that takes 12, 16 and 8 bytes.
+// Four results lie in four pixels of one channel, in two of three, in one of four. At the greatest scale, with the
+// second taps and one column more where float rounds a position up, that takes 11, 16 and 8 bytes. Beyond it rows are
+// skipped, both ways wait for memory alone, and nothing is gained.
 bool BilinearResize::canDo(const BilinearJob& job) {
-    constexpr double kGreatestScale = 3;
+    constexpr double kGreatestScale = 2.5;
     constexpr int kFullBlock = 16;
     return job.xScale <= kGreatestScale && job.sourceWidth >= kFullBlock;
 }

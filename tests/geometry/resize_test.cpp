@@ -80,7 +80,7 @@ TEST(ResizePage, ScalesLikeTheDefinition) {
 TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
     Random random(602);
     for (const int depth : {8, 24, 32})
-        for (const double numerator : {100.0, 150.0, 200.0, 225.0, 299.0, 400.0, 301.0}) {
+        for (const double numerator : {100.0, 119.0, 120.0, 121.0, 150.0, 200.0, 225.0, 299.0, 400.0, 301.0}) {
             const RecordPtr page = makePage(random, random.between(900, 1300), random.between(100, 300), depth);
             KVIMG* out = nullptr;
             ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 300, numerator), noErr);
