@@ -277,8 +277,10 @@ void filters::filterBilateral(const BilateralRegion& region, const BilateralWeig
     }
     cv::parallel_for_(
         cv::Range(0, region.height),
-        [&](const cv::Range& rows) { HWY_DYNAMIC_DISPATCH(filterBand)
-                                     (region, weights, rows.start, rows.end); },
+        [&](const cv::Range& rows) {
+            HWY_DYNAMIC_DISPATCH(filterBand)
+            (region, weights, rows.start, rows.end);
+        },
         elements / kElementsOfABand);
 }
 #endif    // HWY_ONCE

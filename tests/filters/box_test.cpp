@@ -88,7 +88,7 @@ TEST(Box, EveryAreaHasItsOwnRounding) {
 
 // All sums of a mask, which a step from 0 to 255 column by column runs through.
 TEST(Box, EverySumIsRoundedAsOpenCVRounds) {
-    for (const IppiSize mask : {IppiSize{3, 3}, {5, 5}, {2, 2}, {3, 2}, {4, 4}, {7, 7}, {16, 16}, {9, 1}, {1, 3}}) {
+    for (const IppiSize mask : {IppiSize{3, 3}, {5, 5}, {2, 2}, {3, 2}, {4, 4}, {7, 7}, {9, 1}, {16, 16}, {1, 3}}) {
         const int area = mask.width * mask.height;
         const int sums = 255 * area + 1;
         const int rows = mask.height | 1;
