@@ -2,6 +2,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "core/result_matrix.h"
 #include "filters/box_kernels.h"
 #include "filters/views.h"
 
@@ -34,7 +35,7 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
                                                                                                       : memFullErr;
 
     // Isolated: OpenCV must not read the pixels around the view. They reach none of the region.
-    cv::Mat filtered;
+    cv::Mat filtered = resultMatrix();
     const cv::Point centre(-1, -1);
     const bool mean = true;
     cv::boxFilter(view, filtered, -1, cv::Size(mask.width, mask.height), centre, mean,

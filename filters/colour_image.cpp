@@ -42,17 +42,21 @@ OSErr filterChannels(const unsigned char* src, unsigned char* dst, IppiSize size
         return err;
     if (const OSErr err = Tools::CreateImageMat(dst, 3 * size.width, size.height, CV_8UC3, target)) return err;
 
+    // Joined only when all channels are there, so that a failure leaves the target as it was.
     const size_t planeBytes = source.total();
     const PixelBlock from(static_cast<unsigned char*>(std::malloc(planeBytes)));
-    const PixelBlock to(static_cast<unsigned char*>(std::malloc(planeBytes)));
+    const PixelBlock to(static_cast<unsigned char*>(std::malloc(3 * planeBytes)));
     if (!from || !to) return memFullErr;
     cv::Mat fromPlane(size.height, size.width, CV_8UC1, from.get());
-    const cv::Mat toPlane(size.height, size.width, CV_8UC1, to.get());
     for (int channel = 0; channel < 3; ++channel) {
+        unsigned char* plane = to.get() + static_cast<size_t>(channel) * planeBytes;
         cv::extractChannel(source, fromPlane, channel);
-        std::memcpy(to.get(), from.get(), planeBytes);
-        if (const OSErr err = filter(channel, from.get(), to.get())) return err;
-        cv::insertChannel(toPlane, target, channel);
+        std::memcpy(plane, from.get(), planeBytes);
+        if (const OSErr err = filter(channel, from.get(), plane)) return err;
+    }
+    for (int channel = 0; channel < 3; ++channel) {
+        unsigned char* plane = to.get() + static_cast<size_t>(channel) * planeBytes;
+        cv::insertChannel(cv::Mat(size.height, size.width, CV_8UC1, plane), target, channel);
     }
     return noErr;
 }

@@ -4,6 +4,7 @@
 #include <opencv2/core.hpp>
 
 #include "core/Tools.h"
+#include "core/result_matrix.h"
 
 namespace {
 
@@ -40,8 +41,8 @@ void OPCV_cblas_sgemm(int order, int transA, int transB, int M, int N, int K, fl
 
     const Operand a = {A, lda, transA != kNotTransposed};
     const Operand b = {B, ldb, transB != kNotTransposed};
-    cv::Mat left;
-    cv::Mat right;
+    cv::Mat left = resultMatrix();
+    cv::Mat right = resultMatrix();
     cv::Mat product;
     if (order == kRowMajor) {
         if (viewOf(C, ldc, N, M, product) || matrixOf(a, K, M, left) || matrixOf(b, N, K, right)) return;

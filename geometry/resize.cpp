@@ -10,6 +10,7 @@
 
 #include "core/Tools.h"
 #include "core/ownership.h"
+#include "core/result_matrix.h"
 #include "geometry/page_format.h"
 #include "geometry/resize_kernels.h"
 
@@ -158,7 +159,7 @@ OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcS
         place(xShift, dstRoi.x, dstRoi.width, at.columns) && place(yShift, dstRoi.y, dstRoi.height, at.rows);
     if (placed && placeDirectly(from, factors, at, dst, dstStep)) return noErr;
 
-    cv::Mat scaled;
+    cv::Mat scaled = resultMatrix();
     cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR);
     if (!scaled.data) return memFullErr;
     if (!placed) return paramErr;

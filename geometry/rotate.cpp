@@ -8,6 +8,7 @@
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "core/result_matrix.h"
 #include "geometry/rotate_kernel.h"
 
 namespace {
@@ -80,15 +81,14 @@ struct Turn {
 OSErr turnByOpenCV(const Turn& turn) {
     // The border is not isolated: where the source image goes on around the region, its pixels come before the value.
     const Placement& p = turn.place;
-    cv::Mat work = turn.region;
+    cv::Mat work = p.padded() ? resultMatrix() : turn.region;
     if (p.padded())
         cv::copyMakeBorder(turn.region, work, static_cast<int>(p.top), static_cast<int>(p.bottom),
                            static_cast<int>(p.left), static_cast<int>(p.right), cv::BORDER_CONSTANT, turn.border);
     if (!work.data) return memFullErr;
 
-    const cv::Mat matrix = cv::getRotationMatrix2D(turn.centre, turn.angle, 1.0);
-    if (!matrix.data) return memFullErr;
-    cv::Mat turned;
+    const cv::Matx23d matrix = cv::getRotationMatrix2D_(turn.centre, turn.angle, 1.0);
+    cv::Mat turned = resultMatrix();
     cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, turn.border);
     if (!turned.data) return memFullErr;
 

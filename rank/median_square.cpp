@@ -5,6 +5,7 @@
 
 #include "OPCV_dlib.h"
 #include "core/Tools.h"
+#include "core/result_matrix.h"
 #include "rank/window_view.h"
 
 namespace {
@@ -32,7 +33,7 @@ OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstS
         }
     }
 
-    cv::Mat filtered;
+    cv::Mat filtered = resultMatrix();
     cv::medianBlur(source, filtered, m);
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(m / 2, m / 2), pDst, dstStep, cv::Point(0, 0),

@@ -8,6 +8,7 @@
 
 #include "OPCV_dlib.h"
 #include "core/Tools.h"
+#include "core/result_matrix.h"
 #include "rank/window_view.h"
 
 namespace {
@@ -63,7 +64,7 @@ OSErr filter(const Source& src, const Target& dst, const cv::Mat& mask, IppiPoin
                              dst.size.width, dst.size.height};
     if (!mayOverlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
 
-    cv::Mat filtered;
+    cv::Mat filtered = resultMatrix();
     filterByOpenCV(source, mask, extremum, filtered);
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(mask.cols / 2, mask.rows / 2), dst.pixels, dst.step,
