@@ -5,24 +5,41 @@
 #include "core/Tools.h"
 #include "core/ownership.h"
 #include "geometry/page.h"
+#include "geometry/quarter_turn_kernels.h"
 
 namespace {
 
+enum class Turn { kQuarterClockwise, kHalf, kQuarterCounterClockwise };
+
 // A positive angle turns clockwise here, against the deskew functions. The fraction is dropped, so that 90.9 is 90.
-bool rotateCodeOf(double angle, int& code) {
+bool turnOf(double angle, Turn& turn) {
     if (!(std::abs(angle) < 360)) return false;
     switch (static_cast<int>(angle)) {
         case 90:
-        case -270: code = cv::ROTATE_90_CLOCKWISE; return true;
+        case -270: turn = Turn::kQuarterClockwise; return true;
         case 180:
-        case -180: code = cv::ROTATE_180; return true;
+        case -180: turn = Turn::kHalf; return true;
         case 270:
-        case -90: code = cv::ROTATE_90_COUNTERCLOCKWISE; return true;
+        case -90: turn = Turn::kQuarterCounterClockwise; return true;
         default: return false;
     }
 }
 
-OSErr turn(const Page& page, const KVIMG& turned, int code) {
+SourceRows downwards(const cv::Mat& m) { return {m.data, static_cast<ptrdiff_t>(m.step[0])}; }
+SourceRows upwards(const cv::Mat& m) { return {m.ptr(m.rows - 1), -static_cast<ptrdiff_t>(m.step[0])}; }
+TargetRows downwards(cv::Mat& m) { return {m.data, static_cast<ptrdiff_t>(m.step[0])}; }
+TargetRows upwards(cv::Mat& m) { return {m.ptr(m.rows - 1), -static_cast<ptrdiff_t>(m.step[0])}; }
+
+void turnPixels(const cv::Mat& from, cv::Mat& to, Turn turn) {
+    const int pixelSize = static_cast<int>(from.elemSize());
+    switch (turn) {
+        case Turn::kQuarterClockwise: return transpose(upwards(from), downwards(to), from.cols, from.rows, pixelSize);
+        case Turn::kHalf: return mirror(upwards(from), downwards(to), from.cols, from.rows, pixelSize);
+        default: return transpose(downwards(from), upwards(to), from.cols, from.rows, pixelSize);
+    }
+}
+
+OSErr turnPage(const Page& page, const KVIMG& turned, Turn turn) {
     cv::Mat from;
     if (const OSErr err = Tools::CreateAndCutImageMat(page.record->data, page.record->rowBytes,
                                                       cv::Rect(0, 0, page.width, page.height), page.format.type, from))
@@ -31,7 +48,7 @@ OSErr turn(const Page& page, const KVIMG& turned, int code) {
     if (const OSErr err = Tools::CreateAndCutImageMat(
             turned.data, turned.rowBytes, cv::Rect(0, 0, turned.width, turned.height), page.format.type, to))
         return err;
-    cv::rotate(from, to, code);
+    turnPixels(from, to, turn);
     return noErr;
 }
 
@@ -42,14 +59,14 @@ OSErr RotateImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description,
     RecordSlot slot(dst);
     Page page;
     if (const OSErr err = describePage(src, description, page)) return err;
-    int code = 0;
-    if (!rotateCodeOf(angle, code)) return badAngleErr;
+    Turn turn = Turn::kHalf;
+    if (!turnOf(angle, turn)) return badAngleErr;
 
     const KVRect upright = page.bounds();
     const KVRect onItsSide = {0, 0, page.width, page.height};
     RecordPtr turned;
-    if (const OSErr err = createRecord(code == cv::ROTATE_180 ? upright : onItsSide, page.depth, turned)) return err;
-    if (const OSErr err = turn(page, *turned, code)) return err;
+    if (const OSErr err = createRecord(turn == Turn::kHalf ? upright : onItsSide, page.depth, turned)) return err;
+    if (const OSErr err = turnPage(page, *turned, turn)) return err;
     slot.handOver(std::move(turned));
     return noErr;
 }

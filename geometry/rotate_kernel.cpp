@@ -215,15 +215,17 @@ struct Patch {
     static constexpr int kStep = HWY_MAX_BYTES + 4 * RotationJob::kMaxChannels;
 
     void fill(const RotationJob& job, const BorderRow& border, const Surroundings& s) {
+        const int rowBytes = (s.right + 1 - s.left) * job.channels;
         const int first = std::clamp(s.left, 0, job.sourceWidth);
         const int end = std::clamp(s.right + 1, first, job.sourceWidth);
+        const int insideBytes = (end - first) * job.channels;
         uint8_t* out = bytes;
         for (int y = s.top; y <= s.bottom; ++y, out += kStep) {
-            std::memcpy(out, border.bytes, static_cast<size_t>((s.right + 1 - s.left) * job.channels));
+            std::memcpy(out, border.bytes, static_cast<size_t>(rowBytes));
             if (y >= 0 && y < job.sourceHeight)
                 std::memcpy(out + ptrdiff_t{first - s.left} * job.channels,
                             job.source + y * job.sourceStep + ptrdiff_t{first} * job.channels,
-                            static_cast<size_t>((end - first) * job.channels));
+                            static_cast<size_t>(insideBytes));
         }
     }
 

@@ -5,8 +5,10 @@
 #include <cstring>
 #include <limits>
 
+#include "geometry/quarter_turn_kernels.h"
 #include "geometry/test_page.h"
 #include "oracle/quarter_turn.h"
+#include "support/fenced_memory.h"
 
 namespace {
 
@@ -59,6 +61,74 @@ TEST(QuarterTurn, EverySideAroundAVector) {
                 TestPage page(random, {width, height}, depth);
                 for (const int degrees : {90, 180, 270}) ASSERT_NO_FATAL_FAILURE(expectTurned(page, degrees, degrees));
             }
+}
+
+// Several tiles in both directions.
+TEST(QuarterTurn, IsWhatOpenCVTurns) {
+    Random random(348);
+    for (const int depth : kDepths)
+        for (const IppiSize size : {IppiSize{400, 300}, {257, 129}, {128, 513}, {1000, 17}, {16, 700}, {9, 300}})
+            for (const int code : {cv::ROTATE_90_CLOCKWISE, cv::ROTATE_180, cv::ROTATE_90_COUNTERCLOCKWISE}) {
+                TestPage page(random, size, depth);
+                KVIMG* turned = nullptr;
+                ASSERT_EQ(RotateImageWithIPP(page.record(), page.description(), &turned, 90.0 * (code + 1)), noErr);
+                const RecordPtr owner(turned);
+                cv::Mat expected;
+                cv::rotate(oracle::regionOf(page.pixels().data(), page.pixels().step(), {0, 0, size.width, size.height},
+                                            page.type()),
+                           expected, code);
+                ASSERT_EQ(turned->width, expected.cols);
+                ASSERT_EQ(turned->height, expected.rows);
+                for (int y = 0; y < turned->height; ++y)
+                    ASSERT_EQ(std::memcmp(turned->data + ptrdiff_t{y} * turned->rowBytes, expected.ptr(y),
+                                          static_cast<size_t>(turned->width * page.pixelSize())),
+                              0)
+                        << "depth " << depth << ", " << size.width << " x " << size.height << ", code " << code;
+                ASSERT_TRUE(page.untouched());
+            }
+}
+
+TEST(QuarterTurn, ReadsNoByteTooMany) {
+    Random random(349);
+    for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
+        for (const int depth : kDepths)
+            for (int round = 0; round < 40; ++round) {
+                const IppiSize size = {random.between(1, 70), random.between(1, 70)};
+                const int rowBytes = size.width * depth / 8;
+                FencedMemory pixels(static_cast<size_t>(rowBytes) * static_cast<size_t>(size.height), fence);
+                const KVIMG page = {pixels.data(), depth, size.width, size.height, rowBytes, 0};
+                KVImageDescription description = {size.width, size.height, 0, 0, 0, static_cast<int16_t>(depth)};
+                KVImageDescription* pointer = &description;
+                for (const double angle : {90, 180, 270}) {
+                    KVIMG* turned = nullptr;
+                    ASSERT_EQ(RotateImageWithIPP(&page, &pointer, &turned, angle), noErr);
+                    DisposeKVIMG(turned);
+                }
+            }
+}
+
+// The kernels write exactly the target's pixels; the record's own memory could hide more.
+TEST(QuarterTurn, KernelsWriteNoByteTooMany) {
+    Random random(350);
+    for (const int pixelSize : {1, 3, 4})
+        for (int round = 0; round < 60; ++round) {
+            const IppiSize size = {random.between(1, 50), random.between(1, 50)};
+            const GuardedImage source(random, size, GuardedImage::anyLayout(random, pixelSize));
+            GuardedImage onItsSide(random, {size.height, size.width}, GuardedImage::anyLayout(random, pixelSize));
+            GuardedImage mirrored(random, size, GuardedImage::anyLayout(random, pixelSize));
+            transpose({source.data(), source.step()}, {onItsSide.data(), onItsSide.step()}, size.width, size.height,
+                      pixelSize);
+            mirror({source.data(), source.step()}, {mirrored.data(), mirrored.step()}, size.width, size.height,
+                   pixelSize);
+            ASSERT_TRUE(onItsSide.untouchedOutsideRegion());
+            ASSERT_TRUE(mirrored.untouchedOutsideRegion());
+            for (int y = 0; y < size.height; ++y)
+                for (int x = 0; x < size.width; ++x) {
+                    const auto bytes = static_cast<size_t>(pixelSize);
+                    ASSERT_EQ(std::memcmp(onItsSide.at(y, x), source.at(x, y), bytes), 0);
+                    ASSERT_EQ(std::memcmp(mirrored.at(size.width - 1 - x, y), source.at(x, y), bytes), 0);
+                }
+        }
 }
 
 TEST(QuarterTurn, DropsTheFractionOfTheAngle) {

@@ -1,0 +1,62 @@
+#include <memory>
+#include <opencv2/core.hpp>
+#include <string>
+
+#include "OPCV_dlib.h"
+#include "core/ownership.h"
+#include "support.h"
+
+namespace {
+
+// A page record over a shared page, and a description of it.
+struct PageRecord {
+    PageRecord(IppiSize size, int depth)
+        : page(bench::source(size, depth / 8)),
+          record{const_cast<uint8_t*>(page.data()), depth, size.width, size.height, page.step(), 0},
+          description{size.width, size.height, 300, 300, 0, static_cast<int16_t>(depth)} {}
+
+    const bench::Page& page;
+    KVIMG record;
+    KVImageDescription description;
+    KVImageDescription* pointer = &description;
+};
+
+cv::Mat viewOf(const KVIMG& record) {
+    return {record.height, record.width, CV_MAKETYPE(CV_8U, record.depth / 8), record.data,
+            static_cast<size_t>(record.rowBytes)};
+}
+
+void compareTurn(IppiSize size, int depth, int code) {
+    const auto page = std::make_shared<PageRecord>(size, depth);
+    const double angle = 90.0 * (code + 1);
+    const bool onItsSide = code != cv::ROTATE_180;
+    const IppiSize turnedSize = onItsSide ? IppiSize{size.height, size.width} : size;
+    const size_t bytesMoved =
+        2 * static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * static_cast<size_t>(depth / 8);
+    bench::compare(
+        bench::withSize("RotateImageWithIPP " + std::to_string(depth) + " bit", size) + " by " +
+            std::to_string(90 * (code + 1)),
+        [page, angle] {
+            KVIMG* turned = nullptr;
+            RotateImageWithIPP(&page->record, &page->pointer, &turned, angle);
+            DisposeKVIMG(turned);
+        },
+        {bench::memcpyOf(bytesMoved),
+         {"OpenCV", [page, turnedSize, depth, code] {
+              RecordPtr record;
+              createRecord({0, 0, turnedSize.height, turnedSize.width}, static_cast<unsigned char>(depth), record);
+              cv::Mat to = viewOf(*record);
+              cv::rotate(viewOf(page->record), to, code);
+          }}});
+}
+
+void compareTurns() {
+    for (const IppiSize size : {bench::kPage, bench::kTile})
+        for (const int depth : {8, 24, 32})
+            for (const int code : {cv::ROTATE_90_CLOCKWISE, cv::ROTATE_180, cv::ROTATE_90_COUNTERCLOCKWISE})
+                compareTurn(size, depth, code);
+}
+
+const bench::Registration registration(compareTurns);
+
+}    // namespace

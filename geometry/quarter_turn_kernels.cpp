@@ -1,0 +1,235 @@
+// Quarter turns as transpositions: the mirror that makes a turn of one lies in the order in which the caller's steps
+// lead through the rows.
+//
+// Blocks of 16 x 16 pixels are transposed in registers. Interleaving the lanes of rows i and i + n/2 of n rows into rows
+// 2i and 2i + 1 moves the highest bit of a row's number to the lowest bit of a lane's, and that of the lane's to the
+// row's; after log2(n) such rounds rows and lanes have changed places. Pixels of 3 bytes are widened to 4 for it. Blocks
+// are taken in tiles, so that whole cache lines of the target are written at a time. The last block of a row or column
+// is pulled back over the one before it. No byte outside the rasters is read or written.
+#include "geometry/quarter_turn_kernels.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "geometry/quarter_turn_kernels.cpp"
+#include <hwy/cache_control.h>
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+constexpr int kBlock = 16;    // pixels
+constexpr int kTile = 128;
+
+using D8 = hn::FixedTag<uint8_t, 16>;
+using D32 = hn::FixedTag<uint32_t, 4>;
+using V8 = hn::Vec<D8>;
+using V32 = hn::Vec<D32>;
+
+template <class D, size_t kRows>
+HWY_INLINE void transposeLanes(D d, hn::Vec<D> (&rows)[kRows]) {
+    hn::Vec<D> mixed[kRows];
+    for (size_t round = 1; round < kRows; round *= 2) {
+        for (size_t i = 0; i < kRows / 2; ++i) {
+            mixed[2 * i] = hn::InterleaveLower(d, rows[i], rows[i + kRows / 2]);
+            mixed[2 * i + 1] = hn::InterleaveUpper(d, rows[i], rows[i + kRows / 2]);
+        }
+        for (size_t i = 0; i < kRows; ++i) rows[i] = mixed[i];
+    }
+}
+
+template <int kPixelSize>
+struct Pixels;
+
+// Four pixels of four bytes in one vector; sixteen pixels of a block's row or column in four.
+template <>
+struct Pixels<4> {
+    static V32 loadFour(const uint8_t* row, int four) {
+        return hn::BitCast(D32(), hn::LoadU(D8(), row + ptrdiff_t{16} * four));
+    }
+    static void storeSixteen(const V32 (&v)[4], uint8_t* row) {
+        for (int i = 0; i < 4; ++i) hn::StoreU(hn::BitCast(D8(), v[i]), D8(), row + ptrdiff_t{16} * i);
+    }
+};
+
+// The same with pixels of three bytes in memory: sixteen of them are 48 bytes, three full vectors.
+template <>
+struct Pixels<3> {
+    static constexpr uint8_t kNone = 0x80;
+
+    static V32 loadFour(const uint8_t* row, int four) {
+        HWY_ALIGN static constexpr uint8_t kWiden[16] = {0, 1, 2, kNone, 3, 4,  5,  kNone,
+                                                         6, 7, 8, kNone, 9, 10, 11, kNone};
+        HWY_ALIGN static constexpr uint8_t kWidenLast[16] = {4,  5,  6,  kNone, 7,  8,  9,  kNone,
+                                                             10, 11, 12, kNone, 13, 14, 15, kNone};
+        // The last twelve bytes are the upper ones of their vector.
+        const bool last = four == 3;
+        const V8 bytes = hn::LoadU(D8(), row + (last ? 32 : 12 * four));
+        return hn::BitCast(D32(), hn::TableLookupBytesOr0(bytes, hn::Load(D8(), last ? kWidenLast : kWiden)));
+    }
+
+    // Bytes of the first and of the second of two neighbouring vectors that go into one.
+    struct Seam {
+        HWY_ALIGN uint8_t first[16];
+        HWY_ALIGN uint8_t second[16];
+    };
+    static void storeSixteen(const V32 (&v)[4], uint8_t* row) {
+        constexpr uint8_t n = kNone;
+        static constexpr Seam kSeams[3] = {
+            {{0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, n, n, n, n}, {n, n, n, n, n, n, n, n, n, n, n, n, 0, 1, 2, 4}},
+            {{5, 6, 8, 9, 10, 12, 13, 14, n, n, n, n, n, n, n, n}, {n, n, n, n, n, n, n, n, 0, 1, 2, 4, 5, 6, 8, 9}},
+            {{10, 12, 13, 14, n, n, n, n, n, n, n, n, n, n, n, n},
+             {n, n, n, n, 0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14}}};
+        for (int i = 0; i < 3; ++i) {
+            const V8 first = hn::TableLookupBytesOr0(hn::BitCast(D8(), v[i]), hn::Load(D8(), kSeams[i].first));
+            const V8 second = hn::TableLookupBytesOr0(hn::BitCast(D8(), v[i + 1]), hn::Load(D8(), kSeams[i].second));
+            hn::StoreU(hn::Or(first, second), D8(), row + ptrdiff_t{16} * i);
+        }
+    }
+};
+
+template <int kPixelSize>
+HWY_INLINE void transposeBlock(const SourceRows& from, const TargetRows& to) {
+    for (int four = 0; four < kBlock / 4; ++four) {
+        V32 columns[4][4];    // by column, then by four rows
+        for (int i = 0; i < kBlock / 4; ++i) {
+            V32 v[4];
+            for (int j = 0; j < 4; ++j) v[j] = Pixels<kPixelSize>::loadFour(from.first + (4 * i + j) * from.step, four);
+            transposeLanes(D32(), v);
+            for (int j = 0; j < 4; ++j) columns[j][i] = v[j];
+        }
+        for (int j = 0; j < 4; ++j) Pixels<kPixelSize>::storeSixteen(columns[j], to.first + (4 * four + j) * to.step);
+    }
+}
+
+template <>
+HWY_INLINE void transposeBlock<1>(const SourceRows& from, const TargetRows& to) {
+    V8 rows[kBlock];
+    for (int i = 0; i < kBlock; ++i) rows[i] = hn::LoadU(D8(), from.first + i * from.step);
+    transposeLanes(D8(), rows);
+    for (int i = 0; i < kBlock; ++i) hn::StoreU(rows[i], D8(), to.first + i * to.step);
+}
+
+template <int kPixelSize>
+void transposeAll(SourceRows from, TargetRows to, int width, int height) {
+    const auto at = [&](int x, int y) { return from.first + y * from.step + ptrdiff_t{x} * kPixelSize; };
+    const auto turned = [&](int x, int y) { return to.first + x * to.step + ptrdiff_t{y} * kPixelSize; };
+    if (width < kBlock || height < kBlock) {
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) std::memcpy(turned(x, y), at(x, y), kPixelSize);
+        return;
+    }
+    for (int top = 0; top < height; top += kTile)
+        for (int left = 0; left < width; left += kTile)
+            for (int i = left; i < std::min(left + kTile, width); i += kBlock)
+                for (int j = top; j < std::min(top + kTile, height); j += kBlock) {
+                    const int x = std::min(i, width - kBlock);
+                    const int y = std::min(j, height - kBlock);
+                    if (x + kTile < width)    // rows lie on memory pages of their own: ask for the next tile's
+                        for (int r = 0; r < kBlock; ++r) hwy::Prefetch(at(x + kTile, y + r));
+                    transposeBlock<kPixelSize>({at(x, y), from.step}, {turned(x, y), to.step});
+                }
+}
+
+HWY_INLINE V8 reorder(V8 bytes, const uint8_t (&order)[16]) {
+    return hn::TableLookupBytes(bytes, hn::LoadU(D8(), order));
+}
+
+// A block of a row, mirrored.
+template <int kPixelSize>
+struct Mirror;
+
+template <>
+struct Mirror<1> {
+    static constexpr int kPixels = 16;
+    static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+
+    static void block(const uint8_t* from, uint8_t* to) {
+        hn::StoreU(reorder(hn::LoadU(D8(), from), kBackwards), D8(), to);
+    }
+};
+
+template <>
+struct Mirror<3> {
+    static constexpr int kPixels = 16;
+
+    static void block(const uint8_t* from, uint8_t* to) {
+        V8 r;
+        V8 g;
+        V8 b;
+        hn::LoadInterleaved3(D8(), from, r, g, b);
+        hn::StoreInterleaved3(reorder(r, Mirror<1>::kBackwards), reorder(g, Mirror<1>::kBackwards),
+                              reorder(b, Mirror<1>::kBackwards), D8(), to);
+    }
+};
+
+template <>
+struct Mirror<4> {
+    static constexpr int kPixels = 4;
+    static constexpr uint8_t kBackwards[16] = {12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3};
+
+    static void block(const uint8_t* from, uint8_t* to) {
+        hn::StoreU(reorder(hn::LoadU(D8(), from), kBackwards), D8(), to);
+    }
+};
+
+template <int kPixelSize>
+void mirrorRow(const uint8_t* from, uint8_t* to, int width) {
+    constexpr int kPixels = Mirror<kPixelSize>::kPixels;
+    const auto at = [&](int x) { return from + ptrdiff_t{x} * kPixelSize; };
+    const auto mirrored = [&](int x) { return to + (ptrdiff_t{width} - x) * kPixelSize; };    // behind the pixel of x
+    if (width < kPixels) {
+        for (int x = 0; x < width; ++x) std::memcpy(mirrored(x + 1), at(x), kPixelSize);
+        return;
+    }
+    // From the right, so that the target is written forwards: twice as fast where memory is the limit.
+    for (int i = width - kPixels; i > -kPixels; i -= kPixels) {
+        const int x = std::max(i, 0);
+        Mirror<kPixelSize>::block(at(x), mirrored(x + kPixels));
+    }
+}
+
+template <int kPixelSize>
+void mirrorAll(SourceRows from, TargetRows to, int width, int height) {
+    for (int y = 0; y < height; ++y) mirrorRow<kPixelSize>(from.first + y * from.step, to.first + y * to.step, width);
+}
+
+void transposePixels(SourceRows from, TargetRows to, int width, int height, int pixelSize) {
+    switch (pixelSize) {
+        case 1: return transposeAll<1>(from, to, width, height);
+        case 3: return transposeAll<3>(from, to, width, height);
+        default: return transposeAll<4>(from, to, width, height);
+    }
+}
+
+void mirrorPixels(SourceRows from, TargetRows to, int width, int height, int pixelSize) {
+    switch (pixelSize) {
+        case 1: return mirrorAll<1>(from, to, width, height);
+        case 3: return mirrorAll<3>(from, to, width, height);
+        default: return mirrorAll<4>(from, to, width, height);
+    }
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace {
+HWY_EXPORT(transposePixels);
+HWY_EXPORT(mirrorPixels);
+}    // namespace
+
+void transpose(SourceRows from, TargetRows to, int sourceWidth, int sourceHeight, int pixelSize) {
+    HWY_DYNAMIC_DISPATCH(transposePixels)(from, to, sourceWidth, sourceHeight, pixelSize);
+}
+
+void mirror(SourceRows from, TargetRows to, int width, int height, int pixelSize) {
+    HWY_DYNAMIC_DISPATCH(mirrorPixels)(from, to, width, height, pixelSize);
+}
+#endif    // HWY_ONCE

@@ -1,0 +1,22 @@
+// Turns of pixels of 1, 3 or 4 bytes by multiples of 90 degrees, for arguments that have been checked. Source and target
+// must not overlap.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// A raster as a turn goes through it: a negative step leads upwards from its last row.
+struct SourceRows {
+    const uint8_t* first;
+    ptrdiff_t step;
+};
+struct TargetRows {
+    uint8_t* first;
+    ptrdiff_t step;
+};
+
+// Source pixel (x, y) becomes target pixel (y, x).
+void transpose(SourceRows from, TargetRows to, int sourceWidth, int sourceHeight, int pixelSize);
+
+// Each row becomes its mirror image in the same row of the target.
+void mirror(SourceRows from, TargetRows to, int width, int height, int pixelSize);
