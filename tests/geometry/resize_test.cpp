@@ -386,12 +386,12 @@ TEST(ResizePlaced, RefusesRectanglesThatLeaveTheType) {
     Random random(624);
     const GuardedImage source(random, {20, 6}, {});
     GuardedImage target(random, {40, 12}, {});
-    Placed p = {{20, 6}, {0, 0, 20, 6}, {INT_MAX, 0, INT_MIN, 6}, 1, 1, 1, 0};
-    EXPECT_EQ(resize(source, p, target), ippStsBadArgErr);
-    p.dstRoi = {0, INT_MAX, 20, INT_MIN};
-    p.xShift = 0;
-    p.yShift = 1;
-    EXPECT_EQ(resize(source, p, target), ippStsBadArgErr);
+    Placed p = {{20, 6}, {0, 0, 20, 6}, {0, 0, 20, 6}, 1, 1, 1, 1};
+    for (const IppiRect rectangle :
+         {IppiRect{INT_MAX, 0, 20, 6}, {0, INT_MAX, 20, 6}, {2, 2, INT_MIN, 6}, {2, 2, 20, INT_MIN}}) {
+        p.dstRoi = rectangle;
+        EXPECT_EQ(resize(source, p, target), ippStsBadArgErr);
+    }
     EXPECT_TRUE(target.untouched());
 }
 
