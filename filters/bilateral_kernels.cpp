@@ -73,7 +73,7 @@ struct Window<2> {
 template <int kRadius>
 class Strip {
 public:
-    static constexpr ptrdiff_t kWidth = 480;    // with the weights about the size of a first-level cache
+    static constexpr ptrdiff_t kWidth = kRadius == 1 ? 2560 : 480;    // the weights about fill a first-level cache
 
     Strip(const BilateralRegion& region, const BilateralWeights& weights, ptrdiff_t left, ptrdiff_t width)
         : region_(region), weights_(weights), left_(left), width_(width) {}

@@ -15,8 +15,7 @@ namespace {
 //     inverse:  x[j] = sum over k of s(k) * X[k] * cos(pi * k * (2j + 1) / 2N)
 std::vector<double> transformOddLength(const std::vector<double>& values, bool inverse) {
     const size_t n = values.size();
-    if (n == 0) return {};
-    const size_t period = 4 * n;    // of the cosine, in steps of pi / 2N
+    const size_t period = std::max<size_t>(4 * n, 1);    // of the cosine, in steps of pi / 2N
     std::vector<double> cosines(period);
     for (size_t i = 0; i < period; ++i)
         cosines[i] = std::cos(CV_PI * static_cast<double>(i) / (2.0 * static_cast<double>(n)));

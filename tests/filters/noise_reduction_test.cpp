@@ -76,6 +76,15 @@ TEST(Bilateral, GivesWhatOpenCVAndTheDefinitionGive) {
         }
 }
 
+TEST(Bilateral, LongRowsAreFilteredInStrips) {
+    Random random(657);
+    for (const int side : {3, 5})
+        for (const int width : {480, 481, 2560, 2570, 5200}) {
+            expectBilateral(random, {width, 2}, side, 96, 96);
+            if (HasFatalFailure()) return;
+        }
+}
+
 // The last columns of a view are summed in another order than the others; every remainder is met here.
 TEST(Bilateral, EveryWidthIsFilteredToItsEnd) {
     Random random(642);
