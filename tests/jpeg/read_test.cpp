@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <opencv2/imgcodecs.hpp>
@@ -11,6 +12,8 @@
 #include "OPCV_dlib.h"
 #include "core/ownership.h"
 #include "oracle/jpeg.h"
+#include "support/fenced_memory.h"
+#include "support/jpeg_stream.h"
 #include "support/random.h"
 
 namespace {
@@ -62,9 +65,8 @@ Bytes foreignStream(Random& random, int components, int width, int height) {
 Bytes withOrientation(const Bytes& stream, uint8_t orientation) {
     const Bytes exif = {0xFF, 0xE1, 0,    34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
                         0,    1,    0x01, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
-    Bytes all(stream.begin(), stream.begin() + 2);
-    all.insert(all.end(), exif.begin(), exif.end());
-    all.insert(all.end(), stream.begin() + 2, stream.end());
+    Bytes all = stream;
+    all.insert(all.begin() + 2, exif.begin(), exif.end());
     return all;
 }
 
@@ -161,6 +163,90 @@ TEST(ReadJPEG, TurnsByTheOrientationTag) {
             const Bytes stream = withOrientation(anyStream(random, components, 40, 23), orientation);
             expectSame(read(stream), decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR), "orientation", orientation);
         }
+}
+
+// The size that the caller states is the size that the page has when it is turned.
+TEST(ReadSplitJPEG, StatesTheTurnedSize) {
+    Random random(26);
+    for (const int components : {1, 3}) {
+        const Bytes stream = withOrientation(anyStream(random, components, 40, 23), 6);
+        expectSame(readSplit(stream, 23, 40), decodeWithOpenCV(stream, cv::IMREAD_COLOR), "turned", components);
+        const Reading r = readSplit(stream, 40, 23);
+        EXPECT_EQ(r.status, paramErr);
+        EXPECT_EQ(r.image, nullptr);
+        EXPECT_EQ(r.description.depth, -3);
+    }
+}
+
+// Four components, as print shops make them. Without a marker of Adobe's they are taken as they stand.
+Bytes fourComponents(Random& random, int width, int height, J_COLOR_SPACE stored) {
+    jpeg_compress_struct cinfo;
+    jpeg_error_mgr errors;
+    cinfo.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&cinfo);
+    unsigned char* block = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&cinfo, &block, &size);
+    cinfo.image_width = static_cast<JDIMENSION>(width);
+    cinfo.image_height = static_cast<JDIMENSION>(height);
+    cinfo.input_components = 4;
+    cinfo.in_color_space = JCS_CMYK;
+    jpeg_set_defaults(&cinfo);
+    jpeg_set_colorspace(&cinfo, stored);
+    jpeg_start_compress(&cinfo, TRUE);
+    const Bytes pixels = drawing(random, width, height, 4);
+    for (int y = 0; y < height; ++y) {
+        auto* row = const_cast<JSAMPROW>(pixels.data() + ptrdiff_t{y} * width * 4);
+        jpeg_write_scanlines(&cinfo, &row, 1);
+    }
+    jpeg_finish_compress(&cinfo);
+    jpeg_destroy_compress(&cinfo);
+    Bytes stream(block, block + size);
+    std::free(block);
+    return stream;
+}
+
+TEST(ReadJPEG, ReadsFourComponentsAsColour) {
+    Random random(27);
+    for (const J_COLOR_SPACE stored : {JCS_CMYK, JCS_YCCK}) {
+        const Bytes stream = fourComponents(random, 33, 21, stored);
+        const Reading r = read(stream);
+        EXPECT_EQ(r.status, noErr);
+        expectSame(r, decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR), "four components", stored);
+        expectSame(readSplit(stream, 33, 21), decodeWithOpenCV(stream, cv::IMREAD_COLOR), "split", stored);
+    }
+}
+
+// Cameras that write one JPEG a frame leave out the Huffman tables, as they are always the same.
+Bytes withoutHuffmanTables(const Bytes& stream) {
+    Bytes kept(stream.begin(), stream.begin() + 2);
+    size_t at = 2;
+    while (stream.at(at + 1) != JpegStream::kSOS) {
+        const size_t length = 2 + size_t{stream.at(at + 2)} * 256 + stream.at(at + 3);
+        const auto segment = stream.begin() + static_cast<ptrdiff_t>(at);
+        if (stream[at + 1] != JpegStream::kDHT)
+            kept.insert(kept.end(), segment, segment + static_cast<ptrdiff_t>(length));
+        at += length;
+    }
+    kept.insert(kept.end(), stream.begin() + static_cast<ptrdiff_t>(at), stream.end());
+    return kept;
+}
+
+TEST(ReadJPEG, ReadsStreamsWithoutHuffmanTables) {
+    Random random(28);
+    for (const int components : {1, 3}) {
+        const Bytes stream = anyStream(random, components, 50, 40);
+        const Bytes bare = withoutHuffmanTables(stream);
+        ASSERT_LT(bare.size() + 100, stream.size());
+        const Reading r = read(bare);
+        ASSERT_EQ(r.status, noErr);
+        EXPECT_EQ(r.pixels(), read(stream).pixels());
+    }
+    for (int round = 0; round < 40; ++round) {
+        const int components = random.chance(40) ? 1 : 3;
+        const Bytes bare = withoutHuffmanTables(foreignStream(random, components, 50, 40));
+        expectSame(read(bare), decodeWithOpenCV(bare, cv::IMREAD_ANYCOLOR), "without tables", round);
+    }
 }
 
 TEST(ReadJPEG, GreyPageHasDepth8AndPackedRows) {
@@ -268,6 +354,39 @@ TEST(ReadJPEG, CutStreamsGiveTheDecodersPartialPageOrAreRefused) {
     EXPECT_GT(partial, 30);
 }
 
+// Every length up to the coded data. No byte behind the stream is read.
+TEST(ReadJPEG, EveryCutOfTheHeadersIsRefused) {
+    const Bytes whole = colour(16, 16);
+    size_t scan = 0;
+    while (whole.at(scan) != 0xFF || whole.at(scan + 1) != JpegStream::kSOS) ++scan;
+    for (size_t length = 1; length < scan + 14; ++length) {
+        FencedMemory stream(length, FencedMemory::Fence::kBehind);
+        std::copy_n(whole.begin(), length, stream.data());
+        KVImageDescription description{-1, -2, 0, 0, 0, -3};
+        KVImageDescription* record = &description;
+        KVImageDescriptionHandle handle = &record;
+        KVIMG* image = nullptr;
+        ASSERT_EQ(ReadJPEG(stream.data(), static_cast<unsigned>(length), &handle, &image), paramErr) << length;
+        ASSERT_EQ(image, nullptr);
+        ASSERT_EQ(description.width, -1);
+        ASSERT_EQ(description.depth, -3);
+    }
+}
+
+TEST(ReadJPEG, NeedsTheThreeBytesThatEveryJpegStreamBeginsWith) {
+    const Bytes good = colour(9, 9);
+    ASSERT_EQ(read(good).status, noErr);
+    for (size_t i = 0; i < 3; ++i) {
+        Bytes stream = good;
+        stream[i] = 0x00;
+        EXPECT_EQ(read(stream).status, paramErr) << i;
+        EXPECT_EQ(readSplit(stream, 9, 9).status, paramErr) << i;
+    }
+    Bytes padded = good;
+    padded.insert(padded.begin() + 2, 0x00);    // libjpeg would look for the next marker
+    EXPECT_EQ(read(padded).status, paramErr);
+}
+
 TEST(ReadJPEG, DamagedStreamsGiveTheDecodersPageOrAreRefused) {
     Random random(24);
     for (int round = 0; round < 250; ++round) {
@@ -316,14 +435,34 @@ TEST(ReadJPEG, RefusesAHeaderThatClaimsTooMuch) {
     EXPECT_EQ(r.status, paramErr);
     expectUntouched(r);
     EXPECT_EQ(readSplit(stream, 65500, 65500).status, paramErr);
+
+    const Bytes turned = withOrientation(stream, 6);    // OpenCV throws
+    const Reading r6 = read(turned);
+    EXPECT_EQ(r6.status, paramErr);
+    expectUntouched(r6);
+    EXPECT_EQ(readSplit(turned, 65500, 65500).status, paramErr);
+}
+
+// A colour stream with nothing behind its headers.
+Bytes claiming(int width, int height) {
+    const auto high = [](int side) { return static_cast<uint8_t>(side / 256); };
+    const auto low = [](int side) { return static_cast<uint8_t>(side % 256); };
+    return {0xFF, 0xD8, 0xFF, 0xC0, 0, 17,   8, high(height), low(height), high(width), low(width), 3, 1, 0x11,
+            0,    2,    0x11, 0,    3, 0x11, 0, 0xFF,         0xDA,        0,           12,         3, 1, 0,
+            2,    0,    3,    0,    0, 63,   0, 0xFF,         0xD9};
+}
+
+// 2^30 pixels are the most that are looked at; three bytes each are then more than memory holds.
+TEST(ReadJPEG, TheLimitOfPixelsIsTheDecoders) {
+    EXPECT_EQ(read(claiming(32768, 32768)).status, memFullErr);
+    const Reading r = read(claiming(32768, 32769));
+    EXPECT_EQ(r.status, paramErr);
+    expectUntouched(r);
 }
 
 // 30000 x 30000 colour pixels are below the decoder's limit but cannot be described by a signed 32-bit size.
 TEST(ReadJPEG, ARasterThatCannotBeDescribedIsOutOfMemory) {
-    const uint8_t high = 30000 / 256;
-    const uint8_t low = 30000 % 256;
-    const Bytes stream = {0xFF, 0xD8, 0xFF, 0xC0, 0, 17, 8, high, low, high, low, 3, 1, 0x11, 0,  2, 0x11, 0,   3,
-                          0x11, 0,    0xFF, 0xDA, 0, 12, 3, 1,    0,   2,    0,   3, 0, 0,    63, 0, 0xFF, 0xD9};
+    const Bytes stream = claiming(30000, 30000);
     const Reading r = read(stream);
     EXPECT_EQ(r.status, memFullErr);
     EXPECT_EQ(r.image, nullptr);
