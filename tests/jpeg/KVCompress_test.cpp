@@ -158,6 +158,35 @@ TEST(KVCompress, ANullTableLeavesTheSlotAtQuality75) {
     EXPECT_NE(JpegStream(stream).quantTable(0), JpegStream(expected).quantTable(0));
 }
 
+// Baseline tables hold 8 bits: what the scaling makes larger becomes 255.
+TEST(KVCompress, KeepsTheTablesBaselineAtTheLowestQuality) {
+    const Bytes pixels = noise(8 * 8 * 3, 6);
+    Bytes stream;
+    KVCompress encoder;
+    ASSERT_TRUE(encoder.InitWithRGB(8, 8, kWorkBuffer, stream));
+    encoder.SetQuality(1, g_customLuminanceQuant, g_customChrominanceQuant);
+    encoder.SetOutImageYCbCr444();
+    ASSERT_TRUE(encoder.Compress(pixels.data(), 24, nullptr, 0));
+    const JpegStream parsed(stream);
+    for (size_t i = 0; i < 64; ++i) {
+        EXPECT_EQ(parsed.quantTable(0)[i], std::min(50 * g_customLuminanceQuant[i], 255U));
+        EXPECT_EQ(parsed.quantTable(1)[i], std::min(50 * g_customChrominanceQuant[i], 255U));
+    }
+}
+
+TEST(KVCompress, StoresTheUnitAsAByte) {
+    const unsigned char pixel = 0;
+    for (const auto& [unit, stored] : {std::pair{0, 0}, {1, 1}, {2, 2}, {258, 2}}) {
+        Bytes stream;
+        KVCompress encoder;
+        ASSERT_TRUE(encoder.InitWithGray(1, 1, kWorkBuffer, stream));
+        encoder.SetOutImageGray444();
+        encoder.SetResolution(unit, 3, 4);
+        ASSERT_TRUE(encoder.Compress(&pixel, 1, nullptr, 0));
+        EXPECT_EQ(JpegStream(stream).first(JpegStream::kAPP0)[7], stored);
+    }
+}
+
 TEST(KVCompress, AppendsBehindWhatTheVectorHolds) {
     const unsigned char pixel = 9;
     Bytes alone;
