@@ -104,6 +104,8 @@ TEST(KVImage, TheHeapDecidesOnNegativeSizes) {
     // Twice negative is positive, and -5 rounds up to 0.
     expectRecord(CreateNewKVIMGPtr, -100, -10, 8, -96);
     expectRecord(CreateNewKVIMGPtr, -5, -10, 8, 0);
+    // Bits to bytes rounds down on this side of 0 as well: (-128 + 7) >> 3 is -16.
+    expectRecord(CreateNewKVIMGPtr, -128, -10, 1, -16);
     expectRecord(CreateNewKVIMGPtrForUnite, -100, -10, 24, -296);
 }
 
@@ -111,6 +113,7 @@ TEST(KVImage, TheHeapDecidesOnNegativeSizes) {
 TEST(KVImage, SizesOver31BitsAreOutOfMemory) {
     for (const Creator creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite})
         for (const auto& [r, depth] : {std::pair{KVRect{0, 0, 65536, 65536}, 8},
+                                       {KVRect{0, 0, 32768, 65536}, 8},    // 2^31, the first that does not fit
                                        {KVRect{0, 0, 65537, 65536}, 8},
                                        {KVRect{0, 0, 2, 0x30000000}, 24},
                                        {KVRect{0, 0, 1, INT_MAX}, 32},

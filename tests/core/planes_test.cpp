@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <climits>
 #include <cstring>
 
@@ -28,10 +30,14 @@ TEST(Planes, StepsAreMultiplesOf64) {
 
 TEST(Planes, KnownSteps) {
     int step = 0;
-    IPPMini_ippiFree(IPPShare_ippiMalloc_16s_C1(33, 2, &step));
+    short* samples = IPPShare_ippiMalloc_16s_C1(33, 2, &step);
     EXPECT_EQ(step, 128);
-    IPPShare_ippiFree(IPPMini_ippiMalloc_8u_C3(22, 1, &step));
+    EXPECT_GE(malloc_usable_size(samples), 256U);
+    IPPMini_ippiFree(samples);
+    unsigned char* pixels = IPPMini_ippiMalloc_8u_C3(22, 1, &step);
     EXPECT_EQ(step, 128);
+    EXPECT_GE(malloc_usable_size(pixels), 128U);
+    IPPShare_ippiFree(pixels);
 }
 
 TEST(Planes, RefusedArgumentsLeaveTheStepUnwritten) {
@@ -54,6 +60,7 @@ TEST(Planes, SizesOver31BitsCannotBeHad) {
     EXPECT_EQ(step, 3 << 16);
     step = kUnwritten;
     EXPECT_EQ(IPPShare_ippiMalloc_16s_C1(INT_MAX, 1, &step), nullptr);
+    EXPECT_EQ(IPPShare_ippiMalloc_16s_C1(1 << 30, 1, &step), nullptr);    // a row of 2^31 bytes
     EXPECT_EQ(IPPMini_ippiMalloc_8u_C3(INT_MAX, 1, &step), nullptr);
     EXPECT_EQ(step, kUnwritten);
 }
