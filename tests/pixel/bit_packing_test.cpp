@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <vector>
@@ -59,6 +60,26 @@ TEST(BitPacking, ReducesLikeTheDefinition) {
                 << "round " << round << " offset " << offset << " width " << size.width << " threshold " << threshold;
         }
     }
+}
+
+// One block; a second one of one pixel; two whole blocks between the first and the last.
+TEST(BitPacking, BlocksMeetAtTheirEdges) {
+    Random random(106);
+    for (const int width : {127, 128, 129, 255, 256, 257, 384, 385})
+        for (int offset = 0; offset < 8; ++offset) {
+            const int bytes = (offset + width + 7) / 8;
+            GuardedImage grey(random, {width, 1}, {}, Random::Values::kExtreme);
+            GuardedImage bits(random, {bytes, 1}, {});
+            GuardedImage expected = bits;
+            Convert_8u1u_C1R(grey.data(), width, bits.data(), bytes, offset, width, 1, 127);
+            oracle::packRow(grey.data(), expected.data(), offset, width, 127);
+            ASSERT_TRUE(bits.untouchedOutsideRegion());
+            ASSERT_TRUE(std::equal(bits.data(), bits.data() + bytes, expected.data())) << width << " at " << offset;
+            GuardedImage back(random, {width, 1}, {});
+            Convert_1u8u_C1R(bits.data(), bytes, offset, back.data(), width, width, 1);
+            ASSERT_TRUE(back.untouchedOutsideRegion());
+            ASSERT_TRUE(std::equal(back.data(), back.data() + width, grey.data())) << width << " at " << offset;
+        }
 }
 
 TEST(BitPacking, ReadsAndWritesNoByteTooMany) {
