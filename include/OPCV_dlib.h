@@ -168,7 +168,7 @@ OPCV_DLIB_API void KVSetRect(KVRect* r, int left, int top, int right, int bottom
 /// without padding; depth 32: 4 w rounded up to 16.
 ///
 /// @param out    Receives the record. Set it to null before: when the pixels cannot be had, the block that it points at
-///               is freed and the pointer left as it is.
+///               is freed and the pointer left as it is; when only the record cannot be had, it becomes null.
 /// @param r      Position does not matter; width is right - left, height is bottom - top. Neither is checked: an empty
 ///               rectangle gives a record of 0 bytes, a negative size is refused by the heap.
 /// @param depth  Bits a pixel: 1, 8, 24, 32 or 40.
@@ -200,7 +200,8 @@ OPCV_DLIB_API void DisposeKVIMG(KVIMG* img);
 /// @param height      Rows, above 0.
 /// @param pStepBytes  Receives the bytes from one row to the next, also when the heap fails.
 /// @return The plane, to be released with `IPPMini_ippiFree` or `IPPShare_ippiFree`; null when memory ran out or the
-///         plane does not fit in 31 bits of bytes, or when an argument is refused (`*pStepBytes` is then untouched).
+///         plane does not fit in 31 bits of bytes, or when an argument is null, not above 0, or a width whose row alone
+///         does not fit (`*pStepBytes` is then untouched).
 OPCV_DLIB_API short* IPPShare_ippiMalloc_16s_C1(int width, int height, int* pStepBytes);
 
 /// Makes an image of three interleaved 8-bit channels with rows of a multiple of 64 bytes. It is not cleared.
@@ -672,7 +673,7 @@ OPCV_DLIB_API OSErr CompressJPEG(const KVIMG* image, int resolution, int mode, v
 /// @param outData      Receives the stream.
 /// @param outSize      Receives its length in bytes.
 /// @retval noErr       As in `CompressJPEG`.
-/// @retval paramErr    As in `CompressJPEG`, or the description is null.
+/// @retval paramErr    As in `CompressJPEG`, or the handle or the description is null.
 /// @retval memFullErr  As in `CompressJPEG`.
 OPCV_DLIB_API OSErr CompressJPEGEx(const KVIMG* image, KVImageDescriptionHandle description, int mode, void** outData,
                                    unsigned* outSize);
@@ -706,8 +707,10 @@ OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescription
 
 /// @name JPEG reading
 ///
-/// Decoding is OpenCV's: a truncated stream gives the rows that it holds, an EXIF orientation turns the image. Rows of
-/// the new record are packed (width or 3 x width bytes).
+/// Decoding is OpenCV's: an EXIF orientation turns the image, four components become colour, and a truncated stream
+/// gives the rows that it holds, the last of them repeated to the bottom. Refused are streams of another format (which
+/// do not begin with FF D8 FF), of more than 2^30 pixels, and those of which no row can be decoded. Rows of the new
+/// record are packed (width or 3 x width bytes); it is released with `DisposeKVIMG`.
 /// @{
 
 /// Reads a JPEG stream into a new record: depth 8 if it is grey, otherwise 24 in the order red, green, blue.
@@ -717,9 +720,11 @@ OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescription
 /// @param descriptionPtr  Pointer to a description handle; the page's width, height and depth are written there.
 /// @param outImage        Receives the record.
 /// @retval noErr       `*outImage` holds the page.
-/// @retval paramErr    A pointer is null, the stream is empty or cannot be decoded.
-/// @retval memFullErr  Memory ran out; the description may already hold the page's size and depth. `*outImage` is null
-///                     if the record block was refused and untouched otherwise.
+/// @retval paramErr    A pointer is null (also the handle or the record that it leads to), the stream is empty or it
+///                     cannot be decoded; nothing is written.
+/// @retval memFullErr  Memory ran out, or the pixels do not fit in 31 bits of bytes; the description may already hold
+///                     the page's size and depth. `*outImage` is null if the record block was refused and untouched
+///                     otherwise.
 OPCV_DLIB_API OSErr ReadJPEG(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle* descriptionPtr,
                              KVIMG** outImage);
 
@@ -743,8 +748,10 @@ OPCV_DLIB_API OSErr ReadJPEGWithIPP(const void* jpegData, unsigned jpegSize, KVI
 ///                     failure nothing in it changes. One level of indirection less than in `ReadJPEG`.
 /// @param outImage     Receives the record.
 /// @retval noErr       `*outImage` holds the image.
-/// @retval paramErr    A pointer is null, the stream is empty or cannot be decoded, or it has another size.
-/// @retval memFullErr  Memory ran out; `*outImage` is null if the record block was refused and untouched otherwise.
+/// @retval paramErr    A pointer is null (also the record that the handle leads to), the stream is empty or cannot be
+///                     decoded, or it has another size; nothing is written.
+/// @retval memFullErr  Memory ran out, or the pixels do not fit in 31 bits of bytes; `*outImage` is null if the record
+///                     block was refused and untouched otherwise.
 OPCV_DLIB_API OSErr ReadSplitJPEG(const unsigned char* jpegData, unsigned jpegSize,
                                   KVImageDescriptionHandle description, KVIMG** outImage);
 /// @}
