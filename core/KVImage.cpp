@@ -1,7 +1,6 @@
 // Image records: one block for the record, one for its pixels.
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 
 #include "OPCV_dlib.h"
 

@@ -5,12 +5,14 @@
 // standard error stream. Everything else, such as four components or an EXIF orientation, goes through OpenCV.
 #include "jpeg/decode.h"
 
+#include <algorithm>
 #include <climits>
 #include <csetjmp>
 #include <cstdint>
 #include <cstdio>    // jpeglib.h needs it
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
