@@ -35,6 +35,10 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
+namespace hn = hwy::HWY_NAMESPACE;
+
+using rank_rows::HWY_NAMESPACE::prefetchRow;
+
 using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::ScalableTag<uint16_t>;
 using DI16 = hn::RebindToSigned<D16>;

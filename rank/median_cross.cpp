@@ -18,6 +18,12 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
+namespace hn = hwy::HWY_NAMESPACE;
+
+using rank_rows::HWY_NAMESPACE::coverRow;
+using rank_rows::HWY_NAMESPACE::forEachRowPair;
+using rank_rows::HWY_NAMESPACE::RowPair;
+
 template <class V>
 HWY_INLINE V medianOf3(V a, V b, V c) {
     return hn::Min(hn::Max(hn::Min(a, b), c), hn::Max(a, b));

@@ -26,6 +26,10 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
+namespace hn = hwy::HWY_NAMESPACE;
+
+using rank_rows::HWY_NAMESPACE::prefetchRow;
+
 using rank_network::MedianRanks;
 using D = hn::ScalableTag<uint8_t>;
 using V = hn::Vec<D>;

@@ -26,6 +26,12 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
+namespace hn = hwy::HWY_NAMESPACE;
+
+using rank_rows::HWY_NAMESPACE::coverRow;
+using rank_rows::HWY_NAMESPACE::forEachRowPair;
+using rank_rows::HWY_NAMESPACE::RowPair;
+
 using hn::Max;
 using hn::Min;
 

@@ -25,6 +25,10 @@ HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
+namespace hn = hwy::HWY_NAMESPACE;
+
+using rank_rows::HWY_NAMESPACE::coverRow;
+
 struct Max {
     template <class V>
     static HWY_INLINE V of(V a, V b) {
@@ -145,7 +149,7 @@ void filterCells(const WindowRows& rows, const ptrdiff_t* cells, int count) {
     }
 }
 
-void rectangle(const WindowRows& rows, IppiSize side, Extremum extremum) {
+void underRectangle(const WindowRows& rows, IppiSize side, Extremum extremum) {
     if (extremum == Extremum::kMax) {
         RectangleFilter<Max>(rows, side).filter();
     } else {
@@ -167,12 +171,12 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace {
-HWY_EXPORT(rectangle);
+HWY_EXPORT(underRectangle);
 HWY_EXPORT(underCells);
 }    // namespace
 
-void filterUnderRectangle(const WindowRows& rows, IppiSize side, Extremum extremum) {
-    HWY_DYNAMIC_DISPATCH(rectangle)(rows, side, extremum);
+void filterUnderRectangle(const WindowRows& rows, IppiSize rectangle, Extremum extremum) {
+    HWY_DYNAMIC_DISPATCH(underRectangle)(rows, rectangle, extremum);
 }
 
 void filterUnderCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extremum extremum) {

@@ -13,7 +13,7 @@
 #include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
-namespace {
+namespace rank_rows {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -63,7 +63,7 @@ HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* d
 }
 
 }    // namespace HWY_NAMESPACE
-}    // namespace
+}    // namespace rank_rows
 HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target
