@@ -69,6 +69,9 @@ private:
     static constexpr ptrdiff_t kWidest = 8192;
     static constexpr ptrdiff_t kExtraRows = 2;    // extremes beyond the block; groups of neighbours
 
+    static_assert(kScratch / (kLargestRectangleSide + kExtraRows) >= 3 * kMaxLanes + 2 * kLargestRectangleSide,
+                  "the largest rectangle leaves room for columns to write");
+
     const uint8_t* source(ptrdiff_t y) const { return rows_.src + y * rows_.srcStep + first_; }
     uint8_t* toBlockEnd(ptrdiff_t row) { return scratch_ + (kExtraRows + row) * rowBytes_; }
     uint8_t* fromBlockEnd() { return scratch_; }

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int kLargestKernel = 13;    // larger masks are OpenCV's
+constexpr int kLargestKernel = 9;    // larger masks are OpenCV's
 
 int typeOf(int channels) { return CV_MAKETYPE(CV_8U, channels); }
 
@@ -194,7 +194,7 @@ TEST_P(SquareMedian, RefusesBadRegions) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Masks, SquareMedian, testing::Values(1, 3, 5, 7, 9, 11, 13, 15),
+INSTANTIATE_TEST_SUITE_P(Masks, SquareMedian, testing::Values(1, 3, 5, 7, 9, 11, 15),
                          [](const auto& info) { return "Mask" + std::to_string(info.param); });
 
 TEST(SquareMedianMasks, MustBeOddSquares) {
@@ -391,7 +391,7 @@ TEST(SquareMedianNetworks, AreRightForEveryWindowOfSortedColumns) {
 
 TEST(SquareMedianNetworks, AreRightForWindowsThatAreNearlyEven) {
     Random random(313);
-    for (int m = 9; m <= kLargestKernel; m += 2) {
+    for (int m = 3; m <= kLargestKernel; m += 2) {
         std::vector<uint8_t> whites;
         int inWindow = 0;
         for (size_t x = 0; x < 200000; ++x) {
