@@ -632,9 +632,8 @@ OPCV_DLIB_API IppStatus OPCV_ippiResizeSqrPixel_8u_C1R(const unsigned char* src,
 /// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, or a region is empty or does
 ///                          not fit in its rows; nothing is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiResize_8u_C3R(const unsigned char* src, IppiSize srcSize, int srcStep,
-                                                  IppiRect srcRoi, unsigned char* dst, int dstStep,
-                                                  IppiSize dstRoiSize, double xFactor, double yFactor,
-                                                  int interpolation);
+                                                  IppiRect srcRoi, unsigned char* dst, int dstStep, IppiSize dstRoiSize,
+                                                  double xFactor, double yFactor, int interpolation);
 /// @}
 
 /// @name JPEG compression
