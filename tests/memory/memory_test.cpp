@@ -2,6 +2,7 @@
 // by its status or by the exception that OpenCV throws, hand out nothing and keep nothing.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -313,8 +314,8 @@ TEST(OutOfMemory, BufferCompressors) {
 // Functions that read a stream into a new record.
 class ReadCall : public Call {
 public:
-    ReadCall(std::string name, bool split, Bytes stream)
-        : name_(std::move(name)), split_(split), stream_(std::move(stream)) {}
+    ReadCall(std::string name, bool split, int depth, Bytes stream)
+        : name_(std::move(name)), split_(split), depth_(depth), stream_(std::move(stream)) {}
     std::string name() const override { return name_; }
     int run() override {
         image_ = nullptr;
@@ -330,12 +331,15 @@ public:
     bool mayThrow() const override { return false; }
     void expectNothingPartial() override {
         ASSERT_EQ(image_, nullptr);
-        ASSERT_TRUE(!split_ || description_.depth == -1);
+        ASSERT_EQ(description_.width, 40);
+        ASSERT_EQ(description_.height, 30);
+        ASSERT_TRUE(description_.depth == -1 || (!split_ && description_.depth == depth_));
     }
 
 private:
     std::string name_;
     bool split_;
+    int depth_;
     Bytes stream_;
     KVImageDescription description_{};
     KVIMG* image_ = nullptr;
@@ -353,9 +357,56 @@ TEST(OutOfMemory, Readers) {
     for (const int depth : {8, 24})
         for (const bool split : {false, true}) {
             ReadCall call((split ? "ReadSplitJPEG of " : "ReadJPEG of ") + std::to_string(depth) + " bits", split,
-                          streamOf(depth));
+                          depth, streamOf(depth));
             checkEveryFailure(call);
         }
+}
+
+// An EXIF orientation leads to OpenCV's decoder, which takes a failed allocation of libjpeg's for a stream that it
+// cannot decode.
+TEST(OutOfMemory, ReaderOfTurnedStreams) {
+    const Bytes exif = {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'M', 'M', 0, 42, 0, 0, 0, 8,
+                        0,    1,    1, 18, 0,   3,   0,   0,   0, 1, 0,   6,   0, 0,  0, 0, 0, 0};
+    Bytes stream = streamOf(24);
+    stream.insert(stream.begin() + 2, exif.begin(), exif.end());
+    KVImageDescription description{};
+    KVImageDescription* record = &description;
+    KVImageDescriptionHandle handle = &record;
+    KVIMG* image = nullptr;
+    const auto read = [&] { return ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image); };
+    ASSERT_EQ(read(), noErr);
+    ASSERT_EQ(image->width, 30);    // turned
+    const Bytes expected = takeRecord(image);
+    for (const auto failure : {FailingHeap::Failure::kOnce, FailingHeap::Failure::kLasting})
+        for (long n = 1;; ++n) {
+            FailingHeap::arm(n, failure);
+            const OSErr status = read();
+            const bool failed = FailingHeap::disarm();
+            SCOPED_TRACE("allocation " + std::to_string(n));
+            if (status == noErr) {
+                ASSERT_EQ(takeRecord(image), expected);
+            } else {
+                ASSERT_TRUE(failed);
+                ASSERT_TRUE(status == memFullErr || status == paramErr) << status;
+                ASSERT_EQ(image, nullptr);
+            }
+            // cv::Mat loses its pixels when the small block behind them, which counts their users, cannot be had.
+            ASSERT_LE(FailingHeap::liveBlocks(), status == noErr ? 0U : 1U);
+            if (!failed) break;
+        }
+}
+
+// A piece of another size is refused before there is a block for its pixels.
+TEST(OutOfMemory, APieceOfAnotherSizeLeavesNothing) {
+    const Bytes stream = streamOf(24);
+    KVImageDescription description{41, 30, 0, 0, 0, 0};
+    KVImageDescription* record = &description;
+    KVIMG* image = nullptr;
+    FailingHeap::arm(kNever, FailingHeap::Failure::kOnce);
+    EXPECT_EQ(ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image), paramErr);
+    EXPECT_FALSE(FailingHeap::disarm());
+    EXPECT_EQ(FailingHeap::liveBlocks(), 0U);
+    EXPECT_EQ(image, nullptr);
 }
 
 TEST(OutOfMemory, PlaneAllocators) {
@@ -379,16 +430,40 @@ TEST(OutOfMemory, AStaleRecordIsReleased) {
     KVImageDescription description{20, 10, 0, 0, 0, 8};
     KVImageDescription* record = &description;
     for (long n = 1; n <= 2; ++n) {
-        FailingHeap::arm(kNever, FailingHeap::Failure::kOnce);
+        constexpr long kStaleBlocks = 2;
+        FailingHeap::arm(kStaleBlocks + n, FailingHeap::Failure::kOnce);
         KVIMG* slot = recordOf(5, 5, 24).release();
-        FailingHeap::disarm();
-        const size_t before = FailingHeap::liveBlocks();
-        ASSERT_EQ(before, 2U);
-        FailingHeap::arm(n, FailingHeap::Failure::kOnce);
+        ASSERT_EQ(FailingHeap::liveBlocks(), size_t{kStaleBlocks});
         EXPECT_EQ(DeskewImageWithIPP(source.get(), &record, &slot, 0, 0, 1.0), memFullErr);
         EXPECT_TRUE(FailingHeap::disarm());
         EXPECT_EQ(slot, nullptr);
+        EXPECT_EQ(FailingHeap::liveBlocks(), 0U);
     }
+}
+
+// The creators free the block in the slot, and leave the slot, when the pixels cannot be had.
+TEST(OutOfMemory, CreatorsFreeTheBlockInTheSlot) {
+    const KVRect r = {0, 0, 10, 10};
+    for (const auto creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite}) {
+        FailingHeap::arm(2, FailingHeap::Failure::kOnce);
+        auto* slot = static_cast<KVIMG*>(std::malloc(sizeof(KVIMG)));
+        const auto stale = reinterpret_cast<uintptr_t>(slot);
+        EXPECT_EQ(creator(&slot, &r, 8), memFullErr);
+        EXPECT_TRUE(FailingHeap::disarm());
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(slot), stale);
+        EXPECT_EQ(FailingHeap::liveBlocks(), 0U);
+    }
+}
+
+TEST(OutOfMemory, NothingIsAllocatedForADepthWithoutARowRule) {
+    const KVRect r = {0, 0, 10, 10};
+    for (const auto creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite})
+        for (const int depth : {0, 2, 16, 41}) {
+            KVIMG* slot = nullptr;
+            FailingHeap::arm(1, FailingHeap::Failure::kOnce);
+            EXPECT_EQ(creator(&slot, &r, static_cast<unsigned char>(depth)), noErr);
+            EXPECT_FALSE(FailingHeap::disarm()) << depth;
+        }
 }
 
 }    // namespace
