@@ -20,7 +20,7 @@
 ///   clockwise.
 /// - **Failures.** A function that refuses its arguments says so by its status, prints nothing and throws nothing. What
 ///   OpenCV throws while it works (`cv::Exception`, `std::bad_alloc`) passes to the caller, with everything released,
-///   except in the JPEG functions, which turn it into a status.
+///   except in the JPEG functions that take or make a record, which turn it into a status.
 /// - **Ownership.** Records belong to the caller, who releases them with `DisposeKVIMG`; plane blocks are released with
 ///   `IPPMini_ippiFree` or `IPPShare_ippiFree`; JPEG streams are released with `free`. Nothing else outlives a call.
 /// - **Threads.** No function keeps state, so any number of threads may call any of them at once, as long as no two
