@@ -86,7 +86,7 @@ RegionCall median(int side) {
                 return IPPShare_ippiFilterMedian_8u_C3R(s.at(3), Image::step(3), t.at(3), Image::step(3), kSize,
                                                         {side, side}, {side / 2, side / 2});
             },
-            ippStsNoMemErr, side > 13 ? kOneTemporary : 0};
+            ippStsNoMemErr, side > 9 ? kOneTemporary : 0};
 }
 
 RegionCall dilation(int side) {
