@@ -78,20 +78,22 @@ inline void plainBilateral(const uint8_t* src, int srcStep, uint8_t* dst, int ds
     copyRegion(result, half, half, dst, dstStep, roi);
 }
 
+inline std::vector<cv::Mat> viewsOf(std::vector<uint8_t>& planes, IppiSize size) {
+    const ptrdiff_t plane = ptrdiff_t{size.width} * size.height;
+    const auto view = [&](ptrdiff_t k) { return cv::Mat(size.height, size.width, CV_8UC1, planes.data() + k * plane); };
+    return {view(0), view(1), view(2)};
+}
+
 // A packed 24-bit image as three planes, one behind the other, and back.
 inline std::vector<uint8_t> splitPlanes(const uint8_t* src, IppiSize size) {
-    const int plane = size.width * size.height;
-    std::vector<uint8_t> planes(3 * static_cast<size_t>(plane));
-    std::vector<cv::Mat> views;
-    for (int k = 0; k < 3; ++k) views.emplace_back(size.height, size.width, CV_8UC1, planes.data() + k * plane);
+    std::vector<uint8_t> planes(3 * static_cast<size_t>(size.width) * static_cast<size_t>(size.height));
+    std::vector<cv::Mat> views = viewsOf(planes, size);
     cv::split(cv::Mat(size.height, size.width, CV_8UC3, const_cast<uint8_t*>(src)), views);
     return planes;
 }
 
 inline void mergePlanes(std::vector<uint8_t>& planes, uint8_t* dst, IppiSize size) {
-    const int plane = size.width * size.height;
-    std::vector<cv::Mat> views;
-    for (int k = 0; k < 3; ++k) views.emplace_back(size.height, size.width, CV_8UC1, planes.data() + k * plane);
+    const std::vector<cv::Mat> views = viewsOf(planes, size);
     cv::Mat packed(size.height, size.width, CV_8UC3, dst);
     cv::merge(views, packed);
 }
