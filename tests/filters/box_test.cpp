@@ -101,7 +101,7 @@ TEST(Box, EverySumIsRoundedAsOpenCVRounds) {
                 const int x = n * mask.width + cell % mask.width;
                 const int y = cell / mask.width;
                 for (int channel = 0; channel < 3; ++channel)
-                    image[static_cast<size_t>(3 * (y * columns + x) + channel)] = static_cast<uint8_t>(value);
+                    image.data()[3 * (y * columns + x) + channel] = static_cast<uint8_t>(value);
             }
         std::vector<uint8_t> expected = image;
         const IppiSize roi = {sums * mask.width, 1};

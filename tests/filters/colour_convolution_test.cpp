@@ -16,9 +16,8 @@ namespace {
 
 std::vector<float> anyKernels(Random& random, int radius, int count) {
     const int cells = (2 * radius + 1) * (2 * radius + 1);
-    std::vector<float> kernels;
-    for (int i = 0; i < count * cells; ++i)
-        kernels.push_back(random.chance(20) ? 0.0F : static_cast<float>(random.real(-1.0, 4.0) / cells));
+    std::vector<float> kernels(static_cast<size_t>(count) * static_cast<size_t>(cells));
+    for (float& cell : kernels) cell = random.chance(20) ? 0.0F : static_cast<float>(random.real(-1.0, 4.0) / cells);
     return kernels;
 }
 
@@ -116,7 +115,7 @@ TEST(Convolution24, ReadsAndWritesNoByteTooMany) {
         for (const int radius : {0, 1, 2, 3})
             for (int width = 2 * radius + 1; width <= 40; ++width) {
                 const IppiSize size = {width, 2 * radius + random.between(1, 3)};
-                const auto bytes = static_cast<size_t>(3 * size.width * size.height);
+                const auto bytes = 3 * static_cast<size_t>(size.width) * static_cast<size_t>(size.height);
                 FencedMemory src(bytes, fence);
                 FencedMemory dst(bytes, fence);
                 random.fill(src.data(), bytes);

@@ -127,7 +127,7 @@ TEST(Bilateral, TheLastColumnsAreSummedAsOpenCVSums) {
                 for (int j = -radius; j <= radius; ++j)
                     for (int i = -radius; i <= radius; ++i)
                         if (i * i + j * j <= radius * radius)
-                            src[static_cast<size_t>((radius + j) * width + column + i)] =
+                            src.data()[(radius + j) * width + column + i] =
                                 static_cast<uint8_t>(neighbourhood.cells[cell++]);
                 std::vector<uint8_t> dst(src.size());
                 std::vector<uint8_t> expected(src.size());
