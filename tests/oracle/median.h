@@ -43,8 +43,8 @@ struct ColorWindow {
     ColorWindow(const uint8_t* centre, int step) {
         for (int k = 0; k < 9; ++k) pixel[k] = centre + ptrdiff_t{k / 3 - 1} * step + 3 * (k % 3 - 1);
         for (int k = 0; k < 9; ++k)
-            for (int j = 0; j < 9; ++j)
-                for (int c = 0; c < 3; ++c) score[k] += std::abs(pixel[k][c] - pixel[j][c]);
+            for (const uint8_t* other : pixel)
+                for (int c = 0; c < 3; ++c) score[k] += std::abs(pixel[k][c] - other[c]);
     }
     const uint8_t* winner() const { return pixel[std::min_element(score, score + 9) - score]; }
 

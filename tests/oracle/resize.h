@@ -49,7 +49,8 @@ inline uint8_t meanOfFour(const Raster& source, int x, int y, int c) {
     for (int row = 2 * y; row < std::min(2 * y + 2, source.height); ++row)
         for (int column = 2 * x; column < std::min(2 * x + 2, source.width); ++column, ++count)
             sum += source.at(column, row, c);
-    return static_cast<uint8_t>(count == 4 ? (sum + 2) / 4 : std::nearbyint(1.0 * sum / count));
+    if (count == 4) return static_cast<uint8_t>((sum + 2) / 4);
+    return static_cast<uint8_t>(std::nearbyint(1.0 * sum / count));
 }
 
 // `xScale` and `yScale` are source pixels a destination pixel.

@@ -236,7 +236,7 @@ INSTANTIATE_TEST_SUITE_P(Filters, FixedWindow, testing::ValuesIn(kFilters),
 // A 1 x 1 region in a 7 x 7 image of dark pixels, some of them bright.
 uint8_t filterOnDark(FixedWindowFilter::EntryPoint entryPoint, int code, const std::vector<IppiPoint>& bright) {
     std::array<uint8_t, 49> image{};
-    for (const IppiPoint p : bright) image.at(static_cast<size_t>((3 + p.y) * 7 + 3 + p.x)) = 200;
+    for (const IppiPoint p : bright) image.data()[(3 + p.y) * 7 + 3 + p.x] = 200;
     uint8_t result = 1;
     EXPECT_EQ(entryPoint(&image[24], 7, &result, 1, {1, 1}, code), ippStsNoErr);
     return result;

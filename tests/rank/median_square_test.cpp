@@ -146,7 +146,7 @@ TEST_P(SquareMedian, DropsTheRemainderOfTheStep) {
             std::vector<uint8_t> expected(result.size(), 0);
             for (int y = 0; y < size.height; ++y)
                 for (int x = 0; x < 3 * size.width; ++x)
-                    expected[static_cast<size_t>(y * dstPitch + x)] =
+                    expected.data()[y * dstPitch + x] =
                         oracle::squareMedian(source.data() + y * srcPitch + x, srcPitch, m(), 3);
             ASSERT_EQ(result, expected);
         }

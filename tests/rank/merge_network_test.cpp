@@ -20,6 +20,7 @@ std::vector<int> run(const Network& network, std::vector<int> wires, int outputs
         high = step.keepHigh ? sorted.second : -1;
     }
     std::vector<int> result;
+    result.reserve(static_cast<size_t>(outputs));
     for (int i = 0; i < outputs; ++i) result.push_back(wires.at(static_cast<size_t>(network.outputs[i])));
     return result;
 }
@@ -29,6 +30,7 @@ void expectSorts() {
     constexpr auto network = rank_network::sorter<kCount>();
     for (int pattern = 0; pattern < 1 << kCount; ++pattern) {
         std::vector<int> wires;
+        wires.reserve(kCount);
         for (int i = 0; i < kCount; ++i) wires.push_back(pattern >> i & 1);
         std::vector<int> expected = wires;
         std::sort(expected.begin(), expected.end());
@@ -42,6 +44,7 @@ void expectMerges() {
     for (int onesA = 0; onesA <= kA; ++onesA)
         for (int onesB = 0; onesB <= kB; ++onesB) {
             std::vector<int> wires;
+            wires.reserve(kA + kB);
             for (int i = 0; i < kA; ++i) wires.push_back(i >= kA - onesA);
             for (int i = 0; i < kB; ++i) wires.push_back(i >= kB - onesB);
             std::vector<int> expected = wires;
