@@ -16,7 +16,7 @@ file(GLOB_RECURSE pc ${prefix}/*.pc)
 get_filename_component(pc_dir ${pc} DIRECTORY)
 get_filename_component(lib_dir ${pc_dir} DIRECTORY)
 
-run(${CMAKE_COMMAND} -S ${CONSUMER} -B ${WORK}/consumer -DCMAKE_PREFIX_PATH=${prefix} -DEXAMPLES=${EXAMPLES})
+run(${CMAKE_COMMAND} -G Ninja -S ${CONSUMER} -B ${WORK}/consumer -DCMAKE_PREFIX_PATH=${prefix} -DEXAMPLES=${EXAMPLES})
 run(${CMAKE_COMMAND} --build ${WORK}/consumer)
 foreach(program IN ITEMS first_c first_cpp)
     run(${WORK}/consumer/${program})
