@@ -4,8 +4,11 @@ target_compile_options(opcv_dlib_house_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion
     -ffp-contract=off    # where a multiply and an add are fused, the code says fma
     -fstack-protector-strong)
+# An indirect jump may only land where a function begins.
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
     target_compile_options(opcv_dlib_house_flags INTERFACE -mbranch-protection=standard)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    target_compile_options(opcv_dlib_house_flags INTERFACE -fcf-protection=full)
 endif()
 
 if(OPCV_DLIB_SANITIZE)

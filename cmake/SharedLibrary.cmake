@@ -10,12 +10,13 @@ target_include_directories(OPCV_dlib INTERFACE
 target_link_libraries(OPCV_dlib
     PRIVATE $<BUILD_INTERFACE:opcv_dlib_house_flags> OpenCVModules::OpenCVModules JPEG::JPEG Highway::Highway)
 
-# Visibility alone would let out the standard library's templates, so the linker is told the names as well.
+# Visibility alone would let out the standard library's templates, so the linker is told the names as well. The version
+# of the names lets a later library keep an old one beside a new one.
 set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
 file(STRINGS ${exports} names)
 list(JOIN names ";\n" names)
 set(map ${PROJECT_BINARY_DIR}/exports.map)
-file(CONFIGURE OUTPUT ${map} CONTENT "{\nglobal:\n${names};\nlocal: *;\n};\n")
+file(CONFIGURE OUTPUT ${map} CONTENT "OPCV_1.0 {\nglobal:\n${names};\nlocal: *;\n};\n")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports})
 set_property(TARGET OPCV_dlib APPEND PROPERTY LINK_DEPENDS ${map})
 target_link_options(OPCV_dlib PRIVATE

@@ -40,7 +40,7 @@ OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst,
     // Isolated: OpenCV must not read the pixels around the view. They reach none of the region, except that a side of 1
     // still filters with 3x3 pixels: that result is the plain mode's.
     const int border = kernel.width == 1 ? cv::BORDER_REFLECT_101 : cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED;
-    cv::Mat filtered = resultMatrix();
+    ResultMatrix filtered;
     cv::bilateralFilter(view, filtered, kernel.width, sigmaColor, sigmaSpace, border);
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), dst, dstStep, cv::Point(0, 0),

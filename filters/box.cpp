@@ -35,7 +35,7 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
                                                                                                       : memFullErr;
 
     // Isolated: OpenCV must not read the pixels around the view. They reach none of the region.
-    cv::Mat filtered = resultMatrix();
+    ResultMatrix filtered;
     const cv::Point centre(-1, -1);
     const bool mean = true;
     cv::boxFilter(view, filtered, -1, cv::Size(mask.width, mask.height), centre, mean,

@@ -83,7 +83,7 @@ int borderFor(const cv::Mat& kernel) {
 }
 
 OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
-    cv::Mat filtered = resultMatrix();
+    ResultMatrix filtered;
     const cv::Point centre(-1, -1);
     cv::filter2D(view, filtered, -1, kernel, centre, 0.0, borderFor(kernel));
     if (!filtered.data) return memFullErr;
@@ -114,9 +114,9 @@ OSErr filter(const Source& source, const Target& target, const IppiSize& roi, co
              const IppiSize& kernelSize, const IppiPoint& anchor, int divisor) {
     if (!source.pixels || divisor == 0) return paramErr;
 
-    cv::Mat turned = resultMatrix();
+    ResultMatrix turned;
     if (const OSErr err = Tools::CreateKernelMatReverse<int, CV_32S>(kernel, kernelSize, turned)) return err;
-    cv::Mat weights = resultMatrix();
+    ResultMatrix weights;
     turned.convertTo(weights, CV_32F);
     if (!weights.data) return memFullErr;
     weights.convertTo(weights, CV_32F, 1.0 / divisor);
@@ -127,7 +127,7 @@ OSErr filter32f(const Source& source, const Target& target, const IppiSize& roi,
                 const IppiSize& kernelSize, const IppiPoint& anchor) {
     if (!source.pixels) return paramErr;
 
-    cv::Mat turned = resultMatrix();
+    ResultMatrix turned;
     if (const OSErr err = Tools::CreateKernelMatReverse<float, CV_32F>(kernel, kernelSize, turned)) return err;
     return convolve(source, target, roi, turned, anchor);
 }

@@ -159,7 +159,7 @@ OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcS
         place(xShift, dstRoi.x, dstRoi.width, at.columns) && place(yShift, dstRoi.y, dstRoi.height, at.rows);
     if (placed && placeDirectly(from, factors, at, dst, dstStep)) return noErr;
 
-    cv::Mat scaled = resultMatrix();
+    ResultMatrix scaled;
     cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR);
     if (!scaled.data) return memFullErr;
     if (!placed) return paramErr;

@@ -81,14 +81,16 @@ struct Turn {
 OSErr turnByOpenCV(const Turn& turn) {
     // The border is not isolated: where the source image goes on around the region, its pixels come before the value.
     const Placement& p = turn.place;
-    cv::Mat work = p.padded() ? resultMatrix() : turn.region;
-    if (p.padded())
+    ResultMatrix work;
+    if (!p.padded())
+        work = turn.region;
+    else
         cv::copyMakeBorder(turn.region, work, static_cast<int>(p.top), static_cast<int>(p.bottom),
                            static_cast<int>(p.left), static_cast<int>(p.right), cv::BORDER_CONSTANT, turn.border);
     if (!work.data) return memFullErr;
 
     const cv::Matx23d matrix = cv::getRotationMatrix2D_(turn.centre, turn.angle, 1.0);
-    cv::Mat turned = resultMatrix();
+    ResultMatrix turned;
     cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, turn.border);
     if (!turned.data) return memFullErr;
 

@@ -33,7 +33,7 @@ OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstS
         }
     }
 
-    cv::Mat filtered = resultMatrix();
+    ResultMatrix filtered;
     cv::medianBlur(source, filtered, m);
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(m / 2, m / 2), pDst, dstStep, cv::Point(0, 0),

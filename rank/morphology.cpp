@@ -64,7 +64,7 @@ OSErr filter(const Source& src, const Target& dst, const cv::Mat& mask, IppiPoin
                              dst.size.width, dst.size.height};
     if (!mayOverlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
 
-    cv::Mat filtered = resultMatrix();
+    ResultMatrix filtered;
     filterByOpenCV(source, mask, extremum, filtered);
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(mask.cols / 2, mask.rows / 2), dst.pixels, dst.step,

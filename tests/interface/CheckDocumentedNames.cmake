@@ -1,6 +1,7 @@
 # Every exported function stands in the header behind a Doxygen comment, and in the README's table.
 execute_process(COMMAND ${NM} -D -C --defined-only --format=posix ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "[^\n]+" symbols "${symbols}")
+list(FILTER symbols EXCLUDE REGEX "^OPCV_1")    # the version of the names, not one of them
 file(STRINGS ${ROOT}/include/OPCV_dlib.h header)
 file(READ ${ROOT}/README.md readme)
 
