@@ -29,8 +29,11 @@ IppiPoint anyAnchor(Random& random, IppiSize mask) {
     return {random.between(-2, mask.width + 1), random.between(-2, mask.height + 1)};
 }
 
-void expectBox(Random& random, IppiSize size, IppiSize mask, IppiPoint anchor) {
-    GuardedImage image(random, size, GuardedImage::anyLayout(random, 3, 45), random.anyValues());
+// The margin holds the windows of masks with sides up to 40 and anchors in or near them.
+constexpr int kUsualMargin = 45;
+
+void expectBox(Random& random, IppiSize size, IppiSize mask, IppiPoint anchor, int margin = kUsualMargin) {
+    GuardedImage image(random, size, GuardedImage::anyLayout(random, 3, margin), random.anyValues());
     const GuardedImage before = image;
     GuardedImage expected = image;
     ASSERT_EQ(IPPMini_ippiFilterBox_8u_C3IR(image.data(), image.step(), size, mask, anchor), ippStsNoErr);
@@ -108,6 +111,38 @@ TEST(Box, EverySumIsRoundedAsOpenCVRounds) {
         ASSERT_EQ(IPPMini_ippiFilterBox_8u_C3IR(image.data(), 3 * columns, roi, mask, {0, 0}), ippStsNoErr);
         oracle::plainBox(expected.data(), 3 * columns, roi, mask, {0, 0});
         ASSERT_EQ(image, expected) << mask.width << "x" << mask.height;
+    }
+}
+
+// The windows lie beside the region that is written, or reach into parts of it that are already filtered.
+TEST(Box, AnAnchorFarOutsideTheMaskMovesTheWindows) {
+    Random random(628);
+    constexpr int kFar = 60;
+    for (const IppiSize mask : {IppiSize{3, 3}, {5, 5}, {1, 4}, {4, 1}, {17, 17}})
+        for (const int x : {-kFar, -7, 0, mask.width, mask.width + 1, mask.width + 9, kFar})
+            for (const int y : {-kFar, -7, 0, mask.height, mask.height + 1, mask.height + 9, kFar}) {
+                expectBox(random, {random.between(1, 40), random.between(1, 20)}, mask, {x, y}, 2 * kFar);
+                if (HasFatalFailure()) return;
+            }
+}
+
+// Areas above 256, whose sums have 32 bits, next to some below: a flat image stays what it is.
+TEST(Box, FlatImagesStayFlatUnderLargeMasks) {
+    for (const IppiSize mask :
+         {IppiSize{16, 16}, {15, 17}, {1, 255}, {1, 257}, {257, 1}, {13, 20}, {17, 17}, {16, 40}, {40, 16}}) {
+        const IppiSize roi = {9, 3};
+        const IppiSize image = {roi.width + mask.width / 2 * 2, roi.height + mask.height / 2 * 2};
+        const int step = 3 * image.width;
+        for (int value = 0; value < 256; ++value) {
+            const std::vector<uint8_t> flat(static_cast<size_t>(step) * static_cast<size_t>(image.height),
+                                            static_cast<uint8_t>(value));
+            std::vector<uint8_t> filtered = flat;
+            std::vector<uint8_t> expected = flat;
+            ASSERT_EQ(IPPMini_ippiFilterBox_8u_C3IR(filtered.data(), step, roi, mask, {0, 0}), ippStsNoErr);
+            oracle::plainBox(expected.data(), step, roi, mask, {0, 0});
+            ASSERT_EQ(filtered, expected) << mask.width << "x" << mask.height << " of " << value;
+            ASSERT_EQ(filtered, flat) << mask.width << "x" << mask.height << " of " << value;
+        }
     }
 }
 

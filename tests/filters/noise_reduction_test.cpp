@@ -104,31 +104,38 @@ struct Neighbourhood {
     std::vector<int> cells;    // within the radius, in raster order
 };
 
+const std::vector<Neighbourhood> kNeighbourhoods = {
+    {1, 2, {199, 190, 180, 199, 192}},
+    {1, 2, {118, 113, 129, 106, 132}},
+    {1, 2, {198, 207, 188, 207, 200}},
+    {1, 2, {180, 154, 177, 161, 166}},
+    {2, 7, {159, 145, 142, 160, 163, 152, 143, 158, 163, 155, 145, 158, 164}},
+    {2, 7, {156, 148, 153, 150, 143, 146, 146, 163, 148, 146, 171, 153, 144}},
+    {2, 7, {178, 176, 191, 170, 166, 171, 170, 184, 171, 165, 180, 170, 184}},
+    {2, 7, {199, 189, 186, 187, 189, 176, 182, 187, 176, 202, 196, 204, 188}},
+};
+
+// Rows just high enough for one row of results, grey but for the neighbourhood.
+std::vector<uint8_t> imageOf(const Neighbourhood& neighbourhood, int width, int column) {
+    const int radius = neighbourhood.radius;
+    std::vector<uint8_t> image(static_cast<size_t>(width * (2 * radius + 1)), 150);
+    size_t cell = 0;
+    for (int j = -radius; j <= radius; ++j)
+        for (int i = -radius; i <= radius; ++i)
+            if (i * i + j * j <= radius * radius)
+                image.data()[(radius + j) * width + column + i] = static_cast<uint8_t>(neighbourhood.cells[cell++]);
+    return image;
+}
+
 TEST(Bilateral, TheLastColumnsAreSummedAsOpenCVSums) {
-    const std::vector<Neighbourhood> neighbourhoods = {
-        {1, 2, {199, 190, 180, 199, 192}},
-        {1, 2, {118, 113, 129, 106, 132}},
-        {1, 2, {198, 207, 188, 207, 200}},
-        {1, 2, {180, 154, 177, 161, 166}},
-        {2, 7, {159, 145, 142, 160, 163, 152, 143, 158, 163, 155, 145, 158, 164}},
-        {2, 7, {156, 148, 153, 150, 143, 146, 146, 163, 148, 146, 171, 153, 144}},
-        {2, 7, {178, 176, 191, 170, 166, 171, 170, 184, 171, 165, 180, 170, 184}},
-        {2, 7, {199, 189, 186, 187, 189, 176, 182, 187, 176, 202, 196, 204, 188}},
-    };
-    for (const Neighbourhood& neighbourhood : neighbourhoods) {
+    for (const Neighbourhood& neighbourhood : kNeighbourhoods) {
         const int radius = neighbourhood.radius;
         const int side = 2 * radius + 1;
         const auto squareSigma = static_cast<float>(96 * neighbourhood.strength);
         // In every column of views that fill vectors and such that do not.
         for (int width = side; width <= 20; ++width)
             for (int column = radius; column < width - radius; ++column) {
-                std::vector<uint8_t> src(static_cast<size_t>(width * side), 150);
-                size_t cell = 0;
-                for (int j = -radius; j <= radius; ++j)
-                    for (int i = -radius; i <= radius; ++i)
-                        if (i * i + j * j <= radius * radius)
-                            src.data()[(radius + j) * width + column + i] =
-                                static_cast<uint8_t>(neighbourhood.cells[cell++]);
+                const std::vector<uint8_t> src = imageOf(neighbourhood, width, column);
                 std::vector<uint8_t> dst(src.size());
                 std::vector<uint8_t> expected(src.size());
                 const uint8_t* first = src.data() + radius * (width + 1);
@@ -139,6 +146,29 @@ TEST(Bilateral, TheLastColumnsAreSummedAsOpenCVSums) {
                 oracle::plainBilateral(first, width, expected.data(), width, roi, side, squareSigma, squareSigma);
                 ASSERT_EQ(dst, expected) << "radius " << radius << " width " << width << " column " << column;
             }
+    }
+}
+
+// The same in each channel of a packed image, next to flat channels.
+TEST(DeosNrRGB, SumsAsOpenCVSums) {
+    for (size_t i = 0; i < kNeighbourhoods.size(); ++i) {
+        const Neighbourhood& neighbourhood = kNeighbourhoods[i];
+        const int radius = neighbourhood.radius;
+        const int side = 2 * radius + 1;
+        const auto squareSigma = static_cast<float>(96 * neighbourhood.strength);
+        for (int width = 8; width <= 40; width += 4)
+            for (int column = radius; column < width - radius; ++column)
+                for (int channel = 0; channel < 3; ++channel) {
+                    const std::vector<uint8_t> plane = imageOf(neighbourhood, width, column);
+                    std::vector<uint8_t> src(3 * plane.size(), 90);
+                    for (size_t k = 0; k < plane.size(); ++k) src[3 * k + static_cast<size_t>(channel)] = plane[k];
+                    std::vector<uint8_t> dst(src.size());
+                    std::vector<uint8_t> expected(src.size());
+                    ASSERT_EQ(
+                        DeosNrRGB(src.data(), dst.data(), width, side, radius == 2 ? 2 : 0, neighbourhood.strength), 0);
+                    oracle::plainNoiseReduction24(src.data(), expected.data(), {width, side}, side, squareSigma);
+                    ASSERT_EQ(dst, expected) << "neighbourhood " << i << " width " << width << " column " << column;
+                }
     }
 }
 
