@@ -24,8 +24,12 @@
 /// - **Ownership.** Records belong to the caller, who releases them with `DisposeKVIMG`; plane blocks are released with
 ///   `IPPMini_ippiFree` or `IPPShare_ippiFree`; JPEG streams are released with `free`. Nothing else outlives a call.
 /// - **Threads.** No function keeps state, so any number of threads may call any of them at once, as long as no two
-///   write to the same memory. The library starts no thread; OpenCV may work on a pool of its own, which
-///   `cv::setNumThreads` governs.
+///   write to the same memory. The library starts no thread. OpenCV may share the work of one call among threads of a
+///   pool of its own: in rotations and deskew, resize, the bilateral filter, noise reduction and colour conversion, on
+///   images above about 65000 pixels. The result is the same on any number of them. `cv::setNumThreads` governs that
+///   pool for the whole process; `cv::setNumThreads(1)` keeps each call on the thread that makes it.
+/// - **Length.** OpenCV warps no image with a side of 32767 pixels or more: the rotations and the deskew functions
+///   pass its `cv::Exception` then, and each says which image counts. Quarter turns and resize have no such limit.
 #ifndef OPCV_DLIB_H
 #define OPCV_DLIB_H
 
@@ -442,6 +446,7 @@ OPCV_DLIB_API void KVMac_ippiGetRotateShift(double xCenter, double yCenter, doub
 /// @retval noErr       The destination rectangle is filled.
 /// @retval paramErr    What `ippiRotate` answers with `ippStsBadArgErr`; nothing is written.
 /// @retval memFullErr  What `ippiRotate` answers with `ippStsNoMemErr`; nothing is written.
+/// @throws cv::Exception where `ippiRotate` does; nothing is written.
 OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C1R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                                             unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                                             double xShift, double yShift, int interpolation);
@@ -462,6 +467,7 @@ OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C1R(const unsigned char* src, IppiSize s
 /// @retval noErr       The destination rectangle is filled.
 /// @retval paramErr    What `ippiRotate` answers with `ippStsBadArgErr`; nothing is written.
 /// @retval memFullErr  What `ippiRotate` answers with `ippStsNoMemErr`; nothing is written.
+/// @throws cv::Exception where `ippiRotate` does; nothing is written.
 OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C3R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                                             unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                                             double xShift, double yShift, int interpolation);
@@ -492,6 +498,7 @@ OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C3R(const unsigned char* src, IppiSize s
 /// @retval paramErr         A pointer is null, the description included.
 /// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused.
 /// @retval memFullErr       The record could not be made.
+/// @throws cv::Exception if a side of the page reaches 32767 pixels; `*dst` is released and null.
 OPCV_DLIB_API OSErr DeskewImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
                                        int interpolation, unsigned char whiteFill, double angle);
 
@@ -509,6 +516,8 @@ OPCV_DLIB_API OSErr DeskewImageWithIPP(const KVIMG* src, KVImageDescriptionHandl
 /// @retval paramErr         A pointer is null, the description included.
 /// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused, as for an empty rectangle.
 /// @retval memFullErr       The record could not be made.
+/// @throws cv::Exception if a side of the page, enlarged by what the crop shows around it, reaches 32767 pixels;
+///         `*dst` is released and null.
 OPCV_DLIB_API OSErr DeskewImageWithIPPEx(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
                                          int interpolation, unsigned char whiteFill, KVRect* crop, double angle);
 
@@ -527,6 +536,8 @@ OPCV_DLIB_API OSErr DeskewImageWithIPPEx(const KVIMG* src, KVImageDescriptionHan
 /// @retval paramErr         A pointer is null, the description included.
 /// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused, as for an empty rectangle.
 /// @retval memFullErr       The record could not be made.
+/// @throws cv::Exception if a side of the page, enlarged by what the crop shows around it, reaches 32767 pixels;
+///         `*dst` is released and null.
 OPCV_DLIB_API OSErr DeskewImageWithIPPExWithShirftPoint(const KVIMG* src, KVImageDescriptionHandle description,
                                                         KVIMG** dst, int interpolation, unsigned char whiteFill,
                                                         KVRect* crop, int64_t xPoint, int64_t yPoint, double angle);
@@ -553,12 +564,16 @@ OPCV_DLIB_API OSErr RotateImageWithIPP(const KVIMG* src, KVImageDescriptionHandl
 /// @param dstHeader     Canvas: depth (8, 24 or 32), width, height and row step are read; the pixel pointer is set to
 ///                      the record's pixels. Set the row step to the record's rule: the width rounded up to 16 at 8
 ///                      bits, 3 times the width rounded up to 4 at 24, 4 times the width rounded up to 16 at 32. After
-///                      a failure the pixel pointer may refer to released memory.
+///                      a failure the pixel pointer may refer to released memory. At 24 bits the canvas's rows lie as
+///                      many whole pixels apart as the row step holds, so that they end up to 2 bytes a row before
+///                      the record does; what is behind them is not set.
 /// @param srcHeader     Image to turn: pixels, width, height and row step; its depth is taken to be the canvas's.
 /// @param unitedRecord  Receives the record, on success only.
 /// @param angle         Degrees, **clockwise** on screen. Above 180, 360 is taken off first.
 /// @retval noErr           The canvas is filled and `*unitedRecord` holds it.
 /// @retval uniteFailedErr  Anything else.
+/// @throws cv::Exception if a side of the image, enlarged by what the canvas shows around it, reaches 32767 pixels;
+///         `*unitedRecord` is untouched, and the canvas's pixel pointer refers to released memory.
 OPCV_DLIB_API OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* srcHeader,
                                              KVIMG** unitedRecord, double angle);
 /// @}
@@ -1309,6 +1324,7 @@ OPCV_DLIB_API void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int sr
 /// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, a rectangle is empty or does
 ///                          not fit in its rows, or a shift leaves the range of int; nothing is written.
 /// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @throws cv::Exception if a side of the region, enlarged as above, reaches 32767 pixels; nothing is written.
 OPCV_DLIB_API IppStatus ippiRotate(const unsigned char* src, const IppiSize& srcSize, int srcStep,
                                    const IppiRect& srcRoi, unsigned char* dst, int dstStep, const IppiRect& dstRoi,
                                    double angle, float xShift, float yShift, int interpolation, int type,
@@ -1334,6 +1350,7 @@ OPCV_DLIB_API IppStatus ippiRotate(const unsigned char* src, const IppiSize& src
 /// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, or a rectangle is empty or
 ///                          does not fit in its rows; nothing is written.
 /// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @throws cv::Exception if a side of the source region reaches 32767 pixels; nothing is written.
 OPCV_DLIB_API IppStatus ippiRotateCenter(const unsigned char* src, const IppiSize& srcSize, int srcStep,
                                          const IppiRect& srcRoi, unsigned char* dst, int dstStep,
                                          const IppiRect& dstRoi, double angle, double xCenter, double yCenter,

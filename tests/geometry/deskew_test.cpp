@@ -452,4 +452,31 @@ TEST(Deskew, WhatOpenCVThrowsLeavesTheSlotEmpty) {
     EXPECT_EQ(slot, nullptr);
 }
 
+// What the crop shows around the page counts.
+TEST(DeskewEx, WhatOpenCVThrowsLeavesTheSlotEmpty) {
+    Random random(339);
+    TestPage page(random, {20, 10}, 8);
+    for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}, {-32757, 0, 3, 3}, {0, -32747, 3, 3}}) {
+        KVIMG* slot = makeRecord({5, 5}, 8).release();
+        EXPECT_THROW(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), cv::Exception);
+        EXPECT_EQ(slot, nullptr);
+    }
+    KVRect crop = {0, 0, 3, 32766};
+    KVIMG* slot = nullptr;
+    EXPECT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), noErr);
+    const RecordPtr owner(slot);
+}
+
+TEST(DeskewWithPoint, WhatOpenCVThrowsLeavesTheSlotEmpty) {
+    Random random(340);
+    TestPage page(random, {20, 10}, 8);
+    for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}}) {
+        KVIMG* slot = makeRecord({5, 5}, 8).release();
+        EXPECT_THROW(
+            DeskewImageWithIPPExWithShirftPoint(page.record(), page.description(), &slot, 0, 0, &crop, 0, 0, 0),
+            cv::Exception);
+        EXPECT_EQ(slot, nullptr);
+    }
+}
+
 }    // namespace

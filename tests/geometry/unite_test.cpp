@@ -261,4 +261,16 @@ TEST_F(UniteStatus, PixelPointerIsSetBeforeTheTurn) {
     EXPECT_EQ(slot, nullptr);
 }
 
+// One pixel too long for a warp.
+TEST_F(UniteStatus, WhatOpenCVThrowsLeavesTheSlotAlone) {
+    KVImageHeader canvas = to();
+    canvas.depth = 8;
+    canvas.width = 32768;
+    canvas.rowStep = 32768;
+    canvas.height = 2;
+    KVIMG* slot = nullptr;
+    EXPECT_THROW(UniteImageIplRotateImage(&canvas, &from_, &slot, 0), cv::Exception);
+    EXPECT_EQ(slot, nullptr);
+}
+
 }    // namespace
