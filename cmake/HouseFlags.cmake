@@ -15,6 +15,10 @@ if(OPCV_DLIB_SANITIZE)
     set(sanitize -fsanitize=${OPCV_DLIB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_compile_options(opcv_dlib_house_flags INTERFACE ${sanitize})
     target_link_options(opcv_dlib_house_flags INTERFACE ${sanitize})
+    if(CMAKE_CROSSCOMPILING)
+        # The tree in which the programs run has no sanitizer libraries.
+        target_link_options(opcv_dlib_house_flags INTERFACE -static-libasan -static-libubsan)
+    endif()
 else()
     target_compile_definitions(opcv_dlib_house_flags INTERFACE
         $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)

@@ -31,7 +31,16 @@ public:
     uint8_t* data() { return data_; }
     size_t size() const { return size_; }
 
+    // From here on a write to the block ends the test.
+    void makeReadOnly() { protect(PROT_READ); }
+    void makeWritable() { protect(PROT_READ | PROT_WRITE); }
+
 private:
+    void protect(int access) {
+        const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        mprotect(mapped_ + page, mappedSize_ - 2 * page, access);
+    }
+
     size_t size_;
     size_t mappedSize_ = 0;
     uint8_t* mapped_ = nullptr;

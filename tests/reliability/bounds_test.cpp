@@ -1,0 +1,91 @@
+// Every function on images that end at a page that cannot be touched, and on images that begin behind one: it reads no
+// byte but those of the margin that it documents and writes none but those of its output. What is only read lies in
+// read-only pages. What pads the rows differs between the two and must not show.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include "reliability/catalogue.h"
+
+namespace {
+
+constexpr int kWidest = 300;
+
+// Emulation and instrumentation take their time.
+#if defined(__aarch64__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kVariantsPerWidth = 1;
+#else
+constexpr int kVariantsPerWidth = 8;
+#endif
+
+// Says which case has touched a fence.
+class Announcement {
+public:
+    Announcement() {
+        struct sigaction action {};
+        action.sa_handler = report;
+        action.sa_flags = static_cast<int>(SA_RESETHAND);
+        sigaction(SIGSEGV, &action, &before_);
+    }
+    Announcement(const Announcement&) = delete;
+    Announcement& operator=(const Announcement&) = delete;
+    ~Announcement() { sigaction(SIGSEGV, &before_, nullptr); }
+
+    void say(const Entry& entry, const Case::Setting& setting, const char* fence) {
+        std::snprintf(text_.data(), text_.size(), "%s, variant %d, %d x %d, fence %s\n", entry.name.c_str(),
+                      setting.variant, setting.size.width, setting.size.height, fence);
+    }
+    static std::string text() { return text_.data(); }
+
+private:
+    static void report(int /*signal*/) {
+        const auto written = write(STDERR_FILENO, text_.data(), std::strlen(text_.data()));
+        static_cast<void>(written);
+    }
+
+    static std::array<char, 200> text_;
+    struct sigaction before_ {};
+};
+
+std::array<char, 200> Announcement::text_{};
+
+Bytes outputBetweenFences(const Entry& entry, const Case::Setting& setting, Fenced& memory) {
+    memory.reuse();
+    Case c(setting, memory);
+    entry.prepare(c);
+    c.restore();
+    EXPECT_EQ(c.run(), 0) << Announcement::text();
+    EXPECT_EQ(c.strayWrites(), "") << Announcement::text();
+    return c.takeOutput();
+}
+
+void expectBoundsKept(const Entry& entry, Announcement& announcement) {
+    Fenced endAtFence(FencedMemory::Fence::kBehind);
+    Fenced beginAtFence(FencedMemory::Fence::kInFront);
+    // Over the widths every variant has its turn.
+    int variant = 0;
+    for (int width = 1; width <= kWidest; ++width)
+        for (int i = 0; i < std::min(entry.variants, kVariantsPerWidth); ++i) {
+            variant = (variant + 1) % entry.variants;
+            Case::Setting setting;
+            setting.variant = variant;
+            setting.seed = static_cast<unsigned>(width);
+            setting.size = {width, 1 + (width + variant) % 4};
+            announcement.say(entry, setting, "behind");
+            const Bytes behind = outputBetweenFences(entry, setting, endAtFence);
+            setting.otherPadding = true;
+            announcement.say(entry, setting, "in front");
+            ASSERT_EQ(outputBetweenFences(entry, setting, beginAtFence), behind) << Announcement::text();
+        }
+}
+
+TEST(Bounds, NoByteTooManyIsReadOrWritten) {
+    Announcement announcement;
+    for (const Entry& entry : catalogue()) expectBoundsKept(entry, announcement);
+}
+
+}    // namespace

@@ -1,0 +1,68 @@
+// A case for every exported function. The tests of this folder and of tests/memory loop over it, so that what is tried
+// on one function is tried on all of them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "reliability/case.h"
+
+// How a call ends when memory runs out.
+struct OutOfMemory {
+    bool allocates = true;
+    int status = ippStsNoMemErr;
+    bool throws = false;    // OpenCV's cv::Exception or std::bad_alloc may pass instead
+    bool silent = false;    // without a status: the output is whole or nothing is written
+
+    static constexpr OutOfMemory never() { return {false, 0, false, false}; }
+    static constexpr OutOfMemory answers(int status) { return {true, status, false, false}; }
+    static constexpr OutOfMemory answersOrThrows(int status) { return {true, status, true, false}; }
+    static constexpr OutOfMemory saysNothing() { return {true, 0, true, true}; }
+};
+
+struct Entry {
+    std::string name;    // without the parameter types
+    int variants;        // masks, anchors, depths, ...
+    OutOfMemory outOfMemory;
+    std::function<void(Case&)> prepare;
+};
+
+using Entries = std::vector<Entry>;
+
+Entries coreEntries();
+Entries rankEntries();
+Entries geometryEntries();
+Entries jpegEntries();
+Entries pixelEntries();
+Entries filterEntries();
+
+// All of them.
+const Entries& catalogue();
+
+// Shapes that several subsystems share.
+
+struct Window {
+    IppiSize mask;
+    IppiPoint anchor;
+};
+
+// Small masks with every anchor in them and in a ring around them, others with a few.
+std::vector<Window> windowsOf(const std::vector<IppiSize>& small, const std::vector<IppiSize>& large);
+
+// A page record that is only read. What pads its rows is either no part of the page or counts as image.
+struct Page {
+    KVIMG* record;
+    KVImageDescriptionHandle description;
+};
+enum class Rows { kPixelsOnly, kWhole };
+
+Page pageOf(Case& c, int depth, Rows rows);
+
+// Without an indeterminate byte in it.
+KVImageDescription descriptionOf(IppiSize size, int depth);
+
+template <class T>
+const T& pick(const std::vector<T>& values, int index) {
+    return values[static_cast<size_t>(index) % values.size()];
+}

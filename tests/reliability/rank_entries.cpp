@@ -1,0 +1,177 @@
+// Medians and morphology.
+#include <opencv2/core.hpp>
+
+#include "reliability/catalogue.h"
+
+namespace {
+
+// What the windows of a region read around it.
+Margin marginOf(const Window& w) {
+    return {w.anchor.x, w.anchor.y, w.mask.width - 1 - w.anchor.x, w.mask.height - 1 - w.anchor.y};
+}
+
+// The windows and the region, for calls in place.
+Margin marginInPlace(const Margin& m) {
+    return {std::max(m.left, 0), std::max(m.top, 0), std::max(m.right, 0), std::max(m.bottom, 0)};
+}
+
+struct Images {
+    Image src;
+    Image dst;
+};
+
+// One call in eight is in place.
+Images imagesUnder(Case& c, int pixelSize, const Margin& margin, const Margin& marginOfCopy) {
+    // Rows are long enough for the larger of the two, whichever is read.
+    const int padding = pixelSize * (marginOfCopy.right - margin.right + c.random.between(0, 3));
+    if (c.random.between(1, 8) == 1) {
+        const Image both = c.sourceAndTarget({c.size, pixelSize, marginInPlace(marginOfCopy), padding});
+        c.lostByOpenCV = 1;
+        return {both, both};
+    }
+    return {c.source({c.size, pixelSize, margin, padding}), c.target({c.size, pixelSize})};
+}
+
+const std::vector<Window>& medianWindows() {
+    static const std::vector<Window> windows =
+        windowsOf({{3, 3}, {5, 5}, {1, 1}}, {{7, 7}, {9, 9}, {11, 11}, {17, 17}});
+    return windows;
+}
+
+void noteLostBlock(Case& c, const Window& w) {
+    constexpr int kLargestOwn = 9;
+    if (w.mask.width > kLargestOwn) c.lostByOpenCV = 1;
+}
+
+using Median = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, IppiSize, IppiPoint);
+
+std::function<void(Case&)> median(Median filter, int pixelSize) {
+    return [filter, pixelSize](Case& c) {
+        const Window& w = pick(medianWindows(), c.variant);
+        const auto [src, dst] = imagesUnder(c, pixelSize, marginOf(w), marginOf(w));
+        noteLostBlock(c, w);
+        c.call = [&c, &w, filter, src = src, dst = dst] {
+            return filter(src.data, src.step, dst.data, dst.step, c.size, w.mask, w.anchor);
+        };
+    };
+}
+
+// OpenCV takes 16 bits up to 5 x 5 only; those windows come first.
+void medianOfAnyType(Case& c) {
+    constexpr int kWindowsOfAnyType = 25 + 49 + 9;
+    const int windows = static_cast<int>(medianWindows().size());
+    const bool wide = c.variant >= 2 * windows;
+    const int type = wide ? CV_16UC1 : c.variant >= windows ? CV_8UC4 : CV_8UC1;
+    const Window& w = pick(medianWindows(), wide ? (c.variant - 2 * windows) % kWindowsOfAnyType : c.variant);
+    const auto [src, dst] = imagesUnder(c, static_cast<int>(CV_ELEM_SIZE(type)), marginOf(w), marginOf(w));
+    if (type != CV_8UC1) c.lostByOpenCV = 1;
+    noteLostBlock(c, w);
+    c.call = [&c, &w, type, src = src, dst = dst] {
+        return ippiFilterMedian(src.data, src.step, type, dst.data, dst.step, c.size, w.mask, w.anchor);
+    };
+}
+
+using CodedMedian = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, int);
+
+// A fixed window; the code is a mask or a weight.
+std::function<void(Case&)> codedMedian(CodedMedian filter, const std::vector<int>& codes, int pixelSize) {
+    return [=](Case& c) {
+        const int code = pick(codes, c.variant);
+        const Image src = c.source({c.size, pixelSize, Margin::all(code == 55 ? 2 : 1)});
+        const Image dst = c.target({c.size, pixelSize});
+        c.call = [&c, filter, src, dst, code] { return filter(src.data, src.step, dst.data, dst.step, c.size, code); };
+    };
+}
+
+using UncheckedMedian = void (*)(const unsigned char*, int, unsigned char*, int, int, int);
+
+std::function<void(Case&)> uncheckedMedian(UncheckedMedian filter, int reach, int pixelSize) {
+    return [=](Case& c) {
+        const Image src = c.source({c.size, pixelSize, Margin::all(reach)});
+        const Image dst = c.target({c.size, pixelSize});
+        c.call = [&c, filter, src, dst] {
+            filter(src.data, src.step, dst.data, dst.step, c.size.width, c.size.height);
+            return 0;
+        };
+    };
+}
+
+const std::vector<Window>& morphologyWindows() {
+    static const std::vector<Window> windows =
+        windowsOf({{3, 3}, {1, 1}, {2, 2}, {4, 1}, {1, 3}, {5, 5}}, {{8, 8}, {9, 17}, {33, 3}, {66, 66}});
+    return windows;
+}
+
+// Where OpenCV does the work, an even mask reads one more pixel.
+Margin marginOfOpenCV(const Window& w) {
+    Margin m = marginOf(w);
+    m.right += 1 - w.mask.width % 2;
+    m.bottom += 1 - w.mask.height % 2;
+    return m;
+}
+
+Images imagesUnderMask(Case& c, const Window& w, bool large) {
+    return imagesUnder(c, 1, large ? marginOfOpenCV(w) : marginOf(w), marginOfOpenCV(w));
+}
+
+using Rectangle = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, IppiSize, IppiPoint);
+
+std::function<void(Case&)> underRectangle(Rectangle filter) {
+    return [filter](Case& c) {
+        const Window& w = pick(morphologyWindows(), c.variant);
+        const auto [src, dst] = imagesUnderMask(c, w, w.mask.width > 64);
+        c.call = [&c, &w, filter, src = src, dst = dst] {
+            return filter(src.data, src.step, dst.data, dst.step, c.size, w.mask, w.anchor);
+        };
+    };
+}
+
+using Masked = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, const unsigned char*, IppiSize,
+                             IppiPoint);
+
+std::function<void(Case&)> underMask(Masked filter) {
+    return [filter](Case& c) {
+        const Window& w = pick(morphologyWindows(), c.variant);
+        Bytes cells(static_cast<size_t>(w.mask.width) * static_cast<size_t>(w.mask.height));
+        const int percent = c.random.chance(50) ? 100 : 60;
+        for (uint8_t& cell : cells) cell = c.random.chance(percent) ? 7 : 0;
+        cells[cells.size() / 2] = 1;
+        const unsigned char* mask = c.sourceOf(cells);
+        const auto [src, dst] = imagesUnderMask(c, w, cells.size() > 256);
+        c.call = [&c, &w, filter, mask, src = src, dst = dst] {
+            return filter(src.data, src.step, dst.data, dst.step, c.size, mask, w.mask, w.anchor);
+        };
+    };
+}
+
+}    // namespace
+
+Entries rankEntries() {
+    const auto medians = static_cast<int>(medianWindows().size());
+    const auto masks = static_cast<int>(morphologyWindows().size());
+    const OutOfMemory framed = OutOfMemory::answersOrThrows(ippStsNoMemErr);
+    const OutOfMemory never = OutOfMemory::never();
+    return {
+        {"IPPShare_ippiFilterMedian_8u_C1R", medians, framed, median(IPPShare_ippiFilterMedian_8u_C1R, 1)},
+        {"IPPShare_ippiFilterMedian_8u_C3R", medians, framed, median(IPPShare_ippiFilterMedian_8u_C3R, 3)},
+        {"IPPMini_ippiFilterMedian_8u_C1R", medians, framed, median(IPPMini_ippiFilterMedian_8u_C1R, 1)},
+        {"ippiFilterMedian", 3 * medians, framed, medianOfAnyType},
+        {"IPPShare_ippiFilterMedianCross_8u_C1R", 2, never,
+         codedMedian(IPPShare_ippiFilterMedianCross_8u_C1R, {33, 55}, 1)},
+        {"IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R", 2, never,
+         codedMedian(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, {3, 5}, 1)},
+        {"IPPShare_ippiFilterMedianColor_8u_C3R", 1, never,
+         codedMedian(IPPShare_ippiFilterMedianColor_8u_C3R, {33}, 3)},
+        {"FilterMedianCross3x3_8u_C1R", 1, never, uncheckedMedian(FilterMedianCross3x3_8u_C1R, 1, 1)},
+        {"FilterMedianCross5x5_8u_C1R", 1, never, uncheckedMedian(FilterMedianCross5x5_8u_C1R, 2, 1)},
+        {"FilterMedianWeightedCenter3x3_3_8u_C1R", 1, never,
+         uncheckedMedian(FilterMedianWeightedCenter3x3_3_8u_C1R, 1, 1)},
+        {"FilterMedianWeightedCenter3x3_5_8u_C1R", 1, never,
+         uncheckedMedian(FilterMedianWeightedCenter3x3_5_8u_C1R, 1, 1)},
+        {"FilterMedianColor3x3_8u_C3R", 1, never, uncheckedMedian(FilterMedianColor3x3_8u_C3R, 1, 3)},
+        {"IPPShare_ippiDilate_8u_C1R", masks, framed, underMask(IPPShare_ippiDilate_8u_C1R)},
+        {"IPPShare_ippiErode_8u_C1R", masks, framed, underMask(IPPShare_ippiErode_8u_C1R)},
+        {"IPPMini_ippiFilterMax_8u_C1R", masks, framed, underRectangle(IPPMini_ippiFilterMax_8u_C1R)},
+        {"IPPMini_ippiFilterMin_8u_C1R", masks, framed, underRectangle(IPPMini_ippiFilterMin_8u_C1R)},
+    };
+}

@@ -1,0 +1,78 @@
+// All functions at once on eight threads, each thread in an order of its own: every output is that of one thread alone.
+// Runs under the thread sanitizer as well.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <opencv2/core.hpp>
+#include <thread>
+
+#include "reliability/catalogue.h"
+
+namespace {
+
+constexpr int kThreads = 8;
+constexpr int kVariantsOfEach = 3;
+
+struct Prepared {
+    std::unique_ptr<Memory> memory = std::make_unique<Heap>();
+    std::unique_ptr<Case> call;
+    const Entry* entry = nullptr;
+};
+
+// One case after the other, all of the catalogue.
+std::vector<Prepared> prepareAll() {
+    std::vector<Prepared> all;
+    for (const Entry& entry : catalogue())
+        for (int i = 0; i < std::min(entry.variants, kVariantsOfEach); ++i) {
+            Case::Setting setting;
+            setting.seed = static_cast<unsigned>(i) + 1;
+            setting.variant = i * entry.variants / kVariantsOfEach;
+            setting.size = {61, 47};
+            Prepared prepared;
+            prepared.entry = &entry;
+            prepared.call = std::make_unique<Case>(setting, *prepared.memory);
+            entry.prepare(*prepared.call);
+            all.push_back(std::move(prepared));
+        }
+    return all;
+}
+
+Bytes outputOf(Case& c) {
+    c.restore();
+    const int status = c.run();
+    Bytes output = c.takeOutput();
+    output.push_back(status == 0 && c.strayWrites().empty() ? 1 : 0);
+    return output;
+}
+
+// Runs all cases from a place of its own on, and counts those that end otherwise than alone.
+void runAll(int thread, const std::vector<Bytes>& expected, std::atomic<int>& different) {
+    std::vector<Prepared> cases = prepareAll();
+    const size_t first = static_cast<size_t>(thread) * cases.size() / kThreads;
+    for (size_t i = 0; i < cases.size(); ++i) {
+        const size_t which = (first + i) % cases.size();
+        if (outputOf(*cases[which].call) != expected[which]) {
+            ++different;
+            ADD_FAILURE() << cases[which].entry->name;
+        }
+    }
+}
+
+TEST(Threads, EightCallersGetWhatOneGets) {
+#if defined(__SANITIZE_THREAD__)
+    cv::setNumThreads(1);    // OpenCV's own threads are not instrumented
+#endif
+    std::vector<Bytes> expected;
+    for (Prepared& prepared : prepareAll()) {
+        expected.push_back(outputOf(*prepared.call));
+        EXPECT_EQ(expected.back().back(), 1) << prepared.entry->name;
+    }
+
+    std::atomic<int> different{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) threads.emplace_back([&, t] { runAll(t, expected, different); });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(different, 0);
+}
+
+}    // namespace
