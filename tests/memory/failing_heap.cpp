@@ -1,9 +1,13 @@
 #include "failing_heap.h"
 
+#include <malloc.h>
+
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 // The C library's allocator under its internal names, which cannot be taken over.
@@ -44,6 +48,7 @@ thread_local bool failed = false;
 thread_local bool tracking = false;
 thread_local long untilFailure = 0;
 LiveBlocks live;    // of the one thread that arms
+std::atomic<int> fillByte{-1};
 
 bool mustFail() {
     if (!armed) return false;
@@ -59,7 +64,16 @@ void* tracked(void* block) {
     return block;
 }
 
-void* allocate(size_t size) { return mustFail() ? nullptr : tracked(__libc_malloc(size)); }
+// From its byte `kept` on, as far as the block may be used.
+void* filled(void* block, size_t kept = 0) {
+    const int byte = fillByte.load(std::memory_order_relaxed);
+    if (!block || byte < 0) return block;
+    const size_t usable = malloc_usable_size(block);
+    if (usable > kept) std::memset(static_cast<uint8_t*>(block) + kept, byte, usable - kept);
+    return block;
+}
+
+void* allocate(size_t size) { return mustFail() ? nullptr : filled(tracked(__libc_malloc(size))); }
 
 void release(void* block) {
     if (tracking && block) live.remove(block);
@@ -81,10 +95,11 @@ void free(void* block) { release(block); }
 void* realloc(void* block, size_t size) {
     if (mustFail()) return nullptr;
     if (tracking && block) live.remove(block);
-    return tracked(__libc_realloc(block, size));
+    const size_t kept = block ? malloc_usable_size(block) : 0;
+    return filled(tracked(__libc_realloc(block, size)), kept);
 }
 void* memalign(size_t alignment, size_t size) {
-    return mustFail() ? nullptr : tracked(__libc_memalign(alignment, size));
+    return mustFail() ? nullptr : filled(tracked(__libc_memalign(alignment, size)));
 }
 void* aligned_alloc(size_t alignment, size_t size) { return memalign(alignment, size); }
 int posix_memalign(void** out, size_t alignment, size_t size) {
@@ -117,5 +132,7 @@ bool FailingHeap::disarm() {
     armed = false;
     return failed;
 }
+
+void FailingHeap::fillWith(int byte) { fillByte = byte; }
 
 size_t FailingHeap::liveBlocks() { return live.count(); }

@@ -14,6 +14,9 @@ public:
     // Ends the counting. Whether an allocation was made to fail.
     static bool disarm();
 
+    // New blocks hold this byte, of all threads; a negative value leaves them as they are.
+    static void fillWith(int byte);
+
     // Blocks that were allocated while armed and are still there. A block that the call has handed over counts.
     static size_t liveBlocks();
 };

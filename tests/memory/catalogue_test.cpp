@@ -1,0 +1,60 @@
+// The whole catalogue on a heap that fails, and on a heap whose blocks come with other bytes in them.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+#include <sstream>
+
+#include "failing_heap.h"
+#include "observation.h"
+#include "reliability/catalogue.h"
+
+namespace {
+
+TEST(OutOfMemory, EveryFunctionSaysSoAndKeepsNothing) {
+    for (size_t i = 0; i < catalogue().size(); ++i) EXPECT_EQ(observations()[i].fault, "") << catalogue()[i].name;
+}
+
+// The counts are those of Debian's OpenCV and libjpeg on x86-64.
+#if defined(__x86_64__)
+TEST(OutOfMemory, TheDocumentHoldsTheTable) {
+    std::ifstream file(RELIABILITY_DOCUMENT);
+    std::stringstream document;
+    document << file.rdbuf();
+    EXPECT_NE(document.str().find(failureTable()), std::string::npos)
+        << "docs/reliability.md needs what \"memory_tests --table\" prints";
+}
+#endif
+
+// Deep enough for the frames of any call.
+[[gnu::noinline]] void fillStack(int byte) {
+    std::array<volatile uint8_t, size_t{96} * 1024> bytes;
+    for (volatile uint8_t& b : bytes) b = static_cast<uint8_t>(byte);
+}
+
+Bytes outputAfterFilling(Case& c, int byte) {
+    c.restore();
+    FailingHeap::fillWith(byte);
+    fillStack(byte);
+    const int status = c.run();
+    FailingHeap::fillWith(-1);
+    EXPECT_EQ(status, 0);
+    return c.takeOutput();
+}
+
+TEST(Uninitialised, NoByteReachesTheCaller) {
+    for (const Entry& entry : catalogue())
+        for (int variant = 0; variant < entry.variants; ++variant) {
+            SCOPED_TRACE(entry.name + ", variant " + std::to_string(variant));
+            Heap heap;
+            Case::Setting setting;
+            setting.seed = 900 + static_cast<unsigned>(variant);
+            setting.variant = variant;
+            Case c(setting, heap);
+            entry.prepare(c);
+            const Bytes one = outputAfterFilling(c, 0xA5);
+            ASSERT_EQ(outputAfterFilling(c, 0x5A), one);
+        }
+}
+
+}    // namespace

@@ -1,0 +1,25 @@
+// What every function of the catalogue does when its allocations fail.
+#pragma once
+
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "reliability/catalogue.h"
+
+struct Observation {
+    long fewestAllocations = LONG_MAX;    // in a call that succeeds
+    long mostAllocations = 0;
+    bool answers = false;        // says so by its status
+    bool throws = false;         // OpenCV's exception or std::bad_alloc passes
+    bool leaves = false;         // says nothing and leaves the output as it was
+    bool doesWithout = false;    // succeeds all the same
+    bool losesABlock = false;    // of OpenCV's
+    std::string fault;           // what is not as documented; empty if all is
+};
+
+// Of each entry of the catalogue, in its order.
+const std::vector<Observation>& observations();
+
+// All of them as the table of docs/reliability.md.
+std::string failureTable();
