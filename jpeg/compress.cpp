@@ -1,11 +1,10 @@
 // Compression of rasters into a vector and of records into a block of their own.
 #include <climits>
-#include <cstdlib>
-#include <cstring>
-#include <exception>
+#include <vector>
 
 #include "OPCV_dlib.h"
 #include "jpeg/KVCompress.h"
+#include "jpeg/block_destination.h"
 
 namespace {
 
@@ -24,32 +23,55 @@ struct Resolution {
     int y;
 };
 
-// libjpeg's tables, or with `own` the library's, scaled by a quality from 1 to 100.
-struct Quality {
-    int percent;
-    bool own;
-    const unsigned* luminance;
-    const unsigned* chrominance;
-
-    void applyTo(KVCompress& encoder) const {
-        if (own)
-            encoder.SetQuality(percent, luminance, chrominance);
-        else
-            encoder.SetQuality(percent);
-    }
-};
-
 using Init = bool (KVCompress::*)(int width, int height, int bufferSize, std::vector<unsigned char>& out);
 using Layout = void (KVCompress::*)();
 
-bool encode(const Raster& raster, Init init, const Quality& quality, Layout layout, Resolution resolution,
-            std::vector<unsigned char>& out) {
-    KVCompress encoder;
-    if (!(encoder.*init)(raster.width, raster.height, kWorkBuffer, out)) return false;
-    quality.applyTo(encoder);
-    (encoder.*layout)();
+// libjpeg's tables, or with `own` the library's, scaled by a quality from 1 to 100.
+struct Style {
+    Init init;
+    Layout layout;
+    int quality;
+    bool own;
+
+    void applyTo(KVCompress& encoder) const {
+        const bool colour = init == &KVCompress::InitWithRGB;
+        if (own)
+            encoder.SetQuality(quality, g_customLuminanceQuant, colour ? g_customChrominanceQuant : nullptr);
+        else
+            encoder.SetQuality(quality);
+        (encoder.*layout)();
+    }
+};
+
+Style greyStyle(int quality, bool own) {
+    return {&KVCompress::InitWithGray, &KVCompress::SetOutImageGray444, quality, own};
+}
+Style fullColourStyle(int quality, bool own) {
+    return {&KVCompress::InitWithRGB, &KVCompress::SetOutImageYCbCr444, quality, own};
+}
+Style subsampledStyle(int quality) {
+    return {&KVCompress::InitWithRGB, &KVCompress::SetOutImageYCbCr411, quality, false};
+}
+
+// Everything but Init, which has the encoder write to a vector through its work buffer.
+bool encodeWith(KVCompress& encoder, const Raster& raster, const Style& style, Resolution resolution) {
+    style.applyTo(encoder);
     encoder.SetResolution(kDotsPerInch, resolution.y, resolution.x);
     return encoder.Compress(raster.pixels, raster.rowBytes, DEFAULT_CREATOR, sizeof(DEFAULT_CREATOR));
+}
+
+bool encode(const Raster& raster, const Style& style, Resolution resolution, std::vector<unsigned char>& out) {
+    KVCompress encoder;
+    return (encoder.*style.init)(raster.width, raster.height, kWorkBuffer, out) &&
+           encodeWith(encoder, raster, style, resolution);
+}
+
+bool encode(const Raster& raster, const Style& style, Resolution resolution, BlockDestination& destination) {
+    KVCompress encoder;
+    std::vector<unsigned char> unused;
+    if (!(encoder.*style.init)(raster.width, raster.height, 0, unused)) return false;
+    destination.attachTo(encoder.cinfo);
+    return encodeWith(encoder, raster, style, resolution);
 }
 
 // The mode codes with their three columns of qualities, which differ on purpose.
@@ -70,53 +92,35 @@ bool qualityOf(int code, int Mode::*column, int& quality) {
     return false;
 }
 
-bool encodeWithOwnTables(const KVIMG& image, int quality, Resolution resolution, std::vector<unsigned char>& out) {
-    const auto encoder = image.depth == 8 ? CompressGray2Gray444 : CompressRGB2YCbCr444;
-    return encoder(image.data, image.rowBytes, image.width, image.height, out, quality, resolution.y, resolution.x,
-                   true);
+Style withOwnTables(int depth, int quality) {
+    return depth == 8 ? greyStyle(quality, true) : fullColourStyle(quality, true);
 }
 
-bool encodeSubsampled(const KVIMG& image, int quality, Resolution resolution, std::vector<unsigned char>& out) {
-    if (image.depth == 8)
-        return CompressGray2Gray444(image.data, image.rowBytes, image.width, image.height, out, quality, resolution.y,
-                                    resolution.x, false);
-    return CompressRGB2YCbCr411(image.data, image.rowBytes, image.width, image.height, out, quality, resolution.y,
-                                resolution.x);
-}
+Style subsampled(int depth, int quality) { return depth == 8 ? greyStyle(quality, false) : subsampledStyle(quality); }
 
-using RecordEncoder = bool (*)(const KVIMG& image, int quality, Resolution resolution, std::vector<unsigned char>& out);
+using StyleOfDepth = Style (*)(int depth, int quality);
 
-// Memory that runs out is a failed encoding like any other.
-bool encodeRecord(RecordEncoder encoder, const KVIMG& image, int quality, Resolution resolution,
-                  std::vector<unsigned char>& out) {
-    try {
-        return encoder(image, quality, resolution, out) && out.size() <= UINT_MAX;
-    } catch (const std::exception&) {
-        return false;
-    }
-}
-
-OSErr compressRecord(const KVIMG* image, Resolution resolution, int mode, int Mode::*column, RecordEncoder encoder,
+OSErr compressRecord(const KVIMG* image, Resolution resolution, int mode, int Mode::*column, StyleOfDepth styleOfDepth,
                      void** outData, unsigned* outSize) {
     if (!outData || !outSize || !image || !image->data || image->width <= 0 || image->height <= 0) return paramErr;
     int quality = 0;
     if (!qualityOf(mode, column, quality)) return paramErr;
     if (image->depth != 8 && image->depth != 24) return paramErr;
 
-    std::vector<unsigned char> stream;
-    if (!encodeRecord(encoder, *image, quality, resolution, stream)) return memFullErr;
-    *outSize = static_cast<unsigned>(stream.size());
-    *outData = std::malloc(stream.size());
-    if (!*outData) return memFullErr;
-    std::memcpy(*outData, stream.data(), stream.size());
-    return noErr;
+    const Raster raster = {image->data, image->rowBytes, image->width, image->height};
+    BlockDestination stream;
+    if (!encode(raster, styleOfDepth(image->depth, quality), resolution, stream)) return memFullErr;
+    if (stream.length() > UINT_MAX) return memFullErr;
+    *outSize = static_cast<unsigned>(stream.length());
+    *outData = stream.take().release();
+    return *outData ? noErr : memFullErr;
 }
 
 OSErr compressDescribed(const KVIMG* image, KVImageDescriptionHandle description, int mode, int Mode::*column,
                         void** outData, unsigned* outSize) {
     if (!image || !description || !*description) return paramErr;
     const Resolution resolution = {(*description)->horizontalResolution, (*description)->verticalResolution};
-    return compressRecord(image, resolution, mode, column, encodeSubsampled, outData, outSize);
+    return compressRecord(image, resolution, mode, column, subsampled, outData, outSize);
 }
 
 }    // namespace
@@ -124,27 +128,24 @@ OSErr compressDescribed(const KVIMG* image, KVImageDescriptionHandle description
 bool CompressGray2Gray444(const unsigned char* pixels, int rowBytes, int width, int height,
                           std::vector<unsigned char>& out, int quality, int yResolution, int xResolution,
                           bool useCustomTables) {
-    return encode({pixels, rowBytes, width, height}, &KVCompress::InitWithGray,
-                  {quality, useCustomTables, g_customLuminanceQuant, nullptr}, &KVCompress::SetOutImageGray444,
-                  {xResolution, yResolution}, out);
+    return encode({pixels, rowBytes, width, height}, greyStyle(quality, useCustomTables), {xResolution, yResolution},
+                  out);
 }
 
 bool CompressRGB2YCbCr444(const unsigned char* pixels, int rowBytes, int width, int height,
                           std::vector<unsigned char>& out, int quality, int yResolution, int xResolution,
                           bool useCustomTables) {
-    return encode({pixels, rowBytes, width, height}, &KVCompress::InitWithRGB,
-                  {quality, useCustomTables, g_customLuminanceQuant, g_customChrominanceQuant},
-                  &KVCompress::SetOutImageYCbCr444, {xResolution, yResolution}, out);
+    return encode({pixels, rowBytes, width, height}, fullColourStyle(quality, useCustomTables),
+                  {xResolution, yResolution}, out);
 }
 
 bool CompressRGB2YCbCr411(const unsigned char* pixels, int rowBytes, int width, int height,
                           std::vector<unsigned char>& out, int quality, int yResolution, int xResolution) {
-    return encode({pixels, rowBytes, width, height}, &KVCompress::InitWithRGB, {quality, false, nullptr, nullptr},
-                  &KVCompress::SetOutImageYCbCr411, {xResolution, yResolution}, out);
+    return encode({pixels, rowBytes, width, height}, subsampledStyle(quality), {xResolution, yResolution}, out);
 }
 
 OSErr CompressJPEG(const KVIMG* image, int resolution, int mode, void** outData, unsigned* outSize) {
-    return compressRecord(image, {resolution, resolution}, mode, &Mode::plain, encodeWithOwnTables, outData, outSize);
+    return compressRecord(image, {resolution, resolution}, mode, &Mode::plain, withOwnTables, outData, outSize);
 }
 
 OSErr CompressJPEGEx(const KVIMG* image, KVImageDescriptionHandle description, int mode, void** outData,

@@ -6,6 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include <malloc.h>
+
 #include "OPCV_dlib.h"
 #include "jpeg/KVCompress.h"
 #include "oracle/jpeg.h"
@@ -159,6 +161,16 @@ TEST(CompressJPEG, WritesLargeStreamsWhole) {
     Fixture f(24, 6, {800, 800});
     const Result result = run(plainAt300, &f.image, nullptr, 788);
     EXPECT_EQ(result.stream, f.expected(f.settings(95, true, 1, 300, 300)));
+}
+
+TEST(CompressJPEG, HandsOutABlockOfTheStreamsSize) {
+    Fixture f(24, 5, {500, 400});
+    void* data = nullptr;
+    unsigned size = 0;
+    ASSERT_EQ(CompressJPEG(&f.image, 300, 788, &data, &size), noErr);
+    const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
+    constexpr size_t kOfThePage = 8192;    // the heap rounds up
+    EXPECT_LT(malloc_usable_size(data), size + kOfThePage);
 }
 
 TEST(CompressJPEG, StreamRunsFromStartToEndOfImage) {

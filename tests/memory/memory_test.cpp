@@ -217,6 +217,7 @@ public:
     }
     Bytes takeOutput() override {
         const std::unique_ptr<void, void (*)(void*)> owner(data_, std::free);
+        length_ = size_;
         return {static_cast<uint8_t*>(data_), static_cast<uint8_t*>(data_) + size_};
     }
     int noMemory() const override { return memFullErr; }
@@ -226,7 +227,7 @@ public:
         if (data_)
             ASSERT_TRUE(data_ == &size_ && size_ == kUnset);
         else
-            ASSERT_NE(size_, kUnset);
+            ASSERT_EQ(size_, length_);
     }
 
 private:
@@ -237,6 +238,7 @@ private:
     KVImageDescription description_{0, 0, 300, 200, 0, 0};
     void* data_ = nullptr;
     unsigned size_ = 0;
+    unsigned length_ = 0;    // of the whole stream
 };
 
 OSErr compressPlain(const KVIMG* image, KVImageDescriptionHandle /*unused*/, int mode, void** data, unsigned* size) {
