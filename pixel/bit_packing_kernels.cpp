@@ -1,13 +1,12 @@
-// Bit packing between 1-bit rows (most significant bit first) and grey rows, in blocks of 128 pixels: 16 bytes of bits
-// against 128 bytes of grey.
+// Bit packing between 1-bit rows (most significant bit first) and grey rows.
 //
-//     bit offset 3:   byte 0            byte 1                    byte 16
-//                     . . . 0 1 2 3 4   5 6 7 8 9 10 11 12  ...   125 ...    (numbers: pixels of the region)
-//                     |--------------- block 0 ---------------|   |--- block 1
+//     bit offset 3:   byte 0            byte 1                   byte 2                      last byte
+//                     . . . 0 1 2 3 4   5 6 7 8 9 10 11 12       13 14 15 16 17 18 19 20     21 22 . . . . . .
+//                     |--- head ----|   |------------- whole bytes ------------------|      |--- tail ---|
 //
-// Blocks start at byte boundaries of the bits, so that a bit offset only moves the grey side, which is loaded and
-// stored unaligned. A block that the region fills goes straight from row to row; the first and the last one go through
-// a block on the stack. No byte outside the region's own is read or written on either side.
+// Whole bytes go by vectors that start at byte boundaries of the bits, so that a bit offset only moves the grey side,
+// which is loaded and stored unaligned. Head and tail are the first and the last eight pixels of the region, moved within
+// their byte. No byte outside the region's own is read or written on either side.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -26,109 +25,134 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-constexpr ptrdiff_t kBlockBytes = 16;
-constexpr ptrdiff_t kBlockPixels = 8 * kBlockBytes;
-
 using D = hn::ScalableTag<uint8_t>;
+using DByte = hn::CappedTag<uint8_t, 8>;    // the pixels of one byte
 
-// One block of bits to 0 and 255: each lane fetches the byte that holds its bit and tests the bit.
-void expandBlock(const uint8_t* HWY_RESTRICT bits, uint8_t* HWY_RESTRICT grey) {
-    const D d;
-    const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(d));
+constexpr ptrdiff_t kBlockBytes = 16;
+
+// Bits to 0 and 255: each lane fetches the byte that holds its bit, counted from byteOfLane on, and tests the bit.
+template <class DPixels, class V>
+HWY_INLINE void expandVector(DPixels d, V bits, V byteOfLane, uint8_t* HWY_RESTRICT grey) {
     HWY_ALIGN static constexpr uint8_t kBits[16] = {128, 64, 32, 16, 8, 4, 2, 1, 128, 64, 32, 16, 8, 4, 2, 1};
-    const auto bit = hn::LoadDup128(d, kBits);
+    const auto byte = hn::TableLookupBytes(bits, byteOfLane);
+    hn::StoreU(hn::VecFromMask(d, hn::TestBit(byte, hn::LoadDup128(d, kBits))), d, grey);
+}
+
+HWY_INLINE hn::Vec<D> firstBytesOfLanes() {
     HWY_ALIGN static constexpr uint8_t kByteOfLane[64] = {
         0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3,
         4, 4, 4, 4, 4, 4, 4, 4, 5, 5, 5, 5, 5, 5, 5, 5, 6, 6, 6, 6, 6, 6, 6, 6, 7, 7, 7, 7, 7, 7, 7, 7};
-    const auto block = hn::LoadDup128(d, bits);
-    auto byteOfLane = hn::LoadU(d, kByteOfLane);
-    for (ptrdiff_t x = 0; x < kBlockPixels; x += lanes) {
-        const auto byte = hn::TableLookupBytes(block, byteOfLane);
-        hn::StoreU(hn::VecFromMask(d, hn::TestBit(byte, bit)), d, grey + x);
-        byteOfLane = hn::Add(byteOfLane, hn::Set(d, static_cast<uint8_t>(lanes / 8)));
-    }
+    return hn::LoadU(D(), kByteOfLane);
 }
 
-// One block of grey to bits. The comparison's lanes are collected from the lowest bit up, so each eight pixels are
-// reversed first.
-void packBlock(const uint8_t* HWY_RESTRICT grey, uint8_t threshold, uint8_t* HWY_RESTRICT bits) {
+HWY_INLINE void expandByte(unsigned bits, uint8_t* HWY_RESTRICT grey) {
+    const DByte d;
+    expandVector(d, hn::Set(d, static_cast<uint8_t>(bits)), hn::Zero(d), grey);
+}
+
+void expandBytes(const uint8_t* HWY_RESTRICT bits, ptrdiff_t bytes, uint8_t* HWY_RESTRICT grey) {
     const D d;
     const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(d));
-    HWY_ALIGN static constexpr uint8_t kReverse8[16] = {7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8};
-    const auto reverse8 = hn::LoadDup128(d, kReverse8);
-    const auto level = hn::Set(d, threshold);
-    for (ptrdiff_t x = 0; x < kBlockPixels; x += lanes) {
-        const auto pixels = hn::TableLookupBytes(hn::LoadU(d, grey + x), reverse8);
-        hn::StoreMaskBits(d, hn::Gt(pixels, level), bits + x / 8);
+    const auto next = hn::Set(d, static_cast<uint8_t>(lanes / 8));
+    ptrdiff_t byte = 0;
+    for (; byte + kBlockBytes <= bytes; byte += kBlockBytes) {
+        const auto block = hn::LoadDup128(d, bits + byte);
+        auto byteOfLane = firstBytesOfLanes();
+        for (ptrdiff_t x = 0; x < 8 * kBlockBytes; x += lanes) {
+            expandVector(d, block, byteOfLane, grey + 8 * byte + x);
+            byteOfLane = hn::Add(byteOfLane, next);
+        }
     }
+    for (; byte < bytes; ++byte) expandByte(bits[byte], grey + 8 * byte);
+}
+
+// Pixels above the level to bits. The comparison's lanes are collected from the lowest bit up, so each eight pixels are
+// reversed first.
+template <class DPixels>
+HWY_INLINE void packVector(DPixels d, const uint8_t* HWY_RESTRICT grey, uint8_t level, uint8_t* HWY_RESTRICT bits) {
+    HWY_ALIGN static constexpr uint8_t kReverse8[16] = {7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8};
+    const auto pixels = hn::TableLookupBytes(hn::LoadU(d, grey), hn::LoadDup128(d, kReverse8));
+    hn::StoreMaskBits(d, hn::Gt(pixels, hn::Set(d, level)), bits);
+}
+
+HWY_INLINE unsigned packByte(const uint8_t* HWY_RESTRICT grey, uint8_t level) {
+    uint8_t bits = 0;
+    packVector(DByte(), grey, level, &bits);
+    return bits;
+}
+
+void packBytes(const uint8_t* HWY_RESTRICT grey, ptrdiff_t bytes, uint8_t level, uint8_t* HWY_RESTRICT bits) {
+    const D d;
+    const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(d));
+    ptrdiff_t byte = 0;
+    for (; byte + kBlockBytes <= bytes; byte += kBlockBytes)
+        for (ptrdiff_t x = 0; x < 8 * kBlockBytes; x += lanes)
+            packVector(d, grey + 8 * byte + x, level, bits + byte + x / 8);
+    for (; byte < bytes; ++byte) packVector(DByte(), grey + 8 * byte, level, bits + byte);
 }
 
 // A row of bits as the region uses it.
 struct BitRow {
+    BitRow(ptrdiff_t bitOffset, ptrdiff_t pixels)
+        : offset(bitOffset),
+          width(pixels),
+          lead(-bitOffset & 7),
+          wholeBytes(std::max<ptrdiff_t>(pixels - lead, 0) / 8) {}
+
+    ptrdiff_t lastByte() const { return (offset + width - 1) / 8; }
+    // Bits of the last byte that belong to the region; 8 if they all do.
+    ptrdiff_t endOfLastByte() const { return (offset + width - 1) % 8 + 1; }
+    unsigned bitsBefore() const { return 0xFF00U >> offset & 0xFFU; }
+    unsigned bitsBehind() const { return 0xFFU >> endOfLastByte(); }
+
     ptrdiff_t offset;
     ptrdiff_t width;
-
-    ptrdiff_t end() const { return offset + width; }
-    ptrdiff_t bytes() const { return (end() + 7) / 8; }
+    ptrdiff_t lead;    // pixels that end at the first byte boundary
+    ptrdiff_t wholeBytes;
 };
 
-// The pixels of the region that lie in the block of bits that starts at a byte.
-struct BlockSpan {
-    BlockSpan(const BitRow& row, ptrdiff_t byte)
-        : start(8 * byte - row.offset),
-          first(std::max<ptrdiff_t>(start, 0)),
-          last(std::min(start + kBlockPixels, row.width)) {}
-
-    bool whole() const { return last - first == kBlockPixels; }
-    ptrdiff_t lead() const { return first - start; }
-    size_t count() const { return static_cast<size_t>(last - first); }
-
-    ptrdiff_t start;    // of the block; before the region where its first byte is shared
-    ptrdiff_t first;
-    ptrdiff_t last;    // exclusive
-};
-
-void expandRow(const uint8_t* bits, const BitRow& row, uint8_t* grey) {
-    uint8_t bitBlock[kBlockBytes] = {};
-    uint8_t greyBlock[kBlockPixels];
-    for (ptrdiff_t byte = 0; byte < row.bytes(); byte += kBlockBytes) {
-        const BlockSpan span(row, byte);
-        if (span.whole()) {
-            expandBlock(bits + byte, grey + span.first);
-        } else {
-            std::memcpy(bitBlock, bits + byte, static_cast<size_t>(std::min(kBlockBytes, row.bytes() - byte)));
-            expandBlock(bitBlock, greyBlock);
-            std::memcpy(grey + span.first, greyBlock + span.lead(), span.count());
-        }
-    }
+// Two bytes of bits as a number, the second one only if it belongs to the row.
+HWY_INLINE unsigned pairAt(const uint8_t* bits, ptrdiff_t byte, ptrdiff_t last) {
+    return static_cast<unsigned>(bits[byte]) << 8 | (byte < last ? bits[byte + 1] : 0U);
 }
 
-// Puts back the bits of a byte that lie around the region. They count as pixels of 255 or 0 and meet the same
+void expandRow(const uint8_t* bits, const BitRow& row, uint8_t* grey) {
+    const ptrdiff_t last = row.lastByte();
+    const unsigned first = pairAt(bits, 0, last) << row.offset >> 8;
+    if (row.width < 8) {
+        uint8_t pixels[8];
+        expandByte(first, pixels);
+        std::memcpy(grey, pixels, static_cast<size_t>(row.width));
+        return;
+    }
+    if (row.lead != 0) expandByte(first, grey);
+    expandBytes(bits + (row.lead != 0), row.wholeBytes, grey + row.lead);
+    if (row.endOfLastByte() != 8)
+        expandByte(pairAt(bits, last - 1, last) >> (8 - row.endOfLastByte()), grey + row.width - 8);
+}
+
+// Writes the bits of a byte that belong to the region. Those around it count as pixels of 255 or 0 and meet the same
 // threshold, so that 255 clears them.
-void keepBits(uint8_t& packed, uint8_t before, unsigned around, uint8_t threshold) {
-    const unsigned kept = threshold == 255 ? 0U : before & around;
-    packed = static_cast<uint8_t>((packed & ~around) | kept);
+HWY_INLINE void writeBits(unsigned packed, unsigned around, uint8_t threshold, uint8_t& byte) {
+    const unsigned kept = threshold == 255 ? 0U : byte & around;
+    byte = static_cast<uint8_t>((packed & ~around) | kept);
 }
 
 void packRow(const uint8_t* grey, const BitRow& row, uint8_t threshold, uint8_t* bits) {
-    const unsigned beforeRegion = 0xFF00U >> row.offset & 0xFFU;
-    const unsigned behindRegion = 0xFFU >> ((row.end() - 1) % 8 + 1);
-    uint8_t greyBlock[kBlockPixels] = {};
-    uint8_t bitBlock[kBlockBytes];
-    for (ptrdiff_t byte = 0; byte < row.bytes(); byte += kBlockBytes) {
-        const BlockSpan span(row, byte);
-        if (span.whole()) {
-            packBlock(grey + span.first, threshold, bits + byte);
-        } else {
-            std::memcpy(greyBlock + span.lead(), grey + span.first, span.count());
-            packBlock(greyBlock, threshold, bitBlock);
-            const ptrdiff_t count = std::min(kBlockBytes, row.bytes() - byte);
-            if (byte == 0) keepBits(bitBlock[0], bits[0], beforeRegion, threshold);
-            if (byte + count == row.bytes())
-                keepBits(bitBlock[count - 1], bits[byte + count - 1], behindRegion, threshold);
-            std::memcpy(bits + byte, bitBlock, static_cast<size_t>(count));
-        }
+    const ptrdiff_t last = row.lastByte();
+    if (row.width < 8) {
+        uint8_t pixels[8] = {};
+        std::memcpy(pixels, grey, static_cast<size_t>(row.width));
+        const unsigned packed = packByte(pixels, threshold) << 8 >> row.offset;
+        writeBits(packed >> 8, last == 0 ? row.bitsBefore() | row.bitsBehind() : row.bitsBefore(), threshold, bits[0]);
+        if (last != 0) writeBits(packed, row.bitsBehind(), threshold, bits[1]);
+        return;
     }
+    if (row.lead != 0) writeBits(packByte(grey, threshold) >> row.offset, row.bitsBefore(), threshold, bits[0]);
+    packBytes(grey + row.lead, row.wholeBytes, threshold, bits + (row.lead != 0));
+    if (row.endOfLastByte() != 8)
+        writeBits(packByte(grey + row.width - 8, threshold) << (8 - row.endOfLastByte()), row.bitsBehind(), threshold,
+                  bits[last]);
 }
 
 void expand(const uint8_t* src, int srcStep, int bitOffset, uint8_t* dst, int dstStep, int width, int height) {
