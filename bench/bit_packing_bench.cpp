@@ -5,49 +5,45 @@
 namespace {
 
 // The 1-bit side takes an eighth of a byte a pixel.
-size_t bytesMoved(IppiSize size) { return static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * 9 / 8; }
+size_t bitBytes(IppiSize size) { return bench::bytesOf(size, 1) / 8; }
 
 void comparePacking(IppiSize size, int offset) {
     const bench::Page& grey = bench::source(size, 1);
     bench::Page& bits = bench::target(size, 1);
     bench::Page& expected = bench::otherTarget(size, 1);
-    const std::string suffix = " offset " + std::to_string(offset);
-
     bench::compare(
-        bench::withSize("8u1u", size) + suffix,
+        {"IPPShare_ippiReduceBits_8u1u_C1R", "offset " + std::to_string(offset), size, bench::bytesOf(size, 1),
+         bitBytes(size)},
         [&grey, &bits, size, offset] {
             IPPShare_ippiReduceBits_8u1u_C1R(grey.data(), grey.step(), bits.data(), bits.step(), offset, size, 0, 0, 0,
                                              128);
         },
-        {bench::memcpyOf(bytesMoved(size)),
-         {"scalar",
-          [&grey, &expected, size, offset] {
-              for (int y = 0; y < size.height; ++y)
-                  oracle::packRow(grey.data() + ptrdiff_t{y} * grey.step(),
-                                  expected.data() + ptrdiff_t{y} * expected.step(), offset, size.width, 128);
-          }}},
-        [&bits, &expected] { return bits.sameRegion(expected); });
+        bench::memcpyOnly(),
+        [&grey, &bits, &expected, size, offset] {
+            for (int y = 0; y < size.height; ++y)
+                oracle::packRow(grey.data() + ptrdiff_t{y} * grey.step(),
+                                expected.data() + ptrdiff_t{y} * expected.step(), offset, size.width, 128);
+            return bits.sameRegion(expected);
+        });
 }
 
 void compareExpanding(IppiSize size, int offset) {
     const bench::Page& bits = bench::source(size, 1);
     bench::Page& grey = bench::target(size, 1);
     bench::Page& expected = bench::otherTarget(size, 1);
-    const std::string suffix = " offset " + std::to_string(offset);
-
     bench::compare(
-        bench::withSize("1u8u", size) + suffix,
+        {"IPPShare_ippiConvert_1u8u_C1R", "offset " + std::to_string(offset), size, bitBytes(size),
+         bench::bytesOf(size, 1)},
         [&bits, &grey, size, offset] {
             IPPShare_ippiConvert_1u8u_C1R(bits.data(), bits.step(), offset, grey.data(), grey.step(), size);
         },
-        {bench::memcpyOf(bytesMoved(size)),
-         {"scalar",
-          [&bits, &expected, size, offset] {
-              for (int y = 0; y < size.height; ++y)
-                  oracle::expandRow(bits.data() + ptrdiff_t{y} * bits.step(), offset,
-                                    expected.data() + ptrdiff_t{y} * expected.step(), size.width);
-          }}},
-        [&grey, &expected] { return grey.sameRegion(expected); });
+        bench::memcpyOnly(),
+        [&bits, &grey, &expected, size, offset] {
+            for (int y = 0; y < size.height; ++y)
+                oracle::expandRow(bits.data() + ptrdiff_t{y} * bits.step(), offset,
+                                  expected.data() + ptrdiff_t{y} * expected.step(), size.width);
+            return grey.sameRegion(expected);
+        });
 }
 
 void compareBitPacking() {
@@ -58,6 +54,6 @@ void compareBitPacking() {
         }
 }
 
-const bench::Registration registration(compareBitPacking);
+const bench::Registration registration("Bit packing", compareBitPacking);
 
 }    // namespace

@@ -9,10 +9,6 @@
 
 namespace {
 
-size_t bytesOf(IppiSize size, int pixelSize) {
-    return static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * static_cast<size_t>(pixelSize);
-}
-
 // A blurring kernel without zeros, of cells that are not alike.
 std::vector<int> blur(int side) {
     std::vector<int> cells;
@@ -29,9 +25,7 @@ std::vector<float> blur32f(int side, int kernels) {
     return cells;
 }
 
-std::string named(const std::string& name, int side, IppiSize size) {
-    return bench::withSize(name + " " + std::to_string(side) + "x" + std::to_string(side), size);
-}
+std::string square(int side) { return std::to_string(side) + "x" + std::to_string(side); }
 
 void compareFilter(const std::string& name, IppiSize size, int type, int side) {
     const auto pixel = static_cast<int>(CV_ELEM_SIZE(type));
@@ -42,17 +36,15 @@ void compareFilter(const std::string& name, IppiSize size, int type, int side) {
     const IppiPoint centre = {side / 2, side / 2};
     const std::vector<int> kernel = blur(side);
     bench::compare(
-        named(name, side, size),
+        {name, square(side), size, pixel},
         [=, &src, &dst] {
             ippiFilter(src.data(), src.step(), type, dst.data(), dst.step(), size, kernel.data(), kernelSize, centre,
                        3 * side * side);
         },
-        {bench::memcpyOf(2 * bytesOf(size, pixel)),
-         {"plain",
-          [=, &src, &expected] {
-              oracle::plainFilter(src.data(), src.step(), type, expected.data(), expected.step(), size, kernel.data(),
-                                  kernelSize, centre, 3 * side * side);
-          }}},
+        bench::openCV([=, &src, &expected] {
+            oracle::plainFilter(src.data(), src.step(), type, expected.data(), expected.step(), size, kernel.data(),
+                                kernelSize, centre, 3 * side * side);
+        }),
         [&dst, &expected] { return dst.sameRegion(expected); });
 }
 
@@ -64,17 +56,15 @@ void compareFilter32f(IppiSize size, int side) {
     const IppiPoint centre = {side / 2, side / 2};
     const std::vector<float> kernel = blur32f(side, 1);
     bench::compare(
-        named("filter32f 8u C3", side, size),
+        {"IPPMini_ippiFilter32f_8u_C3R", square(side), size, 3},
         [=, &src, &dst] {
             IPPMini_ippiFilter32f_8u_C3R(src.data(), src.step(), dst.data(), dst.step(), size, kernel.data(),
                                          kernelSize, centre);
         },
-        {bench::memcpyOf(2 * bytesOf(size, 3)),
-         {"plain",
-          [=, &src, &expected] {
-              oracle::plainFilter32f(src.data(), src.step(), CV_8UC3, expected.data(), expected.step(), size,
-                                     kernel.data(), kernelSize, centre);
-          }}},
+        bench::openCV([=, &src, &expected] {
+            oracle::plainFilter32f(src.data(), src.step(), CV_8UC3, expected.data(), expected.step(), size,
+                                   kernel.data(), kernelSize, centre);
+        }),
         [&dst, &expected] { return dst.sameRegion(expected); });
 }
 
@@ -85,15 +75,15 @@ void compareBox(IppiSize size, int side) {
     bench::Page& other = bench::otherTarget(size, 3);
     const IppiSize mask = {side, side};
     const IppiPoint centre = {side / 2, side / 2};
-    bench::compare(named("box 8u C3", side, size),
-                   [=, &image] { IPPMini_ippiFilterBox_8u_C3IR(image.data(), image.step(), size, mask, centre); },
-                   {bench::memcpyOf(2 * bytesOf(size, 3)),
-                    {"plain", [=, &other] { oracle::plainBox(other.data(), other.step(), size, mask, centre); }}});
+    bench::compare(
+        {"IPPMini_ippiFilterBox_8u_C3IR", square(side), size, 3},
+        [=, &image] { IPPMini_ippiFilterBox_8u_C3IR(image.data(), image.step(), size, mask, centre); },
+        bench::openCV([=, &other] { oracle::plainBox(other.data(), other.step(), size, mask, centre); }));
 }
 
 // Packed images, as the whole-image routines take them.
 struct Packed {
-    Packed(IppiSize size, int pixelSize) : src(bytesOf(size, pixelSize)), dst(src.size()), expected(src.size()) {
+    Packed(IppiSize size, int pixelSize) : src(bench::bytesOf(size, pixelSize)), dst(src.size()), expected(src.size()) {
         const bench::Page& page = bench::source(size, pixelSize);
         for (int y = 0; y < size.height; ++y)
             std::copy_n(page.data() + ptrdiff_t{y} * page.step(), size.width * pixelSize,
@@ -110,13 +100,10 @@ void compareConvolution24(IppiSize size, int radius) {
     const int side = 2 * radius + 1;
     const std::vector<float> kernels = blur32f(side, 3);
     bench::compare(
-        named("Convolution24", side, size),
-        [=] { Convolution24(image->src.data(), image->dst.data(), size, radius, kernels.data()); },
-        {bench::memcpyOf(2 * bytesOf(size, 3)),
-         {"plain",
-          [=] {
-              oracle::plainConvolution24(image->src.data(), image->expected.data(), size, radius, kernels.data());
-          }}},
+        {"Convolution24", square(side), size, 3},
+        [=] { Convolution24(image->src.data(), image->dst.data(), size, radius, kernels.data()); }, bench::openCV([=] {
+            oracle::plainConvolution24(image->src.data(), image->expected.data(), size, radius, kernels.data());
+        }),
         [=] { return image->dst == image->expected; });
 }
 
@@ -128,14 +115,12 @@ void compareMonoFilter(IppiSize size, int radius) {
     const IppiSize inside = {size.width - 2 * radius, size.height - 2 * radius};
     const std::vector<float> kernel = blur32f(side, 1);
     bench::compare(
-        named("Convolution24MonoFilter", side, size),
+        {"Convolution24MonoFilter", square(side), size, 3},
         [=] { Convolution24MonoFilter(image->src.data(), image->dst.data(), size, radius, kernel.data()); },
-        {bench::memcpyOf(2 * bytesOf(size, 3)),
-         {"plain",
-          [=] {
-              oracle::plainFilter32f(image->src.data() + offset, step, CV_8UC3, image->expected.data() + offset, step,
-                                     inside, kernel.data(), {side, side}, {radius, radius});
-          }}},
+        bench::openCV([=] {
+            oracle::plainFilter32f(image->src.data() + offset, step, CV_8UC3, image->expected.data() + offset, step,
+                                   inside, kernel.data(), {side, side}, {radius, radius});
+        }),
         [=] { return image->dst == image->expected; });
 }
 
@@ -144,16 +129,14 @@ void compareBilateral(IppiSize size, int side) {
     bench::Page& dst = bench::target(size, 1);
     bench::Page& expected = bench::otherTarget(size, 1);
     bench::compare(
-        named("bilateral 8u C1", side, size),
+        {"OPCV_ippiFilterBilateral_8u_C1R", square(side), size, 1},
         [=, &src, &dst] {
             OPCV_ippiFilterBilateral_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), size, {side, side}, 480,
                                             480);
         },
-        {bench::memcpyOf(2 * bytesOf(size, 1)),
-         {"plain",
-          [=, &src, &expected] {
-              oracle::plainBilateral(src.data(), src.step(), expected.data(), expected.step(), size, side, 480, 480);
-          }}},
+        bench::openCV([=, &src, &expected] {
+            oracle::plainBilateral(src.data(), src.step(), expected.data(), expected.step(), size, side, 480, 480);
+        }),
         [&dst, &expected] { return dst.sameRegion(expected); });
 }
 
@@ -163,31 +146,28 @@ void compareNoiseReduction(IppiSize size, int side) {
     const int offset = half * (size.width + 1);
     const IppiSize inside = {size.width - 2 * half, size.height - 2 * half};
     bench::compare(
-        named("DeosNr", side, size), [=] { DeosNr(grey->src.data(), grey->dst.data(), size, half, 5); },
-        {bench::memcpyOf(2 * bytesOf(size, 1)),
-         {"plain",
-          [=] {
-              oracle::plainBilateral(grey->src.data() + offset, size.width, grey->expected.data() + offset, size.width,
-                                     inside, side, 480, 480);
-          }}},
+        {"DeosNr", square(side), size, 1}, [=] { DeosNr(grey->src.data(), grey->dst.data(), size, half, 5); },
+        bench::openCV([=] {
+            oracle::plainBilateral(grey->src.data() + offset, size.width, grey->expected.data() + offset, size.width,
+                                   inside, side, 480, 480);
+        }),
         [=] { return grey->dst == grey->expected; });
 
     const auto colour = std::make_shared<Packed>(size, 3);
     bench::compare(
-        named("DeosNrRGB", side, size),
+        {"DeosNrRGB", square(side), size, 3},
         [=] { DeosNrRGB(colour->src.data(), colour->dst.data(), size.width, size.height, half, 5); },
-        {bench::memcpyOf(2 * bytesOf(size, 3)),
-         {"plain",
-          [=] { oracle::plainNoiseReduction24(colour->src.data(), colour->expected.data(), size, side, 480); }}},
+        bench::openCV(
+            [=] { oracle::plainNoiseReduction24(colour->src.data(), colour->expected.data(), size, side, 480); }),
         [=] { return colour->dst == colour->expected; });
 }
 
 void compareFilters() {
     for (const IppiSize size : {bench::kPage, bench::kTile})
         for (const int side : {3, 5}) {
-            compareFilter("filter 8u C1", size, CV_8UC1, side);
-            compareFilter("filter 8u C3", size, CV_8UC3, side);
-            compareFilter("filter 16s C1", size, CV_16SC1, side);
+            compareFilter("IPPShare_ippiFilter_8u_C1R", size, CV_8UC1, side);
+            compareFilter("IPPShare_ippiFilter_8u_C3R", size, CV_8UC3, side);
+            compareFilter("IPPShare_ippiFilter_16s_C1R", size, CV_16SC1, side);
             compareFilter32f(size, side);
             compareBox(size, side);
             compareMonoFilter(size, side / 2);
@@ -197,6 +177,6 @@ void compareFilters() {
         }
 }
 
-const bench::Registration registration(compareFilters);
+const bench::Registration registration("Linear filters and noise reduction", compareFilters);
 
 }    // namespace

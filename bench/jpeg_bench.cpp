@@ -1,31 +1,49 @@
-// The library's part of a page's round trip (read, deskew, compress) beside the same chain of plain OpenCV calls, and
-// each of its stages by itself.
+// Reading, compressing and the page's whole round trip through memory. Plain: to read, OpenCV's decoder and one copy into
+// a new record in its order of colours; to compress, libjpeg with its own growing destination, a row at a time.
 #include <cstdlib>
+#include <functional>
+#include <memory>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <string>
+#include <vector>
 
 #include "OPCV_dlib.h"
 #include "core/ownership.h"
+#include "jpeg/KVCompress.h"
+#include "oracle/jpeg.h"
 #include "support.h"
 
 namespace {
 
 constexpr double kAngle = 2.3;
-constexpr int kMode = 450;    // quality 70
 
 using Stream = std::vector<unsigned char>;
 
-// Made once; the comparisons share it.
-const Stream& pageStream(int depth) {
-    static Stream streams[2];
-    Stream& stream = streams[depth == 24 ? 1 : 0];
+// The same page in three layouts, made once.
+enum class Layout { kGrey, k444, k420 };
+
+std::string nameOf(Layout layout) {
+    switch (layout) {
+        case Layout::kGrey: return "8 bit";
+        case Layout::k444: return "24 bit 4:4:4";
+        default: return "24 bit 4:2:0";
+    }
+}
+
+int channelsOf(Layout layout) { return layout == Layout::kGrey ? 1 : 3; }
+
+const Stream& streamOf(IppiSize size, Layout layout) {
+    static Stream streams[2][3];
+    Stream& stream = streams[size.width == bench::kPage.width ? 0 : 1][static_cast<int>(layout)];
     if (stream.empty()) {
-        const bench::Page& page = bench::source(bench::kPage, depth / 8);
-        const auto [width, height] = bench::kPage;
-        if (depth == 24)
-            CompressRGB2YCbCr411(page.data(), page.step(), width, height, stream, 80, 300, 300);
+        const bench::Page& page = bench::source(size, channelsOf(layout));
+        if (layout == Layout::kGrey)
+            CompressGray2Gray444(page.data(), page.step(), size.width, size.height, stream, 80, 300, 300, false);
+        else if (layout == Layout::k444)
+            CompressRGB2YCbCr444(page.data(), page.step(), size.width, size.height, stream, 80, 300, 300, false);
         else
-            CompressGray2Gray444(page.data(), page.step(), width, height, stream, 80, 300, 300, false);
+            CompressRGB2YCbCr411(page.data(), page.step(), size.width, size.height, stream, 80, 300, 300);
     }
     return stream;
 }
@@ -38,24 +56,141 @@ RecordPtr readPage(const Stream& stream, KVImageDescription& description) {
     return RecordPtr(page);
 }
 
-RecordPtr deskewPage(const KVIMG& page, KVImageDescription& description) {
-    KVImageDescription* record = &description;
-    KVIMG* straight = nullptr;
-    DeskewImageWithIPP(&page, &record, &straight, 0, 1, kAngle);
-    return RecordPtr(straight);
+void readPlain(const Stream& stream) {
+    const cv::Mat page = cv::imdecode(stream, cv::IMREAD_ANYCOLOR);
+    RecordPtr record;
+    createRecord({0, 0, page.rows, page.cols}, static_cast<unsigned char>(8 * page.channels()), record);
+    cv::Mat to(page.rows, page.cols, page.type(), record->data, static_cast<size_t>(record->rowBytes));
+    if (page.channels() == 3)
+        cv::cvtColor(page, to, cv::COLOR_BGR2RGB);
+    else
+        page.copyTo(to);
 }
 
-void compressPage(const KVIMG& page, KVImageDescription& description) {
-    KVImageDescription* record = &description;
-    void* data = nullptr;
-    unsigned size = 0;
-    CompressJPEGEx(&page, &record, kMode, &data, &size);
-    std::free(data);
+size_t bytesRead(IppiSize size, Layout layout) { return streamOf(size, layout).size(); }
+
+void compareReading(IppiSize size, Layout layout) {
+    const size_t pixels = bench::bytesOf(size, channelsOf(layout));
+    bench::compare(
+        {"ReadJPEG", nameOf(layout), size, bytesRead(size, layout), pixels},
+        [size, layout] {
+            KVImageDescription description{};
+            readPage(streamOf(size, layout), description);
+        },
+        bench::openCV([size, layout] { readPlain(streamOf(size, layout)); }));
+    if (layout == Layout::kGrey) return;
+    bench::compare(
+        {"ReadSplitJPEG", nameOf(layout), size, bytesRead(size, layout), pixels},
+        [size, layout] {
+            const Stream& stream = streamOf(size, layout);
+            KVImageDescription description{size.width, size.height, 0, 0, 0, 0};
+            KVImageDescription* record = &description;
+            KVIMG* page = nullptr;
+            ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &page);
+            DisposeKVIMG(page);
+        },
+        bench::openCV([size, layout] { readPlain(streamOf(size, layout)); }));
 }
 
-cv::Mat decodePlain(const Stream& stream) {
-    cv::Mat page = cv::imdecode(stream, cv::IMREAD_ANYCOLOR);
-    return page;
+// A record over a shared page, and its description.
+struct PageRecord {
+    PageRecord(IppiSize size, int channels) {
+        const bench::Page& page = bench::source(size, channels);
+        record = {const_cast<uint8_t*>(page.data()), 8 * channels, size.width, size.height, page.step(), 0};
+        description = {size.width, size.height, 300, 300, 0, static_cast<int16_t>(8 * channels)};
+    }
+
+    KVIMG record{};
+    KVImageDescription description{};
+};
+
+constexpr int kMode = 450;    // quality 80 for CompressJPEG, which has tables of its own, and 70 for CompressJPEGEx
+
+oracle::JpegSettings settingsOf(int channels, int lumaSampling, int quality, bool ownTables) {
+    oracle::JpegSettings settings;
+    settings.components = channels;
+    settings.lumaSampling = lumaSampling;
+    settings.quality = quality;
+    settings.xDensity = 300;
+    settings.yDensity = 300;
+    if (ownTables) settings.luminance = g_customLuminanceQuant;
+    if (ownTables && channels == 3) settings.chrominance = g_customChrominanceQuant;
+    return settings;
+}
+
+// Puts a stream where `compare` looks for it.
+using Compressor = std::function<void(const PageRecord& page, Stream* stream)>;
+
+void compareCompressor(const char* function, const std::string& variant, IppiSize size,
+                       const oracle::JpegSettings& settings, const Compressor& compress) {
+    const auto page = std::make_shared<PageRecord>(size, settings.components);
+    const KVIMG& image = page->record;
+    const auto plain = [page, &image, settings] {
+        return oracle::encodeJpeg(image.data, image.rowBytes, image.width, image.height, settings);
+    };
+    const size_t pixels = bench::bytesOf(size, settings.components);
+    bench::compare(
+        {function, variant, size, pixels, pixels / 8}, [page, compress] { compress(*page, nullptr); },
+        {"libjpeg", plain},
+        [page, compress, plain] {
+            Stream stream;
+            compress(*page, &stream);
+            return stream == plain();
+        });
+}
+
+// The routines that hand out a block.
+using BlockCompressor = std::function<OSErr(const PageRecord& page, void** data, unsigned* bytes)>;
+
+Compressor intoBlock(const BlockCompressor& compress) {
+    return [compress](const PageRecord& page, Stream* stream) {
+        void* data = nullptr;
+        unsigned bytes = 0;
+        compress(page, &data, &bytes);
+        if (stream) stream->assign(static_cast<unsigned char*>(data), static_cast<unsigned char*>(data) + bytes);
+        std::free(data);
+    };
+}
+
+// The functions that append to a vector.
+using VectorCompressor = std::function<bool(const KVIMG& image, Stream& stream)>;
+
+Compressor intoVector(const VectorCompressor& compress) {
+    return [compress](const PageRecord& page, Stream* stream) {
+        Stream own;
+        compress(page.record, stream ? *stream : own);
+    };
+}
+
+void compareCompressing(IppiSize size) {
+    for (const int channels : {1, 3}) {
+        const std::string depth = std::to_string(8 * channels) + " bit";
+        compareCompressor("CompressJPEG", depth, size, settingsOf(channels, 1, 80, true),
+                          intoBlock([](const PageRecord& page, void** data, unsigned* bytes) {
+                              return CompressJPEG(&page.record, 300, kMode, data, bytes);
+                          }));
+        compareCompressor("CompressJPEGEx", depth, size, settingsOf(channels, channels == 3 ? 2 : 1, 70, false),
+                          intoBlock([](const PageRecord& page, void** data, unsigned* bytes) {
+                              KVImageDescription description = page.description;
+                              KVImageDescription* record = &description;
+                              return CompressJPEGEx(&page.record, &record, kMode, data, bytes);
+                          }));
+    }
+    compareCompressor("CompressGray2Gray444", "", size, settingsOf(1, 1, 70, false),
+                      intoVector([](const KVIMG& image, Stream& stream) {
+                          return CompressGray2Gray444(image.data, image.rowBytes, image.width, image.height, stream, 70,
+                                                      300, 300, false);
+                      }));
+    compareCompressor("CompressRGB2YCbCr444", "", size, settingsOf(3, 1, 70, false),
+                      intoVector([](const KVIMG& image, Stream& stream) {
+                          return CompressRGB2YCbCr444(image.data, image.rowBytes, image.width, image.height, stream, 70,
+                                                      300, 300, false);
+                      }));
+    compareCompressor("CompressRGB2YCbCr411", "", size, settingsOf(3, 2, 70, false),
+                      intoVector([](const KVIMG& image, Stream& stream) {
+                          return CompressRGB2YCbCr411(image.data, image.rowBytes, image.width, image.height, stream, 70,
+                                                      300, 300);
+                      }));
 }
 
 cv::Mat deskewPlain(const cv::Mat& page) {
@@ -66,41 +201,37 @@ cv::Mat deskewPlain(const cv::Mat& page) {
     return straight;
 }
 
-void encodePlain(const cv::Mat& page) {
-    Stream stream;
-    cv::imencode(".jpg", page, stream, {cv::IMWRITE_JPEG_QUALITY, 70});
+void compareRoundTrip(IppiSize size, Layout layout) {
+    bench::compare(
+        {"ReadJPEG, DeskewImageWithIPP, CompressJPEGEx", nameOf(layout), size, bytesRead(size, layout),
+         bytesRead(size, layout)},
+        [size, layout] {
+            KVImageDescription description{0, 0, 300, 300, 0, 0};
+            KVImageDescription* record = &description;
+            const RecordPtr page = readPage(streamOf(size, layout), description);
+            KVIMG* straight = nullptr;
+            DeskewImageWithIPP(page.get(), &record, &straight, 0, 1, kAngle);
+            void* data = nullptr;
+            unsigned bytes = 0;
+            CompressJPEGEx(straight, &record, kMode, &data, &bytes);
+            std::free(data);
+            DisposeKVIMG(straight);
+        },
+        bench::openCV([size, layout] {
+            const cv::Mat page = cv::imdecode(streamOf(size, layout), cv::IMREAD_ANYCOLOR);
+            Stream stream;
+            cv::imencode(".jpg", deskewPlain(page), stream, {cv::IMWRITE_JPEG_QUALITY, 70});
+        }));
 }
 
-void comparePageChain() {
-    for (const int depth : {8, 24}) {
-        const std::string bits = std::to_string(depth) + " bits";
-        bench::compare("read, deskew, compress " + bits,
-                       [depth] {
-                           KVImageDescription description{0, 0, 300, 300, 0, 0};
-                           const RecordPtr page = readPage(pageStream(depth), description);
-                           const RecordPtr straight = deskewPage(*page, description);
-                           compressPage(*straight, description);
-                       },
-                       {{"OpenCV", [depth] { encodePlain(deskewPlain(decodePlain(pageStream(depth)))); }}});
-
-        bench::compare("ReadJPEG " + bits,
-                       [depth] {
-                           KVImageDescription description{};
-                           readPage(pageStream(depth), description);
-                       },
-                       {{"OpenCV", [depth] { decodePlain(pageStream(depth)); }}});
-
-        static KVImageDescription descriptions[2] = {{0, 0, 300, 300, 0, 0}, {0, 0, 300, 300, 0, 0}};
-        static RecordPtr pages[2];
-        const size_t which = depth == 24 ? 1 : 0;
-        pages[which] = readPage(pageStream(depth), descriptions[which]);
-        const cv::Mat view(pages[which]->height, pages[which]->width, depth == 24 ? CV_8UC3 : CV_8UC1,
-                           pages[which]->data);
-        bench::compare("CompressJPEGEx " + bits, [which] { compressPage(*pages[which], descriptions[which]); },
-                       {{"OpenCV", [view] { encodePlain(view); }}});
+void compareJpeg() {
+    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+        for (const Layout layout : {Layout::kGrey, Layout::k444, Layout::k420}) compareReading(size, layout);
+        compareCompressing(size);
+        for (const Layout layout : {Layout::kGrey, Layout::k420}) compareRoundTrip(size, layout);
     }
 }
 
-const bench::Registration registration(comparePageChain);
+const bench::Registration registration("JPEG", compareJpeg);
 
 }    // namespace

@@ -9,8 +9,6 @@
 
 namespace {
 
-size_t pixelsOf(IppiSize size) { return static_cast<size_t>(size.width) * static_cast<size_t>(size.height); }
-
 cv::Mat viewOf(const bench::Page& page, int type) {
     return {page.size().height, page.size().width, type, const_cast<uint8_t*>(page.data()),
             static_cast<size_t>(page.step())};
@@ -19,30 +17,33 @@ cv::Mat viewOf(const bench::Page& page, int type) {
 short* shorts(uint8_t* p) { return reinterpret_cast<short*>(p); }
 const short* shorts(const uint8_t* p) { return reinterpret_cast<const short*>(p); }
 
+// In place, so that the second time on finds nothing to change. Neither kernel nor loop cares.
 void compareThresholds(IppiSize size) {
     bench::Page& bytes = bench::target(size, 1);
-    bench::compare(bench::withSize("Threshold_LTVal_8u", size),
+    bench::Page& plainBytes = bench::otherTarget(size, 1);
+    bench::compare({"IPPShare_ippiThreshold_LTVal_8u_C1IR", "", size, 1},
                    [&bytes, size] { IPPShare_ippiThreshold_LTVal_8u_C1IR(bytes.data(), bytes.step(), size, 128, 128); },
-                   {bench::memcpyOf(2 * pixelsOf(size)),
-                    {"scalar", [&bytes, size] {
-                         oracle::threshold<uint8_t>(bytes.data(), bytes.step(), size.width, size.height, 128, 128);
-                     }}});
+                   {"loop", [&plainBytes, size] {
+                        oracle::threshold<uint8_t>(plainBytes.data(), plainBytes.step(), size.width, size.height, 128,
+                                                   128);
+                    }});
     bench::Page& words = bench::target(size, 2);
+    bench::Page& plainWords = bench::otherTarget(size, 2);
     bench::compare(
-        bench::withSize("Threshold_LTVal_16s", size),
+        {"IPPShare_ippiThreshold_LTVal_16s_C1IR", "", size, 2},
         [&words, size] { IPPShare_ippiThreshold_LTVal_16s_C1IR(shorts(words.data()), words.step(), size, 128, 128); },
-        {bench::memcpyOf(4 * pixelsOf(size)), {"scalar", [&words, size] {
-                                                   oracle::threshold<short>(words.data(), words.step(), size.width,
-                                                                            size.height, 128, 128);
-                                               }}});
+        {"loop", [&plainWords, size] {
+             oracle::threshold<short>(plainWords.data(), plainWords.step(), size.width, size.height, 128, 128);
+         }});
 }
 
 void compareFill(IppiSize size) {
     bench::Page& ours = bench::target(size, 1);
     bench::Page& plain = bench::otherTarget(size, 1);
     bench::compare(
-        bench::withSize("Set_8u", size), [&ours, size] { IPPShare_ippiSet_8u_C1R(77, ours.data(), ours.step(), size); },
-        {{"OpenCV", [&plain] { viewOf(plain, CV_8UC1).setTo(77); }}}, [&] { return ours.sameRegion(plain); });
+        {"IPPShare_ippiSet_8u_C1R", "", size, 0, bench::bytesOf(size, 1)},
+        [&ours, size] { IPPShare_ippiSet_8u_C1R(77, ours.data(), ours.step(), size); },
+        bench::openCV([&plain] { viewOf(plain, CV_8UC1).setTo(77); }), [&] { return ours.sameRegion(plain); });
 }
 
 void compareDepth(IppiSize size) {
@@ -53,28 +54,24 @@ void compareDepth(IppiSize size) {
     bench::Page& narrow = bench::target(size, 1);
     bench::Page& plainNarrow = bench::otherTarget(size, 1);
     bench::compare(
-        bench::withSize("Convert_8u16s", size),
+        {"IPPShare_ippiConvert_8u16s_C1R", "", size, bench::bytesOf(size, 1), bench::bytesOf(size, 2)},
         [&bytes, &wide, size] {
             IPPShare_ippiConvert_8u16s_C1R(bytes.data(), bytes.step(), shorts(wide.data()), wide.step(), size);
         },
-        {bench::memcpyOf(3 * pixelsOf(size)),
-         {"OpenCV",
-          [&bytes, &plainWide] {
-              cv::Mat to = viewOf(plainWide, CV_16SC1);
-              viewOf(bytes, CV_8UC1).convertTo(to, CV_16S);
-          }}},
+        bench::openCV([&bytes, &plainWide] {
+            cv::Mat to = viewOf(plainWide, CV_16SC1);
+            viewOf(bytes, CV_8UC1).convertTo(to, CV_16S);
+        }),
         [&] { return wide.sameRegion(plainWide); });
     bench::compare(
-        bench::withSize("Convert_16s8u", size),
+        {"IPPShare_ippiConvert_16s8u_C1R", "", size, bench::bytesOf(size, 2), bench::bytesOf(size, 1)},
         [&words, &narrow, size] {
             IPPShare_ippiConvert_16s8u_C1R(shorts(words.data()), words.step(), narrow.data(), narrow.step(), size);
         },
-        {bench::memcpyOf(3 * pixelsOf(size)),
-         {"OpenCV",
-          [&words, &plainNarrow] {
-              cv::Mat to = viewOf(plainNarrow, CV_8UC1);
-              viewOf(words, CV_16SC1).convertTo(to, CV_8U);
-          }}},
+        bench::openCV([&words, &plainNarrow] {
+            cv::Mat to = viewOf(plainNarrow, CV_8UC1);
+            viewOf(words, CV_16SC1).convertTo(to, CV_8U);
+        }),
         [&] { return narrow.sameRegion(plainNarrow); });
 }
 
@@ -84,14 +81,12 @@ void comparePackedColour(IppiSize size, const std::string& name, decltype(&IPPSh
     bench::Page& to = bench::target(size, 3);
     bench::Page& plain = bench::otherTarget(size, 3);
     bench::compare(
-        bench::withSize(name, size),
+        {name, "", size, 3},
         [&from, &to, size, convert] { convert(from.data(), from.step(), to.data(), to.step(), size); },
-        {bench::memcpyOf(6 * pixelsOf(size)),
-         {"OpenCV",
-          [&from, &plain, code] {
-              cv::Mat result = viewOf(plain, CV_8UC3);
-              cv::cvtColor(viewOf(from, CV_8UC3), result, code);
-          }}},
+        bench::openCV([&from, &plain, code] {
+            cv::Mat result = viewOf(plain, CV_8UC3);
+            cv::cvtColor(viewOf(from, CV_8UC3), result, code);
+        }),
         [&to, &plain] { return to.sameRegion(plain); });
 }
 
@@ -143,51 +138,44 @@ void comparePlanar(IppiSize size) {
     const auto samePacked = [&to, &plainTo] { return to.sameRegion(plainTo); };
 
     bench::compare(
-        bench::withSize("Copy_8u_C3P3R", size),
+        {"IPPMini_ippiCopy_8u_C3P3R", "", size, 3},
         [&packed, planes, size] {
             IPPMini_ippiCopy_8u_C3P3R(packed.data(), packed.step(), planes->pointers(), planes->step(), size);
         },
-        {bench::memcpyOf(6 * pixelsOf(size)),
-         {"OpenCV", [&packed, plainPlanes] { cv::split(viewOf(packed, CV_8UC3), plainPlanes->views()); }}},
+        bench::openCV([&packed, plainPlanes] { cv::split(viewOf(packed, CV_8UC3), plainPlanes->views()); }),
         samePlanes);
     bench::compare(
-        bench::withSize("Copy_8u_P3C3R", size),
+        {"IPPMini_ippiCopy_8u_P3C3R", "", size, 3},
         [&to, planes, size] {
             IPPMini_ippiCopy_8u_P3C3R(planes->pointers(), planes->step(), to.data(), to.step(), size);
         },
-        {bench::memcpyOf(6 * pixelsOf(size)),
-         {"OpenCV",
-          [&plainTo, plainPlanes] {
-              cv::Mat result = viewOf(plainTo, CV_8UC3);
-              cv::merge(plainPlanes->views(), result);
-          }}},
+        bench::openCV([&plainTo, plainPlanes] {
+            cv::Mat result = viewOf(plainTo, CV_8UC3);
+            cv::merge(plainPlanes->views(), result);
+        }),
         samePacked);
     bench::compare(
-        bench::withSize("RGBToYUV_8u_C3P3R", size),
+        {"IPPMini_ippiRGBToYUV_8u_C3P3R", "", size, 3},
         [&packed, planes, size] {
             IPPMini_ippiRGBToYUV_8u_C3P3R(packed.data(), packed.step(), planes->pointers(), planes->step(), size);
         },
-        {bench::memcpyOf(6 * pixelsOf(size)),
-         {"OpenCV",
-          [&packed, plainPlanes, size] {
-              Temporary temporary(size);
-              cv::cvtColor(viewOf(packed, CV_8UC3), temporary.view, cv::COLOR_RGB2YUV);
-              cv::split(temporary.view, plainPlanes->views());
-          }}},
+        bench::openCV([&packed, plainPlanes, size] {
+            Temporary temporary(size);
+            cv::cvtColor(viewOf(packed, CV_8UC3), temporary.view, cv::COLOR_RGB2YUV);
+            cv::split(temporary.view, plainPlanes->views());
+        }),
         samePlanes);
     bench::compare(
-        bench::withSize("YUVToRGB_8u_P3C3R", size),
+        {"IPPMini_ippiYUVToRGB_8u_P3C3R", "", size, 3},
         [&to, planes, size] {
             IPPMini_ippiYUVToRGB_8u_P3C3R(planes->pointers(), planes->step(), to.data(), to.step(), size);
         },
-        {bench::memcpyOf(6 * pixelsOf(size)),
-         {"OpenCV",
-          [&plainTo, plainPlanes, size] {
-              Temporary temporary(size);
-              cv::merge(plainPlanes->views(), temporary.view);
-              cv::Mat result = viewOf(plainTo, CV_8UC3);
-              cv::cvtColor(temporary.view, result, cv::COLOR_YUV2RGB);
-          }}},
+        bench::openCV([&plainTo, plainPlanes, size] {
+            Temporary temporary(size);
+            cv::merge(plainPlanes->views(), temporary.view);
+            cv::Mat result = viewOf(plainTo, CV_8UC3);
+            cv::cvtColor(temporary.view, result, cv::COLOR_YUV2RGB);
+        }),
         samePacked);
 }
 
@@ -196,12 +184,12 @@ void comparePixelConversion() {
         compareThresholds(size);
         compareFill(size);
         compareDepth(size);
-        comparePackedColour(size, "RGBToYUV_8u_C3R", IPPShare_ippiRGBToYUV_8u_C3R, cv::COLOR_RGB2YUV);
-        comparePackedColour(size, "YUVToRGB_8u_C3R", IPPShare_ippiYUVToRGB_8u_C3R, cv::COLOR_YUV2RGB);
+        comparePackedColour(size, "IPPShare_ippiRGBToYUV_8u_C3R", IPPShare_ippiRGBToYUV_8u_C3R, cv::COLOR_RGB2YUV);
+        comparePackedColour(size, "IPPShare_ippiYUVToRGB_8u_C3R", IPPShare_ippiYUVToRGB_8u_C3R, cv::COLOR_YUV2RGB);
         comparePlanar(size);
     }
 }
 
-const bench::Registration registration(comparePixelConversion);
+const bench::Registration registration("Depth, thresholds, fill, colour and planes", comparePixelConversion);
 
 }    // namespace

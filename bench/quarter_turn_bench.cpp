@@ -31,23 +31,19 @@ void compareTurn(IppiSize size, int depth, int code) {
     const double angle = 90.0 * (code + 1);
     const bool onItsSide = code != cv::ROTATE_180;
     const IppiSize turnedSize = onItsSide ? IppiSize{size.height, size.width} : size;
-    const size_t bytesMoved =
-        2 * static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * static_cast<size_t>(depth / 8);
     bench::compare(
-        bench::withSize("RotateImageWithIPP " + std::to_string(depth) + " bit", size) + " by " +
-            std::to_string(90 * (code + 1)),
+        {"RotateImageWithIPP", std::to_string(depth) + " bit by " + std::to_string(90 * (code + 1)), size, depth / 8},
         [page, angle] {
             KVIMG* turned = nullptr;
             RotateImageWithIPP(&page->record, &page->pointer, &turned, angle);
             DisposeKVIMG(turned);
         },
-        {bench::memcpyOf(bytesMoved),
-         {"OpenCV", [page, turnedSize, depth, code] {
-              RecordPtr record;
-              createRecord({0, 0, turnedSize.height, turnedSize.width}, static_cast<unsigned char>(depth), record);
-              cv::Mat to = viewOf(*record);
-              cv::rotate(viewOf(page->record), to, code);
-          }}});
+        bench::openCV([page, turnedSize, depth, code] {
+            RecordPtr record;
+            createRecord({0, 0, turnedSize.height, turnedSize.width}, static_cast<unsigned char>(depth), record);
+            cv::Mat to = viewOf(*record);
+            cv::rotate(viewOf(page->record), to, code);
+        }));
 }
 
 void compareTurns() {
@@ -57,6 +53,6 @@ void compareTurns() {
                 compareTurn(size, depth, code);
 }
 
-const bench::Registration registration(compareTurns);
+const bench::Registration registration("Quarter turns", compareTurns);
 
 }    // namespace

@@ -1,4 +1,4 @@
-// Rank filters. Those with a fixed window: beside memcpy of the bytes read and written once and beside their definition
+// Rank filters. Those with a fixed window, which OpenCV does not have, beside memcpy and checked against their definition
 // in plain code. The others: beside OpenCV on a view of the same memory and one copy back.
 #include <algorithm>
 #include <cstdlib>
@@ -9,11 +9,6 @@
 #include "support.h"
 
 namespace {
-
-size_t bytesMoved(IppiSize size, int pixelSize) {
-    return size_t{2} * static_cast<size_t>(size.width) * static_cast<size_t>(size.height) *
-           static_cast<size_t>(pixelSize);
-}
 
 // Runs a definition of one pixel over the region, as plain code would.
 template <class Definition>
@@ -69,35 +64,38 @@ void colorMedian(const uint8_t* centre, ptrdiff_t step, uint8_t* to) {
 using FixedWindowFilter = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, int);
 
 template <class Definition>
-void compareFixedWindow(const char* name, FixedWindowFilter filter, int code, IppiSize size, int pixelSize,
+void compareFixedWindow(const char* function, FixedWindowFilter filter, int code, IppiSize size, int pixelSize,
                         Definition define) {
     const bench::Page& source = bench::source(size, pixelSize);
     bench::Page& result = bench::target(size, pixelSize);
     bench::Page& expected = bench::otherTarget(size, pixelSize);
     bench::compare(
-        bench::withSize(name, size),
+        {function, std::to_string(code), size, pixelSize},
         [&source, &result, filter, code, size] {
             filter(source.data(), source.step(), result.data(), result.step(), size, code);
         },
-        {bench::memcpyOf(bytesMoved(size, pixelSize)),
-         {"scalar", [&source, &expected, pixelSize, define] { forEachPixel(source, expected, pixelSize, define); }}},
-        [&result, &expected] { return result.sameRegion(expected); });
+        bench::memcpyOnly(),
+        [&source, &result, &expected, pixelSize, define] {
+            forEachPixel(source, expected, pixelSize, define);
+            return result.sameRegion(expected);
+        });
 }
 
 void compareFixedWindows() {
     for (const IppiSize size : {bench::kPage, bench::kTile}) {
         for (const int mask : {33, 55})
-            compareFixedWindow(mask == 33 ? "cross 3x3" : "cross 5x5", IPPShare_ippiFilterMedianCross_8u_C1R, mask,
+            compareFixedWindow("IPPShare_ippiFilterMedianCross_8u_C1R", IPPShare_ippiFilterMedianCross_8u_C1R, mask,
                                size, 1, [mask](const uint8_t* centre, ptrdiff_t step, uint8_t* to) {
                                    crossMedian(mask == 33 ? 1 : 2, centre, step, to);
                                });
         for (const int weight : {3, 5})
-            compareFixedWindow(weight == 3 ? "weighted centre 3" : "weighted centre 5",
+            compareFixedWindow("IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R",
                                IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, weight, size, 1,
                                [weight](const uint8_t* centre, ptrdiff_t step, uint8_t* to) {
                                    weightedMedian(weight, centre, step, to);
                                });
-        compareFixedWindow("colour 3x3", IPPShare_ippiFilterMedianColor_8u_C3R, 33, size, 3, colorMedian);
+        compareFixedWindow("IPPShare_ippiFilterMedianColor_8u_C3R", IPPShare_ippiFilterMedianColor_8u_C3R, 33, size, 3,
+                           colorMedian);
     }
 }
 
@@ -119,23 +117,24 @@ void runFrame(const bench::Page& source, bench::Page& result, int type, IppiSize
     filtered(cv::Rect(x, y, size.width, size.height)).copyTo(to);
 }
 
+std::string square(int side) { return std::to_string(side) + "x" + std::to_string(side); }
+
 void compareSquareMedian(IppiSize size, int channels, int m) {
     const bench::Page& source = bench::source(size, channels);
     bench::Page& result = bench::target(size, channels);
     bench::Page& expected = bench::otherTarget(size, channels);
     const int type = CV_MAKETYPE(CV_8U, channels);
-    const std::string name = "median " + std::to_string(m) + "x" + std::to_string(m) + " C" + std::to_string(channels);
+    const auto filter = channels == 1 ? IPPShare_ippiFilterMedian_8u_C1R : IPPShare_ippiFilterMedian_8u_C3R;
     bench::compare(
-        bench::withSize(name, size),
-        [&source, &result, size, type, m] {
-            ippiFilterMedian(source.data(), source.step(), type, result.data(), result.step(), size, {m, m},
-                             {m / 2, m / 2});
+        {channels == 1 ? "IPPShare_ippiFilterMedian_8u_C1R" : "IPPShare_ippiFilterMedian_8u_C3R", square(m), size,
+         channels},
+        [&source, &result, size, filter, m] {
+            filter(source.data(), source.step(), result.data(), result.step(), size, {m, m}, {m / 2, m / 2});
         },
-        {{"OpenCV",
-          [&source, &expected, type, m] {
-              runFrame(source, expected, type, {m, m},
-                       [m](const cv::Mat& from, cv::Mat& to) { cv::medianBlur(from, to, m); });
-          }}},
+        bench::openCV([&source, &expected, type, m] {
+            runFrame(source, expected, type, {m, m},
+                     [m](const cv::Mat& from, cv::Mat& to) { cv::medianBlur(from, to, m); });
+        }),
         [&result, &expected] { return result.sameRegion(expected); });
 }
 
@@ -145,32 +144,32 @@ using RectangleFilter = IppStatus (*)(const unsigned char*, int, unsigned char*,
 using Morph = void (*)(cv::InputArray, cv::OutputArray, cv::InputArray, cv::Point, int, int, const cv::Scalar&);
 
 template <class Call>
-void compareMorphology(const std::string& name, IppiSize size, const cv::Mat& mask, Morph morph, Call call) {
+void compareMorphology(const std::string& function, const std::string& variant, IppiSize size, const cv::Mat& mask,
+                       Morph morph, Call call) {
     const bench::Page& source = bench::source(size, 1);
     bench::Page& result = bench::target(size, 1);
     bench::Page& expected = bench::otherTarget(size, 1);
     bench::compare(
-        bench::withSize(name, size), [&source, &result, call] { call(source, result); },
-        {{"OpenCV",
-          [&source, &expected, mask, morph] {
-              runFrame(source, expected, CV_8UC1, {mask.cols, mask.rows}, [&](const cv::Mat& from, cv::Mat& to) {
-                  morph(from, to, mask, cv::Point(-1, -1), 1, cv::BORDER_CONSTANT, cv::morphologyDefaultBorderValue());
-              });
-          }},
-         bench::memcpyOf(bytesMoved(size, 1))},
+        {function, variant, size, 1}, [&source, &result, call] { call(source, result); },
+        bench::openCV([&source, &expected, mask, morph] {
+            runFrame(source, expected, CV_8UC1, {mask.cols, mask.rows}, [&](const cv::Mat& from, cv::Mat& to) {
+                morph(from, to, mask, cv::Point(-1, -1), 1, cv::BORDER_CONSTANT, cv::morphologyDefaultBorderValue());
+            });
+        }),
         [&result, &expected] { return result.sameRegion(expected); });
 }
 
-void compareMask(const std::string& name, MaskFilter filter, Morph morph, IppiSize size, const cv::Mat& mask) {
-    compareMorphology(name, size, mask, morph, [=](const bench::Page& source, bench::Page& result) {
+void compareMask(const char* function, const std::string& variant, MaskFilter filter, Morph morph, IppiSize size,
+                 const cv::Mat& mask) {
+    compareMorphology(function, variant, size, mask, morph, [=](const bench::Page& source, bench::Page& result) {
         filter(source.data(), source.step(), result.data(), result.step(), size, mask.data, {mask.cols, mask.rows},
                {mask.cols / 2, mask.rows / 2});
     });
 }
 
-void compareRectangle(const std::string& name, RectangleFilter filter, Morph morph, IppiSize size, int side) {
+void compareRectangle(const char* function, RectangleFilter filter, Morph morph, IppiSize size, int side) {
     const cv::Mat mask = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(side, side));
-    compareMorphology(name, size, mask, morph, [=](const bench::Page& source, bench::Page& result) {
+    compareMorphology(function, square(side), size, mask, morph, [=](const bench::Page& source, bench::Page& result) {
         filter(source.data(), source.step(), result.data(), result.step(), size, {side, side}, {side / 2, side / 2});
     });
 }
@@ -181,18 +180,17 @@ void compareWindowsOfAnySize() {
             for (const int m : {3, 5, 7, 9}) compareSquareMedian(size, channels, m);
         const cv::Mat full = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3));
         const cv::Mat cross = cv::getStructuringElement(cv::MORPH_CROSS, cv::Size(3, 3));
-        compareMask("dilate 3x3", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, full);
-        compareMask("erode 3x3", IPPShare_ippiErode_8u_C1R, cv::erode, size, full);
-        compareMask("dilate 3x3 cross", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, cross);
+        compareMask("IPPShare_ippiDilate_8u_C1R", "3x3", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, full);
+        compareMask("IPPShare_ippiErode_8u_C1R", "3x3", IPPShare_ippiErode_8u_C1R, cv::erode, size, full);
+        compareMask("IPPShare_ippiDilate_8u_C1R", "3x3 cross", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, cross);
         for (const int side : {3, 9, 31}) {
-            const std::string sides = std::to_string(side) + "x" + std::to_string(side);
-            compareRectangle("maximum " + sides, IPPMini_ippiFilterMax_8u_C1R, cv::dilate, size, side);
-            compareRectangle("minimum " + sides, IPPMini_ippiFilterMin_8u_C1R, cv::erode, size, side);
+            compareRectangle("IPPMini_ippiFilterMax_8u_C1R", IPPMini_ippiFilterMax_8u_C1R, cv::dilate, size, side);
+            compareRectangle("IPPMini_ippiFilterMin_8u_C1R", IPPMini_ippiFilterMin_8u_C1R, cv::erode, size, side);
         }
     }
 }
 
-const bench::Registration fixedWindows(compareFixedWindows);
-const bench::Registration windowsOfAnySize(compareWindowsOfAnySize);
+const bench::Registration fixedWindows("Medians of a fixed window", compareFixedWindows);
+const bench::Registration windowsOfAnySize("Medians and morphology of any window", compareWindowsOfAnySize);
 
 }    // namespace

@@ -6,11 +6,6 @@
 
 namespace {
 
-size_t bytesMoved(IppiSize from, IppiSize to, int channels) {
-    return static_cast<size_t>(channels) * (static_cast<size_t>(from.width) * static_cast<size_t>(from.height) +
-                                            static_cast<size_t>(to.width) * static_cast<size_t>(to.height));
-}
-
 cv::Mat viewOf(const KVIMG& record) {
     return {record.height, record.width, CV_8UC(record.depth / 8), record.data, static_cast<size_t>(record.rowBytes)};
 }
@@ -39,11 +34,11 @@ void comparePages(IppiSize size, int channels, int denominator, int numerator) {
     const KVIMG from = recordOf(bench::source(size, channels), channels);
     const IppiSize to = {size.width * numerator / denominator, size.height * numerator / denominator};
     bench::compare(
-        bench::withSize("ResizeImageWithIPPEx", size) + " " + std::to_string(8 * channels) + " bit " +
-            std::to_string(denominator) + ":" + std::to_string(numerator),
+        {"ResizeImageWithIPPEx",
+         std::to_string(8 * channels) + " bit " + std::to_string(denominator) + ":" + std::to_string(numerator), size,
+         bench::bytesOf(size, channels), bench::bytesOf(to, channels)},
         [from, denominator, numerator] { ours(from, denominator, numerator); },
-        {bench::memcpyOf(bytesMoved(size, to, channels)),
-         {"OpenCV", [from, denominator, numerator] { plain(from, denominator, numerator); }}},
+        bench::openCV([from, denominator, numerator] { plain(from, denominator, numerator); }),
         [from, denominator, numerator] {
             return cv::norm(viewOf(*ours(from, denominator, numerator)), viewOf(*plain(from, denominator, numerator)),
                             cv::NORM_INF) == 0;
@@ -59,21 +54,19 @@ void comparePlaced(IppiSize size) {
     const double factor = 2.0 / 3;
     const IppiSize scaledSize = {cvRound(size.width * factor), cvRound(size.height * factor)};
     bench::compare(
-        bench::withSize("ResizeSqrPixel_8u_C1R", size) + " 3:2",
+        {"OPCV_ippiResizeSqrPixel_8u_C1R", "3:2", size, bench::bytesOf(size, 1), bench::bytesOf(scaledSize, 1)},
         [&from, &to, size, all, factor] {
             OPCV_ippiResizeSqrPixel_8u_C1R(from.data(), size, from.step(), all, to.data(), to.step(), all, factor,
                                            factor, 3, 5, 0, nullptr);
         },
-        {bench::memcpyOf(bytesMoved(size, scaledSize, 1)),
-         {"OpenCV",
-          [&from, &expected, size, factor] {
-              const cv::Mat source(size.height, size.width, CV_8UC1, const_cast<uint8_t*>(from.data()),
-                                   static_cast<size_t>(from.step()));
-              cv::Mat scaled;
-              cv::resize(source, scaled, cv::Size(), factor, factor, cv::INTER_LINEAR);
-              cv::Mat target(size.height, size.width, CV_8UC1, expected.data(), static_cast<size_t>(expected.step()));
-              scaled.copyTo(target(cv::Rect(3, 5, scaled.cols, scaled.rows)));
-          }}},
+        bench::openCV([&from, &expected, size, factor] {
+            const cv::Mat source(size.height, size.width, CV_8UC1, const_cast<uint8_t*>(from.data()),
+                                 static_cast<size_t>(from.step()));
+            cv::Mat scaled;
+            cv::resize(source, scaled, cv::Size(), factor, factor, cv::INTER_LINEAR);
+            cv::Mat target(size.height, size.width, CV_8UC1, expected.data(), static_cast<size_t>(expected.step()));
+            scaled.copyTo(target(cv::Rect(3, 5, scaled.cols, scaled.rows)));
+        }),
         [&to, &expected] { return to.sameRegion(expected); });
 }
 
@@ -83,19 +76,17 @@ void compareColour(IppiSize size) {
     bench::Page& to = bench::target(half, 3);
     bench::Page& expected = bench::otherTarget(half, 3);
     bench::compare(
-        bench::withSize("Resize_8u_C3R", size) + " about 2:1",
+        {"IPPMini_ippiResize_8u_C3R", "about 2:1", size, bench::bytesOf(size, 3), bench::bytesOf(half, 3)},
         [&from, &to, size, half] {
             IPPMini_ippiResize_8u_C3R(from.data(), size, from.step(), {0, 0, size.width, size.height}, to.data(),
                                       to.step(), half, 1, 1, 0);
         },
-        {bench::memcpyOf(bytesMoved(size, half, 3)),
-         {"OpenCV",
-          [&from, &expected, size, half] {
-              const cv::Mat source(size.height, size.width, CV_8UC3, const_cast<uint8_t*>(from.data()),
-                                   static_cast<size_t>(from.step()));
-              cv::Mat target(half.height, half.width, CV_8UC3, expected.data(), static_cast<size_t>(expected.step()));
-              cv::resize(source, target, target.size(), 0, 0, cv::INTER_LINEAR);
-          }}},
+        bench::openCV([&from, &expected, size, half] {
+            const cv::Mat source(size.height, size.width, CV_8UC3, const_cast<uint8_t*>(from.data()),
+                                 static_cast<size_t>(from.step()));
+            cv::Mat target(half.height, half.width, CV_8UC3, expected.data(), static_cast<size_t>(expected.step()));
+            cv::resize(source, target, target.size(), 0, 0, cv::INTER_LINEAR);
+        }),
         [&to, &expected] { return to.sameRegion(expected); });
 }
 
@@ -112,6 +103,6 @@ void compareResize() {
     }
 }
 
-const bench::Registration registration(compareResize);
+const bench::Registration registration("Resize", compareResize);
 
 }    // namespace

@@ -8,10 +8,6 @@
 
 namespace {
 
-size_t bytesMoved(IppiSize size, int channels) {
-    return 2 * static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * static_cast<size_t>(channels);
-}
-
 struct Shift {
     double x = 0;
     double y = 0;
@@ -38,13 +34,13 @@ void compareRegion(IppiSize size, int channels, double angle) {
         const_cast<uint8_t*>(from.data()), from.step(),       all, expected.data(), expected.step(), all, angle,
         CV_MAKETYPE(CV_8U, channels),      cv::Scalar::all(0)};
     bench::compare(
-        bench::withSize("KVMac_ippiRotate C" + std::to_string(channels), size) + " " + degrees(angle),
+        {channels == 1 ? "KVMac_ippiRotate_8u_C1R" : "KVMac_ippiRotate_8u_C3R", degrees(angle), size, channels},
         [&from, &to, size, all, angle, shift, call] {
             call(from.data(), size, from.step(), all, to.data(), to.step(), all, angle, shift.x, shift.y, 0);
         },
-        {bench::memcpyOf(bytesMoved(size, channels)),
-         {"OpenCV",
-          [plain, shift] { oracle::rotateByOpenCV(plain, static_cast<float>(shift.x), static_cast<float>(shift.y)); }}},
+        bench::openCV([plain, shift] {
+            oracle::rotateByOpenCV(plain, static_cast<float>(shift.x), static_cast<float>(shift.y));
+        }),
         [&to, &expected] { return to.sameRegion(expected); });
 }
 
@@ -84,57 +80,139 @@ oracle::Rotation plainInto(const PageRecord& page, const KVIMG& record, double a
 
 void compareDeskew(IppiSize size, int depth, double angle) {
     const auto page = std::make_shared<PageRecord>(size, depth);
-    bench::compare(bench::withSize("DeskewImageWithIPP " + std::to_string(depth) + " bit", size) + " " + degrees(angle),
-                   [page, angle] {
-                       KVIMG* turned = nullptr;
-                       DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
-                       DisposeKVIMG(turned);
-                   },
-                   {bench::memcpyOf(bytesMoved(size, depth / 8)),
-                    {"OpenCV", [page, size, depth, angle] {
-                         intoNewRecord(size, depth, [&](const KVIMG& record) {
-                             oracle::rotateAboutByOpenCV(plainInto(*page, record, angle), (size.width - 1) * 0.5,
-                                                         (size.height - 1) * 0.5);
-                         });
-                     }}});
+    bench::compare(
+        {"DeskewImageWithIPP", std::to_string(depth) + " bit, " + degrees(angle), size, depth / 8},
+        [page, angle] {
+            KVIMG* turned = nullptr;
+            DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
+            DisposeKVIMG(turned);
+        },
+        bench::openCV([page, size, depth, angle] {
+            intoNewRecord(size, depth, [&](const KVIMG& record) {
+                oracle::rotateAboutByOpenCV(plainInto(*page, record, angle), (size.width - 1) * 0.5,
+                                            (size.height - 1) * 0.5);
+            });
+        }));
 }
 
+// A crop is compared twice: beside the plain way to it and beside the whole page.
 void compareHalfPage(IppiSize size, int depth, double angle) {
     const auto page = std::make_shared<PageRecord>(size, depth);
     const KVRect half = {size.height / 4, 0, size.height / 4 + size.height / 2, size.width};
     const IppiSize shown = {size.width, size.height / 2};
     const Shift shift = shiftAboutCentre(size, angle);
+    const bench::Action ours = [page, half, angle] {
+        KVIMG* turned = nullptr;
+        KVRect crop = half;
+        DeskewImageWithIPPEx(&page->record, &page->pointer, &turned, 0, 0, &crop, angle);
+        DisposeKVIMG(turned);
+    };
+    const std::string variant = "half page, " + std::to_string(depth) + " bit, " + degrees(angle);
     bench::compare(
-        bench::withSize("DeskewImageWithIPPEx half " + std::to_string(depth) + " bit", size) + " " + degrees(angle),
-        [page, half, angle] {
+        {"DeskewImageWithIPPEx", variant, size, bench::bytesOf(shown, depth / 8), bench::bytesOf(shown, depth / 8)},
+        ours, bench::openCV([page, shown, depth, shift, half, angle] {
+            intoNewRecord(shown, depth, [&](const KVIMG& record) {
+                oracle::rotateByOpenCV(plainInto(*page, record, angle), static_cast<float>(shift.x - half.left),
+                                       static_cast<float>(shift.y - half.top));
+            });
+        }));
+    bench::compare({"DeskewImageWithIPPEx", variant + " beside the whole", size, bench::bytesOf(shown, depth / 8),
+                    bench::bytesOf(shown, depth / 8)},
+                   ours, {"whole page", [page, angle] {
+                              KVIMG* turned = nullptr;
+                              DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
+                              DisposeKVIMG(turned);
+                          }});
+}
+
+// About a point of the page's upper left quarter.
+void compareAboutPoint(IppiSize size, int depth, double angle) {
+    const auto page = std::make_shared<PageRecord>(size, depth);
+    const int x = size.width / 4;
+    const int y = size.height / 4;
+    bench::compare(
+        {"DeskewImageWithIPPExWithShirftPoint", std::to_string(depth) + " bit, " + degrees(angle), size, depth / 8},
+        [=] {
             KVIMG* turned = nullptr;
-            KVRect crop = half;
-            DeskewImageWithIPPEx(&page->record, &page->pointer, &turned, 0, 0, &crop, angle);
+            KVRect crop = {0, 0, size.height, size.width};
+            DeskewImageWithIPPExWithShirftPoint(&page->record, &page->pointer, &turned, 0, 0, &crop, x, y, angle);
             DisposeKVIMG(turned);
         },
-        {{"whole page",
-          [page, angle] {
-              KVIMG* turned = nullptr;
-              DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
-              DisposeKVIMG(turned);
-          }},
-         {"OpenCV", [page, shown, depth, shift, half, angle] {
-              intoNewRecord(shown, depth, [&](const KVIMG& record) {
-                  oracle::rotateByOpenCV(plainInto(*page, record, angle), static_cast<float>(shift.x - half.left),
-                                         static_cast<float>(shift.y - half.top));
-              });
-          }}});
+        bench::openCV([=] {
+            intoNewRecord(size, depth, [&](const KVIMG& record) {
+                oracle::rotateAboutByOpenCV(plainInto(*page, record, angle), x, y);
+            });
+        }));
+}
+
+void compareRotationAboutCentre(IppiSize size, int channels, double angle) {
+    const bench::Page& from = bench::source(size, channels);
+    bench::Page& to = bench::target(size, channels);
+    bench::Page& expected = bench::otherTarget(size, channels);
+    const IppiRect all = {0, 0, size.width, size.height};
+    const int type = CV_MAKETYPE(CV_8U, channels);
+    const double x = (size.width - 1) * 0.5;
+    const double y = (size.height - 1) * 0.5;
+    const oracle::Rotation plain = {const_cast<uint8_t*>(from.data()),
+                                    from.step(),
+                                    all,
+                                    expected.data(),
+                                    expected.step(),
+                                    all,
+                                    angle,
+                                    type,
+                                    cv::Scalar::all(0)};
+    bench::compare(
+        {"ippiRotateCenter", "C" + std::to_string(channels) + ", " + degrees(angle), size, channels},
+        [=, &from, &to] {
+            ippiRotateCenter(from.data(), size, from.step(), all, to.data(), to.step(), all, angle, x, y, 0, type,
+                             cv::Scalar::all(0));
+        },
+        bench::openCV([plain, x, y] { oracle::rotateAboutByOpenCV(plain, x, y); }),
+        [&to, &expected] { return to.sameRegion(expected); });
+}
+
+// Onto a canvas of the image's own size, white outside. The plain way fills a new record too.
+void compareUnite(IppiSize size, int depth, double angle) {
+    const auto page = std::make_shared<PageRecord>(size, depth);
+    const int channels = depth / 8;
+    const auto header = std::make_shared<KVImageHeader>();
+    header->width = size.width;
+    header->height = size.height;
+    header->depth = depth;
+    header->rowStep = page->record.rowBytes;
+    header->pixels = page->record.data;
+    bench::compare(
+        {"UniteImageIplRotateImage", std::to_string(depth) + " bit, " + degrees(angle), size, channels},
+        [=] {
+            KVImageHeader canvas = *header;
+            canvas.rowStep = (size.width * depth / 8 + 3) / 4 * 4;
+            KVIMG* united = nullptr;
+            UniteImageIplRotateImage(&canvas, header.get(), &united, angle);
+            DisposeKVIMG(united);
+        },
+        bench::openCV([=] {
+            intoNewRecord(size, depth, [&](const KVIMG& record) {
+                oracle::Rotation plain = plainInto(*page, record, -angle);
+                plain.border = cv::Scalar::all(255);
+                const Shift shift = shiftAboutCentre(size, -angle);
+                oracle::rotateByOpenCV(plain, static_cast<float>(shift.x), static_cast<float>(shift.y));
+            });
+        }));
 }
 
 void compareRotations() {
-    for (const IppiSize size : {bench::kPage, bench::kTile}) {
-        for (const int channels : {1, 3})
+    for (const IppiSize size : {bench::kPage, bench::kTile})
+        for (const int channels : {1, 3}) {
             for (const double angle : {0.5, 2.3, 7.0, 33.0}) compareRegion(size, channels, angle);
-        for (const int depth : {8, 24}) compareDeskew(size, depth, 2.3);
-    }
-    for (const int depth : {8, 24}) compareHalfPage(bench::kPage, depth, 2.3);
+            compareRotationAboutCentre(size, channels, 2.3);
+            compareDeskew(size, 8 * channels, 2.3);
+            compareHalfPage(size, 8 * channels, 2.3);
+            compareAboutPoint(size, 8 * channels, 2.3);
+            compareUnite(size, 8 * channels, 2.3);
+        }
 }
 
-const bench::Registration registration(compareRotations);
+const bench::Registration registration("Rotation", compareRotations);
 
 }    // namespace

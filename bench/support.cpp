@@ -1,14 +1,9 @@
 #include "support.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
-#include <opencv2/core.hpp>
 #include <tuple>
 
 #include "support/random.h"
@@ -28,46 +23,6 @@ void drawPage(std::vector<uint8_t>& bytes, int step, int pixelSize) {
     }
 }
 
-std::vector<std::string>& order() {
-    static std::vector<std::string> names;
-    return names;
-}
-
-// Collects the time of every repetition and prints medians and ratios at the end.
-class RatioReporter : public benchmark::BenchmarkReporter {
-public:
-    bool ReportContext(const Context&) override { return true; }
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration)
-                times_[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-    }
-
-    void Finalize() override {
-        std::printf("| operation | ours, ms | beside | its ms | ratio ours / it |\n|---|---|---|---|---|\n");
-        for (const std::string& name : order()) {
-            const std::string prefix = name.substr(0, name.rfind('/'));
-            const std::string contender = name.substr(name.rfind('/') + 1);
-            const double ours = median(prefix + "/ours");
-            const double other = median(name);
-            if (contender == "ours" || ours <= 0 || other <= 0) continue;
-            std::printf("| %s | %.3f | %s | %.3f | %.2f |\n", prefix.c_str(), ours, contender.c_str(), other,
-                        ours / other);
-        }
-    }
-
-private:
-    double median(const std::string& name) {
-        std::vector<double>& t = times_[name];
-        if (t.empty()) return 0;
-        std::sort(t.begin(), t.end());
-        return t[t.size() / 2];
-    }
-
-    std::map<std::string, std::vector<double>> times_;
-};
-
 Page& pageOf(int which, IppiSize size, int pixelSize) {
     static std::map<std::tuple<int, int, int, int>, std::unique_ptr<Page>> pages;
     auto& page = pages[{which, size.width, size.height, pixelSize}];
@@ -75,26 +30,22 @@ Page& pageOf(int which, IppiSize size, int pixelSize) {
     return *page;
 }
 
-// Made only once the thread count is set, as comparisons run what they compare.
-std::vector<void (*)()>& registrations() {
-    static std::vector<void (*)()> all;
+struct Heading {
+    const char* text;
+    void (*makeComparisons)();
+};
+
+std::vector<Heading>& headings() {
+    static std::vector<Heading> all;
     return all;
 }
 
-void add(const std::string& name, const std::function<void()>& run) {
-    order().push_back(name);
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [run](benchmark::State& state) {
-                                     for (auto _ : state) {
-                                         run();
-                                         benchmark::ClobberMemory();
-                                     }
-                                 })
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime()
-        ->Repetitions(9)
-        ->MinTime(0.02);
+std::vector<Comparison>& allComparisons() {
+    static std::vector<Comparison> all;
+    return all;
 }
+
+const char* headingBeingMade = "";
 
 }    // namespace
 
@@ -118,55 +69,32 @@ const Page& source(IppiSize size, int pixelSize) { return pageOf(0, size, pixelS
 Page& target(IppiSize size, int pixelSize) { return pageOf(1, size, pixelSize); }
 Page& otherTarget(IppiSize size, int pixelSize) { return pageOf(2, size, pixelSize); }
 
-void compare(const std::string& name, const std::function<void()>& ours, const std::vector<Contender>& others,
-             const std::function<bool()>& verify) {
-    ours();
-    for (const Contender& other : others) other.run();
-    if (verify && !verify()) {
-        std::fprintf(stderr, "%s: the results differ\n", name.c_str());
-        std::exit(1);
+size_t bytesOf(IppiSize size, int pixelSize) {
+    return static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * static_cast<size_t>(pixelSize);
+}
+
+Subject::Subject(std::string name, std::string shape, IppiSize region, size_t read, size_t written)
+    : function(std::move(name)), variant(std::move(shape)), size(region), bytesRead(read), bytesWritten(written) {}
+
+Subject::Subject(std::string name, std::string shape, IppiSize region, int pixelSize)
+    : Subject(std::move(name), std::move(shape), region, bytesOf(region, pixelSize), bytesOf(region, pixelSize)) {}
+
+Plain memcpyOnly() { return {"memcpy", nullptr}; }
+Plain openCV(const Action& run) { return {"OpenCV", run}; }
+
+void compare(const Subject& subject, const Action& ours, const Plain& plain, const std::function<bool()>& same) {
+    allComparisons().push_back({headingBeingMade, subject, ours, plain, same});
+}
+
+Registration::Registration(const char* heading, void (*make)()) { headings().push_back({heading, make}); }
+
+void makeComparisons() {
+    for (const Heading& heading : headings()) {
+        headingBeingMade = heading.text;
+        heading.makeComparisons();
     }
-    add(name + "/ours", ours);
-    for (const Contender& other : others) add(name + "/" + other.name, other.run);
 }
 
-Contender memcpyOf(size_t bytesReadAndWritten) {
-    static std::vector<uint8_t> from;
-    static std::vector<uint8_t> to;
-    const size_t half = bytesReadAndWritten / 2;
-    if (from.size() < half) {
-        from.resize(half, 1);
-        to.resize(half);
-    }
-    return {"memcpy", [half] {
-                std::memcpy(to.data(), from.data(), half);
-                benchmark::DoNotOptimize(to.data());
-            }};
-}
-
-Registration::Registration(void (*makeComparisons)()) { registrations().push_back(makeComparisons); }
-
-std::string withSize(const std::string& name, IppiSize size) {
-    return name + " " + std::to_string(size.width) + "x" + std::to_string(size.height);
-}
-
-void makeAllComparisons() {
-    for (auto* make : registrations()) make();
-}
+const std::vector<Comparison>& comparisons() { return allComparisons(); }
 
 }    // namespace bench
-
-int main(int argc, char** argv) {
-    const char* threads = std::getenv("OPCV_DLIB_BENCH_THREADS");
-    cv::setNumThreads(threads ? std::stoi(threads) : 1);
-    bench::makeAllComparisons();
-
-    std::vector<char*> arguments(argv, argv + argc);
-    char interleave[] = "--benchmark_enable_random_interleaving=true";
-    arguments.insert(arguments.begin() + 1, interleave);
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    bench::RatioReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return 0;
-}

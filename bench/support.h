@@ -1,5 +1,5 @@
-// Comparisons in one run: each is our call beside others that do the same work (the plain OpenCV call, the scalar
-// definition, memcpy of the bytes read and written once), interleaved at random; the report gives medians and ratios.
+// Comparisons in one run: an exported function beside the plain way to the same bytes (views, the OpenCV call, the copy
+// back; where OpenCV has no such call, memcpy) and beside memcpy of the bytes read and written once.
 #pragma once
 
 #include <cstddef>
@@ -25,9 +25,6 @@ public:
     int step() const { return step_; }
     uint8_t* data() { return bytes_.data() + kMargin * step_ + kMargin * pixelSize_; }
     const uint8_t* data() const { return bytes_.data() + kMargin * step_ + kMargin * pixelSize_; }
-    size_t regionBytes() const {
-        return static_cast<size_t>(size_.width) * static_cast<size_t>(size_.height) * static_cast<size_t>(pixelSize_);
-    }
     bool sameRegion(const Page& other) const;
 
 private:
@@ -42,24 +39,52 @@ const Page& source(IppiSize size, int pixelSize);
 Page& target(IppiSize size, int pixelSize);
 Page& otherTarget(IppiSize size, int pixelSize);
 
-struct Contender {
+size_t bytesOf(IppiSize size, int pixelSize);
+
+// One exported function on one shape.
+struct Subject {
+    std::string function;
+    std::string variant;    // window, angle, depth, ...; may be empty
+    IppiSize size;
+    size_t bytesRead;
+    size_t bytesWritten;
+
+    Subject(std::string function, std::string variant, IppiSize size, size_t bytesRead, size_t bytesWritten);
+    // As many bytes written as read.
+    Subject(std::string function, std::string variant, IppiSize size, int pixelSize);
+};
+
+using Action = std::function<void()>;
+
+struct Plain {
     std::string name;
-    std::function<void()> run;
+    Action run;
 };
 
-// Registers a comparison. `verify`, if given, runs after each contender has run once; a false ends the program.
-void compare(const std::string& name, const std::function<void()>& ours, const std::vector<Contender>& others,
-             const std::function<bool()>& verify = nullptr);
+// Plain is memcpy of the same traffic.
+Plain memcpyOnly();
+Plain openCV(const Action& run);
 
-// Each file of comparisons registers its function that makes them:
-//     const bench::Registration registration(compareBitPacking);
+struct Comparison {
+    std::string heading;
+    Subject subject;
+    Action ours;
+    Plain plain;
+    std::function<bool()> same;
+};
+
+// Registers a comparison. `same` is asked once both have run; a false ends the program.
+void compare(const Subject& subject, const Action& ours, const Plain& plain,
+             const std::function<bool()>& same = nullptr);
+
+// Each file of comparisons registers the function that makes them, under the heading of their table:
+//     const bench::Registration registration("Bit packing", compareBitPacking);
 struct Registration {
-    explicit Registration(void (*makeComparisons)());
+    Registration(const char* heading, void (*make)());
 };
 
-// memcpy of as many bytes as a call reads and writes once: half of them are copied, in a block of its own.
-Contender memcpyOf(size_t bytesReadAndWritten);
-
-std::string withSize(const std::string& name, IppiSize size);
+// Runs what has been registered, once; the comparisons are there after it.
+void makeComparisons();
+const std::vector<Comparison>& comparisons();
 
 }    // namespace bench

@@ -57,10 +57,8 @@ inline std::vector<uint8_t> encodeJpeg(const uint8_t* pixels, int step, int widt
         jpeg_write_marker(&cinfo, JPEG_COM, reinterpret_cast<const JOCTET*>(settings.comment.data()),
                           static_cast<unsigned>(settings.comment.size()));
     for (int y = 0; y < height; ++y) {
-        std::vector<uint8_t> row(pixels + ptrdiff_t{step} * y,
-                                 pixels + ptrdiff_t{step} * y + width * settings.components);
-        JSAMPROW pointer = row.data();
-        jpeg_write_scanlines(&cinfo, &pointer, 1);
+        auto* row = const_cast<JSAMPROW>(pixels + ptrdiff_t{step} * y);
+        jpeg_write_scanlines(&cinfo, &row, 1);
     }
     jpeg_finish_compress(&cinfo);
     jpeg_destroy_compress(&cinfo);

@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Counts the arm64 instructions of every comparison under qemu's user emulation and prints them as a table.
+
+Usage: count_instructions.py PROGRAM SYSROOT > instructions.tsv
+
+qemu writes down each block of instructions once, when it translates it, and the address of each block that it runs. The
+count of a call is the sum over the blocks that ran between the program's two marker functions. It says how much a
+processor is asked to do, not how long it takes.
+"""
+import collections
+import subprocess
+import sys
+import tempfile
+
+QEMU = "qemu-aarch64-static"
+
+
+def command(program, sysroot, log):
+    libraries = ":".join(f"/usr/lib/aarch64-linux-gnu{part}" for part in ("", "/blas", "/lapack"))
+    return [QEMU, "-L", sysroot, "-E", f"LD_LIBRARY_PATH={libraries}", "-d", "in_asm,exec,nochain", "-D", log, program]
+
+
+def count_blocks(log):
+    """Instructions between the two markers, each time, in the order of the run."""
+    lengths, counts, ran = collections.defaultdict(int), [], None
+    block = None
+    for line in log:
+        if line.startswith("Trace"):
+            address = int(line.split("/", 2)[1], 16)
+            if line.endswith("startOfCount\n"):
+                ran = collections.Counter()
+            elif line.endswith("endOfCount\n") and ran is not None:
+                counts.append(sum(lengths[at] * times for at, times in ran.items()))
+                ran = None
+            elif ran is not None:
+                ran[address] += 1
+        elif line.startswith("0x"):
+            if block is None:
+                block = int(line[:line.index(":")], 16)
+                lengths[block] = 0
+            lengths[block] += 1
+        elif line.startswith("IN:"):
+            block = None
+    return counts
+
+
+def main():
+    program, sysroot = sys.argv[1:]
+    with tempfile.TemporaryDirectory() as folder:
+        fifo = f"{folder}/trace"
+        subprocess.run(["mkfifo", fifo], check=True)
+        with open(f"{folder}/names", "w+") as names:
+            run = subprocess.Popen(command(program, sysroot, fifo), stdout=names)
+            with open(fifo, errors="replace") as log:
+                counts = count_blocks(log)
+            if run.wait() != 0:
+                sys.exit("the program failed")
+            names.seek(0)
+            lines = [line.rstrip("\n").split("\t") for line in names]
+    calls = [line for line in lines if len(line) == 4]
+    if len(counts) != 2 * len(calls):
+        sys.exit(f"{len(counts)} counts for {len(calls)} comparisons")
+    print("function\tvariant\tplain_name\tpixels\tours\tplain")
+    for i, (function, variant, plain, pixels) in enumerate(calls):
+        print(function, variant, plain, pixels, counts[2 * i], counts[2 * i + 1], sep="\t")
+
+
+if __name__ == "__main__":
+    main()

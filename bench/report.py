@@ -1,0 +1,214 @@
+#!/usr/bin/env python3
+"""Writes the tables of docs/performance.md from the figures of the benchmarks.
+
+Usage: report.py RESULTS_FOLDER DOCUMENT
+
+Only what stands between a pair of marker lines is replaced; the text around them is written by hand. Fails when an
+exported function is neither measured nor accounted for, or when a figure of the full set is missing.
+"""
+import csv
+import pathlib
+import platform
+import re
+import subprocess
+import sys
+
+HERE = pathlib.Path(__file__).parent
+PAGE, TILE = "2480x3508", "256x256"
+
+
+def rows_of(path):
+    with open(path, newline="") as file:
+        return list(csv.DictReader(file, delimiter="\t"))
+
+
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|" + "---|" * len(head)]
+    return lines + ["| " + " | ".join(row) + " |" for row in rows]
+
+
+def number(value, digits=2):
+    return "" if value is None else f"{value:.{digits}f}"
+
+
+def significant(value):
+    return f"{value:.3g}" if value < 1000 else f"{value:.0f}"
+
+
+def read_goals():
+    goals = {}
+    for line in (HERE / "goals.txt").read_text().splitlines():
+        if line and not line.startswith("#"):
+            function, variant, ratio, *beside = line.split("\t")
+            goals[function, variant] = (float(ratio), bool(beside))
+    return goals
+
+
+def read_same_code():
+    lines = (HERE / "same_code.txt").read_text().splitlines()
+    return dict(line.split("\t") for line in lines if line and not line.startswith("#"))
+
+
+def exported_functions():
+    mangled = (HERE.parent / "cmake" / "exports.txt").read_text()
+    plain = subprocess.run(["c++filt"], input=mangled, capture_output=True, text=True, check=True).stdout
+    return {line.split("(")[0] for line in plain.split("\n") if line}
+
+
+def check_completeness(results):
+    measured = {name.strip() for row in results for name in row["function"].split(",")}
+    missing = exported_functions() - measured - set(read_same_code())
+    if missing:
+        sys.exit("neither measured nor accounted for: " + ", ".join(sorted(missing)))
+
+
+class Call:
+    """All figures of one function on one shape."""
+
+    def __init__(self, function, variant, heading):
+        self.function, self.variant, self.heading = function, variant, heading
+        self.rows = {}
+
+    @property
+    def name(self):
+        return f"`{self.function}`" + (f" {self.variant}" if self.variant else "")
+
+    def get(self, size, threads, field):
+        row = self.rows.get((size, threads))
+        return None if row is None else float(row[field])
+
+    def first(self):
+        return self.rows.get((PAGE, "1")) or next(iter(self.rows.values()))
+
+
+def calls_of(results):
+    calls = {}
+    for row in results:
+        key = row["function"], row["variant"]
+        call = calls.setdefault(key, Call(*key, row["heading"]))
+        call.rows[row["size"], "1" if row["threads"] == "1" else "all"] = row
+    return list(calls.values())
+
+
+def cost_a_pixel(call):
+    page, tile = call.get(PAGE, "1", "ours"), call.get(TILE, "1", "ours")
+    return None if page is None or tile is None else tile / page * (2480 * 3508) / (256 * 256)
+
+
+def time_row(call, goals):
+    goal, beside_memcpy = goals.get((call.function, call.variant), (None, False))
+    reached = call.get(PAGE, "1", "ratio_memcpy" if beside_memcpy else "ratio")
+    goal_text = "" if goal is None else f"{goal:g}" + (" x memcpy" if beside_memcpy else "")
+    if goal is not None and reached is not None and reached > goal:
+        goal_text += " **missed**"
+    milliseconds = call.get(PAGE, "1", "ours")
+    tile = call.get(TILE, "1", "ours")
+    return [
+        call.name,
+        "" if milliseconds is None else significant(1000 * milliseconds),
+        call.first()["plain_name"],
+        number(call.get(PAGE, "1", "ratio")),
+        goal_text,
+        number(call.get(PAGE, "1", "ratio_memcpy")),
+        number(call.get(PAGE, "all", "ratio")),
+        "" if tile is None else significant(1e6 * tile),
+        number(call.get(TILE, "1", "ratio")),
+        number(call.get(TILE, "all", "ratio")),
+        number(cost_a_pixel(call)),
+    ]
+
+
+TIME_HEAD = ["call", "page, ms", "plain is", "/ plain", "goal", "/ memcpy", "/ plain, two threads", "256 x 256, us",
+             "/ plain", "/ plain, two threads", "cost a pixel / page's"]
+
+
+def time_tables(results):
+    goals, lines, heading = read_goals(), [], None
+    calls = calls_of(results)
+    for call in calls:
+        if call.heading != heading:
+            heading = call.heading
+            group = [time_row(other, goals) for other in calls if other.heading == heading]
+            lines += ["", f"### {heading}", ""] + table(TIME_HEAD, group)
+    return lines
+
+
+def memory_table(results):
+    rows = []
+    for call in calls_of(results):
+        row = call.first()
+        source = float(row["read"]) or float(row["written"])
+        result = float(row["written"])
+        own = float(row["heap"])
+        rows.append([call.name, significant(own / source), significant(result / source), row["blocks"],
+                     significant(float(row["plain_heap"]) / source), row["plain_blocks"]])
+    return ["", "### Heap", ""] + table(
+        ["call", "peak / source", "result / source", "blocks", "plain: peak / source", "plain: blocks"], rows)
+
+
+def same_code_table():
+    return ["", "### Functions that share the code of another", ""] + table(
+        ["function", "measured as"],
+        [[f"`{name}`", what] for name, what in read_same_code().items() if what != "no image work"])
+
+
+def version_of(command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout.strip().splitlines()[0]
+
+
+def package_version(name):
+    return version_of(["dpkg-query", "-W", "-f", "${Version}", name])
+
+
+def machine():
+    cpu = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text()).group(1)
+    cpus = len(re.findall(r"^processor", pathlib.Path("/proc/cpuinfo").read_text(), re.M))
+    flags = re.search(r"flags\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text()).group(1).split()
+    vectors = [name for name in ("avx512f", "avx2", "ssse3") if name in flags]
+    return (f"{cpu}, {cpus} processors, widest vectors {vectors[0].upper()}; Linux {platform.release()}; "
+            f"{version_of(['c++', '--version'])}; OpenCV {package_version('libopencv-core-dev')}, "
+            f"Highway {package_version('libhwy-dev')}, libjpeg-turbo {package_version('libjpeg62-turbo-dev')}, "
+            f"glibc {platform.libc_ver()[1]}.")
+
+
+def pipeline_table(path):
+    rows = []
+    for row in rows_of(path):
+        rows.append([row["work"], row["page"], row["tool"], significant(float(row["ms"])), number(float(row["ratio"])),
+                     significant(float(row["peak_mb"])), row["steps"]])
+    return table(["work", "page", "tool", "ms", "ours / it", "peak memory, MB", "steps"], rows)
+
+
+def instruction_table(path):
+    rows = []
+    for row in rows_of(path):
+        ours, plain = float(row["ours"]), float(row["plain"])
+        rows.append([f"`{row['function']}` {row['variant']}".strip(), significant(ours / float(row["pixels"])),
+                     row["plain_name"], significant(plain / float(row["pixels"])), number(ours / plain)])
+    return table(["call", "instructions a pixel", "plain is", "its instructions a pixel", "ours / plain"], rows)
+
+
+def replace_between(text, marker, lines):
+    begin, end = f"<!-- {marker}: begin -->", f"<!-- {marker}: end -->"
+    if begin not in text or end not in text:
+        sys.exit(f"no {marker} markers in the document")
+    head, rest = text.split(begin)
+    return head + begin + "\n" + "\n".join(lines).strip("\n") + "\n" + end + rest.split(end)[1]
+
+
+def main():
+    folder, document = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
+    text = document.read_text()
+    calls = rows_of(folder / "calls.tsv")
+    check_completeness(calls)
+    text = replace_between(text, "machine", [machine()])
+    text = replace_between(text, "calls", time_tables(calls) + memory_table(calls) + same_code_table())
+    for marker, file, make in (("pipeline", "pipeline.tsv", pipeline_table),
+                               ("instructions", "instructions.tsv", instruction_table)):
+        if (folder / file).exists():
+            text = replace_between(text, marker, make(folder / file))
+    document.write_text(text)
+
+
+if __name__ == "__main__":
+    main()
