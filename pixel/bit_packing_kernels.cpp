@@ -28,21 +28,28 @@ namespace hn = hwy::HWY_NAMESPACE;
 using D = hn::ScalableTag<uint8_t>;
 using DByte = hn::CappedTag<uint8_t, 8>;    // the pixels of one byte
 
-constexpr ptrdiff_t kBlockBytes = 16;
+// The bits of one vector of pixels, as bytes and as a number.
+ptrdiff_t bytesAtOnce() { return static_cast<ptrdiff_t>(hn::Lanes(D())) / 8; }
 
-// Bits to 0 and 255: each lane fetches the byte that holds its bit, counted from byteOfLane on, and tests the bit.
+// Calls `vectorAt` for each vector's first byte, the last one pulled back to end with the bytes; fewer bytes than that go
+// one at a time.
+template <class VectorAt, class ByteAt>
+HWY_INLINE void coverBytes(ptrdiff_t bytes, const VectorAt& vectorAt, const ByteAt& byteAt) {
+    const ptrdiff_t atOnce = bytesAtOnce();
+    if (bytes < atOnce) {
+        for (ptrdiff_t byte = 0; byte < bytes; ++byte) byteAt(byte);
+        return;
+    }
+    for (ptrdiff_t byte = 0; byte < bytes - atOnce; byte += atOnce) vectorAt(byte);
+    vectorAt(bytes - atOnce);
+}
+
+// Bits to 0 and 255: each lane fetches the byte that holds its bit and tests the bit.
 template <class DPixels, class V>
 HWY_INLINE void expandVector(DPixels d, V bits, V byteOfLane, uint8_t* HWY_RESTRICT grey) {
     HWY_ALIGN static constexpr uint8_t kBits[16] = {128, 64, 32, 16, 8, 4, 2, 1, 128, 64, 32, 16, 8, 4, 2, 1};
     const auto byte = hn::TableLookupBytes(bits, byteOfLane);
     hn::StoreU(hn::VecFromMask(d, hn::TestBit(byte, hn::LoadDup128(d, kBits))), d, grey);
-}
-
-HWY_INLINE hn::Vec<D> firstBytesOfLanes() {
-    HWY_ALIGN static constexpr uint8_t kByteOfLane[64] = {
-        0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3,
-        4, 4, 4, 4, 4, 4, 4, 4, 5, 5, 5, 5, 5, 5, 5, 5, 6, 6, 6, 6, 6, 6, 6, 6, 7, 7, 7, 7, 7, 7, 7, 7};
-    return hn::LoadU(D(), kByteOfLane);
 }
 
 HWY_INLINE void expandByte(unsigned bits, uint8_t* HWY_RESTRICT grey) {
@@ -51,19 +58,18 @@ HWY_INLINE void expandByte(unsigned bits, uint8_t* HWY_RESTRICT grey) {
 }
 
 void expandBytes(const uint8_t* HWY_RESTRICT bits, ptrdiff_t bytes, uint8_t* HWY_RESTRICT grey) {
+    HWY_ALIGN static constexpr uint8_t kByteOfLane[32] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1,
+                                                          2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3};
     const D d;
-    const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(d));
-    const auto next = hn::Set(d, static_cast<uint8_t>(lanes / 8));
-    ptrdiff_t byte = 0;
-    for (; byte + kBlockBytes <= bytes; byte += kBlockBytes) {
-        const auto block = hn::LoadDup128(d, bits + byte);
-        auto byteOfLane = firstBytesOfLanes();
-        for (ptrdiff_t x = 0; x < 8 * kBlockBytes; x += lanes) {
-            expandVector(d, block, byteOfLane, grey + 8 * byte + x);
-            byteOfLane = hn::Add(byteOfLane, next);
-        }
-    }
-    for (; byte < bytes; ++byte) expandByte(bits[byte], grey + 8 * byte);
+    const hn::Repartition<uint32_t, D> dWords;
+    static_assert(hn::MaxLanes(D()) / 8 <= sizeof(uint32_t), "a word holds the bits of a vector");
+    const auto byteOfLane = hn::LoadU(d, kByteOfLane);
+    const auto expandAt = [=](ptrdiff_t byte) HWY_ATTR {
+        uint32_t word = 0;
+        std::memcpy(&word, bits + byte, hn::Lanes(d) / 8);
+        expandVector(d, hn::BitCast(d, hn::Set(dWords, word)), byteOfLane, grey + 8 * byte);
+    };
+    coverBytes(bytes, expandAt, [=](ptrdiff_t byte) HWY_ATTR { expandByte(bits[byte], grey + 8 * byte); });
 }
 
 // Pixels above the level to bits. The comparison's lanes are collected from the lowest bit up, so each eight pixels are
@@ -82,13 +88,9 @@ HWY_INLINE unsigned packByte(const uint8_t* HWY_RESTRICT grey, uint8_t level) {
 }
 
 void packBytes(const uint8_t* HWY_RESTRICT grey, ptrdiff_t bytes, uint8_t level, uint8_t* HWY_RESTRICT bits) {
-    const D d;
-    const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(d));
-    ptrdiff_t byte = 0;
-    for (; byte + kBlockBytes <= bytes; byte += kBlockBytes)
-        for (ptrdiff_t x = 0; x < 8 * kBlockBytes; x += lanes)
-            packVector(d, grey + 8 * byte + x, level, bits + byte + x / 8);
-    for (; byte < bytes; ++byte) packVector(DByte(), grey + 8 * byte, level, bits + byte);
+    coverBytes(
+        bytes, [=](ptrdiff_t byte) HWY_ATTR { packVector(D(), grey + 8 * byte, level, bits + byte); },
+        [=](ptrdiff_t byte) HWY_ATTR { packVector(DByte(), grey + 8 * byte, level, bits + byte); });
 }
 
 // A row of bits as the region uses it.
@@ -156,12 +158,14 @@ void packRow(const uint8_t* grey, const BitRow& row, uint8_t threshold, uint8_t*
 }
 
 void expand(const uint8_t* src, int srcStep, int bitOffset, uint8_t* dst, int dstStep, int width, int height) {
-    for (; height > 0; --height, src += srcStep, dst += dstStep) expandRow(src, {bitOffset, width}, dst);
+    const BitRow row(bitOffset, width);
+    for (; height > 0; --height, src += srcStep, dst += dstStep) expandRow(src, row, dst);
 }
 
 void pack(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int bitOffset, int width, int height,
           uint8_t threshold) {
-    for (; height > 0; --height, src += srcStep, dst += dstStep) packRow(src, {bitOffset, width}, threshold, dst);
+    const BitRow row(bitOffset, width);
+    for (; height > 0; --height, src += srcStep, dst += dstStep) packRow(src, row, threshold, dst);
 }
 
 }    // namespace HWY_NAMESPACE
