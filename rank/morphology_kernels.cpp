@@ -8,6 +8,8 @@
 //     window of row 2             |---| |---|          3 operations a pixel, whatever the height
 //
 // Rows of columns go by doubling: extremes of 2, 4, 8, ... neighbours, at last of two such groups that overlap.
+//
+// The 3x3 square, the one that most callers ask for, goes straight from the source rows, without a row of its own.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -28,6 +30,8 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 using rank_rows::HWY_NAMESPACE::coverRow;
+using rank_rows::HWY_NAMESPACE::forEachRowPair;
+using rank_rows::HWY_NAMESPACE::RowPair;
 
 struct Max {
     template <class V>
@@ -139,6 +143,40 @@ private:
     HWY_ALIGN uint8_t scratch_[kScratch];
 };
 
+// Two rows at a time: their columns share the two rows in the middle.
+template <class Op>
+void filterSquare3x3(const WindowRows& rows) {
+    const ptrdiff_t step = rows.srcStep;
+    forEachRowPair(
+        rows.src + step, step, rows.dst, rows.dstStep, static_cast<int>(rows.width), static_cast<int>(rows.height),
+        [=](const RowPair& pair) HWY_ATTR {
+            const uint8_t* const above = pair.upper - step;
+            const uint8_t* const lower = pair.upper + step;
+            const uint8_t* const below = pair.hasLower ? lower + step : lower;
+            coverRow(rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+                const auto at = [=](const uint8_t* row, ptrdiff_t dx) HWY_ATTR { return hn::LoadU(d, row + x + dx); };
+                const auto shared = [=](ptrdiff_t dx) HWY_ATTR { return Op::of(at(pair.upper, dx), at(lower, dx)); };
+                const auto left = shared(0);
+                const auto middle = shared(1);
+                const auto right = shared(2);
+                const auto both = Op::of(Op::of(left, middle), right);
+                const auto with = [=](const uint8_t* row) HWY_ATTR {
+                    return Op::of(Op::of(both, at(row, 0)), Op::of(at(row, 1), at(row, 2)));
+                };
+                hn::StoreU(with(below), d, pair.lowerDst + x);
+                hn::StoreU(with(above), d, pair.upperDst + x);
+            });
+        });
+}
+
+template <class Op>
+void filterRectangle(const WindowRows& rows, IppiSize side) {
+    if (side.width == 3 && side.height == 3)
+        filterSquare3x3<Op>(rows);
+    else
+        RectangleFilter<Op>(rows, side).filter();
+}
+
 template <class Op>
 void filterCells(const WindowRows& rows, const ptrdiff_t* cells, int count) {
     for (ptrdiff_t y = 0; y < rows.height; ++y) {
@@ -154,9 +192,9 @@ void filterCells(const WindowRows& rows, const ptrdiff_t* cells, int count) {
 
 void underRectangle(const WindowRows& rows, IppiSize side, Extremum extremum) {
     if (extremum == Extremum::kMax) {
-        RectangleFilter<Max>(rows, side).filter();
+        filterRectangle<Max>(rows, side);
     } else {
-        RectangleFilter<Min>(rows, side).filter();
+        filterRectangle<Min>(rows, side);
     }
 }
 
