@@ -1,5 +1,7 @@
 // Compression of rasters into a vector and of records into a block of their own.
+#include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <vector>
 
 #include "OPCV_dlib.h"
@@ -8,7 +10,8 @@
 
 namespace {
 
-constexpr int kWorkBuffer = 524288;
+constexpr int64_t kLargestWorkBuffer = 524288;
+constexpr int64_t kSmallestWorkBuffer = 4096;
 constexpr int kDotsPerInch = 1;
 
 struct Raster {
@@ -60,9 +63,16 @@ bool encodeWith(KVCompress& encoder, const Raster& raster, const Style& style, R
     return encoder.Compress(raster.pixels, raster.rowBytes, DEFAULT_CREATOR, sizeof(DEFAULT_CREATOR));
 }
 
+// No larger than the raster, which its stream seldom outgrows: to clear half a megabyte would cost a small image more
+// than it saves.
+int workBufferOf(const Raster& raster) {
+    return static_cast<int>(
+        std::clamp(int64_t{raster.rowBytes} * raster.height, kSmallestWorkBuffer, kLargestWorkBuffer));
+}
+
 bool encode(const Raster& raster, const Style& style, Resolution resolution, std::vector<unsigned char>& out) {
     KVCompress encoder;
-    return (encoder.*style.init)(raster.width, raster.height, kWorkBuffer, out) &&
+    return (encoder.*style.init)(raster.width, raster.height, workBufferOf(raster), out) &&
            encodeWith(encoder, raster, style, resolution);
 }
 
