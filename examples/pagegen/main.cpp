@@ -1,4 +1,4 @@
-// pagegen: draws an A4 page at 300 dpi as a scanner would see it: text, a picture, uneven light, noise, and a skew.
+// pagegen: draws A4 pages as a scanner would see them: text, a picture, uneven light, noise, and a skew.
 #include <OPCV_dlib.h>
 
 #include <CLI/CLI.hpp>
@@ -69,61 +69,92 @@ cv::Mat drawSheet() {
     return page;
 }
 
-// Turned clockwise for a positive skew, on the dark lid of the scanner.
-cv::Mat skewed(const cv::Mat& sheet, double degrees) {
-    const cv::Mat matrix = cv::getRotationMatrix2D({kWidth / 2.0F, kHeight / 2.0F}, -degrees, 1.0);
-    cv::Mat page;
-    cv::warpAffine(sheet, page, matrix, sheet.size(), cv::INTER_CUBIC, cv::BORDER_CONSTANT, cv::Scalar(58, 56, 60));
-    return page;
-}
-
-void shadeAndAddNoise(cv::Mat& page, unsigned seed) {
-    std::mt19937 engine(seed);
-    std::normal_distribution<double> noise(0, 5);
-    for (int y = 0; y < page.rows; ++y) {
-        auto* row = page.ptr<cv::Vec3b>(y);
-        for (int x = 0; x < page.cols; ++x) {
-            const double dx = 2.0 * x / page.cols - 1.1;
-            const double dy = 2.0 * y / page.rows - 0.9;
-            const double light = 1.0 - 0.10 * dx * dx - 0.06 * dy * dy;
-            const double grain = noise(engine);
-            for (int c = 0; c < 3; ++c) row[x][c] = cv::saturate_cast<uchar>(row[x][c] * light + grain);
-        }
+// What all pages of a run share, at their resolution: the sheet, the light on it and a stock of noise.
+class Scanner {
+public:
+    Scanner(int dpi, unsigned seed) {
+        const double scale = static_cast<double>(dpi) / kDpi;
+        cv::resize(drawSheet(), sheet_, {}, scale, scale, dpi < kDpi ? cv::INTER_AREA : cv::INTER_CUBIC);
+        light_.create(sheet_.size(), CV_32FC3);
+        for (int y = 0; y < light_.rows; ++y)
+            for (int x = 0; x < light_.cols; ++x) {
+                const double dx = 2.0 * x / light_.cols - 1.1;
+                const double dy = 2.0 * y / light_.rows - 0.9;
+                light_.at<cv::Vec3f>(y, x) = cv::Vec3f::all(static_cast<float>(1.0 - 0.10 * dx * dx - 0.06 * dy * dy));
+            }
+        cv::Mat grain(sheet_.rows + kNoiseShifts, sheet_.cols + kNoiseShifts, CV_16S);
+        cv::RNG(seed).fill(grain, cv::RNG::NORMAL, 0, 5);
+        cv::merge(std::vector<cv::Mat>(3, grain), noise_);
     }
+
+    // Turned clockwise for a positive skew, on the dark lid of the scanner.
+    cv::Mat scan(double degrees, unsigned page) const {
+        const cv::Point2f centre(static_cast<float>(sheet_.cols) / 2, static_cast<float>(sheet_.rows) / 2);
+        cv::Mat result;
+        cv::warpAffine(sheet_, result, cv::getRotationMatrix2D(centre, -degrees, 1.0), sheet_.size(), cv::INTER_CUBIC,
+                       cv::BORDER_CONSTANT, cv::Scalar(58, 56, 60));
+        cv::multiply(result, light_, result, 1.0, CV_8U);
+        std::mt19937 engine(page);
+        const cv::Point shift(static_cast<int>(engine() % kNoiseShifts), static_cast<int>(engine() % kNoiseShifts));
+        cv::add(result, noise_(cv::Rect(shift, sheet_.size())), result, cv::noArray(), CV_8U);
+        return result;
+    }
+
+private:
+    static constexpr int kNoiseShifts = 256;    // in both directions
+
+    cv::Mat sheet_, light_, noise_;
+};
+
+void writeJpeg(const cv::Mat& page, int dpi, const std::string& file) {
+    const KVIMG image = {page.data,
+                         page.channels() * 8,
+                         page.cols,
+                         page.rows,
+                         static_cast<int32_t>(page.step[0]),
+                         static_cast<int32_t>(page.step[0] * static_cast<size_t>(page.rows))};
+    void* data = nullptr;
+    unsigned size = 0;
+    const OSErr err = CompressJPEG(&image, dpi, 788, &data, &size);
+    const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
+    std::ofstream out(file, std::ios::binary);
+    if (err == noErr) out.write(static_cast<const char*>(data), size);
+    if (err != noErr || !out.flush()) throw std::runtime_error(file + " cannot be written");
 }
 
 int run(int argc, char** argv) {
     double skew = 2.3;
     unsigned seed = 1;
-    std::string file;
+    int count = 0;
+    int dpi = kDpi;
+    std::string target;
     bool grey = false;
-    CLI::App app("Draws a scanned page.", "pagegen");
-    app.add_option("--skew", skew, "Degrees by which the page is turned clockwise")->capture_default_str();
+    CLI::App app("Draws scanned A4 pages.", "pagegen");
+    app.add_option("--skew", skew, "Degrees by which the page is turned clockwise; of many pages, the largest skew")
+        ->capture_default_str();
     app.add_option("--seed", seed, "Seed of the noise")->capture_default_str();
+    app.add_option("--dpi", dpi, "Resolution")->check(CLI::Range(30, 1200))->capture_default_str();
+    app.add_option("--count", count, "Draw this many pages, TARGET/page-000001.jpg and on, of different skews")
+        ->check(CLI::PositiveNumber);
     app.add_flag("--grey", grey, "Grey instead of colour");
-    app.add_option("file", file, "JPEG to write")->required();
+    app.add_option("target", target, "JPEG to write; with --count, the folder to write to")->required();
     CLI11_PARSE(app, argc, argv);
 
-    cv::Mat page = skewed(drawSheet(), skew);
-    shadeAndAddNoise(page, seed);
-    if (grey) cv::cvtColor(page, page, cv::COLOR_RGB2GRAY);
-    const KVIMG image = {page.data,
-                         grey ? 8 : 24,
-                         kWidth,
-                         kHeight,
-                         static_cast<int32_t>(page.step[0]),
-                         static_cast<int32_t>(page.step[0] * static_cast<size_t>(kHeight))};
-    void* data = nullptr;
-    unsigned size = 0;
-    const OSErr err = CompressJPEG(&image, kDpi, 788, &data, &size);
-    const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
-    std::ofstream out(file, std::ios::binary);
-    if (err == noErr) out.write(static_cast<const char*>(data), size);
-    if (err != noErr || !out.flush()) {
-        std::fprintf(stderr, "pagegen: %s cannot be written\n", file.c_str());
-        return 1;
+    const Scanner scanner(dpi, seed);
+    const auto draw = [&](const std::string& file, double degrees, unsigned page) {
+        cv::Mat image = scanner.scan(degrees, page);
+        if (grey) cv::cvtColor(image, image, cv::COLOR_RGB2GRAY);
+        writeJpeg(image, dpi, file);
+        std::printf("%s: %d x %d, %d dpi, skew %.2f degrees\n", file.c_str(), image.cols, image.rows, dpi, degrees);
+    };
+    if (count == 0) draw(target, skew, seed);
+    std::mt19937 engine(seed);
+    std::uniform_real_distribution<double> skews(-skew, skew);
+    for (int i = 1; i <= count; ++i) {
+        char name[32];
+        std::snprintf(name, sizeof(name), "/page-%06d.jpg", i);
+        draw(target + name, skews(engine), seed + static_cast<unsigned>(i));
     }
-    std::printf("%s: %d x %d, %d dpi, skew %.2f degrees\n", file.c_str(), kWidth, kHeight, kDpi, skew);
     return 0;
 }
 
