@@ -2,17 +2,15 @@
 
 #include <algorithm>
 
-#include "pix.h"
-
 namespace {
 
 constexpr int kPageHeight = 900;
 constexpr int kGap = 24;
 
-// A colour thumbnail of a page. Averaging over areas keeps small print even.
+// A colour thumbnail of a page; null if there is no memory for it. Averaging over areas keeps small print even.
 PixPtr thumbnail(const KVIMG& page) {
     const PixPtr full(pixCreate(page.width, page.height, 32));
-    if (!full) throw std::bad_alloc();
+    if (!full) return nullptr;
     for (int y = 0; y < page.height; ++y) {
         const uint8_t* from = page.data + ptrdiff_t{y} * page.rowBytes;
         uint32_t* to = pixGetData(full.get()) + ptrdiff_t{y} * pixGetWpl(full.get());
@@ -28,28 +26,30 @@ PixPtr thumbnail(const KVIMG& page) {
 
 }    // namespace
 
-void writeContactSheet(const std::vector<Report>& reports, const std::string& file) {
-    std::vector<PixPtr> thumbnails;
-    int width = 0;
-    for (const Report& report : reports)
-        for (const Record* page : {&report.before, &report.after})
-            if (*page) thumbnails.push_back(thumbnail(**page));
-    for (size_t i = 0; i + 1 < thumbnails.size(); i += 2)
-        width = std::max(width, pixGetWidth(thumbnails[i].get()) + pixGetWidth(thumbnails[i + 1].get()) + 3 * kGap);
-    if (thumbnails.empty()) return;
+void ContactSheet::add(size_t index, const KVIMG& before, const KVIMG& after) {
+    std::pair<PixPtr, PixPtr> row(thumbnail(before), thumbnail(after));
+    if (!row.first || !row.second) return;
+    const std::lock_guard<std::mutex> lock(mutex_);
+    rows_.emplace(index, std::move(row));
+}
 
-    const int rows = static_cast<int>(thumbnails.size() / 2);
-    const PixPtr sheet(pixCreate(width, rows * (kPageHeight + kGap) + kGap, 32));
+void ContactSheet::write(const std::string& file) const {
+    if (rows_.empty()) return;
+    int width = 0;
+    for (const auto& [index, row] : rows_)
+        width = std::max(width, pixGetWidth(row.first.get()) + pixGetWidth(row.second.get()) + 3 * kGap);
+    const int count = static_cast<int>(rows_.size());
+    const PixPtr sheet(pixCreate(width, count * (kPageHeight + kGap) + kGap, 32));
     if (!sheet) throw std::bad_alloc();
     pixSetAllArbitrary(sheet.get(), 0x40484800);
     int y = kGap;
-    for (size_t i = 0; i + 1 < thumbnails.size(); i += 2, y += kPageHeight + kGap) {
+    for (const auto& [index, row] : rows_) {
         int x = kGap;
-        for (const size_t k : {i, i + 1}) {
-            PIX* page = thumbnails[k].get();
+        for (PIX* page : {row.first.get(), row.second.get()}) {
             pixRasterop(sheet.get(), x, y, pixGetWidth(page), pixGetHeight(page), PIX_SRC, page, 0, 0);
             x += pixGetWidth(page) + kGap;
         }
+        y += kPageHeight + kGap;
     }
     if (pixWrite(file.c_str(), sheet.get(), IFF_PNG) != 0) throw std::runtime_error(file + " cannot be written");
 }

@@ -1,29 +1,37 @@
 #include "page.h"
 
-#include <array>
-#include <fstream>
-#include <iterator>
-
 #include <leptonica/allheaders.h>
 
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
 #include "filter.h"
+#include "grey.h"
 #include "skew.h"
 #include "write.h"
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr int kUsualDpi = 300;    // for streams that do not say
 
 std::vector<uint8_t> contentsOf(const std::string& file) {
-    std::ifstream in(file, std::ios::binary);
+    std::ifstream in(file, std::ios::binary | std::ios::ate);
     if (!in) throw std::runtime_error("cannot be opened");
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::streamoff size = in.tellg();
+    if (size < 0 || size > std::numeric_limits<unsigned>::max())
+        throw std::runtime_error("is no file of a page's size");
+    std::vector<uint8_t> bytes(static_cast<size_t>(size));
+    in.seekg(0);
+    if (!in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size())))
+        throw std::runtime_error("cannot be read");
+    return bytes;
 }
 
-std::string baseName(const std::string& file) {
-    const size_t slash = file.rfind('/');
-    const std::string name = slash == std::string::npos ? file : file.substr(slash + 1);
-    return name.substr(0, name.rfind('.'));
+double millisecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
 // Times one stage after the other.
@@ -32,8 +40,7 @@ public:
     explicit Stopwatch(std::vector<Stage>& stages) : stages_(stages) {}
 
     void lap(const char* name, size_t bytes) {
-        const auto now = std::chrono::steady_clock::now();
-        stages_.push_back({name, std::chrono::duration<double, std::milli>(now - start_).count(), bytes});
+        stages_.push_back({name, millisecondsSince(start_), bytes});
         start_ = std::chrono::steady_clock::now();
     }
 
@@ -42,12 +49,54 @@ private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
+// As the JFIF header states it, in dots per inch or per centimetre, for the page as it is read: an EXIF orientation may
+// have laid it on its side.
 void readResolution(const std::vector<uint8_t>& stream, KVImageDescription& description) {
     l_int32 x = 0;
     l_int32 y = 0;
     readResolutionMemJpeg(stream.data(), stream.size(), &x, &y);
+    l_int32 storedWidth = description.width;
+    readHeaderMemJpeg(stream.data(), stream.size(), &storedWidth, nullptr, nullptr, nullptr, nullptr);
+    if (storedWidth != description.width) std::swap(x, y);
     description.horizontalResolution = x > 1 ? x : kUsualDpi;
     description.verticalResolution = y > 1 ? y : description.horizontalResolution;
+}
+
+std::vector<std::string> resultFiles(const std::string& file, const Options& options) {
+    const std::string name = options.directory + "/" + resultName(file);
+    std::vector<std::string> files;
+    if (options.jpeg) files.push_back(name + ".jpg");
+    if (options.pbm) files.push_back(name + ".pbm");
+    if (options.g4) files.push_back(name + ".tif");
+    return files;
+}
+
+// Whether the results are there already. Their sizes are added up.
+bool isDone(const std::vector<std::string>& results, size_t& bytes) {
+    for (const std::string& result : results) {
+        std::error_code error;
+        if (!fs::is_regular_file(result, error)) return false;
+        bytes += static_cast<size_t>(fs::file_size(result));
+    }
+    return true;
+}
+
+Record deskewed(const KVIMG& page, KVImageDescriptionHandle description, double angle) {
+    KVRect whole = {0, 0, page.height, page.width};
+    KVIMG* straight = nullptr;
+    require(DeskewImageWithIPPEx(&page, description, &straight, 0, 1, &whole, angle), "deskewing");
+    return Record(straight);
+}
+
+// The page at another resolution, which the description then states.
+Record scaled(const KVIMG& page, KVImageDescription& description, int dpi) {
+    KVIMG* result = nullptr;
+    require(ResizeImageWithIPPEx(&page, &result, description.horizontalResolution, dpi), "scaling");
+    description.verticalResolution =
+        static_cast<int32_t>((int64_t{description.verticalResolution} * dpi + description.horizontalResolution / 2) /
+                             description.horizontalResolution);
+    description.horizontalResolution = dpi;
+    return Record(result);
 }
 
 void process(const std::string& file, const Options& options, bool keepImages, Report& report) {
@@ -98,105 +147,51 @@ void process(const std::string& file, const Options& options, bool keepImages, R
         watch.lap("scale", static_cast<size_t>(straight->size));
     }
 
-    const std::string name = options.directory + "/" + baseName(file);
+    const std::string name = options.directory + "/" + resultName(file);
     if (options.pbm || options.g4) {
         const Grey grey = greyOf(*straight);
         const Bits bits = reduced(grey, options.threshold >= 0 ? options.threshold : otsuThreshold(grey));
         watch.lap("reduce to 1 bit", bits.bytes.size());
-        if (options.pbm) writePbm(bits, name + ".pbm");
-        if (options.g4) writeG4(bits, description, name + ".tif");
-        watch.lap("write 1 bit", bits.bytes.size());
+        size_t written = 0;
+        if (options.pbm) written += writePbm(bits, name + ".pbm");
+        if (options.g4) written += writeG4(bits, description, name + ".tif");
+        report.bytes += written;
+        watch.lap("write 1 bit", written);
     }
     if (options.jpeg) {
-        void* data = nullptr;
-        unsigned size = 0;
-        require(CompressJPEGEx(straight.get(), handle, options.mode, &data, &size), "compressing");
-        const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
-        watch.lap("compress", size);
-        writeFile(data, size, name + ".jpg");
-        watch.lap("write JPEG", size);
+        const size_t written = writeJpeg(*straight, handle, options.mode, name + ".jpg");
+        report.bytes += written;
+        watch.lap("write JPEG", written);
     }
     if (keepImages) report.after = std::move(straight);
 }
 
 }    // namespace
 
-Record scaled(const KVIMG& page, KVImageDescription& description, int dpi) {
-    KVIMG* result = nullptr;
-    require(ResizeImageWithIPPEx(&page, &result, description.horizontalResolution, dpi), "scaling");
-    description.verticalResolution =
-        static_cast<int32_t>((int64_t{description.verticalResolution} * dpi + description.horizontalResolution / 2) /
-                             description.horizontalResolution);
-    description.horizontalResolution = dpi;
-    return Record(result);
-}
-
-Record deskewed(const KVIMG& page, KVImageDescriptionHandle description, double angle) {
-    KVRect whole = {0, 0, page.height, page.width};
-    KVIMG* straight = nullptr;
-    require(DeskewImageWithIPPEx(&page, description, &straight, 0, 1, &whole, angle), "deskewing");
-    return Record(straight);
-}
-
-Grey greyOf(const KVIMG& page) {
-    Grey grey{page.width, page.height, page.rowBytes, page.data, {}};
-    if (page.depth == 8) return grey;
-    grey.step = page.width;
-    grey.own.resize(static_cast<size_t>(page.width) * static_cast<size_t>(page.height));
-    uint8_t* to = grey.own.data();
-    for (int y = 0; y < page.height; ++y) {
-        const uint8_t* from = page.data + ptrdiff_t{y} * page.rowBytes;
-        for (int x = 0; x < page.width; ++x, from += 3)
-            *to++ = static_cast<uint8_t>((77 * from[0] + 150 * from[1] + 29 * from[2] + 128) >> 8);
-    }
-    grey.pixels = grey.own.data();
-    return grey;
-}
-
-int otsuThreshold(const Grey& grey) {
-    std::array<double, 256> histogram{};
-    double sum = 0;
-    for (int y = 0; y < grey.height; ++y)
-        for (int x = 0; x < grey.width; ++x) {
-            const uint8_t level = grey.pixels[ptrdiff_t{y} * grey.step + x];
-            histogram[level] += 1;
-            sum += level;
-        }
-    const double count = static_cast<double>(grey.width) * grey.height;
-    double below = 0;
-    double sumBelow = 0;
-    double best = -1;
-    int threshold = 127;
-    for (int level = 0; level < 255; ++level) {
-        below += histogram[static_cast<size_t>(level)];
-        sumBelow += level * histogram[static_cast<size_t>(level)];
-        if (below == 0 || below == count) continue;
-        const double distance = sumBelow / below - (sum - sumBelow) / (count - below);
-        const double variance = below * (count - below) * distance * distance;
-        if (variance > best) {
-            best = variance;
-            threshold = level;
-        }
-    }
-    return threshold;
-}
-
-Bits reduced(const Grey& grey, int threshold) {
-    Bits bits{grey.width, grey.height, (grey.width + 31) / 32 * 4, {}};
-    bits.bytes.assign(static_cast<size_t>(bits.step) * static_cast<size_t>(bits.height), 0xFF);
-    require(IPPShare_ippiReduceBits_8u1u_C1R(grey.pixels, grey.step, bits.bytes.data(), bits.step, 0,
-                                             {grey.width, grey.height}, 0, 0, 0, static_cast<uint8_t>(threshold)),
-            "reducing to 1 bit");
-    return bits;
-}
+std::string resultName(const std::string& file) { return fs::path(file).stem().string(); }
 
 Report processPage(const std::string& file, const Options& options, bool keepImages) {
+    const auto start = std::chrono::steady_clock::now();
     Report report;
     report.file = file;
     try {
-        process(file, options, keepImages, report);
+        const std::vector<std::string> results = resultFiles(file, options);
+        for (const std::string& result : results) {
+            std::error_code error;
+            if (fs::equivalent(file, result, error)) throw std::runtime_error("its result would replace it");
+        }
+        if (options.resume && isDone(results, report.bytes)) {
+            report.status = Status::kKept;
+        } else {
+            report.bytes = 0;
+            process(file, options, keepImages, report);
+        }
     } catch (const std::exception& e) {
+        report.status = Status::kFailed;
+        report.bytes = 0;
+        report.skewKnown = false;
         report.fault = e.what();
     }
+    report.milliseconds = millisecondsSince(start);
     return report;
 }

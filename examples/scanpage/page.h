@@ -36,6 +36,7 @@ struct Options {
     bool jpeg = true;
     bool pbm = false;
     bool g4 = false;
+    bool resume = false;    // leave pages alone whose results are there
     std::string directory;
 };
 
@@ -45,14 +46,19 @@ struct Stage {
     size_t bytes;    // of its result
 };
 
+enum class Status { kDone, kKept, kFailed };
+
 // What was done to a page. `skew` is the angle that straightens it, counter-clockwise.
 struct Report {
     std::string file;
-    std::string fault;    // empty: all went well
+    Status status = Status::kDone;
+    std::string fault;    // why it failed
     bool skewKnown = false;
     double skew = 0;
     int width = 0, height = 0, depth = 0;
     int dpiX = 0, dpiY = 0;
+    double milliseconds = 0;
+    size_t bytes = 0;    // of its results
     std::vector<Stage> stages;
     Record before, after;    // kept only if asked for
 };
@@ -62,22 +68,8 @@ inline void require(int status, const char* step) {
     if (status != 0) throw std::runtime_error(std::string(step) + " failed with status " + std::to_string(status));
 }
 
+// Reads, straightens, filters and writes a page. Does not throw: a fault is reported.
 Report processPage(const std::string& file, const Options& options, bool keepImages);
 
-// The page scaled to another resolution, which the description then states.
-Record scaled(const KVIMG& page, KVImageDescription& description, int dpi);
-
-Record deskewed(const KVIMG& page, KVImageDescriptionHandle description, double angle);
-
-// One byte a pixel: the page itself if it is grey, else the luma of its red, green and blue.
-struct Grey {
-    int width, height, step;
-    const uint8_t* pixels;
-    std::vector<uint8_t> own;
-};
-Grey greyOf(const KVIMG& page);
-
-// Otsu's threshold: the level that parts the histogram into the two most distinct classes.
-int otsuThreshold(const Grey& grey);
-
-Bits reduced(const Grey& grey, int threshold);
+// Name of the results of a page, without folder and ending. Pages that share it would overwrite each other's results.
+std::string resultName(const std::string& file);

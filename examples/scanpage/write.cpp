@@ -1,8 +1,9 @@
 #include "write.h"
 
 #include <tiffio.h>
+#include <unistd.h>
 
-#include <fstream>
+#include "result_file.h"
 
 namespace {
 
@@ -16,38 +17,50 @@ std::vector<uint8_t> invertedRow(const Bits& bits, int y) {
 
 }    // namespace
 
-void writeFile(const void* data, size_t size, const std::string& file) {
-    std::ofstream out(file, std::ios::binary);
-    out.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
-    if (!out.flush()) throw std::runtime_error(file + " cannot be written");
+size_t writeJpeg(const KVIMG& page, KVImageDescriptionHandle description, int mode, const std::string& file) {
+    void* data = nullptr;
+    unsigned size = 0;
+    require(CompressJPEGEx(&page, description, mode, &data, &size), "compressing");
+    const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
+    ResultFile out(file);
+    out.write(data, size);
+    return out.commit();
 }
 
-void writePbm(const Bits& bits, const std::string& file) {
-    std::ofstream out(file, std::ios::binary);
-    out << "P4\n" << bits.width << ' ' << bits.height << '\n';
+size_t writePbm(const Bits& bits, const std::string& file) {
+    ResultFile out(file);
+    std::vector<uint8_t> bytes;
+    for (const char c : "P4\n" + std::to_string(bits.width) + ' ' + std::to_string(bits.height) + '\n')
+        bytes.push_back(static_cast<uint8_t>(c));
     for (int y = 0; y < bits.height; ++y) {
         const std::vector<uint8_t> row = invertedRow(bits, y);
-        out.write(reinterpret_cast<const char*>(row.data()), static_cast<std::streamsize>(row.size()));
+        bytes.insert(bytes.end(), row.begin(), row.end());
     }
-    if (!out.flush()) throw std::runtime_error(file + " cannot be written");
+    out.write(bytes.data(), bytes.size());
+    return out.commit();
 }
 
-void writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file) {
-    const std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFOpen(file.c_str(), "w"), TIFFClose);
-    if (!tiff) throw std::runtime_error(file + " cannot be written");
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, bits.width);
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, bits.height);
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 1);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 1);
-    TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
-    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, bits.height);
-    TIFFSetField(tiff.get(), TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-    TIFFSetField(tiff.get(), TIFFTAG_XRESOLUTION, static_cast<double>(description.horizontalResolution));
-    TIFFSetField(tiff.get(), TIFFTAG_YRESOLUTION, static_cast<double>(description.verticalResolution));
-    for (int y = 0; y < bits.height; ++y) {
-        std::vector<uint8_t> row = invertedRow(bits, y);
-        if (TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) < 0)
-            throw std::runtime_error(file + " cannot be written");
+size_t writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file) {
+    ResultFile out(file);
+    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFFdOpen(dup(out.descriptor()), file.c_str(), "w"), TIFFClose);
+    bool good = tiff != nullptr;
+    if (good) {
+        TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, bits.width);
+        TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, bits.height);
+        TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 1);
+        TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 1);
+        TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4);
+        TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
+        TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, bits.height);
+        TIFFSetField(tiff.get(), TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+        TIFFSetField(tiff.get(), TIFFTAG_XRESOLUTION, static_cast<double>(description.horizontalResolution));
+        TIFFSetField(tiff.get(), TIFFTAG_YRESOLUTION, static_cast<double>(description.verticalResolution));
     }
+    for (int y = 0; good && y < bits.height; ++y) {
+        std::vector<uint8_t> row = invertedRow(bits, y);
+        good = TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) >= 0;
+    }
+    if (!good || TIFFWriteDirectory(tiff.get()) == 0) throw std::runtime_error(file + " cannot be written");
+    tiff.reset();
+    return out.commit();
 }

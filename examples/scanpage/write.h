@@ -1,10 +1,10 @@
-// Files that scanpage writes.
+// The formats that scanpage writes. Each returns the size of the file in bytes.
 #pragma once
 
 #include "page.h"
 
-void writeFile(const void* data, size_t size, const std::string& file);
+size_t writeJpeg(const KVIMG& page, KVImageDescriptionHandle description, int mode, const std::string& file);
 
-void writePbm(const Bits& bits, const std::string& file);
+size_t writePbm(const Bits& bits, const std::string& file);
 
-void writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file);
+size_t writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file);

@@ -1,0 +1,19 @@
+// The command line of scanpage.
+#pragma once
+
+#include "page.h"
+
+struct Settings {
+    Options page;
+    std::vector<std::string> pages;
+    std::string list;    // file with more of them; "-": standard input
+    char separator = '\n';
+    std::string contactSheet;
+    int jobs = 1;
+    bool verbose = false;
+};
+
+enum ExitStatus { kAllDone = 0, kSomeFailed = 1, kUsage = 2, kStopped = 3 };
+
+// False if there is nothing to do: help was asked for, or the arguments are wrong. Then `exitStatus` is set.
+bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus);

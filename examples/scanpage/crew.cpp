@@ -1,0 +1,52 @@
+#include "crew.h"
+
+#include <signal.h>
+
+#include <opencv2/core/utility.hpp>
+#include <utility>
+
+Crew::Crew(int size) {
+    if (size > 1) cv::setNumThreads(1);    // pages at once instead of parts of one page at once
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    for (int i = 0; i < size; ++i) threads_.emplace_back([this] { work(); });
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+Crew::~Crew() {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        closed_ = true;
+    }
+    forThreads_.notify_all();
+    for (std::thread& thread : threads_) thread.join();
+}
+
+void Crew::waitForOne() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    forGiver_.wait(lock, [this] { return free_ > 0 && !job_; });
+}
+
+void Crew::give(std::function<void()> job) {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        job_ = std::move(job);
+    }
+    forThreads_.notify_one();
+}
+
+void Crew::work() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    for (;;) {
+        ++free_;
+        forGiver_.notify_one();
+        forThreads_.wait(lock, [this] { return job_ || closed_; });
+        if (!job_) return;
+        --free_;
+        const std::function<void()> job = std::exchange(job_, nullptr);
+        lock.unlock();
+        job();
+        lock.lock();
+    }
+}

@@ -1,0 +1,41 @@
+#include "page_list.h"
+
+#include <stdexcept>
+
+#include "stop.h"
+
+PageList::PageList(std::vector<std::string> names, const std::string& list, char separator)
+    : names_(std::move(names)), separator_(separator), count_(names_.size()) {
+    if (list.empty()) return;
+    // A list in a file takes the place of standard input: a request to stop ends whatever comes from there.
+    if (list != "-" && !std::freopen(list.c_str(), "r", stdin)) throw std::runtime_error(list + " cannot be opened");
+    list_ = stdin;
+    const long start = std::ftell(list_);
+    if (start < 0) {
+        count_ = 0;
+        return;
+    }
+    for (std::string name; nextOfList(name);) ++count_;
+    std::fseek(list_, start, SEEK_SET);
+}
+
+bool PageList::next(std::string& name) {
+    if (used_ < names_.size()) {
+        name = names_[used_++];
+        return true;
+    }
+    return list_ && nextOfList(name);
+}
+
+// Skips empty lines. A last name without its separator counts.
+bool PageList::nextOfList(std::string& name) {
+    name.clear();
+    for (int c = std::getc(list_); c != EOF; c = std::getc(list_)) {
+        if (c != static_cast<unsigned char>(separator_))
+            name += static_cast<char>(c);
+        else if (!name.empty())
+            return true;
+    }
+    if (std::ferror(list_) != 0 && !stopRequested()) throw std::runtime_error("the list of pages cannot be read");
+    return !name.empty();
+}

@@ -1,0 +1,30 @@
+// The pages to work on: those of the command line, then those of a list that is read as it is needed.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+class PageList {
+public:
+    // The list is a file, or "-" for standard input; empty for none. Names in it end with the separator.
+    PageList(std::vector<std::string> names, const std::string& list, char separator);
+
+    // False at the end.
+    bool next(std::string& name);
+
+    // 0 if it cannot be told before the end, as for a pipe.
+    size_t count() const { return count_; }
+
+    bool fromList() const { return list_ != nullptr; }
+
+private:
+    bool nextOfList(std::string& name);
+
+    std::vector<std::string> names_;
+    size_t used_ = 0;
+    char separator_;
+    std::FILE* list_ = nullptr;
+    size_t count_ = 0;
+};

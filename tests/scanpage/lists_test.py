@@ -1,0 +1,78 @@
+"""Lists of pages: from standard input, from files, and with names that clash."""
+
+import os
+import unittest
+
+from support import PageTest, names, scanpage
+
+
+class Lists(PageTest):
+    def assert_all_done(self, run, count=6):
+        self.assertEqual(0, run.status, run.stderr)
+        self.assertEqual([str(page) for page in self.pages[:count]], [line.file for line in run.lines])
+        self.assertEqual([page.name for page in self.pages[:count]], self.results())
+
+    def test_lines_of_standard_input(self):
+        self.assert_all_done(scanpage("--from", "-", "-o", self.out, stdin=names(self.pages)))
+
+    def test_a_last_line_without_its_end_and_empty_lines(self):
+        text = b"\n\n" + names(self.pages).replace(b"\n", b"\n\n").rstrip(b"\n")
+        self.assert_all_done(scanpage("--from", "-", "-o", self.out, stdin=text))
+
+    def test_names_that_end_with_nul(self):
+        odd = self.folder / "two\nlines.jpg"
+        os.link(self.pages[0], odd)
+        run = scanpage("-0", "--from", "-", "-o", self.out, stdin=names([odd], "\0"))
+        self.assertEqual(0, run.status, run.stderr)
+        self.assertEqual([odd.name], self.results())
+        odd.unlink()
+        (self.out / odd.name).unlink()
+        self.assert_all_done(scanpage("--null", "--from", "-", "-o", self.out, stdin=names(self.pages, "\0")))
+
+    def test_a_list_in_a_file(self):
+        listed = self.root / "list"
+        listed.write_bytes(names(self.pages))
+        self.assert_all_done(scanpage("--from", listed, "-o", self.out))
+
+    def test_a_list_behind_the_pages_of_the_command_line(self):
+        self.assert_all_done(scanpage(*self.pages[:2], "--from", "-", "-o", self.out, stdin=names(self.pages[2:])))
+
+    def test_an_empty_list(self):
+        self.assert_all_done(scanpage("--from", "-", "-o", self.out), 0)
+
+
+class SharedNames(PageTest):
+    def setUp(self):
+        super().setUp()
+        self.other = self.root / "other"
+        self.other.mkdir()
+        self.twin = self.other / self.pages[0].name
+        os.link(self.pages[1], self.twin)
+
+    def test_the_second_page_of_a_name_is_refused(self):
+        scanpage(self.pages[0], "-o", self.out)
+        right = (self.out / self.pages[0].name).read_bytes()
+        for options in ([], ["--resume"], ["--jobs", "2"]):
+            run = scanpage(*options, self.pages[0], self.twin, *self.pages[2:], "-o", self.out)
+            self.assertEqual(1, run.status)
+            self.assertEqual([str(self.twin)], [line.file for line in run.lines if line.status == "failed"])
+            self.assertIn("another page has given its results the name page-000000", run.stderr)
+            self.assertEqual(right, (self.out / self.pages[0].name).read_bytes())
+
+    def test_names_that_differ_only_in_their_ending(self):
+        twin = self.folder / "page-000000.jpeg"
+        os.link(self.pages[1], twin)
+        run = scanpage(self.pages[0], twin, "-o", self.out)
+        self.assertEqual(["done", "failed"], [line.status for line in run.lines])
+
+    def test_a_page_is_not_replaced_by_its_result(self):
+        before = self.pages[0].read_bytes()
+        for options in ([], ["--resume"]):
+            run = scanpage(*options, self.pages[0], "-o", self.folder)
+            self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+            self.assertEqual(before, self.pages[0].read_bytes())
+            self.assertIn("its result would replace it", run.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()

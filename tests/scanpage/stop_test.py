@@ -1,0 +1,144 @@
+"""Runs that are stopped or killed, and runs that go on where another ended."""
+
+import fcntl
+import os
+import signal
+import subprocess
+import time
+import unittest
+
+from support import SCANPAGE, PageTest, link_pages, names, parse, scanpage
+
+
+class Resume(PageTest):
+    def test_pages_that_are_done_are_left_alone(self):
+        scanpage(*self.pages[:3], "-o", self.out)
+        before = {path: path.stat().st_mtime_ns for path in self.out.iterdir()}
+        run = scanpage("--resume", *self.pages, "-o", self.out)
+        self.assertEqual(0, run.status, run.stderr)
+        self.assertEqual(["kept"] * 3 + ["done"] * 3, [line.status for line in run.lines])
+        for path, time_before in before.items():
+            self.assertEqual(time_before, path.stat().st_mtime_ns)
+        for line in run.lines[:3]:
+            self.assertEqual("-", line.skew)
+            self.assertEqual((self.out / os.path.basename(line.file)).stat().st_size, int(line.bytes))
+
+    def test_a_page_is_done_when_all_its_results_are_there(self):
+        scanpage(self.pages[0], "-o", self.out)
+        arguments = ["--resume", "--format", "jpeg,g4", self.pages[0], "-o", self.out]
+        self.assertEqual("done", scanpage(*arguments).lines[0].status)
+        self.assertEqual("kept", scanpage(*arguments).lines[0].status)
+        (self.out / "page-000000.tif").unlink()
+        self.assertEqual("done", scanpage(*arguments).lines[0].status)
+
+    def test_without_resume_pages_are_done_again(self):
+        scanpage(self.pages[0], "-o", self.out)
+        self.assertEqual("done", scanpage(self.pages[0], "-o", self.out).lines[0].status)
+
+    def test_what_a_killed_run_left_is_overwritten(self):
+        part = self.out / "page-000000.jpg.part"
+        part.write_bytes(b"x" * 1000000)
+        run = scanpage("--resume", self.pages[0], "-o", self.out)
+        self.assertEqual("done", run.lines[0].status)
+        self.assertEqual(["page-000000.jpg"], self.results())
+        self.assert_whole([self.out / "page-000000.jpg"])
+
+
+class Parts(PageTest):
+    def test_a_result_that_cannot_have_its_name_leaves_nothing(self):
+        for number, ending in enumerate((".jpg", ".pbm", ".tif")):
+            (self.out / f"page-{number:06}{ending}").mkdir()
+        before = self.results()
+        for number, chosen in enumerate(("jpeg", "pbm", "g4")):
+            run = scanpage("--format", chosen, self.pages[number], "-o", self.out)
+            self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+        self.assertEqual(before, self.results())
+
+    def test_a_full_disk_leaves_nothing(self):
+        for chosen in ("jpeg", "pbm", "g4"):
+            command = f'ulimit -f 1; trap "" XFSZ; exec "$0" --format {chosen} "$1" -o "$2"'
+            done = subprocess.run(["bash", "-c", command, SCANPAGE, self.pages[0], self.out], capture_output=True)
+            self.assertEqual(1, done.returncode, done.stderr)
+            self.assertIn(b"cannot be written", done.stderr)
+            self.assertEqual([], self.results())
+
+    def test_a_page_that_another_program_writes_is_left_to_it(self):
+        part = self.out / "page-000000.jpg.part"
+        with open(part, "wb") as other:
+            other.write(b"theirs")
+            other.flush()
+            fcntl.flock(other, fcntl.LOCK_EX)
+            run = scanpage(*self.pages[:2], "-o", self.out)
+            self.assertEqual(["failed", "done"], [line.status for line in run.lines])
+            self.assertEqual(b"theirs", part.read_bytes())
+        self.assertEqual("done", scanpage(self.pages[0], "-o", self.out).lines[0].status)
+        self.assert_no_parts()
+
+
+class Stop(PageTest):
+    def start(self, *arguments, **streams):
+        scan = subprocess.Popen(
+            [SCANPAGE, *map(str, arguments), "-o", str(self.out)], stdout=subprocess.PIPE, stderr=subprocess.PIPE, **streams
+        )
+        self.addCleanup(scan.kill)
+        return scan
+
+    def interrupt(self, number, pages, *arguments):
+        """Sends the signal after a few pages. The report so far, and the exit status."""
+        scan = self.start(*arguments, *pages)
+        first = b"".join(scan.stdout.readline() for _ in range(3))
+        scan.send_signal(number)
+        rest, _ = scan.communicate(timeout=20)
+        return (first + rest).decode(), scan.returncode
+
+    def check_resume(self, pages, done_before):
+        """Does the rest exactly once."""
+        run = scanpage("--resume", "--jobs", "2", *pages, "-o", self.out)
+        self.assertEqual(0, run.status, run.stderr)
+        self.assertEqual(sorted(done_before), sorted(line.file for line in run.lines if line.status == "kept"))
+        self.assertEqual(sorted(map(str, pages)), sorted(line.file for line in run.lines))
+        self.assertEqual(sorted(page.name for page in pages), self.results())
+        self.assert_whole([self.out / page.name for page in pages])
+
+    def test_a_stop_finishes_the_pages_in_hand(self):
+        more = self.root / "more"
+        more.mkdir()
+        pages = link_pages(self.drawn, more, 60)
+        for number in (signal.SIGTERM, signal.SIGINT):
+            report, status = self.interrupt(number, pages, "--jobs", "2")
+            lines = parse(report)
+            self.assertEqual(3, status)
+            self.assertLess(len(lines), 60)
+            self.assertEqual({"done"}, {line.status for line in lines})
+            self.assertEqual(sorted(os.path.basename(line.file) for line in lines), self.results())
+            self.check_resume(pages, [line.file for line in lines])
+            for path in self.out.iterdir():
+                path.unlink()
+
+    def test_a_kill_leaves_whole_pages_or_none(self):
+        more = self.root / "more"
+        more.mkdir()
+        pages = link_pages(self.drawn, more, 60)
+        report, status = self.interrupt(signal.SIGKILL, pages, "--jobs", "2")
+        self.assertEqual(-signal.SIGKILL, status)
+        whole = [name for name in self.results() if not name.endswith(".part")]
+        self.assertLess(len(whole), 60)
+        self.assertLessEqual({os.path.basename(line.file) for line in parse(report)}, set(whole))
+        self.assertLessEqual(len(whole), len(parse(report)) + 2)
+        self.assert_whole([self.out / name for name in whole])
+        self.check_resume(pages, [str(more / name) for name in whole])
+
+    def test_a_stop_does_not_wait_for_a_silent_list(self):
+        scan = self.start("--from", "-", stdin=subprocess.PIPE)
+        scan.stdin.write(names(self.pages[:1]))
+        scan.stdin.flush()
+        self.assertTrue(scan.stdout.readline())
+        time.sleep(0.2)
+        scan.terminate()
+        self.assertEqual(3, scan.wait(timeout=10))
+        scan.communicate()
+        self.assertEqual([self.pages[0].name], self.results())
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,90 @@
+"""What the tests of scanpage share: running it, reading its report, pages to work on."""
+
+import collections
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+SCANPAGE = os.environ["SCANPAGE"]
+PAGEGEN = os.environ["PAGEGEN"]
+
+Line = collections.namedtuple("Line", "file status skew milliseconds bytes")
+Run = collections.namedtuple("Run", "status lines stderr")
+
+LINE = re.compile(r"([^\t]+)\t(done|kept|failed)\t(-|-?\d+\.\d\d)\t(\d+\.\d)\t(\d+)")
+
+
+def parse(stdout):
+    """The report as Lines; fails on anything else, an unfinished line included."""
+    lines = []
+    for text in stdout.split("\n")[:-1]:
+        match = LINE.fullmatch(text)
+        assert match, f"not a line of the report: {text!r}"
+        lines.append(Line(*match.groups()))
+    assert stdout == "" or stdout.endswith("\n"), f"the report ends in the middle of a line: {stdout!r}"
+    return lines
+
+
+def scanpage(*arguments, stdin=b""):
+    done = subprocess.run([SCANPAGE, *map(os.fspath, arguments)], input=stdin, capture_output=True, timeout=60)
+    return Run(done.returncode, parse(done.stdout.decode()), done.stderr.decode())
+
+
+def pagegen(*arguments):
+    subprocess.run([PAGEGEN, *map(os.fspath, arguments)], check=True, stdout=subprocess.DEVNULL, timeout=60)
+
+
+def link_pages(sources, folder, count):
+    """`count` pages under names of their own that share the bytes of a few."""
+    pages = []
+    for i in range(count):
+        pages.append(folder / f"page-{i:06}.jpg")
+        os.link(sources[i % len(sources)], pages[-1])
+    return pages
+
+
+def names(pages, end="\n"):
+    return "".join(f"{page}{end}" for page in pages).encode()
+
+
+class PageTest(unittest.TestCase):
+    """A folder with a few small pages in `self.pages`, and an empty folder `self.out`."""
+
+    dpi = 60
+
+    @classmethod
+    def setUpClass(cls):
+        cls.stock = pathlib.Path(tempfile.mkdtemp(prefix="scanpage-stock-"))
+        cls.addClassCleanup(shutil.rmtree, cls.stock)
+        pagegen("--dpi", str(cls.dpi), "--count", "6", cls.stock)
+        cls.drawn = sorted(cls.stock.iterdir())
+
+    def setUp(self):
+        self.root = pathlib.Path(tempfile.mkdtemp(prefix="scanpage-test-"))
+        self.addCleanup(shutil.rmtree, self.root)
+        self.folder = self.root / "in"
+        self.out = self.root / "out"
+        self.folder.mkdir()
+        self.out.mkdir()
+        self.pages = link_pages(self.drawn, self.folder, 6)
+
+    def results(self):
+        return sorted(path.name for path in self.out.iterdir())
+
+    def assert_no_parts(self):
+        self.assertEqual([], [name for name in self.results() if name.endswith(".part")])
+
+    def assert_whole(self, files):
+        """Every file is a JPEG stream to its end, and can be read."""
+        for file in files:
+            stream = file.read_bytes()
+            self.assertEqual((b"\xff\xd8", b"\xff\xd9"), (stream[:2], stream[-2:]), file)
+        again = self.root / "again"
+        again.mkdir(exist_ok=True)
+        run = scanpage("--angle", "0", "--from", "-", "-o", again, stdin=names(files))
+        self.assertEqual(0, run.status, run.stderr)
+        self.assertEqual(len(files), len(run.lines))
