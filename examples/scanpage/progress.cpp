@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <string>
 
@@ -26,8 +27,8 @@ void Progress::show(size_t done, size_t worked) {
     const std::string bar = std::string(filled, '=') + std::string(kWidth - filled, ' ');
     std::fprintf(stderr, "\r[%s] %zu/%zu, %.1f pages/s", bar.c_str(), done, total_, rate);
     if (rate > 0) {
-        const auto left = static_cast<unsigned long>(static_cast<double>(total_ - std::min(done, total_)) / rate + 0.5);
-        std::fprintf(stderr, ", %lu:%02lu:%02lu left", left / 3600, left / 60 % 60, left % 60);
+        const auto left = std::lround(static_cast<double>(total_ - std::min(done, total_)) / rate);
+        std::fprintf(stderr, ", %ld:%02ld:%02ld left", left / 3600, left / 60 % 60, left % 60);
     }
     std::fputs("\033[K", stderr);
 }

@@ -77,9 +77,8 @@ class Parts(PageTest):
 
 class Stop(PageTest):
     def start(self, *arguments, **streams):
-        scan = subprocess.Popen(
-            [SCANPAGE, *map(str, arguments), "-o", str(self.out)], stdout=subprocess.PIPE, stderr=subprocess.PIPE, **streams
-        )
+        command = [SCANPAGE, *map(str, arguments), "-o", str(self.out)]
+        scan = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, **streams)
         self.addCleanup(scan.kill)
         return scan
 

@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Straightens the pages of a list with GNU parallel:
+#
+#     parallel.sh LIST FOLDER [WORKERS [OPTION_OF_PARALLEL...]]
+#
+# Results go to FOLDER/pages, reports to FOLDER/log. Started again after whatever happened, it does what is missing:
+# slices of 100 pages that ended well are not started, and of the others the pages that are there are left alone.
+set -euo pipefail
+list=$1
+export FOLDER=$2
+workers=${3:-$(nproc)}
+shift $(($# < 3 ? $# : 3))
+mkdir -p "$FOLDER/pages" "$FOLDER/log"
+
+parallel --will-cite --arg-file "$list" --max-args 100 --jobs "$workers" \
+    --joblog "$FOLDER/jobs" --resume-failed --retries 3 --env FOLDER "$@" \
+    'scanpage --resume -o "$FOLDER/pages" {} 2>>"$FOLDER/log/{#}.err" >>"$FOLDER/log/{#}.tsv"'

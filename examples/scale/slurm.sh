@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+#SBATCH --job-name=pages
+#SBATCH --requeue
+#SBATCH --open-mode=append
+# Straightens one slice of a list of pages as a task of a Slurm array. For 10,000 pages in slices of 25:
+#
+#     sbatch --array=0-399 --output=FOLDER/log/%a.err slurm.sh LIST FOLDER 25
+#
+# Results go to FOLDER/pages, reports to FOLDER/log. A task whose machine is lost is started again by Slurm, one whose
+# program was killed or stopped asks for it here; pages that are there are left alone.
+set -uo pipefail
+list=$1 folder=$2 slice=$3
+first=$((SLURM_ARRAY_TASK_ID * slice + 1))
+last=$((first + slice - 1))
+mkdir -p "$folder/pages" "$folder/log"
+
+sed -n "${first},${last}p;${last}q" "$list" |
+    scanpage --resume --from - -o "$folder/pages" >>"$folder/log/$SLURM_ARRAY_TASK_ID.tsv"
+status=${PIPESTATUS[1]}
+
+# Stopped (3) or killed by a signal. Bad pages (1) and wrong usage are not mended by a second try.
+if { [ "$status" -eq 3 ] || [ "$status" -gt 128 ]; } && [ "${SLURM_RESTART_COUNT:-0}" -lt 3 ]; then
+    scontrol requeue "$SLURM_JOB_ID"
+fi
+exit "$status"
