@@ -1,0 +1,192 @@
+"""How failures of the library arrive, and calls on many threads."""
+
+import copy
+import pickle
+import subprocess
+import sys
+import textwrap
+import threading
+import time
+from concurrent.futures import ThreadPoolExecutor
+
+import numpy as np
+import opcv_dlib
+import pytest
+from support import image
+
+GREY = np.zeros((20, 30), np.uint8)
+COLOUR = np.zeros((20, 30, 3), np.uint8)
+PAGE = opcv_dlib.Page(GREY)
+PAGE32 = opcv_dlib.Page(np.zeros((20, 30, 4), np.uint8))
+BITS = opcv_dlib.Page.empty(9, 9, 1)
+
+
+@pytest.mark.parametrize(
+    ("function", "status", "call"),
+    [
+        ("IPPShare_ippiFilterMedian_8u_C1R", -5, lambda: opcv_dlib.filter_median(GREY, 4)),
+        ("IPPShare_ippiFilterMedian_8u_C3R", -5, lambda: opcv_dlib.filter_median(COLOUR, 2)),
+        ("ippiFilterMedian", None, lambda: opcv_dlib.filter_median(GREY.astype(float), 3)),
+        ("IPPShare_ippiFilterMedianCross_8u_C1R", -5, lambda: opcv_dlib.filter_median_cross(GREY, 44)),
+        (
+            "IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R",
+            -5,
+            lambda: opcv_dlib.filter_median_weighted_center(GREY, 4),
+        ),
+        ("IPPShare_ippiFilterMedianColor_8u_C3R", -5, lambda: opcv_dlib.filter_median_color(COLOUR, 55)),
+        ("IPPShare_ippiFilter_8u_C1R", -5, lambda: opcv_dlib.convolve(GREY, [[1]], 0)),
+        ("OPCV_ippiFilterBilateral_8u_C1R", -5, lambda: opcv_dlib.filter_bilateral(GREY, 4, 1, 1)),
+        ("DeosNrRGB", 1, lambda: opcv_dlib.reduce_noise_rgb(COLOUR, 3)),
+        ("DeosNrRGB", 2, lambda: opcv_dlib.reduce_noise_rgb(COLOUR, 1, 11)),
+        ("DeosNrRGB", 3, lambda: opcv_dlib.reduce_noise_rgb(COLOUR, 1)),
+        ("ippiRotate", -5, lambda: opcv_dlib.rotate(GREY, 0, (1e12, 0))),
+        ("KVMac_ippiRotate_8u_C1R", -50, lambda: opcv_dlib.rotate_on_black(GREY, 0, (np.nan, 0))),
+        ("OPCV_ippiResizeSqrPixel_8u_C1R", None, lambda: opcv_dlib.resize_sqr_pixel(GREY, 1e-9, 1)),
+        ("OPCV_ippiResizeSqrPixel_8u_C1R", -5, lambda: opcv_dlib.resize_sqr_pixel(GREY, 1, 1, (99, 0))),
+        ("DeskewImageWithIPP", -2, lambda: opcv_dlib.deskew(BITS, 1)),
+        ("DeskewImageWithIPPEx", -2, lambda: opcv_dlib.deskew_crop(BITS, 1, (0, 0, 9, 9))),
+        (
+            "DeskewImageWithIPPExWithShirftPoint",
+            -2,
+            lambda: opcv_dlib.deskew_about(BITS, 1, (0, 0), (9, 9)),
+        ),
+        ("RotateImageWithIPP", -3, lambda: opcv_dlib.rotate_page(PAGE, 89.9)),
+        ("RotateImageWithIPP", -2, lambda: opcv_dlib.rotate90(BITS)),
+        ("ResizeImageWithIPPEx", -50, lambda: opcv_dlib.resize(PAGE, 1, 100)),
+        ("ResizeImageWithIPPEx", -2, lambda: opcv_dlib.resize(BITS, 1, 2)),
+        ("CompressJPEG", -50, lambda: opcv_dlib.compress_jpeg(PAGE, 100)),
+        ("CompressJPEG", -50, lambda: opcv_dlib.compress_jpeg(PAGE32, 389)),
+        ("CompressJPEGEx", -50, lambda: opcv_dlib.compress_jpeg_ex(PAGE, 100)),
+        ("CompressJPEGWithIPP", -50, lambda: opcv_dlib.compress_jpeg_with_ipp(PAGE32, 389)),
+        ("ReadJPEG", -50, lambda: opcv_dlib.read_jpeg(b"\xff\xd8\xff")),
+    ],
+)
+def test_a_refusal_names_the_function_and_its_status(function, status, call):
+    with pytest.raises(opcv_dlib.Error) as caught:
+        call()
+    error = caught.value
+    assert (error.function, error.status) == (function, status)
+    assert str(error).startswith(f"{function}: ") and len(error.message) > 5
+    assert not isinstance(error, MemoryError)
+
+
+def test_statuses_have_names():
+    with pytest.raises(opcv_dlib.Error, match=r"^RotateImageWithIPP: badAngleErr \(-3\)$"):
+        opcv_dlib.rotate_page(PAGE, 1)
+    with pytest.raises(opcv_dlib.Error, match=r"^IPPShare_ippiFilterMedian_8u_C1R: ippStsBadArgErr \(-5\)$"):
+        opcv_dlib.filter_median(GREY, 2)
+
+
+@pytest.mark.parametrize(
+    ("function", "status", "call"),
+    [
+        ("CreateNewKVIMGPtr", -108, lambda: opcv_dlib.Page.empty(40000, 40000, 24)),
+        ("CreateNewKVIMGPtrForUnite", -108, lambda: opcv_dlib.Page.empty(40000, 40000, 24, for_unite=True)),
+        ("IPPShare_ippiMalloc_16s_C1", -4, lambda: opcv_dlib.new_plane_16s(40000, 40000)),
+        ("IPPMini_ippiMalloc_8u_C3", -4, lambda: opcv_dlib.new_image_8u_c3(40000, 40000)),
+        ("ResizeImageWithIPPEx", -108, lambda: opcv_dlib.resize(PAGE, 1e7, 1)),
+    ],
+)
+def test_what_does_not_fit_is_a_memory_error(function, status, call):
+    with pytest.raises(MemoryError) as caught:
+        call()
+    assert isinstance(caught.value, opcv_dlib.OutOfMemoryError) and isinstance(caught.value, opcv_dlib.Error)
+    assert (caught.value.function, caught.value.status) == (function, status)
+
+
+def test_shortage_of_memory_in_opencv_and_in_the_module_is_a_memory_error():
+    program = """
+        import resource
+        import numpy as np
+        import opcv_dlib
+
+        src = np.zeros((6000, 6000), np.uint8)
+        out = np.empty((5990, 5990), np.uint8)
+        opcv_dlib.filter_median(src[:30, :30], 11)
+        opcv_dlib.convolve(src[:30, :30], np.ones((9, 9), int))
+        used = int(open("/proc/self/statm").read().split()[0]) * resource.getpagesize()
+        resource.setrlimit(resource.RLIMIT_AS, (used + (16 << 20), resource.RLIM_INFINITY))
+        for call in (
+            lambda: opcv_dlib.filter_median(src, 11, out=out),
+            lambda: opcv_dlib.convolve(src, np.ones((9, 9), int), 81, region=(5, 5, 5990, 5990), out=out),
+        ):
+            try:
+                call()
+            except MemoryError as error:
+                print(error.function, error.status)
+    """
+    done = subprocess.run([sys.executable, "-c", textwrap.dedent(program)], capture_output=True, text=True, check=True)
+    assert done.stdout.split("\n")[:2] == [
+        "IPPShare_ippiFilterMedian_8u_C1R None",
+        "IPPShare_ippiFilter_8u_C1R None",
+    ]
+
+
+def test_errors_can_be_copied_and_pickled():
+    error = opcv_dlib.Error("ReadJPEG", -50, "paramErr (-50)")
+    for again in (copy.copy(error), pickle.loads(pickle.dumps(error))):
+        assert (type(again), again.function, again.status, str(again)) == (
+            opcv_dlib.Error,
+            "ReadJPEG",
+            -50,
+            "ReadJPEG: paramErr (-50)",
+        )
+
+
+def long_calls(rng):
+    src = image(rng, 3000, 3000)
+    stream = opcv_dlib.compress_gray(src, 90)
+    page = opcv_dlib.Page(src)
+    table = rng.standard_normal((81, 81))
+    return {
+        "filter_median": lambda: opcv_dlib.filter_median(src, 15),
+        "read_jpeg": lambda: opcv_dlib.read_jpeg(stream),
+        "compress_jpeg": lambda: opcv_dlib.compress_jpeg(page, 788),
+        "ddct": lambda: opcv_dlib.ddct(table),
+    }
+
+
+@pytest.mark.parametrize("name", ["filter_median", "read_jpeg", "compress_jpeg", "ddct"])
+def test_other_threads_run_while_the_library_works(rng, name):
+    call = long_calls(rng)[name]
+    span = []
+
+    def work():
+        start = time.monotonic()
+        for _ in range(100):
+            before = time.monotonic()
+            call()
+            span[:] = before, time.monotonic()
+            if span[1] - span[0] > 0.03 or span[1] - start > 2:
+                return
+
+    ticks = []
+    thread = threading.Thread(target=work)
+    thread.start()
+    while thread.is_alive():
+        time.sleep(0.0005)
+        ticks.append(time.monotonic())
+    thread.join()
+    quarter = (span[1] - span[0]) / 4
+    assert sum(span[0] + quarter < tick < span[1] - quarter for tick in ticks) >= 2
+
+
+def test_threads_get_the_results_of_a_single_one(rng):
+    grey, colour = image(rng, 150, 200), image(rng, 150, 200, 3)
+    page = opcv_dlib.Page(colour)
+    stream = opcv_dlib.compress_rgb_444(colour, 90)
+
+    def work(_):
+        return (
+            opcv_dlib.filter_median_cross(grey).tobytes()
+            + opcv_dlib.convolve(colour, np.ones((3, 3), int), 9).tobytes()
+            + opcv_dlib.deskew(page, 2.5).pixels.tobytes()
+            + opcv_dlib.read_jpeg(stream).pixels.tobytes()
+            + opcv_dlib.compress_jpeg(page, 389)
+            + opcv_dlib.rotate(grey, 10, (3, 4)).tobytes()
+            + opcv_dlib.reduce_bits(grey).tobytes()
+        )
+
+    expected = work(0)
+    with ThreadPoolExecutor(4) as pool:
+        assert all(result == expected for result in pool.map(work, range(16)))

@@ -1,0 +1,270 @@
+"""Pages and JPEG."""
+
+import gc
+import resource
+import weakref
+
+import numpy as np
+import opcv_dlib
+import pytest
+from support import image, padded
+
+MODES = (0, 286, 389, 450, 788)
+
+
+def smooth(height, width, channels=1):
+    y, x = np.mgrid[:height, :width]
+    planes = [(x * (2 + i) + y * (3 - i)) % 256 for i in range(channels)]
+    level = 128 + 100 * np.sin(np.stack(planes, axis=2) / 255 * 2 * np.pi)
+    return level.astype(np.uint8).reshape(height, width, *([channels] if channels > 1 else []))
+
+
+@pytest.mark.parametrize("channels", [1, 3, 4])
+def test_a_page_copies_its_pixels(rng, channels):
+    src = image(rng, 7, 21, channels)
+    page = opcv_dlib.Page(padded(src), 200, 100)
+    assert (page.width, page.height, page.depth, page.dpi_x, page.dpi_y) == (21, 7, 8 * channels, 200, 100)
+    assert np.array_equal(page.pixels, src)
+    page.pixels[0, 0] = 0
+    assert not page.pixels[0, 0].any()
+    assert repr(page) == f"<opcv_dlib.Page of 21 x 7 pixels, depth {8 * channels}, 200 x 100 dots per inch>"
+
+
+@pytest.mark.parametrize(
+    ("depth", "unite", "shape", "row_bytes"),
+    [
+        (1, False, (5, 3), 16),
+        (8, False, (5, 21), 32),
+        (24, False, (5, 21, 3), 63),
+        (24, True, (5, 21, 3), 64),
+        (32, False, (5, 21, 4), 96),
+        (40, False, (5, 21), 32),
+    ],
+)
+def test_the_layout_of_records(depth, unite, shape, row_bytes):
+    page = opcv_dlib.Page.empty(21, 5, depth, for_unite=unite)
+    assert page.pixels.shape == shape
+    assert page.row_bytes == page.pixels.strides[0] == row_bytes
+    assert (page.dpi_x, page.dpi_y) == (300, 300)
+    page.pixels[...] = 3
+    assert (page.pixels == 3).all()
+
+
+def test_pages_that_cannot_be_are_refused():
+    with pytest.raises(ValueError, match="Page.empty: depth must be 1, 8, 24, 32 or 40"):
+        opcv_dlib.Page.empty(3, 3, 16)
+    with pytest.raises(ValueError, match="Page.empty: size must have two sides above 0"):
+        opcv_dlib.Page.empty(3, 0)
+    for dpi in (0, 65536):
+        with pytest.raises(ValueError, match="dpi_x must be 1 to 65535"):
+            opcv_dlib.Page.empty(3, 3, 8, dpi)
+    page = opcv_dlib.Page.empty(3, 3)
+    with pytest.raises(ValueError, match="Page: dpi_y must be 1 to 65535"):
+        page.dpi_y = 0
+    page.dpi_x = 600
+    assert (page.dpi_x, page.dpi_y) == (600, 300)
+
+
+def test_the_pixels_keep_the_page_alive():
+    page = opcv_dlib.read_jpeg(opcv_dlib.compress_gray(np.full((50, 70), 90, np.uint8), 95))
+    alive = weakref.ref(page)
+    pixels = page.pixels[3:]
+    del page
+    gc.collect()
+    assert alive() is not None and (pixels == 90).all()
+    del pixels
+    gc.collect()
+    assert alive() is None
+
+
+def test_records_planes_and_streams_are_released():
+    pixels = np.zeros((1000, 1000), np.uint8)
+
+    def work():
+        page = opcv_dlib.deskew(opcv_dlib.Page(pixels), 1)
+        opcv_dlib.read_jpeg(opcv_dlib.compress_jpeg(opcv_dlib.rotate90(page), 389))
+        opcv_dlib.new_plane_16s(1000, 1000)[...] = 1
+        opcv_dlib.new_image_8u_c3(1000, 1000)[...] = 1
+        with pytest.raises(opcv_dlib.Error):
+            opcv_dlib.rotate_page(page, 45)
+
+    def peak():
+        return resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+
+    for _ in range(3):
+        work()
+    before = peak()
+    for _ in range(20):    # 9 MB each
+        work()
+    assert peak() - before < 40_000
+
+
+@pytest.mark.parametrize("channels", [1, 3, 4])
+def test_deskew(rng, channels):
+    src = image(rng, 30, 48, channels)    # rows without padding, which would count as image
+    page = opcv_dlib.Page(src, 200, 100)
+    turned = opcv_dlib.deskew(page, 3.5)
+    assert (turned.dpi_x, turned.dpi_y, turned.depth) == (200, 100, 8 * channels)
+    assert np.array_equal(turned.pixels, opcv_dlib.rotate_center(src, 3.5))
+    white = {1: 0, 3: 255, 4: (0, 255, 255, 255)}[channels]
+    filled = opcv_dlib.deskew(page, 3.5, white_fill=True)
+    assert np.array_equal(filled.pixels, opcv_dlib.rotate_center(src, 3.5, border=white))
+
+    x, y = opcv_dlib.get_rotate_shift(23.5, 14.5, 3.5)
+    cropped = opcv_dlib.deskew_crop(page, 3.5, (-5, 4, 60, 20))
+    assert (cropped.width, cropped.height, cropped.dpi_x, cropped.dpi_y) == (60, 20, 200, 100)
+    assert np.array_equal(cropped.pixels, opcv_dlib.rotate(src, 3.5, (x + 5, y - 4), size=(60, 20)))
+
+    x, y = opcv_dlib.get_rotate_shift(7, 9, 3.5)
+    about = opcv_dlib.deskew_about(page, 3.5, (7, 9), (25, 15), white_fill=True)
+    assert (about.dpi_x, about.dpi_y) == (200, 100)
+    expected = opcv_dlib.rotate(src, 3.5, (x - 7, y - 9), size=(25, 15), border=white)
+    assert np.array_equal(about.pixels, expected)
+
+
+def test_quarter_turns(rng):
+    src = image(rng, 7, 21, 3)
+    page = opcv_dlib.Page(src, 200, 100)
+    for angle, turns, turned in (
+        (90, -1, opcv_dlib.rotate90(page)),
+        (180, 2, opcv_dlib.rotate180(page)),
+        (270, 1, opcv_dlib.rotate270(page)),
+        (-90.9, 1, opcv_dlib.rotate_page(page, -90.9)),
+    ):
+        assert np.array_equal(turned.pixels, np.rot90(src, turns))
+        assert (turned.dpi_x, turned.dpi_y) == ((200, 100) if angle == 180 else (100, 200))
+
+
+def test_uniting_centres_the_image_on_a_canvas(rng):
+    src = image(rng, 8, 20, 3)
+    for width, row_bytes in ((30, 92), (32, 96)):    # rows that end in padding, and rows that do not
+        page = opcv_dlib.unite_rotate(padded(src), (width, 12), 0, dpi_x=400)
+        expected = np.full((12, width, 3), 255, np.uint8)
+        left = (width - 20) // 2
+        expected[2:10, left : left + 20] = src
+        assert np.array_equal(page.pixels, expected)
+        assert (page.row_bytes, page.dpi_x, page.dpi_y) == (row_bytes, 400, 400)
+    for channels, row_bytes in ((1, 32), (4, 80)):
+        square = image(rng, 20, 20, channels)
+        page = opcv_dlib.unite_rotate(square, (20, 20), 0)
+        assert (page.depth, page.row_bytes) == (8 * channels, row_bytes)
+        assert np.array_equal(page.pixels, square)
+    corner = np.zeros((20, 20), np.uint8)
+    corner[3:7, 2:6] = 255
+    y, x = np.argwhere(opcv_dlib.unite_rotate(corner, (20, 20), 90).pixels).mean(axis=0)    # clockwise: top right
+    assert y < 6 and x > 13
+    with pytest.raises(ValueError, match="unite_rotate: size has rows of 2\\^31 bytes or more"):
+        opcv_dlib.unite_rotate(src, (2**30, 1), 0)
+
+
+def test_resize_keeps_the_size_in_inches(rng):
+    page = opcv_dlib.Page(image(rng, 51, 101), 300, 150)
+    half = opcv_dlib.resize(page, 1, 2)
+    assert (half.width, half.height, half.dpi_x, half.dpi_y) == (50, 25, 150, 75)
+    same = opcv_dlib.resize(page, 7, 7)
+    assert np.array_equal(same.pixels, page.pixels)
+    for numerator, denominator in ((0, 1), (1, 0), (1, np.nan)):
+        with pytest.raises(ValueError, match="must be above 0"):
+            opcv_dlib.resize(page, numerator, denominator)
+
+
+def density(stream):
+    assert stream[:4] == b"\xff\xd8\xff\xe0" and stream[6:11] == b"JFIF\0"
+    return stream[13], int.from_bytes(stream[14:16], "big"), int.from_bytes(stream[16:18], "big")
+
+
+@pytest.mark.parametrize("channels", [1, 3])
+@pytest.mark.parametrize("mode", MODES)
+def test_compression_keeps_pixels_and_resolution(channels, mode):
+    src = smooth(64, 96, channels)
+    page = opcv_dlib.Page(src, 200, 100)
+    for compress in (opcv_dlib.compress_jpeg_ex, opcv_dlib.compress_jpeg_with_ipp):
+        stream = compress(page, mode)
+        assert density(stream) == (1, 200, 100) and b"KORVELIN" in stream
+        back = opcv_dlib.read_jpeg(stream)
+        assert (back.depth, back.dpi_x, back.dpi_y) == (8 * channels, 200, 100)
+        assert np.abs(back.pixels.astype(int) - src).mean() < 20
+    page.dpi_y = 200
+    stream = opcv_dlib.compress_jpeg(page, mode)
+    assert density(stream) == (1, 200, 200)
+    assert np.abs(opcv_dlib.read_jpeg(stream).pixels.astype(int) - src).mean() < 12
+
+
+def test_compress_jpeg_stores_one_resolution():
+    with pytest.raises(ValueError, match="compress_jpeg: page has two resolutions"):
+        opcv_dlib.compress_jpeg(opcv_dlib.Page(smooth(9, 9), 200, 100), 389)
+
+
+def test_compression_of_arrays():
+    grey, colour = smooth(64, 96), smooth(64, 96, 3)
+    streams = {
+        "own": opcv_dlib.compress_gray(grey, 90, dpi_x=200, dpi_y=100),
+        "libjpeg": opcv_dlib.compress_gray(padded(grey), 90, custom_tables=False),
+        "444": opcv_dlib.compress_rgb_444(colour, 90),
+        "444 libjpeg": opcv_dlib.compress_rgb_444(padded(colour), 90, custom_tables=False),
+        "411": opcv_dlib.compress_rgb_411(padded(colour), 90, dpi_x=72),
+    }
+    assert len(set(streams.values())) == len(streams)
+    assert density(streams["own"]) == (1, 200, 100)
+    assert density(streams["411"]) == (1, 72, 72)
+    for name, stream in streams.items():
+        src = grey if name in ("own", "libjpeg") else colour
+        assert np.abs(opcv_dlib.read_jpeg(stream).pixels.astype(int) - src).mean() < 5, name
+    for quality in (0, 101):
+        with pytest.raises(ValueError, match="compress_gray: quality must be 1 to 100"):
+            opcv_dlib.compress_gray(grey, quality)
+    with pytest.raises(ValueError, match="compress_rgb_411: pixels has a side above 65500"):
+        opcv_dlib.compress_rgb_411(np.zeros((1, 65501, 3), np.uint8), 50)
+    with pytest.raises(ValueError, match="compress_jpeg_ex: page has a side above 65500"):
+        opcv_dlib.compress_jpeg_ex(opcv_dlib.Page.empty(65501, 1), 389)
+
+
+def with_density(stream, unit, x, y):
+    return stream[:13] + bytes([unit]) + x.to_bytes(2, "big") + y.to_bytes(2, "big") + stream[18:]
+
+
+def with_orientation(stream, orientation):
+    tiff = b"MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01" + bytes([0, orientation, 0, 0]) + b"\0\0\0\0"
+    exif = b"Exif\0\0" + tiff
+    return stream[:20] + b"\xff\xe1" + (len(exif) + 2).to_bytes(2, "big") + exif + stream[20:]
+
+
+def test_the_resolution_comes_from_the_stream():
+    stream = opcv_dlib.compress_gray(smooth(40, 60), 90)
+
+    def dpi(data, **options):
+        page = opcv_dlib.read_jpeg(data, **options)
+        return page.dpi_x, page.dpi_y
+
+    assert dpi(with_density(stream, 1, 240, 120)) == (240, 120)
+    assert dpi(with_density(stream, 2, 100, 50)) == (254, 127)
+    assert dpi(with_density(stream, 0, 1, 1)) == (300, 300)
+    assert dpi(with_density(stream, 0, 1, 1), default_dpi=96) == (96, 96)
+    assert dpi(with_density(stream, 1, 0, 100), default_dpi=96) == (96, 96)
+    assert dpi(stream[:2] + stream[20:], default_dpi=96) == (96, 96)
+    turned = opcv_dlib.read_jpeg(with_orientation(with_density(stream, 1, 240, 120), 6))
+    assert (turned.width, turned.height, turned.dpi_x, turned.dpi_y) == (40, 60, 120, 240)
+
+
+def test_reading_of_known_size():
+    src = smooth(40, 60)
+    stream = opcv_dlib.compress_gray(src, 95, dpi_x=150)
+    page = opcv_dlib.read_split_jpeg(memoryview(bytearray(stream)), (60, 40))
+    assert (page.depth, page.dpi_x) == (24, 150)
+    grey = opcv_dlib.read_jpeg(np.frombuffer(stream, np.uint8)).pixels
+    assert np.array_equal(page.pixels, np.repeat(grey[..., None], 3, axis=2))
+    with pytest.raises(opcv_dlib.Error, match="ReadSplitJPEG: paramErr"):
+        opcv_dlib.read_split_jpeg(stream, (60, 41))
+
+
+def test_what_is_no_stream_is_refused():
+    for function in (opcv_dlib.read_jpeg, lambda data: opcv_dlib.read_split_jpeg(data, (8, 8))):
+        with pytest.raises(ValueError, match="data is empty"):
+            function(b"")
+        with pytest.raises(opcv_dlib.Error) as caught:
+            function(b"no JPEG stream at all")
+        assert caught.value.status == -50
+        with pytest.raises(TypeError):
+            function("text")
+        with pytest.raises((BufferError, ValueError)):
+            function(np.zeros(20, np.uint8)[::2])
