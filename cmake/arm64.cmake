@@ -14,6 +14,9 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
+set(ENV{PKG_CONFIG_SYSROOT_DIR} ${OPCV_DLIB_SYSROOT})
+set(ENV{PKG_CONFIG_LIBDIR} ${OPCV_DLIB_SYSROOT}/usr/lib/${triplet}/pkgconfig:${OPCV_DLIB_SYSROOT}/usr/share/pkgconfig)
+
 # BLAS and LAPACK, which OpenCV's core needs, lie in folders of their own that the loader normally learns of when the
 # packages are configured.
 set(lib ${OPCV_DLIB_SYSROOT}/usr/lib/${triplet})

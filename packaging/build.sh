@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# packaging/build.sh ARCHITECTURE BUILD MAN DESTINATION [SYSROOT]
+#
+# Makes Debian packages of what lies in a build folder, with the manual pages in MAN. SYSROOT: where the libraries of
+# another architecture lie.
+set -euo pipefail
+tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+architecture=$1
+build=$(realpath "$2")
+man=$(realpath -m "$3")
+mkdir -p "$4"
+destination=$(realpath "$4")
+sysroot=${5:+$(realpath "$5")}
+
+work=$build/package
+rm -rf "$work"
+mkdir "$work"
+cp -r "$tree/packaging/debian" "$work"
+cd "$work"
+
+version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' "$tree/CMakeLists.txt")
+packaged=$(dpkg-parsechangelog -S Version)
+if [ "${packaged%-*}" != "$version" ]; then
+    echo "packaging/debian/changelog begins with $packaged, CMakeLists.txt says $version" >&2
+    exit 1
+fi
+
+{
+    echo "libOPCV_dlib.so.1 libopcv-dlib1 #MINVER#"
+    sed 's/.*/ &@Base 1.0.0/' "$tree/cmake/exports.txt"
+} >debian/libopcv-dlib1.symbols
+
+# Libraries in a tree belong to no installed package; the packages of this machine's architecture have the same names.
+[ -z "$sysroot" ] || cat /var/lib/dpkg/info/*.shlibs >debian/shlibs.local
+
+BUILD=$build MAN=$man DESTINATION=$destination SYSROOT=$sysroot \
+    dpkg-architecture -a"$architecture" -c debian/rules binary >build.log 2>&1 || {
+    cat build.log >&2
+    exit 1
+}
