@@ -75,30 +75,30 @@ enum {
 
 /// Size in pixels.
 typedef struct IppiSize {
-    int width;
-    int height;
+    int width;     ///< Columns.
+    int height;    ///< Rows.
 } IppiSize;
 
 /// Position in pixels, column first.
 typedef struct IppiPoint {
-    int x;
-    int y;
+    int x;    ///< Column.
+    int y;    ///< Row.
 } IppiPoint;
 
 /// Rectangle in pixels: first column, first row, extent.
 typedef struct IppiRect {
-    int x;
-    int y;
-    int width;
-    int height;
+    int x;         ///< First column.
+    int y;         ///< First row.
+    int width;     ///< Columns.
+    int height;    ///< Rows.
 } IppiRect;
 
 /// Rectangle by its edges; `bottom` and `right` are exclusive.
 typedef struct KVRect {
-    int32_t top;
-    int32_t left;
-    int32_t bottom;
-    int32_t right;
+    int32_t top;       ///< First row.
+    int32_t left;      ///< First column.
+    int32_t bottom;    ///< Row behind the last one.
+    int32_t right;     ///< Column behind the last one.
 } KVRect;
 /// @}
 

@@ -1,0 +1,289 @@
+"""Writes the manual pages from what Doxygen has read in the public header.
+
+    make_man.py XML_FOLDER HEADER VERSION DATE MAN_FOLDER
+
+One page a family of functions in man3, opcv_dlib in man7, and for each function a page that leads to its family. A
+function whose family is not known here, or a manual page that would be empty, is an error.
+"""
+import pathlib
+import re
+import sys
+import xml.etree.ElementTree as ElementTree
+
+# The pages, and the groups of the header that each holds, in their order on the page.
+FAMILIES = {
+    "opcv_records": ("status codes, records, planes and initialisation", [
+        "Status codes", "Value types", "Records", "Initialisation", "Image records", "Planes"]),
+    "opcv_rank": ("medians, dilation, erosion, maximum and minimum", [
+        "Square medians", "Square median, any pixel type", "Medians with a fixed window", "Medians without checks",
+        "Dilation, erosion, maximum and minimum"]),
+    "opcv_geometry": ("rotation, deskew, quarter turns and resize", [
+        "Rotation of regions", "Rotation of regions, any pixel type", "Deskew and rotation of pages", "Resize"]),
+    "opcv_jpeg": ("JPEG compression and reading", [
+        "JPEG compression", "JPEG compression of buffers", "JPEG reading"]),
+    "opcv_pixel": ("bit packing, depth, thresholds, colour space and planes", [
+        "Bit packing", "Bit packing without checks", "Depth conversion", "Thresholds and fill",
+        "Thresholds without checks", "Colour space", "Plane layout"]),
+    "opcv_filters": ("convolution, noise reduction, matrix product and cosine transform", [
+        "Convolution and box filter", "Convolution of any pixel type", "Noise reduction",
+        "Matrix product and cosine transform"]),
+}
+STRUCTURES = {"Value types": ["IppiSize", "IppiPoint", "IppiRect", "KVRect"],
+              "Records": ["KVIMG", "KVImageDescription", "KVImageHeader"]}
+OVERVIEW = "opcv_dlib"
+
+
+def escaped(text):
+    """Text that roff prints as it is."""
+    return text.replace("\\", "\\e").replace("-", "\\-").replace("'", "\\(aq").replace("`", "\\(ga")
+
+
+def inline(element):
+    """The text of an element, with its emphasis in roff."""
+    parts = [escaped(element.text or "")]
+    for child in element:
+        if child.tag == "computeroutput":
+            parts.append("\\fB" + inline(child) + "\\fP")
+        elif child.tag in ("bold", "emphasis"):
+            parts.append("\\fI" + inline(child) + "\\fP")
+        elif child.tag == "sp":
+            parts.append(" ")
+        elif child.tag in ("ref", "ulink"):
+            parts.append(inline(child))
+        elif child.tag in ("itemizedlist", "table", "parameterlist", "simplesect"):
+            continue    # blocks, see below
+        else:
+            raise ValueError(f"no manual page text for <{child.tag}>")
+        parts.append(escaped(child.tail or ""))
+    return "".join(parts)
+
+
+def lines(text):
+    """Filled text: a line a sentence, none of which roff takes for a request."""
+    text = " ".join(text.split())
+    sentences = re.split(r"(?<=[a-z0-9)P][.:]) (?=[A-Z\\])", text)
+    return ["\\&" + s if s[:1] in ".'" else s for s in sentences if s]
+
+
+def table(element):
+    """A cell that lists several things takes a line for each."""
+    rows = [[inline(cell.find("para")).replace(", ", ",\n").split("\n") for cell in row] for row in element]
+    columns, first = len(rows[0]), max(len(cell) for cell in rows[0])
+    out = [".TS"] + ["lB2 " * (columns - 1) + "lB"] * first + ["l2 " * (columns - 1) + "l."]
+    for row in rows:
+        for line in range(max(len(cell) for cell in row)):
+            out.append("\t".join(cell[line] if line < len(cell) else "" for cell in row))
+    return out + [".TE"]
+
+
+def bullets(element):
+    out = []
+    for item in element:
+        body = [line for para in item for line in lines(inline(para))]
+        out += [".IP \\(bu 2"] + body
+    return out
+
+
+def paragraphs(description):
+    """The blocks of a description, without its parameters and results. Each begins with its roff request."""
+    out = []
+    for para in description:
+        text = lines(inline(para))
+        if text:
+            out += [".PP"] + text
+        for child in para:
+            if child.tag == "itemizedlist":
+                out += bullets(child)
+            elif child.tag == "table":
+                out += table(child)
+    return out
+
+
+def entries(function, kind):
+    """The documented parameters, results or exceptions of a function as (name, text)."""
+    for group in function.iter("parameterlist"):
+        if group.get("kind") == kind:
+            for item in group:
+                names = ", ".join("".join(n.itertext()) for n in item.iter("parametername"))
+                yield names, " ".join(inline(p) for p in item.find("parameterdescription"))
+
+
+def returned(function):
+    return [inline(p) for s in function.iter("simplesect") if s.get("kind") == "return" for p in s]
+
+
+def parameter(element):
+    """One parameter as it is declared, its name in italics."""
+    kind = "".join(element.find("type").itertext()).replace(" *", "*").replace(" &", "&")
+    name = element.findtext("declname") or ""
+    array = element.findtext("array") or ""
+    return ("\\fB" + escaped(kind) + "\\fP \\fI" + name + "\\fP" + escaped(array)).strip()
+
+
+def prototype(function):
+    result = "".join(function.find("type").itertext()).replace(" *", "*")
+    arguments = [parameter(p) for p in function.findall("param")]
+    if not arguments or "(void)" in function.findtext("argsstring"):
+        arguments = ["\\fBvoid\\fP"]
+    return f"\\fB{escaped(result)} {function.findtext('name')}(\\fP" + ", ".join(arguments) + "\\fB);\\fP"
+
+
+def tagged(pairs):
+    out = []
+    for name, text in pairs:
+        out += [".TP", ".I " + escaped(name)] + lines(text)
+    return out
+
+
+def function_text(function):
+    name = function.findtext("name")
+    out = [".SS " + name, ".HP", prototype(function)]
+    text = paragraphs(function.find("briefdescription")) + paragraphs(function.find("detaileddescription"))
+    if not text:
+        raise ValueError(f"{name} has no description")
+    out += text
+    out += tagged(entries(function, "param"))
+    results = list(entries(function, "retval"))
+    if results:
+        out += [".PP", "Returns:"] + tagged(results)
+    elif returned(function):
+        out += [".PP", "Returns:"] + [line for text in returned(function) for line in lines(text)]
+    thrown = list(entries(function, "exception"))
+    if thrown:
+        out += [".PP", "Throws:"] + tagged(thrown)
+    return out
+
+
+def enumerator_text(enumeration):
+    out = []
+    for value in enumeration.findall("enumvalue"):
+        title = value.findtext("name") + " " + value.findtext("initializer", "")
+        out += [".TP", ".B " + escaped(title)]
+        for part in ("briefdescription", "detaileddescription"):
+            out += [line for para in value.find(part) for line in lines(inline(para))]
+    return out
+
+
+def type_text(member):
+    text = paragraphs(member.find("briefdescription")) + paragraphs(member.find("detaileddescription"))
+    return [".PP", "\\fB" + escaped(member.findtext("definition").replace(" *", "*")) + ";\\fP"] + text
+
+
+def structure_text(name, folder):
+    compound = ElementTree.parse(folder / f"struct{name}.xml").getroot().find("compounddef")
+    out = [".SS " + name]
+    out += paragraphs(compound.find("briefdescription")) + paragraphs(compound.find("detaileddescription"))
+    for field in compound.iter("memberdef"):
+        kind = "".join(field.find("type").itertext()).replace(" *", "*")
+        out += [".TP", "\\fB" + escaped(kind) + "\\fP \\fI" + field.findtext("name") + "\\fP"]
+        for part in ("briefdescription", "detaileddescription"):
+            out += [line for para in field.find(part) for line in lines(inline(para))]
+    return out
+
+
+def group_text(group, folder):
+    """A group of the header: what holds for all of it, then its types and functions."""
+    title = group.findtext("header")
+    out = [".SH " + title.upper()]
+    if group.find("description") is not None:
+        out += paragraphs(group.find("description"))
+    for member in sorted(group.findall("memberdef"), key=lambda m: int(m.find("location").get("line"))):
+        kind = member.get("kind")
+        if kind == "function":
+            out += function_text(member)
+        elif kind == "enum":
+            out += enumerator_text(member)
+        elif kind == "typedef":
+            out += type_text(member)
+    for name in STRUCTURES.get(title, []):
+        out += structure_text(name, folder)
+    if len(out) == 1:
+        raise ValueError(f"nothing under '{title}'")
+    return out
+
+
+def functions_of(groups):
+    return [m for g in groups for m in g.findall("memberdef") if m.get("kind") == "function"]
+
+
+def heading(page, section, version, date):
+    return ["'\\\" t", f'.TH {page.upper()} {section} {date} "OPCV_dlib {version}" "OPCV_dlib"', ".nh", ".ad l"]
+
+
+def see_also(page):
+    others = [f"{p} (3)" for p in FAMILIES if p != page]
+    if page != OVERVIEW:
+        others.insert(0, f"{OVERVIEW} (7)")
+    return [".SH SEE ALSO"] + [".BR " + o + ("," if o is not others[-1] else "") for o in others]
+
+
+def include_lines():
+    return [".nf", "\\fB#include <OPCV_dlib.h>\\fP", ".fi", ".PP", "Link with \\fB\\-lOPCV_dlib\\fP."]
+
+
+def is_for_cplusplus(function, first_line):
+    return int(function.find("location").get("line")) >= first_line
+
+
+def synopsis(functions, first_line):
+    out = [".SH SYNOPSIS"] + include_lines()
+    for title, chosen in ((None, [f for f in functions if not is_for_cplusplus(f, first_line)]),
+                          ("For C++ only:", [f for f in functions if is_for_cplusplus(f, first_line)])):
+        if title and chosen:
+            out += [".PP", title]
+        for function in chosen:
+            out += [".HP", prototype(function)]
+    return out
+
+
+def write(folder, section, page, content):
+    # A heading begins a paragraph by itself.
+    content = [line for before, line in zip([""] + content, content)
+               if not (line == ".PP" and before.startswith((".SH", ".SS")))]
+    path = folder / f"man{section}" / f"{page}.{section}"
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_text("\n".join(content) + "\n", encoding="ascii")
+
+
+def main(xml, header, version, date, target):
+    xml, target = pathlib.Path(xml), pathlib.Path(target)
+    index = ElementTree.parse(xml / "index.xml").getroot()
+    reference = next(c.get("refid") for c in index if c.get("kind") == "file" and c.findtext("name") == "OPCV_dlib.h")
+    page_of_header = ElementTree.parse(xml / f"{reference}.xml").getroot().find("compounddef")
+    groups = {g.findtext("header"): g for g in page_of_header.findall("sectiondef") if g.find("header") is not None}
+    known = [title for _, titles in FAMILIES.values() for title in titles]
+    if set(groups) - set(known):
+        raise ValueError(f"groups without a page: {sorted(set(groups) - set(known))}")
+    source = pathlib.Path(header).read_text(encoding="utf-8").splitlines()
+    first_cplusplus_line = next(n for n, line in enumerate(source, 1) if line.startswith('}    // extern "C"'))
+
+    for page, (purpose, titles) in FAMILIES.items():
+        present = [groups[t] for t in titles if t in groups]
+        functions = functions_of(present)
+        names = [f.findtext("name") for f in functions]
+        content = heading(page, 3, version, date)
+        content += [".SH NAME", ", ".join([page] + names) + " \\- " + purpose]
+        content += synopsis(functions, first_cplusplus_line)
+        for title in titles:
+            if title in groups:
+                content += group_text(groups[title], xml)
+            else:    # a group of structures alone is none for Doxygen
+                content += [".SH " + title.upper()]
+                for name in STRUCTURES[title]:
+                    content += structure_text(name, xml)
+        write(target, 3, page, content + see_also(page))
+        for name in names:
+            write(target, 3, name, [f".so man3/{page}.3"])
+
+    content = heading(OVERVIEW, 7, version, date)
+    content += [".SH NAME", OVERVIEW + " \\- image primitives for document\\-scanner pipelines"]
+    content += [".SH SYNOPSIS"] + include_lines()
+    content += [".SH DESCRIPTION"] + paragraphs(page_of_header.find("detaileddescription"))
+    content += [".SH PAGES"]
+    for page, (purpose, _) in FAMILIES.items():
+        content += [".TP", f".BR {page} (3)", escaped(purpose[0].upper() + purpose[1:]) + "."]
+    write(target, 7, OVERVIEW, content + see_also(OVERVIEW))
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
