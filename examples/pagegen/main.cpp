@@ -2,86 +2,30 @@
 #include <OPCV_dlib.h>
 
 #include <CLI/CLI.hpp>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <opencv2/imgproc.hpp>
 #include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "sheet.h"
 
 namespace {
-
-constexpr int kWidth = 2480;
-constexpr int kHeight = 3508;
-constexpr int kDpi = 300;
-constexpr int kMargin = 260;
-
-const char* const kText[] = {
-    "A page that leaves the feeder is never quite straight. One roller",
-    "grips a little earlier than the other, the sheet turns by a degree",
-    "or two, and every line of text runs downhill. Nobody minds at first.",
-    "Then the reader of the archive searches for a word, and the word is",
-    "not found, because the letters stood on a slope when they were read.",
-    "Straightening is cheap: find the angle at which the rows of ink and",
-    "the rows of paper between them are most distinct, and turn the page",
-    "back by that angle. What comes in from outside the sheet is painted",
-    "white, so that no black wedge remains at the corners of the picture.",
-    "The light of a scanner falls off towards the edges, and its sensor",
-    "adds a little noise to every dot. Both stay in this picture, so that",
-    "what is shown here is what a real page would show.",
-};
-
-void drawText(cv::Mat& page, int top, int lines, int first) {
-    constexpr int kLeading = 74;
-    constexpr int kLines = sizeof(kText) / sizeof(kText[0]);
-    for (int i = 0; i < lines; ++i)
-        cv::putText(page, kText[(first + i) % kLines], {kMargin, top + i * kLeading}, cv::FONT_HERSHEY_COMPLEX, 1.62,
-                    cv::Scalar(38, 34, 36), 3, cv::LINE_AA);
-}
-
-// Hills under a low sun.
-void drawPicture(cv::Mat picture) {
-    for (int y = 0; y < picture.rows; ++y)
-        picture.row(y).setTo(
-            cv::Scalar(250 - 70.0 * y / picture.rows, 200 - 60.0 * y / picture.rows, 150 + 60.0 * y / picture.rows));
-    cv::circle(picture, {picture.cols * 2 / 3, picture.rows / 2}, picture.rows / 6, cv::Scalar(255, 235, 170),
-               cv::FILLED, cv::LINE_AA);
-    for (int hill = 0; hill < 4; ++hill) {
-        const cv::Scalar colour(120 - 24 * hill, 150 - 26 * hill, 110 - 22 * hill);
-        for (int x = 0; x < picture.cols; ++x) {
-            const double wave = std::sin(x * (0.004 + 0.002 * hill) + 1.7 * hill) + 0.4 * std::sin(x * 0.013 + hill);
-            const int y = static_cast<int>(picture.rows * (0.45 + 0.13 * hill) + wave * picture.rows * 0.07);
-            cv::line(picture, {x, y}, {x, picture.rows - 1}, colour);
-        }
-    }
-    cv::rectangle(picture, {0, 0}, {picture.cols - 1, picture.rows - 1}, cv::Scalar(60, 55, 55), 4);
-}
-
-cv::Mat drawSheet() {
-    cv::Mat page(kHeight, kWidth, CV_8UC3, cv::Scalar(248, 245, 236));
-    cv::putText(page, "ON STRAIGHT LINES", {kMargin, 420}, cv::FONT_HERSHEY_TRIPLEX, 4.4, cv::Scalar(150, 38, 40), 8,
-                cv::LINE_AA);
-    cv::line(page, {kMargin, 480}, {kWidth - kMargin, 480}, cv::Scalar(60, 55, 55), 4, cv::LINE_AA);
-    drawText(page, 610, 14, 0);
-    drawPicture(page(cv::Rect(kMargin, 1700, kWidth - 2 * kMargin, 760)));
-    drawText(page, 2590, 9, 2);
-    return page;
-}
 
 // What all pages of a run share, at their resolution: the sheet, the light on it and a stock of noise.
 class Scanner {
 public:
     Scanner(int dpi, unsigned seed) {
-        const double scale = static_cast<double>(dpi) / kDpi;
-        cv::resize(drawSheet(), sheet_, {}, scale, scale, dpi < kDpi ? cv::INTER_AREA : cv::INTER_CUBIC);
+        const double scale = static_cast<double>(dpi) / kSheetDpi;
+        cv::resize(drawSheet(), sheet_, {}, scale, scale, dpi < kSheetDpi ? cv::INTER_AREA : cv::INTER_CUBIC);
         light_.create(sheet_.size(), CV_32FC3);
         for (int y = 0; y < light_.rows; ++y)
-            for (int x = 0; x < light_.cols; ++x) {
-                const double dx = 2.0 * x / light_.cols - 1.1;
-                const double dy = 2.0 * y / light_.rows - 0.9;
-                light_.at<cv::Vec3f>(y, x) = cv::Vec3f::all(static_cast<float>(1.0 - 0.10 * dx * dx - 0.06 * dy * dy));
-            }
+            for (int x = 0; x < light_.cols; ++x)
+                light_.at<cv::Vec3f>(y, x) = cv::Vec3f::all(static_cast<float>(lightAt({x, y}, light_.size())));
         cv::Mat grain(sheet_.rows + kNoiseShifts, sheet_.cols + kNoiseShifts, CV_16S);
         cv::RNG(seed).fill(grain, cv::RNG::NORMAL, 0, 5);
         cv::merge(std::vector<cv::Mat>(3, grain), noise_);
@@ -89,10 +33,7 @@ public:
 
     // Turned clockwise for a positive skew, on the dark lid of the scanner.
     cv::Mat scan(double degrees, unsigned page) const {
-        const cv::Point2f centre(static_cast<float>(sheet_.cols) / 2, static_cast<float>(sheet_.rows) / 2);
-        cv::Mat result;
-        cv::warpAffine(sheet_, result, cv::getRotationMatrix2D(centre, -degrees, 1.0), sheet_.size(), cv::INTER_CUBIC,
-                       cv::BORDER_CONSTANT, cv::Scalar(58, 56, 60));
+        cv::Mat result = skewed(sheet_, degrees);
         cv::multiply(result, light_, result, 1.0, CV_8U);
         std::mt19937 engine(page);
         const cv::Point shift(static_cast<int>(engine() % kNoiseShifts), static_cast<int>(engine() % kNoiseShifts));
@@ -126,7 +67,7 @@ int run(int argc, char** argv) {
     double skew = 2.3;
     unsigned seed = 1;
     int count = 0;
-    int dpi = kDpi;
+    int dpi = kSheetDpi;
     std::string target;
     bool grey = false;
     CLI::App app("Draws scanned A4 pages.", "pagegen");
