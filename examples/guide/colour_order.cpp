@@ -1,0 +1,20 @@
+// An image of OpenCV's functions is blue, green, red; a record is red, green, blue. Both can look at the same memory,
+// but the bytes have to be swapped once on the way.
+#include <OPCV_dlib.h>
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+int main() {
+    const cv::Mat orange(8, 8, CV_8UC3, cv::Scalar(0, 128, 255));    // blue, green, red
+
+    const KVRect all = {0, 0, orange.rows, orange.cols};
+    KVIMG* page = nullptr;
+    if (CreateNewKVIMGPtr(&page, &all, 24) != noErr || !page) return 1;
+    cv::Mat view(page->height, page->width, CV_8UC3, page->data, static_cast<size_t>(page->rowBytes));
+    cv::cvtColor(orange, view, cv::COLOR_BGR2RGB);
+
+    const bool redFirst = page->data[0] == 255 && page->data[1] == 128 && page->data[2] == 0;
+    DisposeKVIMG(page);
+    return redFirst ? 0 : 2;
+}

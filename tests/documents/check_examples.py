@@ -1,0 +1,26 @@
+"""Programs in the documents are files that the tests build and run.
+
+Every fenced block of a programming language in README.md and docs/*.md is the whole of a file in examples/readme or
+examples/guide, and every file there is shown in a document.
+"""
+import pathlib
+import re
+import sys
+
+LANGUAGES = {"c": ".c", "cpp": ".cpp", "python": ".py"}
+
+root = pathlib.Path(sys.argv[1])
+programs = {path: path.read_text(encoding="utf-8")
+            for folder in ("readme", "guide") for path in sorted((root / "examples" / folder).iterdir())}
+shown, faults = set(), []
+for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
+    for language, code in re.findall(r"^```(\w+)\n(.*?)^```$", document.read_text(encoding="utf-8"), re.S | re.M):
+        if language == "sh":
+            continue
+        same = [p for p, text in programs.items() if p.suffix == LANGUAGES.get(language) and text == code]
+        shown.update(same)
+        if not same:
+            faults.append(f"{document.name}: the block that begins '{code.splitlines()[0]}' is no file in examples/")
+faults += [f"{path.name} is shown in no document" for path in programs if path not in shown]
+if faults:
+    sys.exit("\n".join(faults))
