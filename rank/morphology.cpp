@@ -83,7 +83,7 @@ OSErr filterUnderMask(const Source& src, const Target& dst, const unsigned char*
 OSErr filterUnderRectangle(const Source& src, const Target& dst, IppiSize maskSize, IppiPoint anchor,
                            Extremum extremum) {
     if (maskSize.height < 1 || maskSize.width < 1 || !src.pixels) return paramErr;
-    cv::Mat mask = resultMatrix();
+    ResultMatrix mask;
     mask.create(maskSize.height, maskSize.width, CV_8UC1);
     mask.setTo(1);
     return filter(src, dst, mask, anchor, extremum);
