@@ -103,10 +103,13 @@ private:
         return pairWeights_[pair.firstRow + (y + kRadius) % (pair.dy + 1)] + kMargin;
     }
 
+    // What vectors read behind the row is cleared, as it selects weights too.
     void copyRow(int y) {
         const ptrdiff_t margin = ptrdiff_t{kRadius} * region_.channels;
-        std::memcpy(row(y) - margin, region_.src + y * region_.srcStep + left_ - margin,
-                    static_cast<size_t>(width_ + 2 * margin));
+        uint8_t* first = row(y) - margin;
+        const ptrdiff_t count = width_ + 2 * margin;
+        std::memcpy(first, region_.src + y * region_.srcStep + left_ - margin, static_cast<size_t>(count));
+        std::memset(first + count, 0, kByteLanes);
     }
 
     // Weights of the pixels of a row and their partners, as far as the strip's pixels are one of them.
