@@ -38,6 +38,7 @@ void expectSuccessTwice(const Entry& entry, int variant) {
     Case::Setting setting;
     setting.seed = 100 + static_cast<unsigned>(variant);
     setting.variant = variant;
+    setting.size = {37, 11};
     Case c(setting, heap);
     entry.prepare(c);
     Bytes first;
