@@ -31,9 +31,12 @@ fi
 } >debian/libopcv-dlib1.symbols
 
 # Libraries in a tree belong to no installed package; the packages of this machine's architecture have the same names.
-[ -z "$sysroot" ] || cat /var/lib/dpkg/info/*.shlibs >debian/shlibs.local
+if [ -n "$sysroot" ]; then
+    cat /var/lib/dpkg/info/*:"$(dpkg --print-architecture)".shlibs >shlibs
+    sed -n 's/^ld-linux-x86-64 2 /ld-linux-aarch64 1 /p' shlibs | cat shlibs - >debian/shlibs.local
+fi
 
-BUILD=$build MAN=$man DESTINATION=$destination SYSROOT=$sysroot \
+DEB_BUILD_OPTIONS=nocheck BUILD=$build MAN=$man DESTINATION=$destination SYSROOT=$sysroot \
     dpkg-architecture -a"$architecture" -c debian/rules binary >build.log 2>&1 || {
     cat build.log >&2
     exit 1
