@@ -1,0 +1,43 @@
+#!/usr/bin/env bash
+# inside.sh SOURCES: what check.sh runs in the fresh tree. SOURCES is where the packages were built.
+set -euo pipefail
+sources=$1
+cd /check
+
+echo "- the C and C++ examples, by pkg-config"
+gcc -std=c11 -Wall -Wextra -Werror readme/first.c $(pkg-config --cflags --libs OPCV_dlib) -o first_c
+./first_c
+g++ -std=c++17 -Wall -Wextra -Werror readme/first.cpp $(pkg-config --cflags --libs OPCV_dlib) -o first_cpp
+./first_cpp
+[ -z "$(pkg-config --print-requires --print-requires-private OPCV_dlib)" ]
+
+echo "- the same, by CMake"
+cmake -S consumer -B build -DEXAMPLES=/check/readme >cmake.log || { cat cmake.log && exit 1; }
+cmake --build build >cmake.log || { cat cmake.log && exit 1; }
+build/first_c
+build/first_cpp
+
+echo "- the Python example"
+python3 readme/first.py
+
+echo "- the manual"
+for page in "7 opcv_dlib" "3 IPPShare_ippiConvert_1u8u_C1R" "1 scanpage"; do
+    MANPAGER=cat man $page >page.txt
+    grep -q "${page#* }" page.txt
+done
+
+echo "- no search path of its own, nothing of the machine that built it"
+dpkg -L libopcv-dlib1 libopcv-dlib-dev opcv-tools python3-opcv-dlib | sort -u >files.txt
+while read -r file; do
+    [ -f "$file" ] || continue
+    if grep -aF "$sources" "$file"; then echo "$file knows $sources" && exit 1; fi
+    if readelf -d "$file" 2>/dev/null | grep -E 'RPATH|RUNPATH'; then echo "$file has a search path" && exit 1; fi
+done <files.txt
+grep -q '/libOPCV_dlib.so.1$' files.txt
+
+echo "- 1,000 pages through scanpage"
+mkdir scans straight
+python3 make_pages.py 1000 scans
+scanpage scans/*.jpg -o straight --format jpeg --jobs 2 >report.txt
+[ "$(ls straight/*.jpg | wc -l)" -eq 1000 ]
+python3 make_pages.py --check straight
