@@ -47,7 +47,7 @@ void compareExpanding(IppiSize size, int offset) {
 }
 
 void compareBitPacking() {
-    for (const IppiSize size : {bench::kPage, bench::kTile})
+    for (const IppiSize size : bench::sizes())
         for (const int offset : {0, 3}) {
             comparePacking(size, offset);
             compareExpanding(size, offset);

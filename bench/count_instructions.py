@@ -26,14 +26,14 @@ def count_blocks(log):
     block = None
     for line in log:
         if line.startswith("Trace"):
-            address = int(line.split("/", 2)[1], 16)
-            if line.endswith("startOfCount\n"):
-                ran = collections.Counter()
-            elif line.endswith("endOfCount\n") and ran is not None:
+            if ran is None:
+                if line.endswith("startOfCount\n"):
+                    ran = collections.Counter()
+            elif line.endswith("endOfCount\n"):
                 counts.append(sum(lengths[at] * times for at, times in ran.items()))
                 ran = None
-            elif ran is not None:
-                ran[address] += 1
+            else:
+                ran[int(line.split("/", 2)[1], 16)] += 1
         elif line.startswith("0x"):
             if block is None:
                 block = int(line[:line.index(":")], 16)

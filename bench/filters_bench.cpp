@@ -163,7 +163,7 @@ void compareNoiseReduction(IppiSize size, int side) {
 }
 
 void compareFilters() {
-    for (const IppiSize size : {bench::kPage, bench::kTile})
+    for (const IppiSize size : bench::sizes())
         for (const int side : {3, 5}) {
             compareFilter("IPPShare_ippiFilter_8u_C1R", size, CV_8UC1, side);
             compareFilter("IPPShare_ippiFilter_8u_C3R", size, CV_8UC3, side);

@@ -23,14 +23,13 @@ void count(const bench::Action& run) {
 
 int main() {
     cv::setNumThreads(1);
-    bench::makeComparisons();
+    bench::makeComparisons({bench::kTile});
     for (const bench::Comparison& comparison : bench::comparisons()) {
         const bench::Subject& subject = comparison.subject;
-        if (subject.size.width != bench::kTile.width || !comparison.plain.run) continue;
         std::printf("%s\t%s\t%s\t%d\n", subject.function.c_str(), subject.variant.c_str(),
                     comparison.plain.name.c_str(), subject.size.width * subject.size.height);
         count(comparison.ours);
-        count(comparison.plain.run);
+        count(comparison.plain.run ? comparison.plain.run : bench::memcpyOf(subject));
     }
     return 0;
 }

@@ -130,7 +130,7 @@ void compareCompressor(const char* function, const std::string& variant, IppiSiz
     };
     const size_t pixels = bench::bytesOf(size, settings.components);
     bench::compare(
-        {function, variant, size, pixels, pixels / 8}, [page, compress] { compress(*page, nullptr); },
+        {function, variant, size, pixels, plain().size()}, [page, compress] { compress(*page, nullptr); },
         {"libjpeg", plain},
         [page, compress, plain] {
             Stream stream;
@@ -203,7 +203,7 @@ cv::Mat deskewPlain(const cv::Mat& page) {
 
 void compareRoundTrip(IppiSize size, Layout layout) {
     bench::compare(
-        {"ReadJPEG, DeskewImageWithIPP, CompressJPEGEx", nameOf(layout), size, bytesRead(size, layout),
+        {"ReadJPEG, DeskewImageWithIPP, CompressJPEGEx", nameOf(layout), size, bench::bytesOf(size, channelsOf(layout)),
          bytesRead(size, layout)},
         [size, layout] {
             KVImageDescription description{0, 0, 300, 300, 0, 0};
@@ -225,7 +225,7 @@ void compareRoundTrip(IppiSize size, Layout layout) {
 }
 
 void compareJpeg() {
-    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+    for (const IppiSize size : bench::sizes()) {
         for (const Layout layout : {Layout::kGrey, Layout::k444, Layout::k420}) compareReading(size, layout);
         compareCompressing(size);
         for (const Layout layout : {Layout::kGrey, Layout::k420}) compareRoundTrip(size, layout);

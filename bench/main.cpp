@@ -35,19 +35,6 @@ std::string nameOf(const Comparison& comparison, int threads) {
            "/threads:" + std::to_string(threads);
 }
 
-// Copies half of the bytes that are read and written, in blocks of its own. These are so large that both start at the
-// same place within a memory page: some processors copy many times slower where the target lies a little behind.
-Action memcpyOf(const Subject& subject) {
-    constexpr size_t kLargest = size_t{1} << 26;
-    static const std::vector<uint8_t> from(kLargest, 1);
-    static std::vector<uint8_t> to(kLargest);
-    const size_t half = std::min((subject.bytesRead + subject.bytesWritten) / 2, kLargest);
-    return [half] {
-        std::memcpy(to.data(), from.data(), half);
-        benchmark::DoNotOptimize(to.data());
-    };
-}
-
 double secondsOf(const Action& run, int repeats) {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < repeats; ++i) {
@@ -196,7 +183,7 @@ int run(std::vector<char*> arguments) {
     std::vector<int> threadCounts = {1};
     if (cv::getNumThreads() > 1) threadCounts.push_back(cv::getNumThreads());
 
-    makeComparisons();
+    makeComparisons({kPage, kTile});
     for (const int threads : threadCounts)
         for (const Comparison& comparison : comparisons()) registerComparison(comparison, threads, rounds, results);
 

@@ -180,7 +180,7 @@ void comparePlanar(IppiSize size) {
 }
 
 void comparePixelConversion() {
-    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+    for (const IppiSize size : bench::sizes()) {
         compareThresholds(size);
         compareFill(size);
         compareDepth(size);

@@ -47,7 +47,7 @@ void compareTurn(IppiSize size, int depth, int code) {
 }
 
 void compareTurns() {
-    for (const IppiSize size : {bench::kPage, bench::kTile})
+    for (const IppiSize size : bench::sizes())
         for (const int depth : {8, 24, 32})
             for (const int code : {cv::ROTATE_90_CLOCKWISE, cv::ROTATE_180, cv::ROTATE_90_COUNTERCLOCKWISE})
                 compareTurn(size, depth, code);

@@ -82,7 +82,7 @@ void compareFixedWindow(const char* function, FixedWindowFilter filter, int code
 }
 
 void compareFixedWindows() {
-    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+    for (const IppiSize size : bench::sizes()) {
         for (const int mask : {33, 55})
             compareFixedWindow("IPPShare_ippiFilterMedianCross_8u_C1R", IPPShare_ippiFilterMedianCross_8u_C1R, mask,
                                size, 1, [mask](const uint8_t* centre, ptrdiff_t step, uint8_t* to) {
@@ -175,7 +175,7 @@ void compareRectangle(const char* function, RectangleFilter filter, Morph morph,
 }
 
 void compareWindowsOfAnySize() {
-    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+    for (const IppiSize size : bench::sizes()) {
         for (const int channels : {1, 3})
             for (const int m : {3, 5, 7, 9}) compareSquareMedian(size, channels, m);
         const cv::Mat full = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3));

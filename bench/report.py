@@ -137,13 +137,11 @@ def memory_table(results):
     rows = []
     for call in calls_of(results):
         row = call.first()
-        source = float(row["read"]) or float(row["written"])
-        result = float(row["written"])
-        own = float(row["heap"])
-        rows.append([call.name, significant(own / source), significant(result / source), row["blocks"],
-                     significant(float(row["plain_heap"]) / source), row["plain_blocks"]])
+        image = max(float(row["read"]), float(row["written"]))
+        rows.append([call.name, significant(float(row["heap"]) / image), significant(float(row["written"]) / image),
+                     row["blocks"], significant(float(row["plain_heap"]) / image), row["plain_blocks"]])
     return ["", "### Heap", ""] + table(
-        ["call", "peak / source", "result / source", "blocks", "plain: peak / source", "plain: blocks"], rows)
+        ["call", "peak / image", "result / image", "blocks", "plain: peak / image", "plain: blocks"], rows)
 
 
 def same_code_table():

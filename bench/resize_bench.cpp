@@ -91,7 +91,7 @@ void compareColour(IppiSize size) {
 }
 
 void compareResize() {
-    for (const IppiSize size : {bench::kPage, bench::kTile}) {
+    for (const IppiSize size : bench::sizes()) {
         for (const int channels : {1, 3, 4}) {
             comparePages(size, channels, 3, 2);
             comparePages(size, channels, 4, 3);

@@ -202,7 +202,7 @@ void compareUnite(IppiSize size, int depth, double angle) {
 }
 
 void compareRotations() {
-    for (const IppiSize size : {bench::kPage, bench::kTile})
+    for (const IppiSize size : bench::sizes())
         for (const int channels : {1, 3}) {
             for (const double angle : {0.5, 2.3, 7.0, 33.0}) compareRegion(size, channels, angle);
             compareRotationAboutCentre(size, channels, 2.3);

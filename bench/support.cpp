@@ -47,6 +47,11 @@ std::vector<Comparison>& allComparisons() {
 
 const char* headingBeingMade = "";
 
+std::vector<IppiSize>& sizesBeingMade() {
+    static std::vector<IppiSize> all;
+    return all;
+}
+
 }    // namespace
 
 Page::Page(IppiSize size, int pixelSize)
@@ -82,18 +87,34 @@ Subject::Subject(std::string name, std::string shape, IppiSize region, int pixel
 Plain memcpyOnly() { return {"memcpy", nullptr}; }
 Plain openCV(const Action& run) { return {"OpenCV", run}; }
 
+// The blocks are so large that both start at the same place within a memory page: some processors copy many times slower
+// where the target lies a little behind.
+Action memcpyOf(const Subject& subject) {
+    constexpr size_t kLargest = size_t{1} << 26;
+    static const std::vector<uint8_t> from(kLargest, 1);
+    static std::vector<uint8_t> to(kLargest);
+    const size_t half = std::min((subject.bytesRead + subject.bytesWritten) / 2, kLargest);
+    return [half] {
+        std::memcpy(to.data(), from.data(), half);
+        asm volatile("" : : "r"(to.data()) : "memory");
+    };
+}
+
 void compare(const Subject& subject, const Action& ours, const Plain& plain, const std::function<bool()>& same) {
     allComparisons().push_back({headingBeingMade, subject, ours, plain, same});
 }
 
 Registration::Registration(const char* heading, void (*make)()) { headings().push_back({heading, make}); }
 
-void makeComparisons() {
+void makeComparisons(const std::vector<IppiSize>& wanted) {
+    sizesBeingMade() = wanted;
     for (const Heading& heading : headings()) {
         headingBeingMade = heading.text;
         heading.makeComparisons();
     }
 }
+
+const std::vector<IppiSize>& sizes() { return sizesBeingMade(); }
 
 const std::vector<Comparison>& comparisons() { return allComparisons(); }
 

@@ -73,6 +73,9 @@ struct Comparison {
     std::function<bool()> same;
 };
 
+// Copies half of the bytes that are read and written, in blocks of its own.
+Action memcpyOf(const Subject& subject);
+
 // Registers a comparison. `same` is asked once both have run; a false ends the program.
 void compare(const Subject& subject, const Action& ours, const Plain& plain,
              const std::function<bool()>& same = nullptr);
@@ -83,8 +86,9 @@ struct Registration {
     Registration(const char* heading, void (*make)());
 };
 
-// Runs what has been registered, once; the comparisons are there after it.
-void makeComparisons();
+// Runs what has been registered, once, for images of these sizes; the comparisons are there after it.
+void makeComparisons(const std::vector<IppiSize>& sizes);
+const std::vector<IppiSize>& sizes();
 const std::vector<Comparison>& comparisons();
 
 }    // namespace bench
