@@ -2,9 +2,10 @@
 """Writes the tables of docs/performance.md from the figures of the benchmarks.
 
 Usage: report.py RESULTS_FOLDER DOCUMENT
+       report.py --check BENCH_PROGRAM
 
 Only what stands between a pair of marker lines is replaced; the text around them is written by hand. Fails when an
-exported function is neither measured nor accounted for, or when a figure of the full set is missing.
+exported function is neither measured nor accounted for; --check asks just that, of the program's list of comparisons.
 """
 import csv
 import pathlib
@@ -55,11 +56,16 @@ def exported_functions():
     return {line.split("(")[0] for line in plain.split("\n") if line}
 
 
-def check_completeness(results):
-    measured = {name.strip() for row in results for name in row["function"].split(",")}
+def check_completeness(functions):
+    measured = {name.strip() for function in functions for name in function.split(",")}
     missing = exported_functions() - measured - set(read_same_code())
     if missing:
         sys.exit("neither measured nor accounted for: " + ", ".join(sorted(missing)))
+
+
+def listed_functions(program):
+    names = subprocess.run([program, "--benchmark_list_tests=true"], capture_output=True, text=True, check=True).stdout
+    return re.findall(r"^(\w+(?:, \w+)*)", names, re.M)
 
 
 class Call:
@@ -123,13 +129,11 @@ TIME_HEAD = ["call", "page, ms", "plain is", "/ plain", "goal", "/ memcpy", "/ p
 
 
 def time_tables(results):
-    goals, lines, heading = read_goals(), [], None
+    goals, lines = read_goals(), []
     calls = calls_of(results)
-    for call in calls:
-        if call.heading != heading:
-            heading = call.heading
-            group = [time_row(other, goals) for other in calls if other.heading == heading]
-            lines += ["", f"### {heading}", ""] + table(TIME_HEAD, group)
+    for heading in dict.fromkeys(call.heading for call in calls):
+        group = [time_row(call, goals) for call in calls if call.heading == heading]
+        lines += ["", f"### {heading}", ""] + table(TIME_HEAD, group)
     return lines
 
 
@@ -195,10 +199,13 @@ def replace_between(text, marker, lines):
 
 
 def main():
+    if sys.argv[1] == "--check":
+        check_completeness(listed_functions(sys.argv[2]))
+        return
     folder, document = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
     text = document.read_text()
     calls = rows_of(folder / "calls.tsv")
-    check_completeness(calls)
+    check_completeness(row["function"] for row in calls)
     text = replace_between(text, "machine", [machine()])
     text = replace_between(text, "calls", time_tables(calls) + memory_table(calls) + same_code_table())
     for marker, file, make in (("pipeline", "pipeline.tsv", pipeline_table),
