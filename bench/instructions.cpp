@@ -1,6 +1,8 @@
 // Runs both sides of every comparison once, each between two marker functions that `count_instructions.py` looks for in
-// the trace of the run. Prints a line for each comparison.
+// the trace of the run. Prints a line for each comparison; with --maps, what is mapped where instead.
 #include <cstdio>
+#include <fstream>
+#include <iostream>
 #include <opencv2/core.hpp>
 
 #include "support.h"
@@ -12,6 +14,8 @@ __attribute__((noinline, used)) void endOfCount() { asm volatile("nop" ::: "memo
 
 namespace {
 
+constexpr int kSide = 64;    // what is counted is written down block by block
+
 void count(const bench::Action& run) {
     run();    // what is made once is made now
     startOfCount();
@@ -21,9 +25,13 @@ void count(const bench::Action& run) {
 
 }    // namespace
 
-int main() {
+int main(int argc, char** /*argv*/) {
+    if (argc > 1) {
+        std::cout << std::ifstream("/proc/self/maps").rdbuf();
+        return 0;
+    }
     cv::setNumThreads(1);
-    bench::makeComparisons({bench::kTile});
+    bench::makeComparisons({{kSide, kSide}});
     for (const bench::Comparison& comparison : bench::comparisons()) {
         const bench::Subject& subject = comparison.subject;
         std::printf("%s\t%s\t%s\t%d\n", subject.function.c_str(), subject.variant.c_str(),
