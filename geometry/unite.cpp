@@ -23,7 +23,7 @@ double counterClockwise(double angle) { return angle > 180.0 ? -(angle - 360.0) 
 bool staysWithin(const KVIMG& record, int rowStep) {
     const int pixelSize = record.depth / 8;
     const int64_t pitch = rowStep / pixelSize * pixelSize;
-    return pitch * (record.height - 1) + int64_t{record.width} * pixelSize <= record.size;
+    return pitch * (int64_t{record.height} - 1) + int64_t{record.width} * pixelSize <= record.size;
 }
 
 }    // namespace

@@ -273,4 +273,12 @@ TEST_F(UniteStatus, WhatOpenCVThrowsLeavesTheSlotAlone) {
     EXPECT_EQ(slot, nullptr);
 }
 
+// An empty row makes a record of 0 bytes for any height.
+TEST_F(UniteStatus, RefusesTheLowestHeight) {
+    KVImageHeader canvas = to();
+    canvas.width = 0;
+    canvas.height = INT_MIN;
+    expectRefused(canvas, from_);
+}
+
 }    // namespace
