@@ -723,7 +723,8 @@ OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescription
 ///
 /// Decoding is OpenCV's: an EXIF orientation turns the image, four components become colour, and a truncated stream
 /// gives the rows that it holds, the last of them repeated to the bottom. Refused are streams of another format (which
-/// do not begin with FF D8 FF), of more than 2^30 pixels, and those of which no row can be decoded. Rows of the new
+/// do not begin with FF D8 FF), of more than 2^31 - 1 bytes, of more than 2^30 pixels or a side above 65500, with no
+/// frame or scan header or with more than 100 scans, and those of which no row can be decoded. Rows of the new
 /// record are packed (width or 3 x width bytes); it is released with `DisposeKVIMG`.
 /// @{
 

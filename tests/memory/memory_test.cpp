@@ -313,15 +313,15 @@ TEST(OutOfMemory, BufferCompressors) {
     }
 }
 
-// Functions that read a stream into a new record.
+// Functions that read a stream, of a page of this size, into a new record.
 class ReadCall : public Call {
 public:
-    ReadCall(std::string name, bool split, int depth, Bytes stream)
-        : name_(std::move(name)), split_(split), depth_(depth), stream_(std::move(stream)) {}
+    ReadCall(std::string name, bool split, int depth, IppiSize page, Bytes stream)
+        : name_(std::move(name)), split_(split), depth_(depth), page_(page), stream_(std::move(stream)) {}
     std::string name() const override { return name_; }
     int run() override {
         image_ = nullptr;
-        description_ = {40, 30, 0, 0, 0, -1};
+        description_ = {page_.width, page_.height, 0, 0, 0, -1};
         KVImageDescription* record = &description_;
         KVImageDescriptionHandle handle = &record;
         const auto size = static_cast<unsigned>(stream_.size());
@@ -331,17 +331,19 @@ public:
     Bytes takeOutput() override { return takeRecord(image_); }
     int noMemory() const override { return memFullErr; }
     bool mayThrow() const override { return false; }
+    // The markers tell the size, and ReadJPEG tells it on, before anything is allocated.
     void expectNothingPartial() override {
         ASSERT_EQ(image_, nullptr);
-        ASSERT_EQ(description_.width, 40);
-        ASSERT_EQ(description_.height, 30);
-        ASSERT_TRUE(description_.depth == -1 || (!split_ && description_.depth == depth_));
+        ASSERT_EQ(description_.width, page_.width);
+        ASSERT_EQ(description_.height, page_.height);
+        ASSERT_EQ(description_.depth, split_ ? -1 : depth_);
     }
 
 private:
     std::string name_;
     bool split_;
     int depth_;
+    IppiSize page_;
     Bytes stream_;
     KVImageDescription description_{};
     KVIMG* image_ = nullptr;
@@ -359,42 +361,22 @@ TEST(OutOfMemory, Readers) {
     for (const int depth : {8, 24})
         for (const bool split : {false, true}) {
             ReadCall call((split ? "ReadSplitJPEG of " : "ReadJPEG of ") + std::to_string(depth) + " bits", split,
-                          depth, streamOf(depth));
+                          depth, {40, 30}, streamOf(depth));
             checkEveryFailure(call);
         }
 }
 
-// An EXIF orientation leads to OpenCV's decoder, which takes a failed allocation of libjpeg's for a stream that it
-// cannot decode.
-TEST(OutOfMemory, ReaderOfTurnedStreams) {
+// An EXIF orientation turns the page on its way through a strip of rows.
+TEST(OutOfMemory, ReadersOfTurnedStreams) {
     const Bytes exif = {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'M', 'M', 0, 42, 0, 0, 0, 8,
                         0,    1,    1, 18, 0,   3,   0,   0,   0, 1, 0,   6,   0, 0,  0, 0, 0, 0};
-    Bytes stream = streamOf(24);
-    stream.insert(stream.begin() + 2, exif.begin(), exif.end());
-    KVImageDescription description{};
-    KVImageDescription* record = &description;
-    KVImageDescriptionHandle handle = &record;
-    KVIMG* image = nullptr;
-    const auto read = [&] { return ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image); };
-    ASSERT_EQ(read(), noErr);
-    ASSERT_EQ(image->width, 30);    // turned
-    const Bytes expected = takeRecord(image);
-    for (const auto failure : {FailingHeap::Failure::kOnce, FailingHeap::Failure::kLasting})
-        for (long n = 1;; ++n) {
-            FailingHeap::arm(n, failure);
-            const OSErr status = read();
-            const bool failed = FailingHeap::disarm();
-            SCOPED_TRACE("allocation " + std::to_string(n));
-            if (status == noErr) {
-                ASSERT_EQ(takeRecord(image), expected);
-            } else {
-                ASSERT_TRUE(failed);
-                ASSERT_TRUE(status == memFullErr || status == paramErr) << status;
-                ASSERT_EQ(image, nullptr);
-            }
-            // cv::Mat loses its pixels when the small block behind them, which counts their users, cannot be had.
-            ASSERT_LE(FailingHeap::liveBlocks(), status == noErr ? 0U : 1U);
-            if (!failed) break;
+    for (const int depth : {8, 24})
+        for (const bool split : {false, true}) {
+            Bytes stream = streamOf(depth);
+            stream.insert(stream.begin() + 2, exif.begin(), exif.end());
+            ReadCall call((split ? "ReadSplitJPEG, turned, " : "ReadJPEG, turned, ") + std::to_string(depth), split,
+                          depth, {30, 40}, stream);
+            checkEveryFailure(call);
         }
 }
 

@@ -1,0 +1,108 @@
+// The few steps through a TIFF directory that lead to the orientation tag.
+//
+// Broken blocks are common, and a page must not turn over because of how one reader recovers, so this one gives up
+// exactly where OpenCV's does: at the first entry of a kind that OpenCV reads whose value lies outside of the block. An
+// orientation in front of that entry counts.
+#include "jpeg/exif.h"
+
+#include <cstdint>
+
+namespace {
+
+constexpr size_t kPrefix = 6;    // "Exif" and two zeros; their values are not looked at
+constexpr uint16_t kTiffMark = 42;
+constexpr size_t kEntrySize = 12;
+constexpr uint16_t kOrientation = 0x0112;
+
+class TiffBlock {
+public:
+    TiffBlock(const unsigned char* bytes, size_t size) : bytes_(bytes), size_(size) {
+        littleEndian_ = size >= 2 && bytes[0] == 'I' && bytes[1] == 'I';
+    }
+
+    bool holds(uint64_t offset, uint64_t count) const { return offset + count <= size_; }
+
+    // Both are false, with the value left, when it lies outside of the block.
+    bool read16(uint64_t offset, uint16_t& value) const {
+        if (!holds(offset, 2)) return false;
+        const unsigned first = bytes_[offset];
+        const unsigned second = bytes_[offset + 1];
+        value = static_cast<uint16_t>(littleEndian_ ? second << 8 | first : first << 8 | second);
+        return true;
+    }
+    bool read32(uint64_t offset, uint32_t& value) const {
+        uint16_t first = 0;
+        uint16_t second = 0;
+        if (!read16(offset, first) || !read16(offset + 2, second)) return false;
+        const uint32_t high = littleEndian_ ? second : first;
+        value = high << 16 | (littleEndian_ ? first : second);
+        return true;
+    }
+
+private:
+    const unsigned char* bytes_;
+    size_t size_;
+    bool littleEndian_ = false;
+};
+
+// Whether what a directory entry points at, for the tags that OpenCV reads, lies within the block.
+bool isSound(const TiffBlock& block, uint64_t entry, uint16_t tag) {
+    uint32_t length = 0;
+    uint32_t offset = 0;
+    const auto hasText = [&] {
+        constexpr uint32_t kWithinEntry = 4;
+        return block.read32(entry + 4, length) &&
+               (length <= kWithinEntry || (block.read32(entry + 8, offset) && block.holds(offset, length)));
+    };
+    const auto hasRationals = [&](uint64_t count) {
+        return block.read32(entry + 8, offset) && block.holds(offset, 8 * count);
+    };
+    switch (tag) {
+        case 0x010E:                            // image description
+        case 0x010F:                            // make
+        case 0x0110:                            // model
+        case 0x0131:                            // software
+        case 0x0132:                            // date and time
+        case 0x8298: return hasText();          // copyright
+        case 0x011A:                            // horizontal resolution
+        case 0x011B: return hasRationals(1);    // vertical resolution
+        case 0x013E: return hasRationals(2);    // white point
+        case 0x0211: return hasRationals(3);    // weights of luma
+        case 0x013F:                            // primaries
+        case 0x0214: return hasRationals(6);    // reference black and white
+        default: return true;
+    }
+}
+
+// The value of the first orientation tag of the first directory; 0 if there is none.
+uint16_t orientationTag(const TiffBlock& block) {
+    uint16_t mark = 0;
+    uint32_t directory = 0;
+    uint16_t count = 0;
+    if (!block.read16(2, mark) || mark != kTiffMark) return 0;
+    if (!block.read32(4, directory) || !block.read16(directory, count)) return 0;
+    for (uint64_t i = 0; i < count; ++i) {
+        const uint64_t entry = directory + 2 + kEntrySize * i;
+        uint16_t tag = 0;
+        if (!block.read16(entry, tag) || !isSound(block, entry, tag)) return 0;
+        uint16_t value = 0;
+        if (tag == kOrientation) return block.read16(entry + 8, value) ? value : uint16_t{0};
+    }
+    return 0;
+}
+
+}    // namespace
+
+Orientation exifOrientation(const unsigned char* payload, size_t length) {
+    if (length <= kPrefix) return {};
+    switch (orientationTag(TiffBlock(payload + kPrefix, length - kPrefix))) {
+        case 2: return {false, true, false};
+        case 3: return {false, true, true};
+        case 4: return {false, false, true};
+        case 5: return {true, false, false};
+        case 6: return {true, false, true};
+        case 7: return {true, true, true};
+        case 8: return {true, true, false};
+        default: return {};
+    }
+}

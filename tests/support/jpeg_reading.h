@@ -1,0 +1,186 @@
+// Streams to read, and what reading them must give.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "core/ownership.h"
+#include "oracle/jpeg.h"
+#include "support/random.h"
+
+using Bytes = std::vector<uint8_t>;
+
+// A page of soft shapes and some noise, so that a decoder's every stage matters.
+inline Bytes drawing(Random& random, int width, int height, int components) {
+    cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), cv::Scalar(200, 190, 170));
+    for (int i = 0; i < 6; ++i)
+        cv::circle(image, {random.between(0, width), random.between(0, height)}, random.between(1, 1 + width / 3),
+                   cv::Scalar(random.byte(), random.byte(), random.byte()), cv::FILLED);
+    Bytes bytes(image.data, image.data + image.total() * image.elemSize());
+    for (uint8_t& b : bytes) b = static_cast<uint8_t>(std::clamp(b + random.between(-9, 9), 0, 255));
+    return bytes;
+}
+
+inline Bytes anyStream(Random& random, int components, int width, int height) {
+    oracle::JpegSettings settings;
+    settings.components = components;
+    settings.lumaSampling = components == 3 ? random.between(1, 2) : 1;
+    settings.quality = random.between(5, 98);
+    const Bytes pixels = drawing(random, width, height, components);
+    return oracle::encodeJpeg(pixels.data(), width * components, width, height, settings);
+}
+
+inline Bytes grey(int width, int height) {
+    Random random(11);
+    return anyStream(random, 1, width, height);
+}
+inline Bytes colour(int width, int height) {
+    Random random(12);
+    return anyStream(random, 3, width, height);
+}
+
+// A stream that OpenCV writes: progressive, optimised, with restart markers, or otherwise unlike our own.
+inline Bytes foreignStream(Random& random, int components, int width, int height) {
+    const Bytes pixels = drawing(random, width, height, components);
+    const cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), const_cast<uint8_t*>(pixels.data()));
+    Bytes stream;
+    cv::imencode(
+        ".jpg", image, stream,
+        {cv::IMWRITE_JPEG_QUALITY, random.between(5, 98), cv::IMWRITE_JPEG_PROGRESSIVE, random.between(0, 1),
+         cv::IMWRITE_JPEG_OPTIMIZE, random.between(0, 1), cv::IMWRITE_JPEG_RST_INTERVAL, random.between(0, 3)});
+    return stream;
+}
+
+// An APP1 segment with an orientation, behind the start of the image.
+inline Bytes withOrientation(const Bytes& stream, uint8_t orientation) {
+    const Bytes exif = {0xFF, 0xE1, 0,    34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
+                        0,    1,    0x01, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
+    Bytes all = stream;
+    all.insert(all.begin() + 2, exif.begin(), exif.end());
+    return all;
+}
+
+struct Reading {
+    OSErr status = 0;
+    RecordPtr image;
+    KVImageDescription description{-1, -2, 300, 600, 77, -3};
+
+    Bytes pixels() const { return {image->data, image->data + image->size}; }
+};
+
+inline Reading read(const Bytes& stream, decltype(&ReadJPEG) reader = ReadJPEG) {
+    Reading r;
+    KVImageDescription* record = &r.description;
+    KVImageDescriptionHandle handle = &record;
+    KVIMG* image = nullptr;
+    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
+    r.image.reset(image);
+    return r;
+}
+
+inline Reading readSplit(const Bytes& stream, int width, int height) {
+    Reading r;
+    r.description.width = width;
+    r.description.height = height;
+    KVImageDescription* record = &r.description;
+    KVIMG* image = nullptr;
+    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
+    r.image.reset(image);
+    return r;
+}
+
+inline cv::Mat decodeWithOpenCV(const Bytes& stream, int flags) {
+    cv::Mat image;
+    try {
+        image = cv::imdecode(stream, flags);
+    } catch (const cv::Exception&) {
+        return {};
+    }
+    if (image.data && image.channels() == 3) cv::cvtColor(image, image, cv::COLOR_BGR2RGB);
+    return image;
+}
+
+inline void expectSame(const Reading& r, const cv::Mat& expected, const char* what, int round) {
+    if (!expected.data) {
+        ASSERT_EQ(r.status, paramErr) << what << " " << round;
+        ASSERT_EQ(r.image, nullptr);
+        return;
+    }
+    ASSERT_EQ(r.status, noErr) << what << " " << round;
+    const KVIMG& image = *r.image;
+    ASSERT_EQ(image.width, expected.cols);
+    ASSERT_EQ(image.height, expected.rows);
+    ASSERT_EQ(image.depth, 8 * expected.channels());
+    ASSERT_EQ(image.rowBytes, image.width * expected.channels());
+    ASSERT_EQ(image.size, image.rowBytes * image.height);
+    const Bytes bytes(expected.data, expected.data + expected.total() * expected.elemSize());
+    ASSERT_TRUE(r.pixels() == bytes) << what << " " << round;
+    ASSERT_EQ(r.description.width, expected.cols);
+    ASSERT_EQ(r.description.height, expected.rows);
+    ASSERT_EQ(r.description.depth, image.depth);
+    ASSERT_EQ(r.description.horizontalResolution, 300);
+    ASSERT_EQ(r.description.verticalResolution, 600);
+    ASSERT_EQ(r.description.reserved, 77);
+}
+
+inline void expectUntouched(const Reading& r) {
+    EXPECT_EQ(r.image, nullptr);
+    EXPECT_EQ(r.description.width, -1);
+    EXPECT_EQ(r.description.height, -2);
+    EXPECT_EQ(r.description.depth, -3);
+}
+
+// Four components, as print shops make them. Without a marker of Adobe's they are taken as they stand.
+inline Bytes fourComponents(Random& random, int width, int height, J_COLOR_SPACE stored) {
+    jpeg_compress_struct cinfo;
+    jpeg_error_mgr errors;
+    cinfo.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&cinfo);
+    unsigned char* block = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&cinfo, &block, &size);
+    cinfo.image_width = static_cast<JDIMENSION>(width);
+    cinfo.image_height = static_cast<JDIMENSION>(height);
+    cinfo.input_components = 4;
+    cinfo.in_color_space = JCS_CMYK;
+    jpeg_set_defaults(&cinfo);
+    jpeg_set_colorspace(&cinfo, stored);
+    jpeg_start_compress(&cinfo, TRUE);
+    const Bytes pixels = drawing(random, width, height, 4);
+    for (int y = 0; y < height; ++y) {
+        auto* row = const_cast<JSAMPROW>(pixels.data() + ptrdiff_t{y} * width * 4);
+        jpeg_write_scanlines(&cinfo, &row, 1);
+    }
+    jpeg_finish_compress(&cinfo);
+    jpeg_destroy_compress(&cinfo);
+    Bytes stream(block, block + size);
+    std::free(block);
+    return stream;
+}
+
+// Where no row could be decoded, OpenCV hands out one row of memory that it never wrote, again and again; such a stream
+// is refused. Everywhere else a stream that ends early gives the decoder's partial page.
+inline bool holdsNoRow(const cv::Mat& expected) {
+    if (!expected.data) return false;
+    const size_t rowBytes = static_cast<size_t>(expected.cols) * expected.elemSize();
+    for (int y = 1; y < expected.rows; ++y)
+        if (std::memcmp(expected.ptr(y), expected.ptr(0), rowBytes) != 0) return false;
+    return true;
+}
+
+// A colour stream with nothing behind its headers.
+inline Bytes claiming(int width, int height) {
+    const auto high = [](int side) { return static_cast<uint8_t>(side / 256); };
+    const auto low = [](int side) { return static_cast<uint8_t>(side % 256); };
+    return {0xFF, 0xD8, 0xFF, 0xC0, 0, 17,   8, high(height), low(height), high(width), low(width), 3, 1, 0x11,
+            0,    2,    0x11, 0,    3, 0x11, 0, 0xFF,         0xDA,        0,           12,         3, 1, 0,
+            2,    0,    3,    0,    0, 63,   0, 0xFF,         0xD9};
+}
