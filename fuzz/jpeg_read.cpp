@@ -1,0 +1,123 @@
+// Reading of any bytes at all: a page or a refusal, and the page that OpenCV's decoder makes of them.
+#include <algorithm>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include "core/ownership.h"
+#include "support.h"
+
+namespace {
+
+using fuzz::require;
+
+struct Reading {
+    OSErr status = noErr;
+    KVImageDescription description{-1, -2, 300, 600, 77, -3};
+    RecordPtr image;
+};
+
+Reading read(const std::vector<uint8_t>& stream) {
+    Reading r;
+    KVImageDescription* record = &r.description;
+    KVImageDescriptionHandle handle = &record;
+    KVIMG* image = nullptr;
+    r.status = ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
+    r.image.reset(image);
+    return r;
+}
+
+Reading readSplit(const std::vector<uint8_t>& stream, int width, int height) {
+    Reading r;
+    r.description.width = width;
+    r.description.height = height;
+    KVImageDescription* record = &r.description;
+    KVIMG* image = nullptr;
+    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
+    r.image.reset(image);
+    return r;
+}
+
+// The record describes its block, and the description the record.
+void requireWhole(const Reading& r) {
+    require((r.status == noErr) == (r.image != nullptr), "a record is made exactly on success");
+    require(r.status == noErr || r.status == paramErr || r.status == memFullErr, "one of three statuses");
+    require(r.description.horizontalResolution == 300 && r.description.verticalResolution == 600 &&
+                r.description.reserved == 77,
+            "the description's other fields are the caller's");
+    if (!r.image) return;
+    const KVIMG& image = *r.image;
+    require(image.depth == 8 || image.depth == 24, "depth");
+    require(image.rowBytes == image.width * image.depth / 8 && image.size == image.rowBytes * image.height, "size");
+    require(r.description.width == image.width && r.description.height == image.height &&
+                r.description.depth == image.depth,
+            "description");
+}
+
+cv::Mat decode(const std::vector<uint8_t>& stream, int flags) {
+    cv::Mat image;
+    fuzz::survives([&] { image = cv::imdecode(stream, flags); });
+    return image;
+}
+
+// OpenCV gives a stream of which it decoded no row as one row of memory that it never wrote, again and again.
+bool holdsNoRow(const cv::Mat& image) {
+    const size_t rowBytes = static_cast<size_t>(image.cols) * image.elemSize();
+    for (int y = 1; y < image.rows; ++y)
+        if (!std::equal(image.ptr(y), image.ptr(y) + rowBytes, image.ptr(0))) return false;
+    return true;
+}
+
+// An upper bound: the markers may stand in other segments.
+bool mayHaveTooManyScans(const std::vector<uint8_t>& stream) {
+    int count = 0;
+    for (size_t i = 0; i + 1 < stream.size(); ++i) count += stream[i] == 0xFF && stream[i + 1] == 0xDA;
+    return count > 100;
+}
+
+void requireSamePixels(const KVIMG& image, const cv::Mat& decoded) {
+    require(image.width == decoded.cols && image.height == decoded.rows && image.depth == 8 * decoded.channels(),
+            "OpenCV's size");
+    cv::Mat rgb = decoded;
+    if (decoded.channels() == 3) cv::cvtColor(decoded, rgb, cv::COLOR_BGR2RGB);
+    require(std::equal(image.data, image.data + image.size, rgb.data), "OpenCV's pixels");
+}
+
+void requireAsOpenCV(const Reading& r, const std::vector<uint8_t>& stream, int flags) {
+    if (r.status == memFullErr) return;
+    const cv::Mat decoded = decode(stream, flags);
+    if (r.image) {
+        require(decoded.data != nullptr, "OpenCV reads what is read");
+        requireSamePixels(*r.image, decoded);
+    } else if (decoded.data && !mayHaveTooManyScans(stream)) {
+        require(holdsNoRow(decode(stream, flags | cv::IMREAD_IGNORE_ORIENTATION)), "what OpenCV reads is read");
+    }
+}
+
+bool isJpeg(const std::vector<uint8_t>& stream) {
+    return stream.size() >= 3 && stream[0] == 0xFF && stream[1] == 0xD8 && stream[2] == 0xFF;
+}
+
+}    // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::vector<uint8_t> stream(data, data + size);    // ends where its memory ends
+    const Reading r = read(stream);
+    requireWhole(r);
+    if (!isJpeg(stream)) {
+        require(r.status == paramErr, "other formats are refused");
+        return 0;
+    }
+    requireAsOpenCV(r, stream, cv::IMREAD_ANYCOLOR);
+
+    if (!r.image) {
+        requireWhole(readSplit(stream, r.description.width, r.description.height));
+        return 0;
+    }
+    const Reading piece = readSplit(stream, r.image->width, r.image->height);
+    requireWhole(piece);
+    require(piece.status == noErr && piece.image->depth == 24, "a page of the stated size is read");
+    requireAsOpenCV(piece, stream, cv::IMREAD_COLOR);
+    require(readSplit(stream, r.image->width + 1, r.image->height).status == paramErr, "another width is refused");
+    require(readSplit(stream, r.image->width, r.image->height - 1).status == paramErr, "another height is refused");
+    return 0;
+}

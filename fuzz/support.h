@@ -1,0 +1,105 @@
+// What the fuzz targets share: values drawn from the input, and images in blocks that hold exactly the bytes that a
+// function may touch, so that the address sanitizer sees one byte too many.
+#pragma once
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "OPCV_dlib.h"
+
+namespace fuzz {
+
+// Ends the run, as a finding, unless the condition holds.
+void require(bool condition, const char* what);
+
+// Runs a call that OpenCV may leave by an exception of its own. False if it did.
+template <class Calls>
+bool survives(Calls calls) {
+    try {
+        calls();
+        return true;
+    } catch (const cv::Exception&) {
+        return false;
+    }
+}
+
+class Draw {
+public:
+    Draw(const uint8_t* data, size_t size) : provider_(data, size) {}
+
+    // Both ends included.
+    int between(int low, int high) { return provider_.ConsumeIntegralInRange<int>(low, high); }
+    uint8_t byte() { return provider_.ConsumeIntegral<uint8_t>(); }
+    bool chance(int oneIn) { return between(1, oneIn) == oneIn; }
+    double real(double low, double high) { return provider_.ConsumeFloatingPointInRange<double>(low, high); }
+
+    // Any value of the type, the ends of its range and no numbers among them.
+    int anyInt();
+    double anyReal();
+
+    void fill(uint8_t* bytes, size_t count);
+
+private:
+    FuzzedDataProvider provider_;
+};
+
+struct Margin {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+};
+
+// A region with margins. A negative margin cuts the block off within the region: such pixels cannot be touched. Rows
+// may be longer than they need to be; the last one is not, unless `kWhole`.
+class Image {
+public:
+    enum class LastRow { kUsed, kWhole };
+
+    Image(Draw& draw, IppiSize region, int pixelSize, Margin margin = {}, LastRow lastRow = LastRow::kUsed);
+
+    uint8_t* region() { return block_.data() + offset_; }
+    int step() const { return step_; }
+    int usedRow() const { return usedRow_; }    // bytes from the left margin's first to the right margin's last
+    int width() const { return size_.width; }
+    int height() const { return size_.height; }
+    IppiSize size() const { return size_; }
+    int pixelSize() const { return pixelSize_; }
+    const std::vector<uint8_t>& bytes() const { return block_; }
+
+    // As it was when it was made, everywhere or everywhere but in the region.
+    void requireUntouched() const;
+    void requireUntouchedAroundRegion() const;
+
+private:
+    IppiSize size_;
+    int pixelSize_;
+    int usedRow_;
+    int step_;
+    ptrdiff_t offset_;
+    std::vector<uint8_t> block_;    // never grows, so that it ends where its memory ends
+    std::vector<uint8_t> before_;
+};
+
+IppiSize anySize(Draw& draw, int most = 70);
+
+// The arguments of a call from one image to another. One in eight is broken in one of its arguments.
+struct Call {
+    Call(Draw& draw, Image& source, Image& target, bool checksSourceStep = true);
+
+    // The call's status: 0 with nothing around the region written, or a refusal with nothing written at all.
+    void requireStatus(int status, const Image& target) const;
+
+    const uint8_t* src;
+    int srcStep;
+    uint8_t* dst;
+    int dstStep;
+    IppiSize roi;
+    bool broken = false;
+};
+
+}    // namespace fuzz
