@@ -2,6 +2,7 @@
 // the call itself, and what it gave back. A case can be run any number of times and gives the same each time.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -80,29 +81,29 @@ public:
     // Arrays and single values, placed like images.
     template <class T>
     const T* sourceOf(const std::vector<T>& values) {
-        return reinterpret_cast<const T*>(block(values.data(), values.size() * sizeof(T), Use::kRead));
+        return reinterpret_cast<const T*>(block(values.data(), values.size() * kSizeOf<T>, Use::kRead));
     }
     template <class T>
     T* sourceOf(const T& value) {
-        return reinterpret_cast<T*>(block(&value, sizeof(T), Use::kRead));
+        return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kRead));
     }
     template <class T>
     T* targetOf(const std::vector<T>& values) {
-        return reinterpret_cast<T*>(block(values.data(), values.size() * sizeof(T), Use::kWritten));
+        return reinterpret_cast<T*>(block(values.data(), values.size() * kSizeOf<T>, Use::kWritten));
     }
     template <class T>
     T* targetOf(const T& value) {
-        return reinterpret_cast<T*>(block(&value, sizeof(T), Use::kWritten));
+        return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kWritten));
     }
     // Output that a failed call may have written, as its description says.
     template <class T>
     T* targetEvenOnFailure(const T& value) {
-        return reinterpret_cast<T*>(block(&value, sizeof(T), Use::kWrittenEvenOnFailure));
+        return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kWrittenEvenOnFailure));
     }
     // Written, but different each time: addresses.
     template <class T>
     T* addressesIn(const T& value) {
-        return reinterpret_cast<T*>(block(&value, sizeof(T), Use::kIncomparable));
+        return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kIncomparable));
     }
 
     // What the call hands over, released after each run.
@@ -136,6 +137,10 @@ public:
 
 private:
     enum class Use { kRead, kWritten, kWrittenEvenOnFailure, kIncomparable };
+
+    // Of pointers as well.
+    template <class T>
+    static constexpr size_t kSizeOf = sizeof(std::array<T, 1>);
 
     struct Block {
         uint8_t* bytes;
