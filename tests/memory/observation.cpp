@@ -61,7 +61,8 @@ void observe(const Entry& entry, const Case::Setting& setting, FailingHeap::Fail
         Observation without;    // an allocation that does not fail is none to do without
         seen.fault = faultOf(entry.outOfMemory, c, ending, status, expected, failed ? seen : without);
         if (!failed && !without.doesWithout) seen.fault = "another result in a second run";
-        if (FailingHeap::liveBlocks() > c.lostByOpenCV) seen.fault = "a block is lost";
+        if (FailingHeap::liveBlocks() > c.lostByOpenCV)
+            seen.fault = std::to_string(FailingHeap::liveBlocks()) + " blocks are lost";
         if (FailingHeap::liveBlocks() > 0) seen.losesABlock = true;
         if (!seen.fault.empty())
             seen.fault += ", variant " + std::to_string(setting.variant) + ", allocation " + std::to_string(n);
@@ -106,7 +107,7 @@ Observation observeFailures(const Entry& entry) {
 
 int strideOf(const Entry& entry) {
 #if defined(__aarch64__)
-    constexpr int kTried = 12;
+    constexpr int kTried = 6;
 #else
     const int kTried = entry.variants;
 #endif

@@ -18,7 +18,8 @@ struct Observation {
     std::string fault;           // what is not as documented; empty if all is
 };
 
-// From one shape of an entry to the next that is tried. Emulation takes its time: there it is a dozen of them.
+// From one shape of an entry to the next that is tried. Emulation takes its time: there it is half a dozen
+// of them.
 int strideOf(const Entry& entry);
 
 // Of each entry of the catalogue, in its order.
