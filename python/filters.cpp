@@ -208,7 +208,7 @@ int convolve(const Task& task, IppiSize kernel, Filter filter) {
 // A table of integers of any type, which must fit in 32 bits.
 Integers integersOf(const Argument& argument, const py::object& table) {
     const py::array given = py::array::ensure(table);
-    if (!given) throw py::error_already_set();
+    if (!given) refuse(argument, "is no table");
     const char kind = given.dtype().kind();
     const bool fits = kind == 'b' || kind == 'i' || (kind == 'u' && given.itemsize() < py::ssize_t{sizeof(int64_t)});
     if (!fits) refuse(argument, "must hold integers of at most 32 bits");

@@ -92,12 +92,10 @@ PagePtr pageOfPixels(const py::array& pixels, int64_t dpiX, const std::optional<
     const Image from = imageOf({"Page", "pixels"}, pixels, kPagePixels);
     PagePtr page = emptyPage(from.width, from.height, 8 * from.channels, dpiX, dpiY, false);
     const KVIMG& to = page->record();
-    run("CreateNewKVIMGPtr", [&] {
-        for (int y = 0; y < from.height; ++y)
-            std::memcpy(to.data + int64_t{y} * to.rowBytes, from.data + int64_t{y} * from.step,
-                        static_cast<size_t>(from.rowBytes()));
-        return 0;
-    });
+    const py::gil_scoped_release unlocked;
+    for (int y = 0; y < from.height; ++y)
+        std::memcpy(to.data + int64_t{y} * to.rowBytes, from.data + int64_t{y} * from.step,
+                    static_cast<size_t>(from.rowBytes()));
     return page;
 }
 

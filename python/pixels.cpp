@@ -20,9 +20,13 @@ T valueOf(const Argument& argument, int64_t value) {
     return static_cast<T>(value);
 }
 
+constexpr int kBits = 8;    // in a byte
+
+void checkOffset(const char* function, int64_t offset) {
+    if (offset < 0 || offset >= kBits) refuse(function, "bit_offset must be 0 to 7");
+}
+
 void checkBits(const Argument& argument, const Image& bits, int64_t width, int64_t offset) {
-    constexpr int kBits = 8;
-    if (offset < 0 || offset >= kBits) refuse(argument.function, "bit_offset must be 0 to 7");
     if (width <= 0) refuse(argument.function, "width must be above 0");
     if (width > INT_MAX || offset + width > int64_t{kBits} * bits.width)
         refuse(argument, "has rows of " + std::to_string(int64_t{kBits} * bits.width) + " bits, which do not hold " +
@@ -32,6 +36,7 @@ void checkBits(const Argument& argument, const Image& bits, int64_t width, int64
 py::array expandBits(const py::array& src, int64_t width, int64_t bitOffset, const Output& out) {
     const char* function = "expand_bits";
     const Image from = imageOf({function, "src"}, src, kGrey);
+    checkOffset(function, bitOffset);
     checkBits({function, "src"}, from, width, bitOffset);
     const Result result = resultOf(function, out, static_cast<int>(width), from.height, 1, Depth::k8u);
     const Image& to = result.image;
@@ -45,7 +50,7 @@ py::array expandBits(const py::array& src, int64_t width, int64_t bitOffset, con
 
 Result bitResultOf(const char* function, const Output& out, const Image& from, int64_t bitOffset) {
     if (!out) {
-        const int64_t bytes = (bitOffset + from.width + 7) / 8;
+        const int64_t bytes = (bitOffset + from.width + kBits - 1) / kBits;
         return resultOf(function, out, static_cast<int>(bytes), from.height, 1, Depth::k8u, Fresh::kZeros);
     }
     const Argument argument = {function, "out"};
@@ -59,7 +64,7 @@ py::array reduceBits(const py::array& src, int64_t threshold, int64_t bitOffset,
     const char* function = "reduce_bits";
     const Image from = imageOf({function, "src"}, src, kGrey);
     const auto largestClear = valueOf<unsigned char>({function, "threshold"}, threshold);
-    if (bitOffset < 0) refuse(function, "bit_offset must be 0 to 7");
+    checkOffset(function, bitOffset);
     const Result result = bitResultOf(function, out, from, bitOffset);
     const Image& to = result.image;
     checkBits({function, "out"}, to, from.width, bitOffset);

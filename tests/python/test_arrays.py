@@ -350,6 +350,8 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
     for cells in ([[0.5]], np.ones((1, 1), np.uint64), [["a"]]):
         with pytest.raises(ValueError, match="convolve: kernel must hold integers"):
             opcv_dlib.convolve(grey, cells)
+    with pytest.raises(ValueError, match="convolve: kernel is no table"):
+        opcv_dlib.convolve(grey, [[1, 2], [3]])
     with pytest.raises(ValueError, match="reduce_noise: src must have sides above 4"):
         opcv_dlib.reduce_noise(grey[:4], 2)
     with pytest.raises(ValueError, match="reduce_noise: strength must be 0 to 10"):

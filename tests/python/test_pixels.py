@@ -47,7 +47,7 @@ def test_rows_that_hold_too_few_bits_are_refused(rng):
         opcv_dlib.reduce_bits(src, bit_offset=5, out=np.zeros((3, 1), np.uint8))
     with pytest.raises(ValueError, match="reduce_bits: out has 4 rows"):
         opcv_dlib.reduce_bits(src, out=np.zeros((4, 1), np.uint8))
-    for offset in (-1, 8):
+    for offset in (-1, 8, 2**62):
         with pytest.raises(ValueError, match="bit_offset must be 0 to 7"):
             opcv_dlib.expand_bits(src, 2, bit_offset=offset)
         with pytest.raises(ValueError, match="bit_offset must be 0 to 7"):
