@@ -103,7 +103,8 @@ public:
         CreateNewKVIMGPtr(&made, &all, static_cast<unsigned char>(8 * page.elemSize()));
         record.reset(made);
         for (int y = 0; y < page.rows; ++y)
-            std::memcpy(record->data + ptrdiff_t{y} * record->rowBytes, page.ptr(y), page.cols * page.elemSize());
+            std::memcpy(record->data + ptrdiff_t{y} * record->rowBytes, page.ptr(y),
+                        static_cast<size_t>(page.cols) * page.elemSize());
         description = {page.cols, page.rows, kDpi, kDpi, 0, static_cast<int16_t>(record->depth)};
         void* data = nullptr;
         CompressJPEG(record.get(), kDpi, kMode, &data, &streamSize);
@@ -630,7 +631,7 @@ std::map<std::string, std::string> endings(const std::string& header) {
             const size_t bracket = line.find('(');
             const size_t start = line.find_last_of(" *", bracket) + 1;
             const std::string type = line.substr(14, start - 14);
-            if (type == "bool ") results = "true, false" + (results.empty() ? "" : ", " + results);
+            if (type == "bool ") results.insert(0, results.empty() ? "true, false" : "true, false, ");
             if (type == "int " && results.empty()) results = "0";
             if (type == "IppStatus " && results.empty()) results = "0";
             if (type.find('*') != std::string::npos) results = "pointer, null";
