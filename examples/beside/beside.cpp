@@ -1,0 +1,183 @@
+// beside: a few operations on the same page by this library, OpenCV and Leptonica, in turns, in one thread. libvips
+// and Pillow do the same in beside_vips.c and beside.py.
+//
+//     beside GREY.jpg COLOUR.jpg    prints for each operation the median of the processor times in milliseconds
+#include <OPCV_dlib.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <leptonica/allheaders.h>
+
+namespace {
+
+constexpr double kDegrees = 2.3;
+constexpr int kRounds = 9;
+
+using Stream = std::vector<unsigned char>;
+
+struct Deleter {
+    void operator()(KVIMG* record) const { DisposeKVIMG(record); }
+    void operator()(PIX* pix) const { pixDestroy(&pix); }
+};
+template <class T>
+using Owner = std::unique_ptr<T, Deleter>;
+
+Stream contentsOf(const char* file) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) throw std::runtime_error(std::string(file) + " cannot be read");
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void require(bool good, const char* step) {
+    if (!good) throw std::runtime_error(std::string(step) + " failed");
+}
+
+struct Contender {
+    const char* name;
+    std::function<void()> run;
+};
+
+// In milliseconds, of all threads. Other work on the machine disturbs it less than the time on the wall.
+double processorTime() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
+}
+
+void compare(const char* operation, const std::vector<Contender>& contenders) {
+    std::vector<std::vector<double>> times(contenders.size());
+    for (int round = -1; round < kRounds; ++round)
+        for (size_t i = 0; i < contenders.size(); ++i) {
+            const double start = processorTime();
+            contenders[i].run();
+            if (round >= 0) times[i].push_back(processorTime() - start);    // the first round warms up
+        }
+    for (size_t i = 0; i < contenders.size(); ++i) {
+        std::sort(times[i].begin(), times[i].end());
+        std::printf("%-24s %-10s %8.1f\n", operation, contenders[i].name, times[i][kRounds / 2]);
+    }
+}
+
+// One page in the form of each library.
+struct Page {
+    KVImageDescription description{};
+    KVImageDescription* pointer = &description;
+    Owner<KVIMG> record;
+    cv::Mat mat;
+    Owner<PIX> pix;
+};
+
+Owner<KVIMG> readRecord(const Stream& jpeg, KVImageDescription** description) {
+    KVIMG* out = nullptr;
+    require(ReadJPEG(jpeg.data(), static_cast<unsigned>(jpeg.size()), &description, &out) == noErr, "ReadJPEG");
+    return Owner<KVIMG>(out);
+}
+
+Owner<PIX> readPix(const Stream& jpeg) {
+    PIX* pix = pixReadMemJpeg(jpeg.data(), jpeg.size(), 0, 1, nullptr, 0);
+    require(pix != nullptr, "pixReadMemJpeg");
+    return Owner<PIX>(pix);
+}
+
+void read(Page& page, const Stream& jpeg) {
+    page.record = readRecord(jpeg, &page.pointer);
+    page.mat = cv::imdecode(jpeg, cv::IMREAD_ANYCOLOR);
+    page.pix = readPix(jpeg);
+}
+
+void compareReading(const char* operation, const Stream& jpeg, Page& page) {
+    compare(operation, {{"OPCV_dlib", [&] { readRecord(jpeg, &page.pointer); }},
+                        {"OpenCV", [&] { cv::imdecode(jpeg, cv::IMREAD_ANYCOLOR); }},
+                        {"Leptonica", [&] { readPix(jpeg); }}});
+}
+
+void compareMedian(Page& page) {
+    const KVIMG& from = *page.record;
+    const IppiSize inner = {from.width - 2, from.height - 2};
+    compare("median 3 x 3, grey",
+            {{"OPCV_dlib",
+              [&] {
+                  const KVRect all = {0, 0, from.height, from.width};
+                  KVIMG* out = nullptr;
+                  require(CreateNewKVIMGPtr(&out, &all, 8) == noErr, "CreateNewKVIMGPtr");
+                  const Owner<KVIMG> owner(out);
+                  require(IPPShare_ippiFilterMedian_8u_C1R(from.data + from.rowBytes + 1, from.rowBytes,
+                                                           out->data + out->rowBytes + 1, out->rowBytes, inner, {3, 3},
+                                                           {1, 1}) == ippStsNoErr,
+                          "IPPShare_ippiFilterMedian_8u_C1R");
+              }},
+             {"OpenCV",
+              [&] {
+                  cv::Mat out;
+                  cv::medianBlur(page.mat, out, 3);
+              }},
+             {"Leptonica", [&] {
+                  const Owner<PIX> out(pixMedianFilter(page.pix.get(), 3, 3));
+                  require(out != nullptr, "pixMedianFilter");
+              }}});
+}
+
+void compareDeskew(const char* operation, Page& page) {
+    const double radians = kDegrees * CV_PI / 180;
+    compare(operation,
+            {{"OPCV_dlib",
+              [&] {
+                  KVIMG* out = nullptr;
+                  require(DeskewImageWithIPP(page.record.get(), &page.pointer, &out, 0, 1, kDegrees) == noErr,
+                          "DeskewImageWithIPP");
+                  const Owner<KVIMG> owner(out);
+              }},
+             {"OpenCV",
+              [&] {
+                  cv::Mat out;
+                  const cv::Point2f centre(static_cast<float>(page.mat.cols - 1) / 2,
+                                           static_cast<float>(page.mat.rows - 1) / 2);
+                  cv::warpAffine(page.mat, out, cv::getRotationMatrix2D(centre, kDegrees, 1), page.mat.size(),
+                                 cv::INTER_LINEAR, cv::BORDER_CONSTANT, cv::Scalar::all(255));
+              }},
+             {"Leptonica", [&] {
+                  const Owner<PIX> out(pixRotateAM(page.pix.get(), static_cast<float>(-radians), L_BRING_IN_WHITE));
+                  require(out != nullptr, "pixRotateAM");
+              }}});
+}
+
+int run(int argc, char** argv) {
+    if (argc != 3) throw std::runtime_error("beside GREY.jpg COLOUR.jpg");
+    cv::setNumThreads(1);
+    const Stream grey = contentsOf(argv[1]);
+    const Stream colour = contentsOf(argv[2]);
+    Page greyPage;
+    Page colourPage;
+    read(greyPage, grey);
+    read(colourPage, colour);
+    std::printf("OpenCV %s, Leptonica %d.%d.%d\n", CV_VERSION, LIBLEPT_MAJOR_VERSION, LIBLEPT_MINOR_VERSION,
+                LIBLEPT_PATCH_VERSION);
+    compareReading("read JPEG, grey", grey, greyPage);
+    compareReading("read JPEG, colour", colour, colourPage);
+    compareMedian(greyPage);
+    compareDeskew("deskew 2.3, grey", greyPage);
+    compareDeskew("deskew 2.3, colour", colourPage);
+    return 0;
+}
+
+}    // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "beside: %s\n", e.what());
+        return 2;
+    }
+}
