@@ -15,7 +15,7 @@ last=$((first + slice - 1))
 mkdir -p "$folder/pages" "$folder/log"
 
 sed -n "${first},${last}p;${last}q" "$list" |
-    scanpage --resume --from - -o "$folder/pages" >>"$folder/log/$SLURM_ARRAY_TASK_ID.tsv"
+    scanpage --resume --jobs "${SLURM_CPUS_PER_TASK:-1}" --from - -o "$folder/pages" >>"$folder/log/$SLURM_ARRAY_TASK_ID.tsv"
 status=${PIPESTATUS[1]}
 
 # Stopped (3) or killed by a signal. Bad pages (1) and wrong usage are not mended by a second try.
