@@ -1,9 +1,10 @@
 """Lists of pages: from standard input, from files, and with names that clash."""
 
 import os
+import subprocess
 import unittest
 
-from support import PageTest, names, scanpage
+from support import SCANPAGE, PageTest, Run, names, parse, scanpage
 
 
 class Lists(PageTest):
@@ -33,6 +34,14 @@ class Lists(PageTest):
         listed = self.root / "list"
         listed.write_bytes(names(self.pages))
         self.assert_all_done(scanpage("--from", listed, "-o", self.out))
+
+    def test_a_list_is_read_from_where_it_stands(self):
+        listed = self.root / "list"
+        listed.write_bytes(b"header\n" + names(self.pages))
+        with open(listed, "rb") as stream:
+            os.lseek(stream.fileno(), len(b"header\n"), os.SEEK_SET)
+            done = subprocess.run([SCANPAGE, "--from", "-", "-o", self.out], stdin=stream, capture_output=True)
+        self.assert_all_done(Run(done.returncode, parse(done.stdout.decode()), done.stderr.decode()))
 
     def test_a_list_behind_the_pages_of_the_command_line(self):
         self.assert_all_done(scanpage(*self.pages[:2], "--from", "-", "-o", self.out, stdin=names(self.pages[2:])))

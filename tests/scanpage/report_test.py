@@ -46,6 +46,13 @@ class Report(PageTest):
         self.assertIn("not\\nthere: cannot be opened", run.stderr)
         self.assertEqual([page.name], self.results())
 
+    def test_names_in_a_fault_stay_on_their_line(self):
+        page = self.folder / "two\nlines.jpg"
+        os.link(self.pages[0], page)
+        (self.out / page.name).mkdir()
+        run = scanpage(page, "-o", self.out)
+        self.assertIn(f"{self.out}/two\\nlines.jpg cannot be written", run.stderr)
+
     def test_jobs_do_not_change_the_results(self):
         scanpage(*self.pages, "-o", self.out)
         alone = {path.name: path.read_bytes() for path in self.out.iterdir()}
@@ -77,6 +84,13 @@ class ExitStatus(PageTest):
                 if line.status == "failed":
                     self.assertEqual(("-", "0"), (line.skew, line.bytes))
                     self.assertIn(f"scanpage: {line.file}: ", run.stderr)
+
+    def test_a_file_that_is_longer_than_a_page_can_be(self):
+        with open(self.folder / "long.jpg", "wb") as long:
+            long.truncate(1 << 32)
+        run = scanpage(self.folder / "long.jpg", "-o", self.out)
+        self.assertEqual(1, run.status)
+        self.assertIn("is no file of a page's size", run.stderr)
 
     def test_wrong_usage(self):
         for arguments in (

@@ -45,6 +45,10 @@ class Resolution(PageTest):
     def test_no_resolution_is_300(self):
         self.assertEqual((1, 300, 300), self.result_of(with_density(self.stream, 0, 1, 1)))
 
+    def test_one_dot_an_inch_is_no_resolution(self):
+        self.assertEqual((1, 300, 300), self.result_of(with_density(self.stream, 1, 1, 1)))
+        self.assertEqual((1, 400, 400), self.result_of(with_density(self.stream, 1, 400, 1)))
+
     def test_a_page_on_its_side(self):
         turned = with_orientation(with_density(self.stream, 1, 400, 200), 6)
         self.assertEqual((1, 200, 400), self.result_of(turned, "--angle", "0"))
@@ -53,6 +57,7 @@ class Resolution(PageTest):
 
     def test_scaling_says_so(self):
         self.assertEqual((1, 200, 100), self.result_of(with_density(self.stream, 1, 400, 200), "--dpi", "200"))
+        self.assertEqual((1, 200, 135), self.result_of(with_density(self.stream, 1, 300, 202), "--dpi", "200"))
 
 
 if __name__ == "__main__":

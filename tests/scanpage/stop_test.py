@@ -29,7 +29,9 @@ class Resume(PageTest):
         self.assertEqual("done", scanpage(*arguments).lines[0].status)
         self.assertEqual("kept", scanpage(*arguments).lines[0].status)
         (self.out / "page-000000.tif").unlink()
-        self.assertEqual("done", scanpage(*arguments).lines[0].status)
+        line = scanpage(*arguments).lines[0]
+        self.assertEqual("done", line.status)
+        self.assertEqual(sum(path.stat().st_size for path in self.out.iterdir()), int(line.bytes))
 
     def test_without_resume_pages_are_done_again(self):
         scanpage(self.pages[0], "-o", self.out)
@@ -52,7 +54,14 @@ class Parts(PageTest):
         for number, chosen in enumerate(("jpeg", "pbm", "g4")):
             run = scanpage("--format", chosen, self.pages[number], "-o", self.out)
             self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+            self.assertEqual(("-", "0"), (run.lines[0].skew, run.lines[0].bytes))
         self.assertEqual(before, self.results())
+
+    def test_a_page_that_fails_at_its_last_result_has_no_bytes(self):
+        (self.out / "page-000000.jpg").mkdir()
+        run = scanpage("--format", "pbm,jpeg", self.pages[0], "-o", self.out)
+        self.assertEqual(("failed", "-", "0"), (run.lines[0].status, run.lines[0].skew, run.lines[0].bytes))
+        self.assertEqual(["page-000000.jpg", "page-000000.pbm"], self.results())
 
     def test_a_full_disk_leaves_nothing(self):
         for chosen in ("jpeg", "pbm", "g4"):
@@ -84,7 +93,9 @@ class Stop(PageTest):
 
     def interrupt(self, number, pages, *arguments):
         """Sends the signal after a few pages. The report so far, and the exit status."""
-        scan = self.start(*arguments, *pages)
+        scan = self.start("--from", "-", *arguments, stdin=subprocess.PIPE)
+        scan.stdin.write(names(pages[:40]))    # the others are held back, lest a slow test meets a finished run
+        scan.stdin.flush()
         first = b"".join(scan.stdout.readline() for _ in range(3))
         scan.send_signal(number)
         rest, _ = scan.communicate(timeout=20)
@@ -126,6 +137,32 @@ class Stop(PageTest):
         self.assertLessEqual(len(whole), len(parse(report)) + 2)
         self.assert_whole([self.out / name for name in whole])
         self.check_resume(pages, [str(more / name) for name in whole])
+
+    def test_a_second_signal_ends_the_program_at_once(self):
+        endless = self.folder / "endless.jpg"
+        os.mkfifo(endless)
+        scan = self.start(self.pages[0], endless)
+        self.assertTrue(scan.stdout.readline())
+        time.sleep(0.2)
+        scan.terminate()
+        with self.assertRaises(subprocess.TimeoutExpired):    # there is a page in hand
+            scan.wait(timeout=0.3)
+        scan.terminate()
+        self.assertEqual(-signal.SIGTERM, scan.wait(timeout=10))
+        scan.communicate()
+
+    def test_a_signal_that_is_ignored_stays_ignored(self):
+        command = 'trap "" INT; exec "$0" --from - -o "$1"'
+        scan = subprocess.Popen(["bash", "-c", command, SCANPAGE, self.out], stdin=subprocess.PIPE,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE)    # fmt: skip
+        self.addCleanup(scan.kill)
+        scan.stdin.write(names(self.pages[:1]))
+        scan.stdin.flush()
+        first = scan.stdout.readline()
+        scan.send_signal(signal.SIGINT)
+        rest, _ = scan.communicate(names(self.pages[1:]), timeout=20)
+        self.assertEqual(0, scan.returncode)
+        self.assertEqual(6, len(parse((first + rest).decode())))
 
     def test_a_stop_does_not_wait_for_a_silent_list(self):
         scan = self.start("--from", "-", stdin=subprocess.PIPE)

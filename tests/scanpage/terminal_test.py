@@ -9,7 +9,7 @@ from support import SCANPAGE, PageTest, names, scanpage
 
 
 class Bar(PageTest):
-    def on_terminal(self, *arguments, stdin=b""):
+    def on_terminal(self, *arguments, stdin=b"", status=0):
         ours, theirs = pty.openpty()
         scan = subprocess.Popen(
             [SCANPAGE, *map(str, arguments), "-o", str(self.out)],
@@ -27,18 +27,24 @@ class Bar(PageTest):
         except OSError:
             pass    # the other end is closed
         os.close(ours)
-        self.assertEqual(0, scan.wait())
+        self.assertEqual(status, scan.wait())
         return shown.decode()
 
     def test_a_terminal_shows_it(self):
         shown = self.on_terminal(*self.pages)
         self.assertRegex(shown, r"\r\[=* *\] 1/6, \d+\.\d pages/s, \d+:\d\d:\d\d left\033\[K")
         self.assertRegex(shown, r"\r\[={30}\] 6/6, ")
+        self.assertRegex(self.on_terminal("--resume", *self.pages), r"\r\[={30}\] 6/6, ")
+
+    def test_a_fault_takes_its_place(self):
+        shown = self.on_terminal(self.pages[0], self.folder / "missing.jpg", self.pages[1], status=1)
+        self.assertRegex(shown, r"\r\033\[Kscanpage: .*missing.jpg: cannot be opened")
 
     def test_a_pipe_has_no_end_to_wait_for(self):
         shown = self.on_terminal("--from", "-", stdin=names(self.pages))
         self.assertRegex(shown, r"\r1 pages, \d+\.\d pages/s")
         self.assertNotIn("left", shown)
+        self.assertNotIn("/2", self.on_terminal(*self.pages[:2], "--from", "-", stdin=names(self.pages[2:])))
 
     def test_a_single_page_needs_none(self):
         self.assertNotIn("\033", self.on_terminal(self.pages[0]))
