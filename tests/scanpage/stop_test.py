@@ -138,6 +138,20 @@ class Stop(PageTest):
         self.assert_whole([self.out / name for name in whole])
         self.check_resume(pages, [str(more / name) for name in whole])
 
+    def test_no_page_is_begun_after_a_stop(self):
+        slow = self.folder / "slow.jpg"
+        os.mkfifo(slow)
+        scan = self.start(self.pages[0], slow, *self.pages[1:])
+        first = scan.stdout.readline()
+        time.sleep(0.2)
+        scan.terminate()
+        slow.write_bytes(b"")    # now this page can go on, to its end
+        rest, _ = scan.communicate(timeout=20)
+        self.assertEqual(3, scan.returncode)
+        lines = parse((first + rest).decode())
+        self.assertEqual([(str(self.pages[0]), "done"), (str(slow), "failed")], [(l.file, l.status) for l in lines])
+        self.assertEqual([self.pages[0].name], self.results())
+
     def test_a_second_signal_ends_the_program_at_once(self):
         endless = self.folder / "endless.jpg"
         os.mkfifo(endless)
