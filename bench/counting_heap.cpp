@@ -6,7 +6,8 @@
 
 #include <malloc.h>
 
-// The C library's allocator under its internal names, which cannot be taken over.
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's allocator under its internal names, which cannot be taken
+// over.
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
@@ -14,6 +15,7 @@ void* __libc_realloc(void* block, size_t size);
 void* __libc_memalign(size_t alignment, size_t size);
 void __libc_free(void* block);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -53,18 +55,18 @@ void release(void* block) {
 
 extern "C" {
 void* malloc(size_t size) { return taken(__libc_malloc(size)); }
-void* calloc(size_t count, size_t size) { return taken(__libc_calloc(count, size)); }
-void free(void* block) { release(block); }
-void* realloc(void* block, size_t size) {
-    leaving(block);
-    return taken(__libc_realloc(block, size));
+void* calloc(size_t nmemb, size_t size) { return taken(__libc_calloc(nmemb, size)); }
+void free(void* ptr) { release(ptr); }
+void* realloc(void* ptr, size_t size) {
+    leaving(ptr);
+    return taken(__libc_realloc(ptr, size));
 }
 void* memalign(size_t alignment, size_t size) { return taken(__libc_memalign(alignment, size)); }
 void* aligned_alloc(size_t alignment, size_t size) { return memalign(alignment, size); }
-int posix_memalign(void** out, size_t alignment, size_t size) {
+int posix_memalign(void** memptr, size_t alignment, size_t size) {
     void* block = memalign(alignment, size);
     if (!block) return ENOMEM;
-    *out = block;
+    *memptr = block;
     return 0;
 }
 }

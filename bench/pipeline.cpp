@@ -263,7 +263,7 @@ int main(int argc, char** argv) {
     InitializeMagick(argv[0]);
     SetMagickResourceLimit(ThreadsResource, 1);
     const Stream stream = greyStream(argv[1]);
-    const int rounds = argc > 2 ? std::atoi(argv[2]) : 9;
+    const int rounds = argc > 2 ? std::stoi(argv[2]) : 9;
     std::printf("work\tpage\ttool\tms\tratio\tpeak_mb\tsteps\n");
     for (const Work work : {Work::kToJpeg, Work::kToBits}) compareTools(work, stream, rounds);
     return 0;

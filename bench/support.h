@@ -49,9 +49,9 @@ struct Subject {
     size_t bytesRead;
     size_t bytesWritten;
 
-    Subject(std::string function, std::string variant, IppiSize size, size_t bytesRead, size_t bytesWritten);
+    Subject(std::string name, std::string shape, IppiSize region, size_t read, size_t written);
     // As many bytes written as read.
-    Subject(std::string function, std::string variant, IppiSize size, int pixelSize);
+    Subject(std::string name, std::string shape, IppiSize region, int pixelSize);
 };
 
 using Action = std::function<void()>;
@@ -87,7 +87,7 @@ struct Registration {
 };
 
 // Runs what has been registered, once, for images of these sizes; the comparisons are there after it.
-void makeComparisons(const std::vector<IppiSize>& sizes);
+void makeComparisons(const std::vector<IppiSize>& wanted);
 const std::vector<IppiSize>& sizes();
 const std::vector<Comparison>& comparisons();
 
