@@ -60,8 +60,9 @@ void compareCosineTransform(int n) {
 }
 
 void compareMatrices() {
-    compareProduct(256);
-    compareCosineTransform(256);
+    const int side = bench::sizes().back().width;
+    compareProduct(side);
+    compareCosineTransform(side);
 }
 
 const bench::Registration registration("Matrix product and cosine transform", compareMatrices);
