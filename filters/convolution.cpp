@@ -83,6 +83,10 @@ int borderFor(const cv::Mat& kernel) {
 }
 
 OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
+    // OpenCV has no filter for halves. It says so under a small kernel; under a large one several channels make it call
+    // through a null pointer.
+    if (view.depth() == CV_16F && view.channels() > 1)
+        CV_Error(cv::Error::StsNotImplemented, "no convolution of several channels of 16-bit floats");
     ResultMatrix filtered;
     const cv::Point centre(-1, -1);
     cv::filter2D(view, filtered, -1, kernel, centre, 0.0, borderFor(kernel));

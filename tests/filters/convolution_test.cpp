@@ -479,4 +479,20 @@ TEST(Convolution, CoreRoutinesRefuseANullSourceAndADivisorOfZero) {
     EXPECT_EQ(dst, 9);
 }
 
+TEST(FilterOfAnyType, HalvesOfSeveralChannelsThrowUnderAnyKernel) {
+    for (const int side : {1, 3, 13}) {
+        const std::vector<float> kernel(static_cast<size_t>(side) * static_cast<size_t>(side), 1.0F);
+        constexpr int kSide = 64;
+        const std::vector<uint16_t> source(static_cast<size_t>(kSide) * kSide * 3, 0x3C00);
+        std::vector<uint16_t> output(3, 0xBEEF);
+        const uint16_t* middle = &source[(kSide / 2 * kSide + kSide / 2) * 3];
+        const int half = side / 2;
+        EXPECT_THROW(ippiFilter32f(middle, kSide * 6, CV_16FC3, output.data(), 6, {1, 1}, kernel.data(), {side, side},
+                                   {half, half}),
+                     cv::Exception)
+            << side;
+        EXPECT_EQ(output, std::vector<uint16_t>(3, 0xBEEF));
+    }
+}
+
 }    // namespace
