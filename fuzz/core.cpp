@@ -147,7 +147,7 @@ void turnKernel(Draw& draw) {
     for (int j = 0; j < size.height; ++j)
         for (int i = 0; i < size.width; ++i)
             require(turned.at<T>(turned.rows - 1 - j, turned.cols - 1 - i) ==
-                        cells[static_cast<size_t>(j * size.width + i)],
+                        cells[static_cast<size_t>(j) * static_cast<size_t>(size.width) + static_cast<size_t>(i)],
                     "kernels are turned");
     cv::Mat dense;
     require(Tools::CreateKernelMat(cells.data(), size, D, dense) == noErr && dense.total() == count, "dense kernels");

@@ -61,7 +61,7 @@ Cells<float> anyWeights(Draw& draw, size_t count, bool& tame) {
 }
 
 void requireSameRegion(Image& target, std::vector<uint8_t>& expected, const char* what) {
-    const auto rowBytes = static_cast<size_t>(target.width() * target.pixelSize());
+    const auto rowBytes = static_cast<size_t>(target.width()) * static_cast<size_t>(target.pixelSize());
     for (int y = 0; y < target.height(); ++y)
         require(std::equal(expected.begin() + static_cast<ptrdiff_t>(rowBytes) * y,
                            expected.begin() + static_cast<ptrdiff_t>(rowBytes) * (y + 1),

@@ -198,7 +198,7 @@ struct Planes {
         }
     }
     Triple at(int x, int y) const {
-        const auto i = static_cast<size_t>(y * step + x);
+        const auto i = static_cast<size_t>(y) * static_cast<size_t>(step) + static_cast<size_t>(x);
         return {block[0][i], block[1][i], block[2][i]};
     }
 

@@ -70,6 +70,7 @@ TEST(Threads, EightCallersGetWhatOneGets) {
 
     std::atomic<int> different{0};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t) threads.emplace_back([&, t] { runAll(t, expected, different); });
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(different, 0);
