@@ -11,6 +11,7 @@
 #include "OPCV_dlib.h"
 #include "core/ownership.h"
 #include "jpeg/KVCompress.h"
+#include "jpeg/survey.h"
 #include "oracle/jpeg.h"
 #include "support.h"
 
@@ -78,6 +79,16 @@ void compareReading(IppiSize size, Layout layout) {
             readPage(streamOf(size, layout), description);
         },
         bench::openCV([size, layout] { readPlain(streamOf(size, layout)); }));
+    // What it costs to know a stream before it is decoded.
+    bench::compare({"ReadJPEG", std::string("markers alone, ") + nameOf(layout), size, bytesRead(size, layout), pixels},
+                   [size, layout] {
+                       const Stream& stream = streamOf(size, layout);
+                       surveyStream(stream.data(), stream.size());
+                   },
+                   {"the whole ReadJPEG", [size, layout] {
+                        KVImageDescription description{};
+                        readPage(streamOf(size, layout), description);
+                    }});
     if (layout == Layout::kGrey) return;
     bench::compare(
         {"ReadSplitJPEG", nameOf(layout), size, bytesRead(size, layout), pixels},
