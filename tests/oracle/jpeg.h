@@ -1,6 +1,7 @@
 // libjpeg driven directly, with its own memory destination: what the encoder's streams must be, byte for byte.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -20,6 +21,7 @@ struct JpegSettings {
     int xDensity = 1;
     int yDensity = 1;
     std::string comment = "KORVELIN";
+    bool progressive = false;
 };
 
 inline std::vector<uint8_t> encodeJpeg(const uint8_t* pixels, int step, int width, int height,
@@ -52,12 +54,13 @@ inline std::vector<uint8_t> encodeJpeg(const uint8_t* pixels, int step, int widt
         cinfo.comp_info[i].h_samp_factor = i == 0 ? settings.lumaSampling : 1;
         cinfo.comp_info[i].v_samp_factor = i == 0 ? settings.lumaSampling : 1;
     }
+    if (settings.progressive) jpeg_simple_progression(&cinfo);
     jpeg_start_compress(&cinfo, TRUE);
     if (!settings.comment.empty())
         jpeg_write_marker(&cinfo, JPEG_COM, reinterpret_cast<const JOCTET*>(settings.comment.data()),
                           static_cast<unsigned>(settings.comment.size()));
     for (int y = 0; y < height; ++y) {
-        auto* row = const_cast<JSAMPROW>(pixels + ptrdiff_t{step} * y);
+        auto* row = const_cast<JSAMPROW>(pixels + std::ptrdiff_t{step} * y);
         jpeg_write_scanlines(&cinfo, &row, 1);
     }
     jpeg_finish_compress(&cinfo);

@@ -1,8 +1,8 @@
 // JPEG compression and reading.
 #include <algorithm>
 #include <array>
-#include <opencv2/imgcodecs.hpp>
 
+#include "oracle/jpeg.h"
 #include "reliability/catalogue.h"
 
 namespace {
@@ -65,6 +65,14 @@ void cut(Bytes& stream, int height) {
     if (height >= kFewestRows) stream.erase(stream.end() - (stream.end() - scan) / 3, stream.end());
 }
 
+// By libjpeg alone: OpenCV's codecs take the locks of other people's libraries in a changing order.
+Bytes progressive(const Bytes& pixels, IppiSize size) {
+    oracle::JpegSettings settings;
+    settings.components = 3;
+    settings.progressive = true;
+    return oracle::encodeJpeg(pixels.data(), size.width * 3, size.width, size.height, settings);
+}
+
 Bytes streamOf(Case& c) {
     Bytes pixels(static_cast<size_t>(c.size.width) * static_cast<size_t>(c.size.height) * 3);
     c.random.fill(pixels.data(), pixels.size());
@@ -79,7 +87,7 @@ Bytes streamOf(Case& c) {
             CompressRGB2YCbCr411(pixels.data(), 3 * w, w, h, stream, 80, 300, 300);
             cut(stream, h);
             break;
-        default: cv::imencode(".jpg", cv::Mat(h, w, CV_8UC3, pixels.data()), stream, {cv::IMWRITE_JPEG_PROGRESSIVE, 1});
+        default: stream = progressive(pixels, c.size);
     }
     return stream;
 }
