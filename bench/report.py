@@ -167,7 +167,7 @@ def machine():
     cpus = len(re.findall(r"^processor", pathlib.Path("/proc/cpuinfo").read_text(), re.M))
     flags = re.search(r"flags\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text()).group(1).split()
     vectors = [name for name in ("avx512f", "avx2", "ssse3") if name in flags]
-    return (f"{cpu}, {cpus} processors, widest vectors {vectors[0].upper()}; Linux {platform.release().split("-")[0]}; "
+    return (f"{cpu}, {cpus} processors, widest vectors {vectors[0].upper()}; Linux {platform.release().split('-')[0]}; "
             f"{version_of(['c++', '--version'])}; OpenCV {package_version('libopencv-core-dev')}, "
             f"Highway {package_version('libhwy-dev')}, libjpeg-turbo {package_version('libjpeg62-turbo-dev')}, "
             f"glibc {platform.libc_ver()[1]}.")
