@@ -1,21 +1,22 @@
-# The three OpenCV modules that are used: core, imgproc and imgcodecs.
+# The OpenCV modules that are used. The library calls core and imgproc, as OpenCVModules::OpenCVModules; tests,
+# benchmarks and examples read and write image files by imgcodecs as well, OpenCVModules::ImageFiles.
 #
 # Some distributions ship the module packages without OpenCVConfig.cmake, so the header folder and the libraries are
 # then looked up by name.
-find_package(OpenCV CONFIG QUIET COMPONENTS core imgproc imgcodecs)
+find_package(OpenCV CONFIG QUIET COMPONENTS core imgproc OPTIONAL_COMPONENTS imgcodecs)
 if(OpenCV_FOUND)
     set(OpenCVModules_INCLUDE_DIR ${OpenCV_INCLUDE_DIRS})
-    set(OpenCVModules_LIBRARIES opencv_core opencv_imgproc opencv_imgcodecs)
     set(OpenCVModules_VERSION ${OpenCV_VERSION})
+    foreach(module IN ITEMS core imgproc imgcodecs)
+        if(TARGET opencv_${module})
+            set(OpenCVModules_${module}_LIBRARY opencv_${module})
+        endif()
+    endforeach()
 else()
-    find_path(OpenCVModules_INCLUDE_DIR opencv2/imgcodecs.hpp PATH_SUFFIXES opencv4)
-    set(OpenCVModules_LIBRARIES)
-    foreach(module IN ITEMS imgcodecs imgproc core)
+    find_path(OpenCVModules_INCLUDE_DIR opencv2/imgproc.hpp PATH_SUFFIXES opencv4)
+    foreach(module IN ITEMS core imgproc imgcodecs)
         find_library(OpenCVModules_${module}_LIBRARY opencv_${module})
         mark_as_advanced(OpenCVModules_${module}_LIBRARY)
-        if(OpenCVModules_${module}_LIBRARY)
-            list(APPEND OpenCVModules_LIBRARIES ${OpenCVModules_${module}_LIBRARY})
-        endif()
     endforeach()
     if(OpenCVModules_INCLUDE_DIR)
         file(STRINGS ${OpenCVModules_INCLUDE_DIR}/opencv2/core/version.hpp version_lines
@@ -26,12 +27,8 @@ else()
 endif()
 
 include(FindPackageHandleStandardArgs)
-list(LENGTH OpenCVModules_LIBRARIES OpenCVModules_COUNT)
-if(NOT OpenCVModules_COUNT EQUAL 3)
-    set(OpenCVModules_LIBRARIES)
-endif()
 find_package_handle_standard_args(OpenCVModules
-    REQUIRED_VARS OpenCVModules_INCLUDE_DIR OpenCVModules_LIBRARIES
+    REQUIRED_VARS OpenCVModules_INCLUDE_DIR OpenCVModules_core_LIBRARY OpenCVModules_imgproc_LIBRARY
     VERSION_VAR OpenCVModules_VERSION)
 mark_as_advanced(OpenCVModules_INCLUDE_DIR)
 
@@ -39,5 +36,10 @@ if(OpenCVModules_FOUND AND NOT TARGET OpenCVModules::OpenCVModules)
     add_library(OpenCVModules::OpenCVModules INTERFACE IMPORTED)
     set_target_properties(OpenCVModules::OpenCVModules PROPERTIES
         INTERFACE_INCLUDE_DIRECTORIES "${OpenCVModules_INCLUDE_DIR}"
-        INTERFACE_LINK_LIBRARIES "${OpenCVModules_LIBRARIES}")
+        INTERFACE_LINK_LIBRARIES "${OpenCVModules_imgproc_LIBRARY};${OpenCVModules_core_LIBRARY}")
+    if(OpenCVModules_imgcodecs_LIBRARY)
+        add_library(OpenCVModules::ImageFiles INTERFACE IMPORTED)
+        set_target_properties(OpenCVModules::ImageFiles PROPERTIES
+            INTERFACE_LINK_LIBRARIES "${OpenCVModules_imgcodecs_LIBRARY};OpenCVModules::OpenCVModules")
+    endif()
 endif()
