@@ -4,13 +4,14 @@
 
 namespace {
 
-// The 1-bit side takes an eighth of a byte a pixel.
+// The 1-bit side: an eighth of a byte a pixel, and a byte more for rows that do not begin at a byte's first bit.
 size_t bitBytes(IppiSize size) { return bench::bytesOf(size, 1) / 8; }
+IppiSize bitRows(IppiSize size) { return {size.width / 8 + 1, size.height}; }
 
 void comparePacking(IppiSize size, int offset) {
     const bench::Page& grey = bench::source(size, 1);
-    bench::Page& bits = bench::target(size, 1);
-    bench::Page& expected = bench::otherTarget(size, 1);
+    bench::Page& bits = bench::target(bitRows(size), 1);
+    bench::Page& expected = bench::otherTarget(bitRows(size), 1);
     bench::compare(
         {"IPPShare_ippiReduceBits_8u1u_C1R", "offset " + std::to_string(offset), size, bench::bytesOf(size, 1),
          bitBytes(size)},
@@ -28,7 +29,7 @@ void comparePacking(IppiSize size, int offset) {
 }
 
 void compareExpanding(IppiSize size, int offset) {
-    const bench::Page& bits = bench::source(size, 1);
+    const bench::Page& bits = bench::source(bitRows(size), 1);
     bench::Page& grey = bench::target(size, 1);
     bench::Page& expected = bench::otherTarget(size, 1);
     bench::compare(

@@ -4,7 +4,7 @@
 //                     . . . 0 1 2 3 4   5 6 7 8 9 10 11 12       13 14 15 16 17 18 19 20     21 22 . . . . . .
 //                     |--- head ----|   |------------- whole bytes ------------------|      |--- tail ---|
 //
-// Whole bytes go by vectors that start at byte boundaries of the bits, so that a bit offset only moves the grey side,
+// Whole bytes go by blocks that start at byte boundaries of the bits, so that a bit offset only moves the grey side,
 // which is loaded and stored unaligned. Head and tail are the first and the last eight pixels of the region, moved within
 // their byte. No byte outside the region's own is read or written on either side.
 #include <algorithm>
@@ -28,20 +28,19 @@ namespace hn = hwy::HWY_NAMESPACE;
 using D = hn::ScalableTag<uint8_t>;
 using DByte = hn::CappedTag<uint8_t, 8>;    // the pixels of one byte
 
-// The bits of one vector of pixels, as bytes and as a number.
-ptrdiff_t bytesAtOnce() { return static_cast<ptrdiff_t>(hn::Lanes(D())) / 8; }
+constexpr ptrdiff_t kBlockBytes = 16;    // of bits, as many as a table lookup reaches
+constexpr size_t kBlockPixels = 8 * kBlockBytes;
 
-// Calls `vectorAt` for each vector's first byte, the last one pulled back to end with the bytes; fewer bytes than that go
-// one at a time.
-template <class VectorAt, class ByteAt>
-HWY_INLINE void coverBytes(ptrdiff_t bytes, const VectorAt& vectorAt, const ByteAt& byteAt) {
-    const ptrdiff_t atOnce = bytesAtOnce();
-    if (bytes < atOnce) {
+// Calls `blockAt` for the first byte of each block, the last one pulled back to end with the bytes; fewer bytes than that
+// go one at a time.
+template <class BlockAt, class ByteAt>
+HWY_INLINE void coverBytes(ptrdiff_t bytes, const BlockAt& blockAt, const ByteAt& byteAt) {
+    if (bytes < kBlockBytes) {
         for (ptrdiff_t byte = 0; byte < bytes; ++byte) byteAt(byte);
         return;
     }
-    for (ptrdiff_t byte = 0; byte < bytes - atOnce; byte += atOnce) vectorAt(byte);
-    vectorAt(bytes - atOnce);
+    for (ptrdiff_t byte = 0; byte < bytes - kBlockBytes; byte += kBlockBytes) blockAt(byte);
+    blockAt(bytes - kBlockBytes);
 }
 
 // Bits to 0 and 255: each lane fetches the byte that holds its bit and tests the bit.
@@ -61,15 +60,14 @@ void expandBytes(const uint8_t* HWY_RESTRICT bits, ptrdiff_t bytes, uint8_t* HWY
     HWY_ALIGN static constexpr uint8_t kByteOfLane[32] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1,
                                                           2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3};
     const D d;
-    const hn::Repartition<uint32_t, D> dWords;
-    static_assert(hn::MaxLanes(D()) / 8 <= sizeof(uint32_t), "a word holds the bits of a vector");
     const auto byteOfLane = hn::LoadU(d, kByteOfLane);
-    const auto expandAt = [=](ptrdiff_t byte) HWY_ATTR {
-        uint32_t word = 0;
-        std::memcpy(&word, bits + byte, hn::Lanes(d) / 8);
-        expandVector(d, hn::BitCast(d, hn::Set(dWords, word)), byteOfLane, grey + 8 * byte);
+    const auto expandBlock = [=](ptrdiff_t byte) HWY_ATTR {
+        const auto block = hn::LoadDup128(d, bits + byte);
+        for (size_t pixel = 0; pixel < kBlockPixels; pixel += hn::Lanes(d))
+            expandVector(d, block, hn::Add(byteOfLane, hn::Set(d, static_cast<uint8_t>(pixel / 8))),
+                         grey + 8 * byte + pixel);
     };
-    coverBytes(bytes, expandAt, [=](ptrdiff_t byte) HWY_ATTR { expandByte(bits[byte], grey + 8 * byte); });
+    coverBytes(bytes, expandBlock, [=](ptrdiff_t byte) HWY_ATTR { expandByte(bits[byte], grey + 8 * byte); });
 }
 
 // Pixels above the level to bits. The comparison's lanes are collected from the lowest bit up, so each eight pixels are
@@ -88,9 +86,13 @@ HWY_INLINE unsigned packByte(const uint8_t* HWY_RESTRICT grey, uint8_t level) {
 }
 
 void packBytes(const uint8_t* HWY_RESTRICT grey, ptrdiff_t bytes, uint8_t level, uint8_t* HWY_RESTRICT bits) {
-    coverBytes(
-        bytes, [=](ptrdiff_t byte) HWY_ATTR { packVector(D(), grey + 8 * byte, level, bits + byte); },
-        [=](ptrdiff_t byte) HWY_ATTR { packVector(DByte(), grey + 8 * byte, level, bits + byte); });
+    const auto packBlock = [=](ptrdiff_t byte) HWY_ATTR {
+        const D d;
+        for (size_t pixel = 0; pixel < kBlockPixels; pixel += hn::Lanes(d))
+            packVector(d, grey + 8 * byte + pixel, level, bits + byte + pixel / 8);
+    };
+    coverBytes(bytes, packBlock,
+               [=](ptrdiff_t byte) HWY_ATTR { packVector(DByte(), grey + 8 * byte, level, bits + byte); });
 }
 
 // A row of bits as the region uses it.
