@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "OPCV_dlib.h"
+#include "core/pixel_memory.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ OSErr createRecord(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*
     // negative size goes to the heap, which refuses it.
     void* pixels = nullptr;
     if (fitsInt32(width) && fitsInt32(height) && fitsInt32(rowBytes) && fitsInt32(rowBytes * height))
-        pixels = std::malloc(static_cast<size_t>(rowBytes * height));
+        pixels = allocatePixels(static_cast<size_t>(rowBytes * height));
     if (!pixels) {
         std::free(*out);
         return memFullErr;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "OPCV_dlib.h"
+#include "core/pixel_memory.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ void* allocatePlane(int width, int height, int pixelSize, int* stepBytes) {
     if (step > INT32_MAX) return nullptr;
     *stepBytes = static_cast<int>(step);
     if (step * height > INT32_MAX) return nullptr;
-    return std::malloc(static_cast<size_t>(step * height));
+    return allocatePixels(static_cast<size_t>(step * height));
 }
 
 }    // namespace

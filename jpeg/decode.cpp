@@ -13,12 +13,12 @@
 #include <csetjmp>
 #include <cstdint>
 #include <cstdio>    // jpeglib.h needs it
-#include <cstdlib>
 #include <cstring>
 
 #include <jerror.h>
 #include <jpeglib.h>
 
+#include "core/pixel_memory.h"
 #include "jpeg/exif.h"
 #include "jpeg/survey.h"
 
@@ -92,7 +92,7 @@ public:
     Outcome run(const StreamSurvey& stored, Orientation orientation, DecodedImage& image) {
         const Outcome header = attempt([this, &stored, &image] { return readHeader(stored, image.channels); });
         if (header != Outcome::kDecoded) return header;
-        image.pixels.reset(static_cast<unsigned char*>(std::malloc(image.bytes())));
+        image.pixels.reset(static_cast<unsigned char*>(allocatePixels(image.bytes())));
         if (!image.pixels) return Outcome::kNoMemory;
         const Placement placement(stored, orientation, image.channels);
         return attempt([this, &placement, &image] { return readRows(placement, image); });
