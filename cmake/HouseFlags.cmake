@@ -2,6 +2,7 @@
 add_library(opcv_dlib_house_flags INTERFACE)
 target_compile_options(opcv_dlib_house_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=    # messages name a file of ours, not where it was compiled
     -ffp-contract=off    # where a multiply and an add are fused, the code says fma
     -fstack-protector-strong)
 # An indirect jump may only land where a function begins.
