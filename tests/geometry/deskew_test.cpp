@@ -1,37 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <climits>
+#include <algorithm>
 #include <cmath>
-#include <limits>
-#include <memory>
 
+#include "geometry/deskew_call.h"
 #include "geometry/test_page.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-// The three functions by one signature.
-enum class Function { kWhole, kCrop, kPoint };
-constexpr Function kFunctions[] = {Function::kWhole, Function::kCrop, Function::kPoint};
-
-struct Arguments {
-    const KVIMG* src = nullptr;
-    KVImageDescriptionHandle description = nullptr;
-    KVIMG** dst = nullptr;
-    KVRect* crop = nullptr;
-    double angle = 2;
-};
-
-OSErr call(Function function, const Arguments& a, unsigned char white = 0, int64_t xPoint = 5, int64_t yPoint = 6) {
-    switch (function) {
-        case Function::kWhole: return DeskewImageWithIPP(a.src, a.description, a.dst, 2, white, a.angle);
-        case Function::kCrop: return DeskewImageWithIPPEx(a.src, a.description, a.dst, 2, white, a.crop, a.angle);
-        default:
-            return DeskewImageWithIPPExWithShirftPoint(a.src, a.description, a.dst, 2, white, a.crop, xPoint, yPoint,
-                                                       a.angle);
-    }
-}
 
 void expectRecord(const KVIMG& record, IppiSize size, int depth, const Bytes& expected) {
     ASSERT_EQ(record.width, size.width);
@@ -163,15 +140,15 @@ TEST(Deskew, WithoutTurnGivesThePageBack) {
 
 TEST(Deskew, CornersTakeTheFillOfTheDepth) {
     Random random(325);
-    for (const Function function : kFunctions)
+    for (const DeskewFunction function : kDeskewFunctions)
         for (const int depth : kDepths)
             for (const int white : {0, 1, 255}) {
                 TestPage page(random, {40, 40}, depth);
                 KVIMG* turned = nullptr;
                 KVRect crop = {0, 0, 40, 40};
                 // The point of the third function lies on the page's left edge, outside it above.
-                ASSERT_EQ(call(function, {page.record(), page.description(), &turned, &crop, 45},
-                               static_cast<unsigned char>(white), 0, -30),
+                ASSERT_EQ(deskew(function, {page.record(), page.description(), &turned, &crop, 45},
+                                 static_cast<unsigned char>(white), 0, -30),
                           noErr);
                 const RecordPtr owner(turned);
                 Bytes fill(static_cast<size_t>(depth / 8));
@@ -268,7 +245,7 @@ TEST(DeskewWithPoint, IgnoresWhereTheCropLies) {
         KVRect outside = {-200, -300, -100, -200};
         const auto deskewed = [&](KVRect& crop) {
             KVIMG* turned = nullptr;
-            EXPECT_EQ(call(Function::kPoint, {page.record(), page.description(), &turned, &crop, 2.3}), noErr);
+            EXPECT_EQ(deskew(DeskewFunction::kPoint, {page.record(), page.description(), &turned, &crop, 2.3}), noErr);
             return RecordPtr(turned);
         };
         const RecordPtr first = deskewed(here);
@@ -277,143 +254,6 @@ TEST(DeskewWithPoint, IgnoresWhereTheCropLies) {
                 EXPECT_EQ(rowOf(first->data, first->rowBytes, y, 100 * depth / 8),
                           rowOf(other->data, other->rowBytes, y, 100 * depth / 8));
         EXPECT_TRUE(there.top == 500 && there.left == 500 && outside.top == -200 && outside.left == -300);
-    }
-}
-
-// A failing call with the slot empty, and with a record of the caller's in it: both end with an empty slot and nothing
-// leaked.
-void expectFailure(Function function, Arguments a, OSErr expected) {
-    KVIMG* slot = nullptr;
-    a.dst = &slot;
-    EXPECT_EQ(call(function, a), expected);
-    EXPECT_EQ(slot, nullptr);
-    slot = makeRecord({30, 20}, 24).release();
-    EXPECT_EQ(call(function, a), expected);
-    EXPECT_EQ(slot, nullptr);
-}
-
-class DeskewStatus : public testing::TestWithParam<Function> {
-protected:
-    Arguments good() { return {page_.record(), page_.description(), nullptr, &crop_, 2}; }
-    void TearDown() override {
-        EXPECT_TRUE(crop_.top == -1 && crop_.left == -2 && crop_.bottom == 10 && crop_.right == 20);
-    }
-
-    Random random_{331};
-    TestPage page_{random_, {40, 30}, 8};
-    KVRect crop_ = {-1, -2, 10, 20};
-};
-
-TEST_P(DeskewStatus, NullArguments) {
-    Arguments a = good();
-    a.src = nullptr;
-    expectFailure(GetParam(), a, paramErr);
-    a = good();
-    a.description = nullptr;
-    expectFailure(GetParam(), a, paramErr);
-    a = good();
-    KVImageDescription* nothing = nullptr;
-    a.description = &nothing;
-    expectFailure(GetParam(), a, paramErr);
-    if (GetParam() != Function::kWhole) {
-        a = good();
-        a.crop = nullptr;
-        expectFailure(GetParam(), a, paramErr);
-    }
-    a = good();
-    a.dst = nullptr;
-    EXPECT_EQ(call(GetParam(), a), paramErr);
-    EXPECT_TRUE(page_.untouched());
-}
-
-TEST_P(DeskewStatus, DepthsThatAreRefused) {
-    for (const int depth : {0, 1, 16, 40, 9, -8, 256 + 8, 256 + 24, 32767}) {
-        page_.described().depth = static_cast<int16_t>(depth);
-        expectFailure(GetParam(), good(), rotateFailedErr);
-        // A null pointer is told before a bad depth.
-        Arguments a = good();
-        if (GetParam() == Function::kWhole) a.src = nullptr;
-        a.crop = nullptr;
-        expectFailure(GetParam(), a, paramErr);
-    }
-}
-
-TEST_P(DeskewStatus, PageThatDoesNotFitInItsRows) {
-    KVRect crop = crop_;
-    Arguments a = good();
-    a.crop = &crop;
-    page_.mutableRecord().rowBytes = 39;
-    expectFailure(GetParam(), a, rotateFailedErr);
-    page_.mutableRecord().rowBytes = page_.pixels().step();
-    page_.mutableRecord().data = nullptr;
-    expectFailure(GetParam(), a, rotateFailedErr);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, DeskewStatus, testing::ValuesIn(kFunctions));
-
-TEST(Deskew, PageSizesThatMakeNoRecord) {
-    Random random(332);
-    TestPage page(random, {40, 30}, 24);
-    const auto sized = [&](int width, int height) {
-        page.described().width = width;
-        page.described().height = height;
-        return Arguments{page.record(), page.description(), nullptr, nullptr, 2};
-    };
-    expectFailure(Function::kWhole, sized(0, 30), rotateFailedErr);
-    expectFailure(Function::kWhole, sized(40, 0), rotateFailedErr);
-    expectFailure(Function::kWhole, sized(-40, -30), rotateFailedErr);    // their product is positive
-    expectFailure(Function::kWhole, sized(-40, 30), memFullErr);
-    expectFailure(Function::kWhole, sized(40, -30), memFullErr);
-    expectFailure(Function::kWhole, sized(INT_MAX, 30), memFullErr);
-    expectFailure(Function::kWhole, sized(40, INT_MAX), memFullErr);
-    expectFailure(Function::kWhole, sized(65536, 65536), memFullErr);    // 0 bytes in 32 bits
-}
-
-TEST(Deskew, CropsThatMakeNoRecord) {
-    Random random(333);
-    TestPage page(random, {40, 30}, 24);
-    for (const Function function : {Function::kCrop, Function::kPoint}) {
-        const auto expectCrop = [&](KVRect crop, OSErr expected, bool moved) {
-            KVRect slot = crop;
-            KVIMG* turned = nullptr;
-            EXPECT_EQ(call(function, {page.record(), page.description(), &turned, &slot, 2}), expected);
-            EXPECT_EQ(turned, nullptr);
-            EXPECT_EQ(slot.top, moved && function == Function::kCrop ? 0 : crop.top);
-        };
-        expectCrop({-5, 5, -5, 10}, rotateFailedErr, true);     // no rows
-        expectCrop({-5, 5, 10, 5}, rotateFailedErr, true);      // no columns
-        expectCrop({-5, 10, -10, 5}, rotateFailedErr, true);    // both negative
-        expectCrop({-5, 10, 10, 5}, memFullErr, false);         // a negative number of columns
-        expectCrop({-5, 5, -10, 10}, memFullErr, false);        // a negative number of rows
-        expectCrop({-5, 0, INT_MAX, 1}, memFullErr, false);     // one more row than int holds
-        expectCrop({0, INT_MIN, 10, INT_MAX}, memFullErr, false);
-        EXPECT_TRUE(page.untouched());
-    }
-}
-
-TEST(DeskewWithPoint, RefusesPointsThatShiftThePageOutOfRange) {
-    Random random(334);
-    TestPage page(random, {40, 30}, 8);
-    KVRect crop = {0, 0, 10, 10};
-    for (const int64_t far : {INT64_MAX, INT64_MIN, int64_t{1} << 40}) {
-        KVIMG* turned = nullptr;
-        EXPECT_EQ(call(Function::kPoint, {page.record(), page.description(), &turned, &crop, 2}, 0, far, 0),
-                  rotateFailedErr);
-        EXPECT_EQ(call(Function::kPoint, {page.record(), page.description(), &turned, &crop, 2}, 0, 0, far),
-                  rotateFailedErr);
-        EXPECT_EQ(turned, nullptr);
-    }
-}
-
-TEST(Deskew, RefusesAnglesThatGiveNoShift) {
-    Random random(335);
-    TestPage page(random, {40, 30}, 8);
-    for (const double angle : {std::nan(""), std::numeric_limits<double>::infinity()}) {
-        KVIMG* turned = nullptr;
-        KVRect crop = {0, 0, 10, 10};
-        EXPECT_EQ(call(Function::kCrop, {page.record(), page.description(), &turned, &crop, angle}), rotateFailedErr);
-        EXPECT_EQ(call(Function::kPoint, {page.record(), page.description(), &turned, &crop, angle}), rotateFailedErr);
-        EXPECT_EQ(turned, nullptr);
     }
 }
 
@@ -441,42 +281,6 @@ TEST(Deskew, SuccessOverwritesTheSlot) {
     const RecordPtr owner(slot);
     EXPECT_NE(slot, before.get());
     EXPECT_EQ(before->width, 5);
-}
-
-TEST(Deskew, WhatOpenCVThrowsLeavesTheSlotEmpty) {
-    // One pixel too long for a warp.
-    Random random(338);
-    TestPage page(random, {32767, 1}, 8);
-    KVIMG* slot = makeRecord({5, 5}, 8).release();
-    EXPECT_THROW(DeskewImageWithIPP(page.record(), page.description(), &slot, 0, 0, 1), cv::Exception);
-    EXPECT_EQ(slot, nullptr);
-}
-
-// What the crop shows around the page counts.
-TEST(DeskewEx, WhatOpenCVThrowsLeavesTheSlotEmpty) {
-    Random random(339);
-    TestPage page(random, {20, 10}, 8);
-    for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}, {-32757, 0, 3, 3}, {0, -32747, 3, 3}}) {
-        KVIMG* slot = makeRecord({5, 5}, 8).release();
-        EXPECT_THROW(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), cv::Exception);
-        EXPECT_EQ(slot, nullptr);
-    }
-    KVRect crop = {0, 0, 3, 32766};
-    KVIMG* slot = nullptr;
-    EXPECT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), noErr);
-    const RecordPtr owner(slot);
-}
-
-TEST(DeskewWithPoint, WhatOpenCVThrowsLeavesTheSlotEmpty) {
-    Random random(340);
-    TestPage page(random, {20, 10}, 8);
-    for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}}) {
-        KVIMG* slot = makeRecord({5, 5}, 8).release();
-        EXPECT_THROW(
-            DeskewImageWithIPPExWithShirftPoint(page.record(), page.description(), &slot, 0, 0, &crop, 0, 0, 0),
-            cv::Exception);
-        EXPECT_EQ(slot, nullptr);
-    }
 }
 
 }    // namespace

@@ -1,0 +1,26 @@
+// The three deskew functions by one signature.
+#pragma once
+
+#include "OPCV_dlib.h"
+
+enum class DeskewFunction { kWhole, kCrop, kPoint };
+constexpr DeskewFunction kDeskewFunctions[] = {DeskewFunction::kWhole, DeskewFunction::kCrop, DeskewFunction::kPoint};
+
+struct DeskewArguments {
+    const KVIMG* src = nullptr;
+    KVImageDescriptionHandle description = nullptr;
+    KVIMG** dst = nullptr;
+    KVRect* crop = nullptr;
+    double angle = 2;
+};
+
+inline OSErr deskew(DeskewFunction function, const DeskewArguments& a, unsigned char white = 0, int64_t xPoint = 5,
+                    int64_t yPoint = 6) {
+    switch (function) {
+        case DeskewFunction::kWhole: return DeskewImageWithIPP(a.src, a.description, a.dst, 2, white, a.angle);
+        case DeskewFunction::kCrop: return DeskewImageWithIPPEx(a.src, a.description, a.dst, 2, white, a.crop, a.angle);
+        default:
+            return DeskewImageWithIPPExWithShirftPoint(a.src, a.description, a.dst, 2, white, a.crop, xPoint, yPoint,
+                                                       a.angle);
+    }
+}
