@@ -1,0 +1,211 @@
+// Where a turn puts each pixel, and what it shows where the source has none.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "geometry/rotate_case.h"
+#include "oracle/rotation.h"
+#include "support/guarded_image.h"
+#include "support/random.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// A smooth image, so that a wrong place shows and the cut of positions does not.
+uint8_t smooth(int x, int y, int channel) {
+    return static_cast<uint8_t>(
+        std::lround(128 + 50 * std::sin(0.13 * x + channel) + 60 * std::cos(0.11 * y - 0.07 * x)));
+}
+
+struct SmoothImage {
+    SmoothImage(IppiSize imageSize, int imageChannels)
+        : size(imageSize),
+          channels(imageChannels),
+          bytes(static_cast<size_t>(imageSize.width) * static_cast<size_t>(imageSize.height) *
+                static_cast<size_t>(imageChannels)) {
+        for (int y = 0; y < size.height; ++y)
+            for (int x = 0; x < size.width; ++x)
+                for (int k = 0; k < channels; ++k) bytes[indexOf(x, y, k)] = smooth(x, y, k);
+    }
+
+    int step() const { return size.width * channels; }
+    size_t indexOf(int x, int y, int channel) const {
+        return static_cast<size_t>(y) * static_cast<size_t>(step()) + static_cast<size_t>(x * channels + channel);
+    }
+    double atOr(double border, int x, int y, int channel) const {
+        const bool inside = x >= 0 && y >= 0 && x < size.width && y < size.height;
+        return inside ? bytes[indexOf(x, y, channel)] : border;
+    }
+
+    IppiSize size;
+    int channels;
+    Bytes bytes;
+};
+
+TEST(Rotate, PutsEachPixelWhereGeometrySays) {
+    Random random(303);
+    for (int round = 0; round < 40; ++round) {
+        SmoothImage source({random.between(30, 90), random.between(30, 90)}, round % 2 == 0 ? 1 : 3);
+        const IppiRect all = {0, 0, source.size.width, source.size.height};
+        const SmoothImage target({random.between(30, 120), random.between(30, 120)}, source.channels);
+        Bytes turned(target.bytes.size());
+        const double angle = random.chance(50) ? random.real(-5, 5) : random.real(-360, 360);
+        const int dx = random.between(-80, 80);
+        const int dy = random.between(-80, 80);
+        const cv::Scalar border(10, 200, 90);
+        ASSERT_EQ(ippiRotate(source.bytes.data(), source.size, source.step(), all, turned.data(), target.step(),
+                             {0, 0, target.size.width, target.size.height}, angle, static_cast<float>(dx),
+                             static_cast<float>(dy), kLinear, typeOf(source.channels), border),
+                  ippStsNoErr);
+        for (int y = 0; y < target.size.height; ++y)
+            for (int x = 0; x < target.size.width; ++x) {
+                const oracle::Point p = oracle::beforeTurn({double(x - dx), double(y - dy)}, {0, 0}, angle);
+                for (int k = 0; k < source.channels; ++k) {
+                    const auto at = [&](int sx, int sy) { return source.atOr(border[k], sx, sy, k); };
+                    ASSERT_TRUE(oracle::isNear(turned[target.indexOf(x, y, k)], at, p))
+                        << "round " << round << " angle " << angle << " pixel " << x << ' ' << y;
+                }
+            }
+    }
+}
+
+TEST(RotateCenter, PutsEachPixelWhereGeometrySays) {
+    Random random(304);
+    for (int round = 0; round < 40; ++round) {
+        SmoothImage source({random.between(30, 90), random.between(30, 90)}, round % 2 == 0 ? 1 : 3);
+        const IppiRect all = {0, 0, source.size.width, source.size.height};
+        Bytes turned(source.bytes.size());
+        const double angle = random.chance(50) ? random.real(-5, 5) : random.real(-360, 360);
+        const oracle::Point centre = {random.between(-60, 240) / 2.0, random.between(-60, 240) / 2.0};
+        const cv::Scalar border(10, 200, 90);
+        ASSERT_EQ(ippiRotateCenter(source.bytes.data(), source.size, source.step(), all, turned.data(), source.step(),
+                                   all, angle, centre.x, centre.y, kLinear, typeOf(source.channels), border),
+                  ippStsNoErr);
+        for (int y = 0; y < source.size.height; ++y)
+            for (int x = 0; x < source.size.width; ++x) {
+                const oracle::Point p = oracle::beforeTurn({double(x), double(y)}, centre, angle);
+                for (int k = 0; k < source.channels; ++k) {
+                    const auto at = [&](int sx, int sy) { return source.atOr(border[k], sx, sy, k); };
+                    ASSERT_TRUE(oracle::isNear(turned[source.indexOf(x, y, k)], at, p))
+                        << "round " << round << " angle " << angle << " pixel " << x << ' ' << y;
+                }
+            }
+    }
+}
+
+TEST(Rotate, WithoutTurnOrShiftCopies) {
+    Random random(305);
+    for (const int channels : {1, 3, 4}) {
+        const GuardedImage source(random, {37, 21}, {channels, 3, 0, 5});
+        GuardedImage target(random, {37, 21}, {channels, 2, 0, 1});
+        ASSERT_EQ(ippiRotate(source.data(), source.size(), source.step(), {0, 0, 37, 21}, target.data(), target.step(),
+                             {0, 0, 37, 21}, 0, 0, 0, kLinear, typeOf(channels), cv::Scalar::all(9)),
+                  ippStsNoErr);
+        EXPECT_TRUE(target.untouchedOutsideRegion());
+        for (int y = 0; y < 21; ++y)
+            EXPECT_EQ(Bytes(source.at(0, y), source.at(37, y)), Bytes(target.at(0, y), target.at(37, y)));
+    }
+}
+
+// The region {2, 1, 3, 2} of an image of 6 x 4 pixels, moved by a shift, without turning.
+Bytes moved(float xShift, float yShift, IppiSize target) {
+    Bytes image(24);
+    for (size_t i = 0; i < image.size(); ++i) image[i] = static_cast<uint8_t>(i);
+    Bytes out(static_cast<size_t>(target.width) * static_cast<size_t>(target.height));
+    EXPECT_EQ(ippiRotate(image.data(), {6, 4}, 6, {2, 1, 3, 2}, out.data(), target.width,
+                         {0, 0, target.width, target.height}, 0, xShift, yShift, kLinear, CV_8UC1, cv::Scalar(99)),
+              ippStsNoErr);
+    return out;
+}
+
+TEST(Rotate, RoundsHalvesOfAShiftAwayFromZero) {
+    EXPECT_EQ(moved(0.5F, 0.5F, {3, 2}), moved(1, 1, {3, 2}));
+    EXPECT_EQ(moved(-0.5F, -0.5F, {3, 2}), moved(-1, -1, {3, 2}));
+    EXPECT_EQ(moved(1.5F, -1.5F, {3, 2}), moved(2, -2, {3, 2}));
+    EXPECT_EQ(moved(2.5F, 0, {3, 2}), moved(3, 0, {3, 2}));
+    // The largest float below a half: adding a half to it in single precision would round up to 1.
+    const float belowHalf = std::nextafter(0.5F, 0.0F);
+    EXPECT_EQ(moved(belowHalf, -belowHalf, {3, 2}), moved(0, 0, {3, 2}));
+    EXPECT_NE(moved(1, 0, {3, 2}), moved(0, 0, {3, 2}));
+    EXPECT_NE(moved(0, 1, {3, 2}), moved(0, 0, {3, 2}));
+}
+
+TEST(Rotate, NegativeShiftReadsFurtherInWithoutPadding) {
+    // Row and column 1 of the region come first; one column and one row more than the region holds are padded, the
+    // column with what the image holds there.
+    EXPECT_EQ(moved(-1, -1, {2, 1}), (Bytes{15, 16}));
+    EXPECT_EQ(moved(-1, -1, {3, 2}), (Bytes{15, 16, 17, 99, 99, 99}));
+}
+
+TEST(Rotate, PositiveShiftPadsWithTheImageThenTheBorder) {
+    EXPECT_EQ(moved(1, 0, {3, 2}), (Bytes{7, 8, 9, 13, 14, 15}));
+    EXPECT_EQ(moved(3, 2, {4, 3}), (Bytes{99, 99, 99, 99, 99, 0, 1, 2, 99, 6, 7, 8}));
+}
+
+TEST(Rotate, LargerRectanglePadsRightAndBelow) {
+    EXPECT_EQ(moved(0, 0, {3, 2}), (Bytes{8, 9, 10, 14, 15, 16}));
+    // Right of the region the image goes on for one column; below it ends for the frame, wherever it really ends.
+    EXPECT_EQ(moved(0, 0, {5, 3}), (Bytes{8, 9, 10, 11, 99, 14, 15, 16, 17, 99, 99, 99, 99, 99, 99}));
+}
+
+TEST(Rotate, PaddingOnOneSideShowsTheImageOnThatSideOnly) {
+    // Padded below only, and turned a little: what the image holds left and right of the region stays unseen.
+    Bytes image(20 * 8, 250);
+    for (size_t y = 0; y < 8; ++y) std::fill_n(image.begin() + static_cast<ptrdiff_t>(20 * y + 5), 10, uint8_t{200});
+    Bytes out(10 * 9);
+    ASSERT_EQ(ippiRotate(image.data(), {20, 8}, 20, {5, 0, 10, 8}, out.data(), 10, {0, 0, 10, 9}, 8, 0, 0, kLinear,
+                         CV_8UC1, cv::Scalar(0)),
+              ippStsNoErr);
+    for (const uint8_t v : out) EXPECT_LE(v, 200);
+    EXPECT_EQ(out[0], 200);
+    EXPECT_EQ(out[10 * 8], 0);
+}
+
+TEST(Rotate, EveryBorderComponentIsRoundedAndClamped) {
+    Bytes pixel = {1, 2, 3, 4};
+    Bytes out(8);
+    ASSERT_EQ(ippiRotate(pixel.data(), {1, 1}, 4, {0, 0, 1, 1}, out.data(), 8, {0, 0, 2, 1}, 0, 0, 0, kLinear, CV_8UC4,
+                         cv::Scalar(-7, 300, 12.5, 13.5)),
+              ippStsNoErr);
+    EXPECT_EQ(out, (Bytes{1, 2, 3, 4, 0, 255, 12, 14}));
+}
+
+TEST(RotateCenter, LargerRectangleIsFilledInPart) {
+    Random random(306);
+    const GuardedImage source(random, {12, 9}, {});
+    GuardedImage target(random, {30, 20}, {});
+    ASSERT_EQ(ippiRotateCenter(source.data(), {12, 9}, source.step(), {0, 0, 12, 9}, target.data(), target.step(),
+                               {4, 5, 20, 14}, 0, 5.5, 4, kLinear, CV_8UC1, cv::Scalar(0)),
+              ippStsNoErr);
+    EXPECT_TRUE(target.untouchedOutside(4, 5, 12, 9));
+    for (int y = 0; y < 9; ++y)
+        EXPECT_EQ(Bytes(source.at(0, y), source.at(12, y)), Bytes(target.at(4, 5 + y), target.at(16, 5 + y)));
+}
+
+TEST(RotateCenter, SeesNothingAroundTheRegion) {
+    Bytes image(30 * 30, 200);
+    for (size_t y = 10; y < 20; ++y) std::fill_n(image.begin() + static_cast<ptrdiff_t>(30 * y + 10), 10, uint8_t{0});
+    Bytes out(100, 77);
+    ASSERT_EQ(ippiRotateCenter(image.data(), {30, 30}, 30, {10, 10, 10, 10}, out.data(), 10, {0, 0, 10, 10}, 30, 4.5,
+                               4.5, kLinear, CV_8UC1, cv::Scalar(0)),
+              ippStsNoErr);
+    EXPECT_EQ(out, Bytes(100, 0));
+}
+
+TEST(Rotate, PositiveAngleTurnsCounterClockwiseOnScreen) {
+    // A dot right of the corner goes up; with the corner moved into the middle it stays in sight.
+    Bytes image(21 * 21);
+    image[7] = 255;
+    Bytes out(21 * 21);
+    ASSERT_EQ(KVMac_ippiRotate_8u_C1R(image.data(), {21, 21}, 21, {0, 0, 21, 21}, out.data(), 21, {0, 0, 21, 21}, 90,
+                                      10, 10, kLinear),
+              noErr);
+    EXPECT_EQ(out[21 * 3 + 10], 255);
+    EXPECT_EQ(std::count(out.begin(), out.end(), 0), 21 * 21 - 1);
+}
+
+}    // namespace
