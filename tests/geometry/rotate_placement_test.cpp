@@ -46,30 +46,42 @@ struct SmoothImage {
     Bytes bytes;
 };
 
+// Packed rows, each pixel of which shows the point of the source that `pointOf(x, y)` names, or the border around it.
+template <class PointOf>
+void expectShown(const Bytes& turned, IppiSize size, const SmoothImage& source, const cv::Scalar& border,
+                 PointOf pointOf) {
+    auto value = turned.begin();
+    for (int y = 0; y < size.height; ++y)
+        for (int x = 0; x < size.width; ++x) {
+            const oracle::Point p = pointOf(x, y);
+            for (int k = 0; k < source.channels; ++k) {
+                const auto at = [&](int sx, int sy) { return source.atOr(border[k], sx, sy, k); };
+                ASSERT_TRUE(oracle::isNear(*value++, at, p)) << "pixel " << x << ' ' << y;
+            }
+        }
+}
+
 TEST(Rotate, PutsEachPixelWhereGeometrySays) {
     Random random(303);
     for (int round = 0; round < 40; ++round) {
         SmoothImage source({random.between(30, 90), random.between(30, 90)}, round % 2 == 0 ? 1 : 3);
         const IppiRect all = {0, 0, source.size.width, source.size.height};
-        const SmoothImage target({random.between(30, 120), random.between(30, 120)}, source.channels);
-        Bytes turned(target.bytes.size());
+        const IppiSize size = {random.between(30, 120), random.between(30, 120)};
+        const int step = size.width * source.channels;
+        Bytes turned(static_cast<size_t>(step) * static_cast<size_t>(size.height));
         const double angle = random.chance(50) ? random.real(-5, 5) : random.real(-360, 360);
         const int dx = random.between(-80, 80);
         const int dy = random.between(-80, 80);
         const cv::Scalar border(10, 200, 90);
-        ASSERT_EQ(ippiRotate(source.bytes.data(), source.size, source.step(), all, turned.data(), target.step(),
-                             {0, 0, target.size.width, target.size.height}, angle, static_cast<float>(dx),
-                             static_cast<float>(dy), kLinear, typeOf(source.channels), border),
+        ASSERT_EQ(ippiRotate(source.bytes.data(), source.size, source.step(), all, turned.data(), step,
+                             {0, 0, size.width, size.height}, angle, static_cast<float>(dx), static_cast<float>(dy),
+                             kLinear, typeOf(source.channels), border),
                   ippStsNoErr);
-        for (int y = 0; y < target.size.height; ++y)
-            for (int x = 0; x < target.size.width; ++x) {
-                const oracle::Point p = oracle::beforeTurn({double(x - dx), double(y - dy)}, {0, 0}, angle);
-                for (int k = 0; k < source.channels; ++k) {
-                    const auto at = [&](int sx, int sy) { return source.atOr(border[k], sx, sy, k); };
-                    ASSERT_TRUE(oracle::isNear(turned[target.indexOf(x, y, k)], at, p))
-                        << "round " << round << " angle " << angle << " pixel " << x << ' ' << y;
-                }
-            }
+        const auto pointOf = [&](int x, int y) {
+            return oracle::beforeTurn({double(x - dx), double(y - dy)}, {0, 0}, angle);
+        };
+        ASSERT_NO_FATAL_FAILURE(expectShown(turned, size, source, border, pointOf))
+            << "round " << round << " angle " << angle;
     }
 }
 
@@ -85,15 +97,9 @@ TEST(RotateCenter, PutsEachPixelWhereGeometrySays) {
         ASSERT_EQ(ippiRotateCenter(source.bytes.data(), source.size, source.step(), all, turned.data(), source.step(),
                                    all, angle, centre.x, centre.y, kLinear, typeOf(source.channels), border),
                   ippStsNoErr);
-        for (int y = 0; y < source.size.height; ++y)
-            for (int x = 0; x < source.size.width; ++x) {
-                const oracle::Point p = oracle::beforeTurn({double(x), double(y)}, centre, angle);
-                for (int k = 0; k < source.channels; ++k) {
-                    const auto at = [&](int sx, int sy) { return source.atOr(border[k], sx, sy, k); };
-                    ASSERT_TRUE(oracle::isNear(turned[source.indexOf(x, y, k)], at, p))
-                        << "round " << round << " angle " << angle << " pixel " << x << ' ' << y;
-                }
-            }
+        const auto pointOf = [&](int x, int y) { return oracle::beforeTurn({double(x), double(y)}, centre, angle); };
+        ASSERT_NO_FATAL_FAILURE(expectShown(turned, source.size, source, border, pointOf))
+            << "round " << round << " angle " << angle;
     }
 }
 
