@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
@@ -11,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "oracle/jpeg.h"
+#include "support/jpeg_compression.h"
 
 namespace {
 
@@ -30,31 +29,12 @@ Bytes raster(int channels) {
 // Compression by libjpeg with whatever `configure` sets.
 template <class Configure>
 Bytes encode(int channels, J_COLOR_SPACE space, Configure configure) {
-    jpeg_compress_struct cinfo;
-    jpeg_error_mgr errors;
-    cinfo.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&cinfo);
-    unsigned char* block = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&cinfo, &block, &size);
-    cinfo.image_width = kWidth;
-    cinfo.image_height = kHeight;
-    cinfo.input_components = channels;
-    cinfo.in_color_space = space;
-    jpeg_set_defaults(&cinfo);
-    jpeg_set_quality(&cinfo, 30, TRUE);
-    configure(cinfo);
-    jpeg_start_compress(&cinfo, TRUE);
-    Bytes pixels = raster(channels);
-    for (int y = 0; y < kHeight; ++y) {
-        JSAMPROW row = pixels.data() + static_cast<ptrdiff_t>(y) * kWidth * channels;
-        jpeg_write_scanlines(&cinfo, &row, 1);
-    }
-    jpeg_finish_compress(&cinfo);
-    jpeg_destroy_compress(&cinfo);
-    Bytes stream(block, block + size);
-    std::free(block);
-    return stream;
+    const Bytes pixels = raster(channels);
+    return compressJpeg({pixels.data(), ptrdiff_t{kWidth} * channels, kWidth, kHeight, channels, space},
+                        [&configure](jpeg_compress_struct& cinfo) {
+                            jpeg_set_quality(&cinfo, 30, TRUE);
+                            configure(cinfo);
+                        });
 }
 
 Bytes segment(uint8_t marker, const Bytes& payload) {

@@ -8,6 +8,7 @@
 
 #include "jpeg/survey.h"
 #include "support/fenced_memory.h"
+#include "support/jpeg_compression.h"
 #include "support/jpeg_reading.h"
 #include "support/random.h"
 
@@ -134,32 +135,13 @@ Bytes scanned(int scans, int width, int height) {
     for (int k = 1; k < 64; ++k) script.push_back({1, {0}, k, k, 0, k <= refined ? 1 : 0});
     for (int k = 1; k <= refined; ++k) script.push_back({1, {0}, k, k, 1, 0});
 
-    jpeg_compress_struct cinfo;
-    jpeg_error_mgr errors;
-    cinfo.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&cinfo);
-    unsigned char* block = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&cinfo, &block, &size);
-    cinfo.image_width = static_cast<JDIMENSION>(width);
-    cinfo.image_height = static_cast<JDIMENSION>(height);
-    cinfo.input_components = 1;
-    cinfo.in_color_space = JCS_GRAYSCALE;
-    jpeg_set_defaults(&cinfo);
-    cinfo.scan_info = script.data();
-    cinfo.num_scans = static_cast<int>(script.size());
-    jpeg_start_compress(&cinfo, TRUE);
     Random random(41);
     const Bytes pixels = drawing(random, width, height, 1);
-    for (int y = 0; y < height; ++y) {
-        auto* row = const_cast<JSAMPROW>(pixels.data() + ptrdiff_t{y} * width);
-        jpeg_write_scanlines(&cinfo, &row, 1);
-    }
-    jpeg_finish_compress(&cinfo);
-    jpeg_destroy_compress(&cinfo);
-    Bytes stream(block, block + size);
-    std::free(block);
-    return stream;
+    return compressJpeg({pixels.data(), width, width, height, 1, JCS_GRAYSCALE},
+                        [&script](jpeg_compress_struct& cinfo) {
+                            cinfo.scan_info = script.data();
+                            cinfo.num_scans = static_cast<int>(script.size());
+                        });
 }
 
 TEST(ReadJPEG, AHundredScansAreReadAndOneMoreIsRefused) {

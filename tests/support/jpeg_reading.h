@@ -140,30 +140,9 @@ inline void expectUntouched(const Reading& r) {
 
 // Four components, as print shops make them. Without a marker of Adobe's they are taken as they stand.
 inline Bytes fourComponents(Random& random, int width, int height, J_COLOR_SPACE stored) {
-    jpeg_compress_struct cinfo;
-    jpeg_error_mgr errors;
-    cinfo.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&cinfo);
-    unsigned char* block = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&cinfo, &block, &size);
-    cinfo.image_width = static_cast<JDIMENSION>(width);
-    cinfo.image_height = static_cast<JDIMENSION>(height);
-    cinfo.input_components = 4;
-    cinfo.in_color_space = JCS_CMYK;
-    jpeg_set_defaults(&cinfo);
-    jpeg_set_colorspace(&cinfo, stored);
-    jpeg_start_compress(&cinfo, TRUE);
     const Bytes pixels = drawing(random, width, height, 4);
-    for (int y = 0; y < height; ++y) {
-        auto* row = const_cast<JSAMPROW>(pixels.data() + ptrdiff_t{y} * width * 4);
-        jpeg_write_scanlines(&cinfo, &row, 1);
-    }
-    jpeg_finish_compress(&cinfo);
-    jpeg_destroy_compress(&cinfo);
-    Bytes stream(block, block + size);
-    std::free(block);
-    return stream;
+    return compressJpeg({pixels.data(), ptrdiff_t{width} * 4, width, height, 4, JCS_CMYK},
+                        [stored](jpeg_compress_struct& cinfo) { jpeg_set_colorspace(&cinfo, stored); });
 }
 
 // Where no row could be decoded, OpenCV hands out one row of memory that it never wrote, again and again; such a stream
