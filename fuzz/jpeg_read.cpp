@@ -3,39 +3,12 @@
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
-#include "core/ownership.h"
 #include "support.h"
+#include "support/reading.h"
 
 namespace {
 
 using fuzz::require;
-
-struct Reading {
-    OSErr status = noErr;
-    KVImageDescription description{-1, -2, 300, 600, 77, -3};
-    RecordPtr image;
-};
-
-Reading read(const std::vector<uint8_t>& stream) {
-    Reading r;
-    KVImageDescription* record = &r.description;
-    KVImageDescriptionHandle handle = &record;
-    KVIMG* image = nullptr;
-    r.status = ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
-    r.image.reset(image);
-    return r;
-}
-
-Reading readSplit(const std::vector<uint8_t>& stream, int width, int height) {
-    Reading r;
-    r.description.width = width;
-    r.description.height = height;
-    KVImageDescription* record = &r.description;
-    KVIMG* image = nullptr;
-    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
-    r.image.reset(image);
-    return r;
-}
 
 // The record describes its block, and the description the record.
 void requireWhole(const Reading& r) {
@@ -57,14 +30,6 @@ cv::Mat decode(const std::vector<uint8_t>& stream, int flags) {
     cv::Mat image;
     fuzz::survives([&] { image = cv::imdecode(stream, flags); });
     return image;
-}
-
-// OpenCV gives a stream of which it decoded no row as one row of memory that it never wrote, again and again.
-bool holdsNoRow(const cv::Mat& image) {
-    const size_t rowBytes = static_cast<size_t>(image.cols) * image.elemSize();
-    for (int y = 1; y < image.rows; ++y)
-        if (!std::equal(image.ptr(y), image.ptr(y) + rowBytes, image.ptr(0))) return false;
-    return true;
 }
 
 // An upper bound: the markers may stand in other segments.

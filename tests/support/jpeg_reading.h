@@ -4,17 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
-#include "OPCV_dlib.h"
-#include "core/ownership.h"
 #include "oracle/jpeg.h"
 #include "support/random.h"
+#include "support/reading.h"
 
 using Bytes = std::vector<uint8_t>;
 
@@ -68,35 +66,6 @@ inline Bytes withOrientation(const Bytes& stream, uint8_t orientation) {
     return all;
 }
 
-struct Reading {
-    OSErr status = 0;
-    RecordPtr image;
-    KVImageDescription description{-1, -2, 300, 600, 77, -3};
-
-    Bytes pixels() const { return {image->data, image->data + image->size}; }
-};
-
-inline Reading read(const Bytes& stream, decltype(&ReadJPEG) reader = ReadJPEG) {
-    Reading r;
-    KVImageDescription* record = &r.description;
-    KVImageDescriptionHandle handle = &record;
-    KVIMG* image = nullptr;
-    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
-    r.image.reset(image);
-    return r;
-}
-
-inline Reading readSplit(const Bytes& stream, int width, int height) {
-    Reading r;
-    r.description.width = width;
-    r.description.height = height;
-    KVImageDescription* record = &r.description;
-    KVIMG* image = nullptr;
-    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
-    r.image.reset(image);
-    return r;
-}
-
 inline cv::Mat decodeWithOpenCV(const Bytes& stream, int flags) {
     cv::Mat image;
     try {
@@ -143,16 +112,6 @@ inline Bytes fourComponents(Random& random, int width, int height, J_COLOR_SPACE
     const Bytes pixels = drawing(random, width, height, 4);
     return compressJpeg({pixels.data(), ptrdiff_t{width} * 4, width, height, 4, JCS_CMYK},
                         [stored](jpeg_compress_struct& cinfo) { jpeg_set_colorspace(&cinfo, stored); });
-}
-
-// Where no row could be decoded, OpenCV hands out one row of memory that it never wrote, again and again; such a stream
-// is refused. Everywhere else a stream that ends early gives the decoder's partial page.
-inline bool holdsNoRow(const cv::Mat& expected) {
-    if (!expected.data) return false;
-    const size_t rowBytes = static_cast<size_t>(expected.cols) * expected.elemSize();
-    for (int y = 1; y < expected.rows; ++y)
-        if (std::memcmp(expected.ptr(y), expected.ptr(0), rowBytes) != 0) return false;
-    return true;
 }
 
 // A colour stream with nothing behind its headers.

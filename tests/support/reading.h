@@ -1,0 +1,50 @@
+// What the readers of JPEG streams give back.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <opencv2/core.hpp>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "core/ownership.h"
+
+struct Reading {
+    OSErr status = noErr;
+    RecordPtr image;
+    KVImageDescription description{-1, -2, 300, 600, 77, -3};
+
+    std::vector<uint8_t> pixels() const { return {image->data, image->data + image->size}; }
+};
+
+inline Reading read(const std::vector<uint8_t>& stream, decltype(&ReadJPEG) reader = ReadJPEG) {
+    Reading r;
+    KVImageDescription* record = &r.description;
+    KVImageDescriptionHandle handle = &record;
+    KVIMG* image = nullptr;
+    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
+    r.image.reset(image);
+    return r;
+}
+
+inline Reading readSplit(const std::vector<uint8_t>& stream, int width, int height) {
+    Reading r;
+    r.description.width = width;
+    r.description.height = height;
+    KVImageDescription* record = &r.description;
+    KVIMG* image = nullptr;
+    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
+    r.image.reset(image);
+    return r;
+}
+
+// Where no row could be decoded, OpenCV hands out one row of memory that it never wrote, again and again; such a stream
+// is refused. Everywhere else a stream that ends early gives the decoder's partial page.
+inline bool holdsNoRow(const cv::Mat& decoded) {
+    if (!decoded.data) return false;
+    const size_t rowBytes = static_cast<size_t>(decoded.cols) * decoded.elemSize();
+    for (int y = 1; y < decoded.rows; ++y)
+        if (std::memcmp(decoded.ptr(y), decoded.ptr(0), rowBytes) != 0) return false;
+    return true;
+}
