@@ -22,8 +22,8 @@
 #include <utility>
 #include <vector>
 
-#include "counting_heap.h"
 #include "support.h"
+#include "support/heap_meter.h"
 
 namespace bench {
 namespace {
@@ -63,8 +63,8 @@ struct Figures {
     double ratio = 0;
     double copy = 0;
     double ratioToCopy = 0;
-    HeapUse oursHeap;
-    HeapUse plainHeap;
+    HeapMeter::Use oursHeap;
+    HeapMeter::Use plainHeap;
 };
 
 Figures measure(const Comparison& comparison, int rounds) {
@@ -91,8 +91,8 @@ Figures measure(const Comparison& comparison, int rounds) {
         times[1] = times[2];
         ratios[1] = ratios[2];
     }
-    return {median(times[0]),  median(times[1]),   median(ratios[1]), median(times[2]),
-            median(ratios[2]), heapUseOf(runs[0]), heapUseOf(runs[1])};
+    return {median(times[0]),  median(times[1]),       median(ratios[1]),     median(times[2]),
+            median(ratios[2]), HeapMeter::of(runs[0]), HeapMeter::of(runs[1])};
 }
 
 // The table, by the name of a comparison.
@@ -112,7 +112,7 @@ public:
              << subject.size.width << 'x' << subject.size.height << '\t' << threads << '\t' << subject.bytesRead << '\t'
              << subject.bytesWritten << '\t' << figures.ours << '\t' << comparison.plain.name << '\t' << figures.plain
              << '\t' << figures.ratio << '\t' << figures.copy << '\t' << figures.ratioToCopy << '\t'
-             << figures.oursHeap.peak << '\t' << figures.oursHeap.blocks << '\t' << figures.plainHeap.peak << '\t'
+             << figures.oursHeap.most << '\t' << figures.oursHeap.blocks << '\t' << figures.plainHeap.most << '\t'
              << figures.plainHeap.blocks;
         lines_[name] = line.str();
     }
@@ -149,7 +149,7 @@ void registerComparison(const Comparison& comparison, int threads, int rounds, R
                                          std::printf("| %s | %.4f | %s %.4f | %.2f | memcpy %.2f | %zu in %zu |\n",
                                                      name.c_str(), 1000 * figures.ours, comparison.plain.name.c_str(),
                                                      1000 * figures.plain, figures.ratio, figures.ratioToCopy,
-                                                     figures.oursHeap.peak, figures.oursHeap.blocks);
+                                                     figures.oursHeap.most, figures.oursHeap.blocks);
                                          std::fflush(stdout);
                                      }
                                  })

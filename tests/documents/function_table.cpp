@@ -27,7 +27,7 @@
 #include <vector>
 
 #include "../../examples/pagegen/sheet.h"
-#include "heap_meter.h"
+#include "support/heap_meter.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// The heap of the test program: malloc and its kin, operator new included, for the program and every library in it. On
-// demand the n-th allocation of a call fails, and what the call has allocated and not freed is counted.
+// The heap of the test program and of every library in it. On demand the n-th allocation of a call fails, and what the
+// call has allocated and not freed is counted.
 #pragma once
 
 #include <cstddef>
