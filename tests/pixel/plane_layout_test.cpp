@@ -6,7 +6,7 @@
 
 #include "OPCV_dlib.h"
 #include "support/cv_views.h"
-#include "support/fenced_memory.h"
+#include "support/fenced_planes.h"
 #include "support/guarded_image.h"
 #include "support/guarded_planes.h"
 #include "support/random.h"
@@ -77,17 +77,10 @@ TEST(PlaneLayout, StepsThatAreNoMultipleOf3MoveFurtherRowsBack) {
 }
 
 TEST(PlaneLayout, ReadsAndWritesNoByteTooMany) {
-    for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
-        for (int width = 1; width <= 140; ++width) {
-            const auto count = static_cast<size_t>(width);
-            FencedMemory packed(3 * count, fence);
-            FencedMemory first(count, fence);
-            FencedMemory second(count, fence);
-            FencedMemory third(count, fence);
-            unsigned char* const planes[3] = {first.data(), second.data(), third.data()};
-            ASSERT_EQ(IPPMini_ippiCopy_8u_C3P3R(packed.data(), 3 * width, planes, width, {width, 1}), ippStsNoErr);
-            ASSERT_EQ(IPPMini_ippiCopy_8u_P3C3R(planes, width, packed.data(), 3 * width, {width, 1}), ippStsNoErr);
-        }
+    forEachFencedRow([](unsigned char* packed, unsigned char* const* planes, int width) {
+        ASSERT_EQ(IPPMini_ippiCopy_8u_C3P3R(packed, 3 * width, planes, width, {width, 1}), ippStsNoErr);
+        ASSERT_EQ(IPPMini_ippiCopy_8u_P3C3R(planes, width, packed, 3 * width, {width, 1}), ippStsNoErr);
+    });
 }
 
 TEST(PlaneLayout, SplittingRefusesBadArguments) {
