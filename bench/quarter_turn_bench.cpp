@@ -4,22 +4,12 @@
 
 #include "OPCV_dlib.h"
 #include "core/ownership.h"
+#include "page_record.h"
 #include "support.h"
 
 namespace {
 
-// A page record over a shared page, and a description of it.
-struct PageRecord {
-    PageRecord(IppiSize size, int depth)
-        : page(bench::source(size, depth / 8)),
-          record{const_cast<uint8_t*>(page.data()), depth, size.width, size.height, page.step(), 0},
-          description{size.width, size.height, 300, 300, 0, static_cast<int16_t>(depth)} {}
-
-    const bench::Page& page;
-    KVIMG record;
-    KVImageDescription description;
-    KVImageDescription* pointer = &description;
-};
+using bench::PageRecord;
 
 cv::Mat viewOf(const KVIMG& record) {
     return {record.height, record.width, CV_MAKETYPE(CV_8U, record.depth / 8), record.data,

@@ -4,9 +4,12 @@
 #include "OPCV_dlib.h"
 #include "core/ownership.h"
 #include "oracle/rotation.h"
+#include "page_record.h"
 #include "support.h"
 
 namespace {
+
+using bench::PageRecord;
 
 struct Shift {
     double x = 0;
@@ -43,19 +46,6 @@ void compareRegion(IppiSize size, int channels, double angle) {
         }),
         [&to, &expected] { return to.sameRegion(expected); });
 }
-
-// A page record over a shared page, and a description of it.
-struct PageRecord {
-    PageRecord(IppiSize size, int depth)
-        : page(bench::source(size, depth / 8)),
-          record{const_cast<uint8_t*>(page.data()), depth, size.width, size.height, page.step(), 0},
-          description{size.width, size.height, 300, 300, 0, static_cast<int16_t>(depth)} {}
-
-    const bench::Page& page;
-    KVIMG record;
-    KVImageDescription description;
-    KVImageDescription* pointer = &description;
-};
 
 // A new record filled by the plain calls.
 template <class Fill>
