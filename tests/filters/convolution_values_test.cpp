@@ -1,0 +1,76 @@
+// Convolutions whose results are known without a computation beside them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "filters/convolution_call.h"
+#include "oracle/filters.h"
+#include "support/guarded_image.h"
+#include "support/random.h"
+
+namespace {
+
+TEST(Convolution, ASingleCellCopiesOrShifts) {
+    Random random(606);
+    const std::vector<int> centre = {0, 0, 0, 0, 1, 0, 0, 0, 0};
+    const GuardedImage src(random, {50, 4}, {1, 3, 0, 0});
+    GuardedImage dst(random, {50, 4}, {});
+    ASSERT_EQ(filter(k8uC1, src, dst, Kernel<int>{{3, 3}, {1, 1}, centre}, 1), ippStsNoErr);
+    EXPECT_TRUE(sameRegion(dst, src));
+    ASSERT_EQ(filter(k8uC1, src, dst, Kernel<int>{{3, 3}, {0, 0}, centre}, 1), ippStsNoErr);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 50; ++x) ASSERT_EQ(*dst.at(x, y), *src.at(x - 1, y - 1));
+}
+
+TEST(Convolution, OnesOverNineGiveTheRoundedMean) {
+    Random random(607);
+    const GuardedImage src(random, {64, 4}, {1, 3, 0, 0});
+    GuardedImage dst(random, {64, 4}, {});
+    ASSERT_EQ(filter(k8uC1, src, dst, Kernel<int>{{3, 3}, {1, 1}, std::vector<int>(9, 1)}, 9), ippStsNoErr);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 64; ++x) {
+            const auto at = [&](int column, int row) { return *src.at(column, row); };
+            ASSERT_EQ(*dst.at(x, y), (oracle::boxSum(at, x, y, {3, 3}, {1, 1}) + 4) / 9);
+        }
+}
+
+TEST(Convolution, HalvesAreRoundedToEven) {
+    std::array<uint8_t, 8> src = {0, 1, 2, 3, 4, 5, 6, 7};
+    std::array<uint8_t, 8> dst{};
+    const int one = 1;
+    ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(src.data(), 8, dst.data(), 8, {8, 1}, &one, {1, 1}, {0, 0}, 2), ippStsNoErr);
+    EXPECT_EQ(dst, (std::array<uint8_t, 8>{0, 0, 1, 2, 2, 2, 3, 4}));
+}
+
+TEST(Convolution, SaturatesAtBothEnds) {
+    const std::array<short, 4> src = {30000, -30000, 20000, -16384};
+    std::array<short, 4> dst{};
+    const std::array<int, 2> cells = {2, -2};
+    ASSERT_EQ(IPPShare_ippiFilter_16s_C1R(src.data(), 8, dst.data(), 8, {4, 1}, cells.data(), {1, 1}, {0, 0}, 1),
+              ippStsNoErr);
+    EXPECT_EQ(dst, (std::array<short, 4>{32767, -32768, 32767, -32768}));
+    ASSERT_EQ(IPPShare_ippiFilter_16s_C1R(src.data(), 8, dst.data(), 8, {4, 1}, &cells[1], {1, 1}, {0, 0}, 1),
+              ippStsNoErr);
+    EXPECT_EQ(dst, (std::array<short, 4>{-32768, 32767, -32768, 32767}));
+
+    const std::array<uint8_t, 3> grey = {0, 100, 200};
+    std::array<uint8_t, 3> filtered{};
+    ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(grey.data(), 3, filtered.data(), 3, {3, 1}, cells.data(), {1, 1}, {0, 0}, 1),
+              ippStsNoErr);
+    EXPECT_EQ(filtered, (std::array<uint8_t, 3>{0, 200, 255}));
+    ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(grey.data(), 3, filtered.data(), 3, {3, 1}, cells.data(), {1, 1}, {0, 0}, -1),
+              ippStsNoErr);
+    EXPECT_EQ(filtered, (std::array<uint8_t, 3>{0, 0, 0}));
+}
+
+TEST(Convolution, AKernelOfZerosGivesZero) {
+    Random random(608);
+    const GuardedImage src(random, {33, 3}, {3, 2, 0, 0});
+    GuardedImage dst(random, {33, 3}, {3, 0, 0, 0});
+    ASSERT_EQ(filter(k8uC3, src, dst, Kernel<float>{{3, 3}, {1, 1}, std::vector<float>(9)}, 1), ippStsNoErr);
+    for (int y = 0; y < 3; ++y) EXPECT_TRUE(std::all_of(dst.at(0, y), dst.at(33, y), [](int v) { return v == 0; }));
+}
+
+}    // namespace

@@ -1,0 +1,15 @@
+// Whether two images hold the same bytes in their regions, and where not.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "support/guarded_image.h"
+
+inline testing::AssertionResult sameRows(const GuardedImage& a, const GuardedImage& b) {
+    for (int y = 0; y < a.size().height; ++y)
+        for (int x = 0; x < a.rowBytes(); ++x)
+            if (a.at(0, y)[x] != b.at(0, y)[x])
+                return testing::AssertionFailure() << "byte " << x << " of row " << y << " is " << int{a.at(0, y)[x]}
+                                                   << " instead of " << int{b.at(0, y)[x]};
+    return testing::AssertionSuccess();
+}
