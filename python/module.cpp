@@ -9,8 +9,11 @@ PYBIND11_MODULE(_native, module) {
         "init", [] { return IppInit() | IPPMini_ippStaticInit() | IPPShare_ippStaticInit(); },
         "Does nothing and returns 0; there is nothing to initialise.\n\n"
         "Calls `IppInit`, `IPPMini_ippStaticInit` and `IPPShare_ippStaticInit`.");
+    binding::addRankFilters(module);
+    binding::addConvolutions(module);
     binding::addFilters(module);
     binding::addPixelFunctions(module);
     binding::addGeometry(module);
     binding::addPages(module);
+    binding::addJpeg(module);
 }

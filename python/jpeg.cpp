@@ -1,0 +1,231 @@
+// JPEG streams: their reading into pages, and the compression of pages and arrays.
+#include <pybind11/stl.h>
+
+#include <climits>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "arrays.h"
+#include "bindings.h"
+#include "jpeg_resolution.h"
+#include "page.h"
+
+namespace binding {
+
+namespace {
+
+using namespace py::literals;
+
+constexpr int kLongestJpegSide = 65500;
+
+// A stream that the library hands over.
+struct Stream {
+    void* data = nullptr;
+    unsigned size = 0;
+
+    Stream() = default;
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+    ~Stream() { std::free(data); }
+    py::bytes bytes() const { return {static_cast<const char*>(data), size}; }
+};
+
+void checkJpegSides(const Argument& argument, int width, int height) {
+    if (width > kLongestJpegSide || height > kLongestJpegSide)
+        refuse(argument, "has a side above 65500 pixels, which JPEG does not hold");
+}
+
+py::bytes compressJpeg(const Page& page, int mode) {
+    const Argument argument = {"compress_jpeg", "page"};
+    checkJpegSides(argument, page.record().width, page.record().height);
+    if (page.dpi().x != page.dpi().y)
+        refuse(argument, "has two resolutions, of which CompressJPEG stores one; see compress_jpeg_ex");
+    Stream stream;
+    run("CompressJPEG",
+        [&] { return int{CompressJPEG(&page.record(), page.dpi().x, mode, &stream.data, &stream.size)}; });
+    return stream.bytes();
+}
+
+using Compressor = OSErr (*)(const KVIMG*, KVImageDescriptionHandle, int, void**, unsigned*);
+
+py::bytes compressDescribed(const char* function, const char* libraryFunction, Compressor compress, const Page& page,
+                            int mode) {
+    checkJpegSides({function, "page"}, page.record().width, page.record().height);
+    KVImageDescription description = page.description();
+    KVImageDescription* record = &description;
+    Stream stream;
+    run(libraryFunction, [&] { return int{compress(&page.record(), &record, mode, &stream.data, &stream.size)}; });
+    return stream.bytes();
+}
+
+py::bytes compressJpegEx(const Page& page, int mode) {
+    return compressDescribed("compress_jpeg_ex", "CompressJPEGEx", CompressJPEGEx, page, mode);
+}
+
+py::bytes compressJpegWithIPP(const Page& page, int mode) {
+    return compressDescribed("compress_jpeg_with_ipp", "CompressJPEGWithIPP", CompressJPEGWithIPP, page, mode);
+}
+
+struct Raster {
+    Image image;
+    int quality;
+    Dpi dpi;
+};
+
+Raster rasterOf(const char* function, const py::array& pixels, const Form& form, int quality, int64_t dpiX,
+                const std::optional<int64_t>& dpiY) {
+    constexpr int kBest = 100;
+    const Image image = imageOf({function, "pixels"}, pixels, form);
+    checkJpegSides({function, "pixels"}, image.width, image.height);
+    if (quality < 1 || quality > kBest) refuse(Argument{function, "quality"}, "must be 1 to 100");
+    return {image, quality, dpiOf(function, dpiX, dpiY)};
+}
+
+template <typename Call>
+py::bytes compressed(const char* libraryFunction, Call call) {
+    std::vector<unsigned char> out;
+    bool done = false;
+    run(libraryFunction, [&] {
+        done = call(out);
+        return 0;
+    });
+    if (!done) fail(libraryFunction, "the encoder failed");
+    return {reinterpret_cast<const char*>(out.data()), out.size()};
+}
+
+py::bytes compressGray(const py::array& pixels, int quality, int64_t dpiX, const std::optional<int64_t>& dpiY,
+                       bool customTables) {
+    const Raster r = rasterOf("compress_gray", pixels, kGrey, quality, dpiX, dpiY);
+    const Image& i = r.image;
+    return compressed("CompressGray2Gray444", [&](std::vector<unsigned char>& out) {
+        return CompressGray2Gray444(i.data, i.step, i.width, i.height, out, r.quality, r.dpi.y, r.dpi.x, customTables);
+    });
+}
+
+py::bytes compressRGB444(const py::array& pixels, int quality, int64_t dpiX, const std::optional<int64_t>& dpiY,
+                         bool customTables) {
+    const Raster r = rasterOf("compress_rgb_444", pixels, kColour, quality, dpiX, dpiY);
+    const Image& i = r.image;
+    return compressed("CompressRGB2YCbCr444", [&](std::vector<unsigned char>& out) {
+        return CompressRGB2YCbCr444(i.data, i.step, i.width, i.height, out, r.quality, r.dpi.y, r.dpi.x, customTables);
+    });
+}
+
+py::bytes compressRGB411(const py::array& pixels, int quality, int64_t dpiX, const std::optional<int64_t>& dpiY) {
+    const Raster r = rasterOf("compress_rgb_411", pixels, kColour, quality, dpiX, dpiY);
+    const Image& i = r.image;
+    return compressed("CompressRGB2YCbCr411", [&](std::vector<unsigned char>& out) {
+        return CompressRGB2YCbCr411(i.data, i.step, i.width, i.height, out, r.quality, r.dpi.y, r.dpi.x);
+    });
+}
+
+// The bytes of an object, which cannot be resized meanwhile.
+class Bytes {
+public:
+    Bytes(const Argument& argument, const py::object& object) {
+        if (PyObject_GetBuffer(object.ptr(), &view_, PyBUF_SIMPLE) != 0) throw py::error_already_set();
+        if (view_.len > 0 && static_cast<uint64_t>(view_.len) <= UINT_MAX) return;
+        PyBuffer_Release(&view_);
+        refuse(argument, "is empty or has 2^32 bytes or more");
+    }
+    Bytes(const Bytes&) = delete;
+    Bytes& operator=(const Bytes&) = delete;
+    ~Bytes() { PyBuffer_Release(&view_); }
+
+    const unsigned char* data() const { return static_cast<const unsigned char*>(view_.buf); }
+    unsigned size() const { return static_cast<unsigned>(view_.len); }
+
+private:
+    Py_buffer view_{};
+};
+
+// The record that a stream gave, with the resolution that the stream states.
+PagePtr pageRead(KVIMG* image, const Bytes& stream, int otherwise) {
+    PagePtr page = pageOf(image, {});
+    const Dpi dpi = resolutionOf(stream.data(), stream.size(), *image, otherwise);
+    page->setDpiX(dpi.x);
+    page->setDpiY(dpi.y);
+    return page;
+}
+
+PagePtr readJpeg(const py::object& data, int64_t defaultDpi) {
+    const char* function = "read_jpeg";
+    const Bytes stream({function, "data"}, data);
+    const int otherwise = dpiOf({function, "default_dpi"}, defaultDpi);
+    KVIMG* image = nullptr;
+    run("ReadJPEG", [&] {
+        KVImageDescription description{};
+        KVImageDescription* record = &description;
+        KVImageDescriptionHandle handle = &record;
+        return int{ReadJPEG(stream.data(), stream.size(), &handle, &image)};
+    });
+    return pageRead(image, stream, otherwise);
+}
+
+PagePtr readSplitJpeg(const py::object& data, const Pair& size, int64_t defaultDpi) {
+    const char* function = "read_split_jpeg";
+    const Bytes stream({function, "data"}, data);
+    const IppiSize stated = sizeOf({function, "size"}, size);
+    const int otherwise = dpiOf({function, "default_dpi"}, defaultDpi);
+    KVIMG* image = nullptr;
+    run("ReadSplitJPEG", [&] {
+        KVImageDescription description{};
+        description.width = stated.width;
+        description.height = stated.height;
+        KVImageDescription* record = &description;
+        return int{ReadSplitJPEG(stream.data(), stream.size(), &record, &image)};
+    });
+    return pageRead(image, stream, otherwise);
+}
+
+}    // namespace
+
+void addJpeg(py::module_& module) {
+    module.def("read_jpeg", readJpeg, "data"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
+               R"(Reads a JPEG stream (bytes or another buffer): a page of depth 8 if it is grey, otherwise 24.
+
+The resolution is what the JFIF header says, or `default_dpi`.
+
+Calls `ReadJPEG`, of which `ReadJPEGWithIPP` is a second name.)");
+    module.def("read_split_jpeg", readSplitJpeg, "data"_a, "size"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
+               R"(Reads a JPEG stream of known size (width, height), always into 24 bits; otherwise as `read_jpeg`.
+
+Calls `ReadSplitJPEG`.)");
+    module.def("compress_jpeg", compressJpeg, "page"_a, "mode"_a,
+               R"(Compresses a page of depth 8 or 24 with the library's own quantisation tables, without subsampling.
+
+`mode` is 0, 286, 389, 450 or 788 (best). The page's resolution is stored; it must be the same in both directions.
+
+Calls `CompressJPEG`.)");
+    module.def("compress_jpeg_ex", compressJpegEx, "page"_a, "mode"_a,
+               R"(Compresses a page of depth 8 or 24 with libjpeg's quantisation tables; colour is subsampled 2 x 2.
+
+`mode` is 0, 286, 389, 450 or 788 (best). The page's two resolutions are stored.
+
+Calls `CompressJPEGEx`, of which `CompressJPEGWithIPPEx` is a second name.)");
+    module.def("compress_jpeg_with_ipp", compressJpegWithIPP, "page"_a, "mode"_a,
+               R"(`compress_jpeg_ex` with a scale of qualities of its own.
+
+Calls `CompressJPEGWithIPP`.)");
+    module.def("compress_gray", compressGray, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
+               "dpi_y"_a = py::none(), "custom_tables"_a = true,
+               R"(Compresses a grey array with a quality of 1 to 100.
+
+`custom_tables`: the library's own quantisation table instead of libjpeg's.
+
+Calls `CompressGray2Gray444`.)");
+    module.def("compress_rgb_444", compressRGB444, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
+               "dpi_y"_a = py::none(), "custom_tables"_a = true,
+               R"(Compresses a colour array without subsampling; otherwise as `compress_gray`.
+
+Calls `CompressRGB2YCbCr444`.)");
+    module.def(
+        "compress_rgb_411", compressRGB411, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
+        "dpi_y"_a = py::none(),
+        R"(Compresses a colour array with chroma subsampled 2 x 2 and libjpeg's tables; otherwise as `compress_gray`.
+
+Calls `CompressRGB2YCbCr411`.)");
+}
+
+}    // namespace binding
