@@ -4,24 +4,22 @@
 //     gallery DOCS_FOLDER --check    fails if what is there differs from what it would write
 #include <OPCV_dlib.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <leptonica/allheaders.h>
-
 #include "../pagegen/sheet.h"
+#include "document.h"
+#include "measures.h"
+#include "pictures.h"
+#include "records.h"
 
 namespace {
 
@@ -30,201 +28,8 @@ constexpr std::array<int, 5> kModes = {0, 286, 389, 450, 788};
 constexpr int kMask3x3 = 33;
 constexpr int kMask5x5 = 55;
 
-struct RecordDeleter {
-    void operator()(KVIMG* record) const { DisposeKVIMG(record); }
-};
-using Record = std::unique_ptr<KVIMG, RecordDeleter>;
-
-void require(int status, const char* step) {
-    if (status != 0) throw std::runtime_error(std::string(step) + " failed with status " + std::to_string(status));
-}
-
-// A page as it passes between OpenCV's functions and ours: red, green, blue, or grey, without padding.
-Record recordOf(const cv::Mat& page) {
-    const KVRect all = {0, 0, page.rows, page.cols};
-    KVIMG* made = nullptr;
-    require(CreateNewKVIMGPtr(&made, &all, static_cast<unsigned char>(8 * page.elemSize())), "making a record");
-    Record record(made);
-    for (int y = 0; y < page.rows; ++y)
-        std::memcpy(record->data + ptrdiff_t{y} * record->rowBytes, page.ptr(y),
-                    static_cast<size_t>(page.cols) * page.elemSize());
-    return record;
-}
-
-cv::Mat pageOf(const KVIMG& record) {
-    const int type = record.depth == 8 ? CV_8UC1 : CV_8UC3;
-    return cv::Mat(record.height, record.width, type, record.data, static_cast<size_t>(record.rowBytes)).clone();
-}
-
-cv::Mat greyOf(const cv::Mat& page) {
-    if (page.channels() == 1) return page;
-    cv::Mat grey;
-    cv::cvtColor(page, grey, cv::COLOR_RGB2GRAY);
-    return grey;
-}
-
-KVImageDescription descriptionOf(const KVIMG& record) {
-    return {record.width, record.height, kSheetDpi, kSheetDpi, 0, static_cast<int16_t>(record.depth)};
-}
-
-// --- What is measured
-
-double meanAbsoluteError(const cv::Mat& a, const cv::Mat& b) {
-    return cv::norm(a, b, cv::NORM_L1) / (static_cast<double>(a.total()) * a.channels());
-}
-
-std::string fixed(double value, int digits) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.*f", digits, value);
-    return text;
-}
-
-// "1.25 | 33.1 dB"
-std::string errorCells(const cv::Mat& page, const cv::Mat& clean) {
-    return fixed(meanAbsoluteError(page, clean), 2) + " | " + fixed(cv::PSNR(page, clean), 1) + " dB";
-}
-
-std::vector<uint8_t> reducedToBits(const cv::Mat& grey, int& step) {
-    step = (grey.cols + 31) / 32 * 4;
-    std::vector<uint8_t> bits(static_cast<size_t>(step) * static_cast<size_t>(grey.rows), 0xFF);
-    require(IPPShare_ippiReduceBits_8u1u_C1R(grey.data, static_cast<int>(grey.step[0]), bits.data(), step, 0,
-                                             {grey.cols, grey.rows}, 0, 0, 0, 127),
-            "reducing to 1 bit");
-    return bits;
-}
-
-// The angle by which a page is turned clockwise, as Leptonica judges it by the rows of text.
-double skewOf(const cv::Mat& page) {
-    int step = 0;
-    const std::vector<uint8_t> bits = reducedToBits(greyOf(page), step);
-    const std::unique_ptr<PIX, void (*)(PIX*)> pix(pixCreate(page.cols, page.rows, 1), [](PIX* p) { pixDestroy(&p); });
-    if (!pix) throw std::bad_alloc();
-    uint32_t* to = pixGetData(pix.get());
-    // There a set bit is black, and the leftmost pixel is the top bit of a word.
-    for (size_t i = 0; i < bits.size(); i += 4)
-        *to++ = ~(uint32_t{bits[i]} << 24 | uint32_t{bits[i + 1]} << 16 | uint32_t{bits[i + 2]} << 8 | bits[i + 3]);
-    float turnBack = 0;
-    float confidence = 0;
-    if (pixFindSkewSweepAndSearch(pix.get(), &turnBack, &confidence, 2, 1, 5, 1, 0.01F) != 0)
-        throw std::runtime_error("no skew found");
-    return -static_cast<double>(turnBack);
-}
-
-// --- What is shown
-
-using Shot = std::pair<std::string, cv::Mat>;
-
-constexpr int kGap = 10;
-constexpr int kCaption = 22;
-constexpr int kThumbnailHeight = 240;
-
-cv::Mat inColour(const cv::Mat& page) {
-    if (page.channels() == 3) return page.clone();
-    cv::Mat colour;
-    cv::cvtColor(page, colour, cv::COLOR_GRAY2RGB);
-    return colour;
-}
-
-// A tile with its caption above, of the height of the picture.
-cv::Mat captioned(const Shot& shot) {
-    cv::Mat tile(kCaption + kThumbnailHeight, shot.second.cols, CV_8UC3, cv::Scalar::all(255));
-    shot.second.copyTo(tile(cv::Rect(0, kCaption, shot.second.cols, shot.second.rows)));
-    cv::rectangle(tile, {0, kCaption, shot.second.cols, shot.second.rows}, cv::Scalar::all(120), 1);
-    cv::putText(tile, shot.first, {1, 15}, cv::FONT_HERSHEY_SIMPLEX, 0.42, cv::Scalar::all(20), 1, cv::LINE_AA);
-    return tile;
-}
-
-cv::Mat sideBySide(const std::vector<Shot>& shots) {
-    std::vector<cv::Mat> tiles;
-    const cv::Mat gap(kCaption + kThumbnailHeight, kGap, CV_8UC3, cv::Scalar::all(255));
-    for (const Shot& shot : shots) {
-        if (!tiles.empty()) tiles.push_back(gap);
-        tiles.push_back(captioned(shot));
-    }
-    cv::Mat picture;
-    cv::hconcat(tiles, picture);
-    return picture;
-}
-
-// A page seen from afar, with a red frame around the detail.
-cv::Mat thumbnail(const cv::Mat& page, const cv::Rect& detail) {
-    cv::Mat small;
-    const double scale = static_cast<double>(kThumbnailHeight) / page.rows;
-    cv::resize(inColour(page), small, cv::Size(static_cast<int>(page.cols * scale), kThumbnailHeight), 0, 0,
-               cv::INTER_AREA);
-    const cv::Rect frame(static_cast<int>(detail.x * scale) - 2, static_cast<int>(detail.y * scale) - 2,
-                         static_cast<int>(detail.width * scale) + 4, static_cast<int>(detail.height * scale) + 4);
-    cv::rectangle(small, frame, cv::Scalar(220, 30, 30), 2);
-    return small;
-}
-
-// The detail, each pixel as a square.
-cv::Mat enlarged(const cv::Mat& page, const cv::Rect& detail) {
-    cv::Mat large;
-    const double scale = static_cast<double>(kThumbnailHeight) / detail.height;
-    cv::resize(inColour(page(detail)), large, cv::Size(), scale, scale, cv::INTER_NEAREST);
-    return large;
-}
-
-// The page with the frame, then the detail of every shot.
-cv::Mat picture(const cv::Rect& detail, const std::vector<Shot>& shots) {
-    std::vector<Shot> tiles = {{"page", thumbnail(shots.front().second, detail)}};
-    for (const Shot& shot : shots) tiles.emplace_back(shot.first, enlarged(shot.second, detail));
-    return sideBySide(tiles);
-}
-
-// --- The document
-
-class Gallery {
-public:
-    Gallery(std::string folder, bool check) : folder_(std::move(folder)), check_(check) {}
-
-    void text(const std::string& lines) { text_ += lines; }
-
-    void show(const std::string& name, const std::string& caption, const cv::Mat& rgb) {
-        cv::Mat bgr;
-        cv::cvtColor(rgb, bgr, cv::COLOR_RGB2BGR);
-        const std::string file = folder_ + "/images/" + name + ".png";
-        if (check_) {
-            const cv::Mat there = cv::imread(file, cv::IMREAD_COLOR);
-            if (there.size() != bgr.size() || cv::norm(there, bgr, cv::NORM_INF) != 0) differ(file);
-        } else if (!cv::imwrite(file, bgr, {cv::IMWRITE_PNG_COMPRESSION, 9})) {
-            throw std::runtime_error(file + " cannot be written");
-        }
-        text_ += "![" + caption + "](images/" + name + ".png)\n\n";
-    }
-
-    // Whether all is as it was, if that was asked.
-    bool finish() {
-        const std::string file = folder_ + "/gallery.md";
-        if (check_) {
-            std::ifstream in(file);
-            const std::string there{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-            if (there != text_) differ(file);
-            return same_;
-        }
-        std::ofstream out(file);
-        out << text_;
-        if (!out.flush()) throw std::runtime_error(file + " cannot be written");
-        return true;
-    }
-
-private:
-    void differ(const std::string& file) {
-        std::fprintf(stderr, "gallery: %s is not what is made now\n", file.c_str());
-        same_ = false;
-    }
-
-    std::string folder_;
-    std::string text_;
-    bool check_;
-    bool same_ = true;
-};
-
 const cv::Rect kText(470, 640, 120, 80);         // letters
 const cv::Rect kHorizon(1510, 1940, 120, 80);    // the sun behind the hills
-
-// --- The sections
 
 void showDeskew(Gallery& gallery) {
     cv::Mat page = skewed(drawSheet(), kSkew);

@@ -1,0 +1,25 @@
+// docs/gallery.md and its pictures: written, or compared with what is there.
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <string>
+#include <utility>
+
+class Gallery {
+public:
+    Gallery(std::string folder, bool check) : folder_(std::move(folder)), check_(check) {}
+
+    void text(const std::string& lines) { text_ += lines; }
+    void show(const std::string& name, const std::string& caption, const cv::Mat& rgb);
+
+    // Whether all is as it was, if that was asked.
+    bool finish();
+
+private:
+    void differ(const std::string& file);
+
+    std::string folder_;
+    std::string text_;
+    bool check_;
+    bool same_ = true;
+};

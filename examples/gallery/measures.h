@@ -1,0 +1,18 @@
+// What is measured on the pages.
+#pragma once
+
+#include <cstdint>
+#include <opencv2/core.hpp>
+#include <string>
+#include <vector>
+
+std::string fixed(double value, int digits);
+
+// "1.25 | 33.1 dB": the mean absolute error and the PSNR.
+std::string errorCells(const cv::Mat& page, const cv::Mat& clean);
+
+// The page with one bit a pixel, in rows of whole words.
+std::vector<uint8_t> reducedToBits(const cv::Mat& grey, int& step);
+
+// The angle by which a page is turned clockwise, as Leptonica judges it by the rows of text.
+double skewOf(const cv::Mat& page);

@@ -1,0 +1,24 @@
+// The pictures: tiles side by side, each with its caption.
+#pragma once
+
+#include <opencv2/core.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+using Shot = std::pair<std::string, cv::Mat>;
+
+constexpr int kThumbnailHeight = 240;
+
+cv::Mat inColour(const cv::Mat& page);
+
+cv::Mat sideBySide(const std::vector<Shot>& shots);
+
+// A page seen from afar, with a red frame around the detail.
+cv::Mat thumbnail(const cv::Mat& page, const cv::Rect& detail);
+
+// The detail, each pixel as a square.
+cv::Mat enlarged(const cv::Mat& page, const cv::Rect& detail);
+
+// The page with the frame, then the detail of every shot.
+cv::Mat picture(const cv::Rect& detail, const std::vector<Shot>& shots);
