@@ -36,9 +36,10 @@ OSErr createRecord(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*
     if (!bytesOfRow(width, depth, row24, rowBytes)) return noErr;
 
     // Width, height and row are below 2^35 each, so only the last product needs the guard of the tests before it. A
-    // negative size goes to the heap, which refuses it.
+    // negative size is memory that cannot be had.
     void* pixels = nullptr;
-    if (fitsInt32(width) && fitsInt32(height) && fitsInt32(rowBytes) && fitsInt32(rowBytes * height))
+    if (fitsInt32(width) && fitsInt32(height) && fitsInt32(rowBytes) && rowBytes * height >= 0 &&
+        rowBytes * height <= INT32_MAX)
         pixels = allocatePixels(static_cast<size_t>(rowBytes * height));
     if (!pixels) {
         std::free(*out);

@@ -26,12 +26,10 @@ OSErr ReadJPEG(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle
         decodeJpeg(static_cast<const unsigned char*>(jpegData), jpegSize, Channels::kAsStored, WantedSize(), image);
     if (err == paramErr) return err;
     // Out of memory or not: what is known of the page is told.
-    if (image.channels != 0) {
-        KVImageDescription& description = ***descriptionPtr;
-        description.width = image.width;
-        description.height = image.height;
-        description.depth = static_cast<int16_t>(image.depth());
-    }
+    KVImageDescription& description = ***descriptionPtr;
+    description.width = image.width;
+    description.height = image.height;
+    description.depth = static_cast<int16_t>(image.depth());
     return err != noErr ? err : handOver(image, outImage);
 }
 

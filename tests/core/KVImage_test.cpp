@@ -94,7 +94,7 @@ TEST(KVImage, AnEmptyRectangleMakesAnEmptyRecord) {
     expectRecord(CreateNewKVIMGPtr, 7, 0, 24, 21);
 }
 
-TEST(KVImage, TheHeapDecidesOnNegativeSizes) {
+TEST(KVImage, NegativeSizesAreOutOfMemory) {
     for (const Creator creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite}) {
         const KVRect inverted = {0, 100, 10, 0};
         KVIMG* out = nullptr;

@@ -145,4 +145,13 @@ TEST(FilterOfAnyType, HalvesOfSeveralChannelsThrowUnderAnyKernel) {
     }
 }
 
+TEST(FilterOfAnyType, HalvesOfOneChannelThrowUnderASmallKernel) {
+    const std::vector<float> kernel(9, 1.0F);
+    const std::vector<uint16_t> source(9, 0x3C00);
+    uint16_t output = 0xBEEF;
+    EXPECT_THROW(ippiFilter32f(&source[4], 6, CV_16FC1, &output, 2, {1, 1}, kernel.data(), {3, 3}, {1, 1}),
+                 cv::Exception);
+    EXPECT_EQ(output, 0xBEEF);
+}
+
 }    // namespace

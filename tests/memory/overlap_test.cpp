@@ -1,0 +1,51 @@
+// Conversions whose destination overlaps their source go by an image of their own, which may not be had.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "OPCV_dlib.h"
+#include "failing_heap.h"
+#include "support/random.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+constexpr IppiSize kSize = {37, 5};
+constexpr int kPackedStep = 3 * kSize.width;
+constexpr size_t kPlane = size_t{kSize.width} * kSize.height;
+
+// Three planes behind each other, from the second packed pixel on: where the two overlap.
+uint8_t* planeOf(Bytes& bytes, size_t plane) { return bytes.data() + 3 + plane * kPlane; }
+
+IppStatus toPlanes(Bytes& bytes) {
+    uint8_t* const planes[3] = {planeOf(bytes, 0), planeOf(bytes, 1), planeOf(bytes, 2)};
+    return IPPMini_ippiRGBToYUV_8u_C3P3R(bytes.data(), kPackedStep, planes, kSize.width, kSize);
+}
+
+IppStatus fromPlanes(Bytes& bytes) {
+    const uint8_t* const planes[3] = {planeOf(bytes, 0), planeOf(bytes, 1), planeOf(bytes, 2)};
+    return IPPMini_ippiYUVToRGB_8u_P3C3R(planes, kSize.width, bytes.data(), kPackedStep, kSize);
+}
+
+Bytes anyBytes() {
+    Bytes bytes(3 * kPlane + 3);
+    Random(95).fill(bytes.data(), bytes.size());
+    return bytes;
+}
+
+TEST(OutOfMemory, OverlappingPlanesStayAsTheyWere) {
+    for (const auto convert : {toPlanes, fromPlanes}) {
+        const Bytes before = anyBytes();
+        Bytes bytes = before;
+        FailingHeap::arm(1, FailingHeap::Failure::kOnce);
+        const IppStatus status = convert(bytes);
+        EXPECT_TRUE(FailingHeap::disarm());
+        EXPECT_EQ(status, ippStsNoMemErr);
+        EXPECT_EQ(bytes, before);
+        EXPECT_EQ(FailingHeap::liveBlocks(), 0U);
+    }
+}
+
+}    // namespace
