@@ -209,7 +209,7 @@ IppiRect regionOf(const Argument& argument, const Image& image, const Region& re
         if (width <= 0 || height <= 0) refuse(argument, "has no room: the image of " + size + " needs " + needs);
     } else {
         const auto within = [](int64_t start, int64_t count, int64_t before, int64_t behind, int64_t all) {
-            return count > 0 && count <= all && start >= 0 && start <= all - count && start - before >= 0 &&
+            return count > 0 && start >= 0 && start <= all - count && start - before >= 0 &&
                    start + count + behind <= all;
         };
         std::tie(x, y, width, height) = *region;

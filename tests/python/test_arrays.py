@@ -180,6 +180,7 @@ def test_regions_and_margins_outside_the_array_are_refused(rng, name, call, kind
         (0, 0, columns + 1, 1),
         (0, 0, 1, rows + 1),
         (2**62, 0, 2**62, 5),
+        (2**63 - 1, 0, 5, 5),
         (0, 2**40, 5, 5),
     ):
         with pytest.raises(ValueError, match=message):
@@ -189,9 +190,9 @@ def test_regions_and_margins_outside_the_array_are_refused(rng, name, call, kind
         for region in ((x - 1, y, 5, 5), (x, y - 1, 5, 5), (x + 2, y, columns, 5), (x, y + 2, 5, rows)):
             with pytest.raises(ValueError, match=f"{message}.* does not lie in the image .* with a margin of"):
                 call(src, region=region)
-        small = np.ascontiguousarray(src[: height - rows, : width - columns])
-        with pytest.raises(ValueError, match=f"{name.split()[0]}: (region has no room|src is empty)"):
-            call(small)
+        for small in (src[: height - rows, : width - columns], src[: height - rows], src[:, : width - columns]):
+            with pytest.raises(ValueError, match=f"{name.split()[0]}: (region has no room|src is empty)"):
+                call(np.ascontiguousarray(small))
 
 
 @pytest.mark.parametrize(("name", "call", "kind", "how"), ALL)
@@ -205,12 +206,18 @@ def test_arrays_of_other_forms_are_refused(rng, name, call, kind, how):
             call(src[::-1])
         with pytest.raises(ValueError, match=f"{function}: src has a row stride of 0 bytes"):
             call(np.broadcast_to(src[0], src.shape))
+        pixel = src.strides[1]
+        with pytest.raises(ValueError, match=f"{function}: src has a row stride of .* is shorter than a row of"):
+            call(np.lib.stride_tricks.as_strided(src, src.shape, (src.strides[0] - pixel, *src.strides[1:])))
         with pytest.raises(ValueError, match=f"{function}: src is empty"):
             call(src[:0])
         with pytest.raises(ValueError, match=f"{function}: src must be .*, not complex128 of shape"):
             call(src.astype(complex))
         with pytest.raises(ValueError, match=f"{function}: src must be .* of shape"):
             call(src[0, ..., None, None, None])
+        for channels in (1, 5):
+            with pytest.raises(ValueError, match=f"{function}: src must be .* of shape"):
+                call(np.zeros((24, 40, channels), src.dtype))
         with pytest.raises(TypeError, match=function):
             call(src.tolist())
     if src.ndim == 3 and "planes" not in how:
@@ -236,6 +243,9 @@ def test_results_must_fit_and_be_writable(rng, name, call, kind, how):
         call(src, out=expected.astype(np.float64))
     takes_any_size = "rotate", "rotate_on_black", "rotate_center", "resize_sqr_pixel", "resize_color"
     if function not in takes_any_size and function != "reduce_bits":
+        more = np.zeros(expected.shape[:2] + (4,), expected.dtype)
+        with pytest.raises(ValueError, match=f"{function}: out must"):
+            call(src, out=more)
         wrong = np.zeros(expected.shape[:-2] + (expected.shape[-2] + 1, expected.shape[-1]), expected.dtype)
         with pytest.raises(ValueError, match=f"{function}: out must"):
             call(src, out=wrong if expected.ndim == 2 or "split" in name or "planes" in name else expected[:-1])
@@ -301,6 +311,49 @@ def test_columns_side_by_side_do_not_overlap(rng):
         opcv_dlib.filter_median_cross(right, out=whole[2:, 3:31])
 
 
+def test_overlap_is_told_to_the_byte(rng):
+    whole = np.zeros(12 * 16, np.uint8)
+
+    def rectangle(step):
+        width, height = rng.integers(1, 9), rng.integers(2, 5)
+        start = rng.integers(0, whole.size - step * (height - 1) - width + 1)
+        return np.lib.stride_tricks.as_strided(whole[start:], (height, width), (step, 1))
+
+    found = []
+    for _ in range(3000):
+        a, b = rectangle(16), rectangle(16)
+        found.append(np.shares_memory(a, b))
+        if found[-1]:
+            with pytest.raises(ValueError, match="rotate: out overlaps the source"):
+                opcv_dlib.rotate(a, 0, out=b)
+        else:
+            opcv_dlib.rotate(a, 0, out=b)
+    assert 300 < sum(found) < 2700
+    for _ in range(1000):    # of other steps only the ranges are compared
+        a, b = rectangle(16), rectangle(13)
+        if np.may_share_memory(a, b):
+            with pytest.raises(ValueError, match="rotate: out overlaps the source"):
+                opcv_dlib.rotate(a, 0, out=b)
+        else:
+            opcv_dlib.rotate(a, 0, out=b)
+
+
+def test_neighbours_of_other_steps_do_not_overlap(rng):
+    memory = image(rng, 1, 500)[0]
+    source = np.lib.stride_tricks.as_strided(memory, (3, 10), (16, 1))    # 42 bytes
+    for out in (memory[42:].reshape(-1)[:60].reshape(3, 20), memory[102:]):
+        out = out[:60].reshape(3, 20)
+        expected = opcv_dlib.rotate(source.copy(), 0, size=(20, 3))
+        assert np.array_equal(opcv_dlib.rotate(source, 0, out=out), expected)
+    before = memory[:60].reshape(3, 20)
+    source = np.lib.stride_tricks.as_strided(memory[60:], (3, 10), (16, 1))
+    opcv_dlib.rotate(source, 0, out=before)
+    with pytest.raises(ValueError, match="rotate: out overlaps the source"):
+        opcv_dlib.rotate(source, 0, out=memory[1:61].reshape(3, 20))
+    with pytest.raises(ValueError, match="rotate: out overlaps the source"):
+        opcv_dlib.rotate(source, 0, out=memory[101:161].reshape(3, 20))
+
+
 def test_only_what_is_read_counts_as_source(rng):
     whole = image(rng, 40, 30)
     expected = opcv_dlib.filter_median_cross(whole[:20].copy())
@@ -316,6 +369,15 @@ def test_arrays_of_one_row_or_column_have_any_stride_there(rng):
     assert np.array_equal(opcv_dlib.convert_8u16s(row), src[:1])
     column = np.lib.stride_tricks.as_strided(src, (5, 1), (9, 7))
     assert np.array_equal(opcv_dlib.convert_8u16s(column), src[:, :1])
+
+
+def test_sides_and_strides_beyond_31_bits_are_refused():
+    one = np.zeros(8, np.uint8)
+    with pytest.raises(ValueError, match="convert_8u16s: src has rows that do not fit in 31 bits of bytes"):
+        opcv_dlib.convert_8u16s(np.lib.stride_tricks.as_strided(one, (2, 8), (2**31, 1)))
+    for shape in ((1, 2**31), (2**31, 1)):
+        with pytest.raises(ValueError, match="convert_8u16s: src has a side that does not fit in 31 bits"):
+            opcv_dlib.convert_8u16s(np.lib.stride_tricks.as_strided(one, shape, (1, 1)))
 
 
 def test_other_byte_orders_and_misaligned_arrays_are_refused():
@@ -345,8 +407,9 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
         opcv_dlib.dilate(grey, [1, 1, 1])
     with pytest.raises(ValueError, match="convolve: kernel must have two dimensions"):
         opcv_dlib.convolve(grey, np.zeros((0, 3), int))
-    with pytest.raises(ValueError, match="convolve: kernel does not fit in 32 bits: 4294967296"):
-        opcv_dlib.convolve(grey, [[2**32]])
+    for cell in (2**31, 2**32, -(2**31) - 1):
+        with pytest.raises(ValueError, match=f"convolve: kernel does not fit in 32 bits: {cell}"):
+            opcv_dlib.convolve(grey, [[cell]])
     for cells in ([[0.5]], np.ones((1, 1), np.uint64), [["a"]]):
         with pytest.raises(ValueError, match="convolve: kernel must hold integers"):
             opcv_dlib.convolve(grey, cells)

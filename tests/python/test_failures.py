@@ -75,6 +75,16 @@ def test_statuses_have_names():
         opcv_dlib.rotate_page(PAGE, 1)
     with pytest.raises(opcv_dlib.Error, match=r"^IPPShare_ippiFilterMedian_8u_C1R: ippStsBadArgErr \(-5\)$"):
         opcv_dlib.filter_median(GREY, 2)
+    with pytest.raises(opcv_dlib.Error, match=r"^CompressJPEG: paramErr \(-50\)$"):
+        opcv_dlib.compress_jpeg(PAGE, 100)
+    with pytest.raises(opcv_dlib.Error, match=r"^DeskewImageWithIPP: rotateFailedErr \(-2\)$"):
+        opcv_dlib.deskew(BITS, 1)
+    with pytest.raises(opcv_dlib.Error, match=r"^DeosNrRGB: status \(3\)$"):
+        opcv_dlib.reduce_noise_rgb(COLOUR)
+    with pytest.raises(opcv_dlib.Error, match=r"^CreateNewKVIMGPtr: memFullErr \(-108\)$"):
+        opcv_dlib.Page.empty(40000, 40000, 24)
+    with pytest.raises(opcv_dlib.Error, match=r"^IPPShare_ippiMalloc_16s_C1: ippStsNoMemErr \(-4\)$"):
+        opcv_dlib.new_plane_16s(40000, 40000)
 
 
 @pytest.mark.parametrize(
@@ -92,6 +102,13 @@ def test_what_does_not_fit_is_a_memory_error(function, status, call):
         call()
     assert isinstance(caught.value, opcv_dlib.OutOfMemoryError) and isinstance(caught.value, opcv_dlib.Error)
     assert (caught.value.function, caught.value.status) == (function, status)
+
+
+def test_rows_that_cannot_be_made_longer_are_a_memory_error():
+    row = np.zeros((1, 2**31 - 8), np.uint8)    # takes no memory until it is looked at
+    with pytest.raises(opcv_dlib.OutOfMemoryError, match="^IPPShare_ippiFilter_8u_C1R: out of memory") as caught:
+        opcv_dlib.convolve(row, np.ones((1, 51), int))
+    assert caught.value.status is None
 
 
 def test_shortage_of_memory_in_opencv_and_in_the_module_is_a_memory_error():

@@ -40,6 +40,16 @@ def test_median_with_an_anchor_in_the_corner_moves_the_windows(rng):
     assert np.array_equal(outside, whole[1:7, 9:16])
 
 
+def test_an_anchor_outside_the_mask_keeps_the_region_in_the_image(rng):
+    src = image(rng, 20, 30)
+    whole = oracle.median(src, 3)
+    assert np.array_equal(opcv_dlib.filter_median(src, 3, anchor=(-4, 1)), whole[:, 4:])
+    assert np.array_equal(opcv_dlib.filter_median(src, 3, anchor=(1, 7)), whole[:13])
+    for anchor, region in (((-4, 1), (-1, 5, 7, 6)), ((7, 1), (24, 5, 7, 6)), ((1, 7), (5, 15, 7, 6))):
+        with pytest.raises(ValueError, match="filter_median: region .* does not lie in the image"):
+            opcv_dlib.filter_median(src, 3, anchor=anchor, region=region)
+
+
 def test_median_in_place(rng):
     src = image(rng, 20, 30)
     expected = oracle.median(src, 3)

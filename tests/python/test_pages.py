@@ -122,6 +122,45 @@ def test_deskew(rng, channels):
     assert np.array_equal(about.pixels, expected)
 
 
+def test_corners_are_black_unless_white_is_asked_for():
+    page = opcv_dlib.Page(np.full((30, 48, 3), 90, np.uint8))
+    for white in (False, True):
+        options = {"white_fill": True} if white else {}
+        for turned in (
+            opcv_dlib.deskew(page, 30, **options),
+            opcv_dlib.deskew_crop(page, 30, (-20, -20, 88, 70), **options),
+            opcv_dlib.deskew_about(page, 30, (-9, -9), (60, 40), **options),
+        ):
+            assert (turned.pixels[0, 0] == (255 if white else 0)).all()
+            assert (turned.pixels == 90).any()
+
+
+@pytest.mark.parametrize("angle", [np.nan, np.inf])
+def test_angles_must_be_numbers(angle):
+    page = opcv_dlib.Page.empty(9, 9)
+    for name, call in (
+        ("deskew", lambda: opcv_dlib.deskew(page, angle)),
+        ("deskew_crop", lambda: opcv_dlib.deskew_crop(page, angle, (0, 0, 9, 9))),
+        ("deskew_about", lambda: opcv_dlib.deskew_about(page, angle, (0, 0), (9, 9))),
+        ("rotate_page", lambda: opcv_dlib.rotate_page(page, angle)),
+        ("unite_rotate", lambda: opcv_dlib.unite_rotate(page.pixels, (9, 9), angle)),
+    ):
+        with pytest.raises(ValueError, match=f"^{name}: angle is not a finite number"):
+            call()
+
+
+def test_rectangles_must_lie_within_32_bits():
+    page = opcv_dlib.Page.empty(9, 9)
+    for crop in ((2**31 - 5, 0, 9, 9), (0, 2**31 - 5, 9, 9), (-(2**31) - 1, 0, 9, 9)):
+        with pytest.raises(ValueError, match="deskew_crop: crop does not fit in 32 bits"):
+            opcv_dlib.deskew_crop(page, 1, crop)
+    for sides in ((0, 9), (9, -1)):
+        with pytest.raises(ValueError, match="deskew_crop: crop must have two sides above 0"):
+            opcv_dlib.deskew_crop(page, 1, (0, 0, *sides))
+        with pytest.raises(ValueError, match="deskew_about: size must have two sides above 0"):
+            opcv_dlib.deskew_about(page, 1, (0, 0), sides)
+
+
 def test_quarter_turns(rng):
     src = image(rng, 7, 21, 3)
     page = opcv_dlib.Page(src, 200, 100)
@@ -163,7 +202,10 @@ def test_resize_keeps_the_size_in_inches(rng):
     assert (half.width, half.height, half.dpi_x, half.dpi_y) == (50, 25, 150, 75)
     same = opcv_dlib.resize(page, 7, 7)
     assert np.array_equal(same.pixels, page.pixels)
-    for numerator, denominator in ((0, 1), (1, 0), (1, np.nan)):
+    odd = opcv_dlib.resize(opcv_dlib.Page(image(rng, 9, 9), 75, 65535), 5, 2)
+    assert (odd.dpi_x, odd.dpi_y) == (188, 65535)
+    assert opcv_dlib.resize(opcv_dlib.Page(image(rng, 90, 90), 1, 2), 1, 4).dpi_x == 1
+    for numerator, denominator in ((0, 1), (-1, 1), (np.inf, 1), (np.nan, 1), (1, 0), (1, -1), (1, np.inf), (1, np.nan)):
         with pytest.raises(ValueError, match="must be above 0"):
             opcv_dlib.resize(page, numerator, denominator)
 
@@ -215,8 +257,29 @@ def test_compression_of_arrays():
             opcv_dlib.compress_gray(grey, quality)
     with pytest.raises(ValueError, match="compress_rgb_411: pixels has a side above 65500"):
         opcv_dlib.compress_rgb_411(np.zeros((1, 65501, 3), np.uint8), 50)
-    with pytest.raises(ValueError, match="compress_jpeg_ex: page has a side above 65500"):
-        opcv_dlib.compress_jpeg_ex(opcv_dlib.Page.empty(65501, 1), 389)
+    for size in ((65501, 1), (1, 65501)):
+        page = opcv_dlib.Page.empty(*size)
+        for name in ("compress_jpeg", "compress_jpeg_ex", "compress_jpeg_with_ipp"):
+            with pytest.raises(ValueError, match=f"{name}: page has a side above 65500"):
+                getattr(opcv_dlib, name)(page, 389)
+    for size in ((65500, 1), (1, 65500)):
+        page = opcv_dlib.read_jpeg(opcv_dlib.compress_jpeg(opcv_dlib.Page(np.zeros(size, np.uint8)), 389))
+        assert (page.height, page.width) == size
+
+
+def test_each_compressor_stores_both_resolutions_and_takes_300_by_itself():
+    grey, colour = smooth(16, 16), smooth(16, 16, 3)
+    for compress, pixels in (
+        (opcv_dlib.compress_gray, grey),
+        (opcv_dlib.compress_rgb_444, colour),
+        (opcv_dlib.compress_rgb_411, colour),
+    ):
+        assert density(compress(pixels, 90, dpi_x=200, dpi_y=100)) == (1, 200, 100)
+        assert density(compress(pixels, 90, dpi_x=200)) == (1, 200, 200)
+        assert density(compress(pixels, 90)) == (1, 300, 300)
+    for page in (opcv_dlib.Page(grey), opcv_dlib.unite_rotate(grey, (9, 9), 0)):
+        assert (page.dpi_x, page.dpi_y) == (300, 300)
+    assert opcv_dlib.Page.empty(3, 3).depth == 8
 
 
 def with_density(stream, unit, x, y):
@@ -242,8 +305,33 @@ def test_the_resolution_comes_from_the_stream():
     assert dpi(with_density(stream, 0, 1, 1), default_dpi=96) == (96, 96)
     assert dpi(with_density(stream, 1, 0, 100), default_dpi=96) == (96, 96)
     assert dpi(stream[:2] + stream[20:], default_dpi=96) == (96, 96)
+    assert dpi(with_density(stream, 1, 100, 0), default_dpi=96) == (96, 96)
+    assert dpi(with_density(stream, 3, 100, 100)) == (300, 300)
     turned = opcv_dlib.read_jpeg(with_orientation(with_density(stream, 1, 240, 120), 6))
     assert (turned.width, turned.height, turned.dpi_x, turned.dpi_y) == (40, 60, 120, 240)
+    split = opcv_dlib.read_split_jpeg(with_density(stream, 0, 1, 1), (60, 40))
+    assert (split.dpi_x, split.dpi_y) == (300, 300)
+    square = opcv_dlib.compress_gray(smooth(40, 40), 90, dpi_x=240, dpi_y=120)
+    assert dpi(square) == (240, 120)
+
+
+def test_only_the_jfif_header_in_front_of_the_scan_counts():
+    stream = opcv_dlib.compress_gray(smooth(40, 60), 90, dpi_x=240, dpi_y=120)
+    head, jfif, rest = stream[:2], stream[2:20], stream[20:]
+
+    def dpi(data):
+        page = opcv_dlib.read_jpeg(data, default_dpi=96)
+        return page.dpi_x, page.dpi_y
+
+    def segment(marker, body):
+        return bytes([0xFF, marker]) + (len(body) + 2).to_bytes(2, "big") + body
+
+    assert dpi(head + b"\xff\xff" + jfif + rest) == (240, 120)    # fill bytes
+    assert dpi(head + segment(0xFE, b"") + jfif + rest) == (240, 120)    # a comment without words
+    assert dpi(head + segment(0xE1, jfif[4:]) + rest) == (96, 96)    # another application's
+    assert dpi(head + segment(0xE0, b"JFXX" + jfif[8:]) + rest) == (96, 96)
+    assert dpi(head + segment(0xE0, jfif[4:15]) + rest) == (96, 96)    # too short for densities
+    assert dpi(head + rest[:-2] + jfif + rest[-2:]) == (96, 96)    # behind the scan
 
 
 def test_reading_of_known_size():
