@@ -1,7 +1,9 @@
 """Pages and JPEG."""
 
 import gc
+import mmap
 import resource
+import tempfile
 import weakref
 
 import numpy as np
@@ -97,6 +99,31 @@ def test_records_planes_and_streams_are_released():
     for _ in range(20):    # 9 MB each
         work()
     assert peak() - before < 40_000
+    page = opcv_dlib.Page(np.random.default_rng(1).integers(0, 256, (1000, 1000)).astype(np.uint8))
+    for _ in range(60):    # streams of 1 MB
+        opcv_dlib.compress_jpeg(page, 788)
+    assert peak() - before < 40_000
+
+
+def test_a_buffer_is_free_again_after_reading():
+    data = bytearray(opcv_dlib.compress_gray(smooth(9, 9), 90))
+    opcv_dlib.read_jpeg(data)
+    data.append(0)
+    data[0] = 0
+    with pytest.raises(opcv_dlib.Error):
+        opcv_dlib.read_jpeg(data)
+    data.clear()
+    with pytest.raises(ValueError, match="read_jpeg: data is empty"):
+        opcv_dlib.read_jpeg(data)
+    data.append(0)
+
+
+def test_streams_of_4_gigabytes_are_refused():
+    with tempfile.TemporaryFile() as file:
+        file.truncate(2**32)
+        with mmap.mmap(file.fileno(), 2**32, prot=mmap.PROT_READ) as data:
+            with pytest.raises(ValueError, match="read_jpeg: data is empty or has 2\\^32 bytes or more"):
+                opcv_dlib.read_jpeg(data)
 
 
 @pytest.mark.parametrize("channels", [1, 3, 4])
@@ -277,6 +304,8 @@ def test_each_compressor_stores_both_resolutions_and_takes_300_by_itself():
         assert density(compress(pixels, 90, dpi_x=200, dpi_y=100)) == (1, 200, 100)
         assert density(compress(pixels, 90, dpi_x=200)) == (1, 200, 200)
         assert density(compress(pixels, 90)) == (1, 300, 300)
+    for compress, pixels in ((opcv_dlib.compress_gray, grey), (opcv_dlib.compress_rgb_444, colour)):
+        assert compress(pixels, 90) == compress(pixels, 90, custom_tables=True)
     for page in (opcv_dlib.Page(grey), opcv_dlib.unite_rotate(grey, (9, 9), 0)):
         assert (page.dpi_x, page.dpi_y) == (300, 300)
     assert opcv_dlib.Page.empty(3, 3).depth == 8
