@@ -32,6 +32,7 @@ def functions():
         "convolve": (lambda a, **k: o.convolve(a, BOX, 9, **k), GREY, "near"),
         "convolve even": (lambda a, **k: o.convolve(a, BOX[:2, :2], 9, **k), GREY, "near"),
         "convolve wide": (lambda a, **k: o.convolve(a, WIDE, 81, **k), GREY, "near"),
+        "convolve wide even": (lambda a, **k: o.convolve(a, WIDE[:6, :8], 48, **k), GREY, "near"),
         "convolve tall": (lambda a, **k: o.convolve(a, np.ones((51, 1), int)[:17], 17, **k), GREY, "near"),
         "convolve colour": (lambda a, **k: o.convolve(a, WIDE, 81, **k), COLOUR, "near"),
         "convolve 16 bit": (lambda a, **k: o.convolve(a, BOX, 9, **k), SAMPLES, "near"),
@@ -417,12 +418,21 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
         opcv_dlib.convolve(grey, [[1, 2], [3]])
     with pytest.raises(ValueError, match="reduce_noise: src must have sides above 4"):
         opcv_dlib.reduce_noise(grey[:4], 2)
-    with pytest.raises(ValueError, match="reduce_noise: strength must be 0 to 10"):
-        opcv_dlib.reduce_noise(grey, 1, 11)
-    with pytest.raises(ValueError, match="convolution24_mono: kernel must be square with an odd side"):
-        opcv_dlib.convolution24_mono(colour, np.ones((3, 5)))
-    with pytest.raises(ValueError, match="convolution24: kernels must have the shape"):
-        opcv_dlib.convolution24(colour, np.ones((3, 3)))
+    with pytest.raises(ValueError, match="reduce_noise: src must have sides above 4"):
+        opcv_dlib.reduce_noise(image(rng, 9, 4), 2)
+    with pytest.raises(ValueError, match="reduce_noise: src must have sides above 2"):
+        opcv_dlib.reduce_noise(image(rng, 9, 2), 1)
+    for strength in (-1, 11):
+        with pytest.raises(ValueError, match="reduce_noise: strength must be 0 to 10"):
+            opcv_dlib.reduce_noise(grey, 1, strength)
+    for shape in ((3, 5), (4, 4)):
+        with pytest.raises(ValueError, match="convolution24_mono: kernel must be square with an odd side"):
+            opcv_dlib.convolution24_mono(colour, np.ones(shape))
+    with pytest.raises(ValueError, match="convolution24_mono: src must have sides above 10"):
+        opcv_dlib.convolution24_mono(colour, np.ones((11, 11)))
+    for shape in ((3, 3), (2, 3, 3), (4, 3, 3)):
+        with pytest.raises(ValueError, match="convolution24: kernels must have the shape"):
+            opcv_dlib.convolution24(colour, np.ones(shape))
     with pytest.raises(ValueError, match="convolution24: src must have sides above 10"):
         opcv_dlib.convolution24(colour, np.ones((3, 11, 11)))
     with pytest.raises(ValueError, match="sgemm: b does not fit a: 3 against 4"):
@@ -432,5 +442,36 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
     square = np.ones((3, 3), np.float32)
     with pytest.raises(ValueError, match="sgemm: c overlaps the source"):
         opcv_dlib.sgemm(square, square.copy(), square)
+    with pytest.raises(ValueError, match="sgemm: c overlaps the source"):
+        opcv_dlib.sgemm(square.copy(), square, square)
     with pytest.raises(ValueError, match="ddct: table must be square"):
         opcv_dlib.ddct(np.zeros((3, 4)))
+    with pytest.raises(ValueError, match="ddct: table must be square with sides of at most 46340"):
+        opcv_dlib.ddct(np.lib.stride_tricks.as_strided(np.zeros(8), (46341, 46341), (46341 * 8, 8)))
+
+
+def test_what_is_not_said(rng):
+    grey, colour = image(rng, 12, 16), image(rng, 12, 16, 3)
+    square = rng.standard_normal((3, 3)).astype(np.float32)
+    for found, expected in (
+        (opcv_dlib.filter_median(grey), opcv_dlib.filter_median(grey, 3)),
+        (opcv_dlib.filter_median_cross(grey), opcv_dlib.filter_median_cross(grey, 33)),
+        (opcv_dlib.filter_median_weighted_center(grey), opcv_dlib.filter_median_weighted_center(grey, 3)),
+        (opcv_dlib.convolve(grey, [[1, -1]]), opcv_dlib.convolve(grey, [[1, -1]], 1)),
+        (opcv_dlib.convolve(grey, [[True]]), grey),
+        (opcv_dlib.reduce_noise(grey), opcv_dlib.reduce_noise(grey, 1, 5)),
+        (opcv_dlib.reduce_noise_rgb(colour), opcv_dlib.reduce_noise_rgb(colour, 1, 5)),
+        (opcv_dlib.reduce_bits(grey), opcv_dlib.reduce_bits(grey, 127, bit_offset=0)),
+        (opcv_dlib.expand_bits(grey, 9), opcv_dlib.expand_bits(grey, 9, bit_offset=0)),
+        (opcv_dlib.sgemm(square, square), opcv_dlib.sgemm(square, square, alpha=1, trans_a=False, trans_b=False)),
+        (opcv_dlib.ddct(np.eye(4)), opcv_dlib.ddct(np.eye(4), inverse=False)),
+        (opcv_dlib.rotate(grey, 9), opcv_dlib.rotate(grey, 9, (0, 0), border=0)),
+        (opcv_dlib.rotate_on_black(grey, 9), opcv_dlib.rotate(grey, 9, (0, 0), border=0)),
+        (opcv_dlib.rotate_center(grey, 9), opcv_dlib.rotate_center(grey, 9, (7.5, 5.5), border=0)),
+        (opcv_dlib.resize_sqr_pixel(grey, 2, 2), opcv_dlib.resize_sqr_pixel(grey, 2, 2, (0, 0), size=(32, 24))),
+    ):
+        assert np.array_equal(found, expected)
+    read_only = grey.copy()
+    read_only.flags.writeable = False
+    with pytest.raises(ValueError, match="reduce_bits: out is read-only"):
+        opcv_dlib.reduce_bits(grey, out=read_only)

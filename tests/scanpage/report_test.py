@@ -38,11 +38,11 @@ class Report(PageTest):
         self.assertEqual(sum(path.stat().st_size for path in self.out.iterdir()), int(run.lines[0].bytes))
 
     def test_names_stay_on_their_line(self):
-        page = self.folder / "a\tb\nc\\d\re\x01f.jpg"
+        page = self.folder / "a\tb\nc\\d\re\x01f\x7fg.jpg"
         os.link(self.pages[0], page)
         run = scanpage(page, self.folder / "not\nthere", "-o", self.out)
         self.assertEqual(1, run.status)
-        self.assertEqual(f"{self.folder}/a\\tb\\nc\\\\d\\re\\x01f.jpg", run.lines[0].file)
+        self.assertEqual(f"{self.folder}/a\\tb\\nc\\\\d\\re\\x01f\\x7fg.jpg", run.lines[0].file)
         self.assertIn("not\\nthere: cannot be opened", run.stderr)
         self.assertEqual([page.name], self.results())
 

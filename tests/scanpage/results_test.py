@@ -185,6 +185,18 @@ class Pixels(PageTest):
                 image = self.result_of(rows, "--median", name)
                 self.assertEqual(kept, value_of(image.at(12, 12)) < 120, (name, pixel))
 
+    def test_medians_leave_the_rim_alone_and_move_nothing(self):
+        for pixel, ink in ((220, 20), ((220, 220, 220), (20, 20, 20))):
+            for name in ("cross", "weighted", "colour"):
+                dots = plain(24, 24, pixel, [(x, 12, ink) for x in (0, 4, 22)])
+                image = self.result_of(dots, "--median", name)
+                dark = [x for x in range(24) if value_of(image.at(x, 12)) < 120]
+                self.assertEqual([0], dark, (name, pixel))
+                bar = plain(24, 24, pixel, [(x, y, ink) for x in (12, 13) for y in range(24)])
+                image = self.result_of(bar, "--median", name)
+                dark = [x for x in range(24) if value_of(image.at(x, 12)) < 120]
+                self.assertEqual([12, 13], dark, (name, pixel))
+
     def test_the_colour_median_takes_whole_pixels(self):
         # Where three colours meet, medians of the channels would be a colour that is not there.
         rows = plain(24, 24, (230, 20, 20))
@@ -209,6 +221,8 @@ class Pixels(PageTest):
                     unrest = [spread([value_of(image.at(x, y)) for y in range(10, 14)]) for image in (before, after)]
                     self.assertGreater(unrest[0], 10)
                     self.assertLess(unrest[1], 7)
+                # The windows of 5 x 5 pixels do not reach the two outermost columns.
+                self.assertGreater(spread([value_of(after.at(1, y)) for y in range(10, 14)]), 10)
                 self.assertGreater(value_of(after.at(width - 12, 12)), 150)
                 self.assertLess(value_of(after.at(width - 6, 12)), 80)
 
@@ -257,23 +271,23 @@ class ContactSheet(PageTest):
         pages = []
         for i in range(52):
             page = self.folder / f"drawn-{i:02}.jpg"
-            rows = [[left] * 10 + [right] * 10 for _ in range(20)] if i == 0 else plain(20, 20, (4 * i, 90, 90))
+            rows = [[left] * 3 + [right] * 3 for _ in range(20)] if i == 0 else plain(6, 20, (4 * i, 90, 90))
             pages.append(jpeg_of(page, rows))
         for given, count, jobs in ((pages, 50, "3"), (pages[:3], 3, "1")):
             sheet = self.root / "sheet.png"
             run = scanpage("-j", jobs, "--angle", "180", *given, "-o", self.out, "--contact-sheet", sheet)
             self.assertEqual(0, run.status, run.stderr)
             image = Image(sheet)
-            gap, side = 24, 900
-            self.assertEqual((2 * side + 3 * gap, count * (side + gap) + gap), (image.width, image.height))
+            gap, width, height = 24, 270, 900
+            self.assertEqual((2 * width + 3 * gap, count * (height + gap) + gap), (image.width, image.height))
             self.assertEqual((0x40, 0x48, 0x48), image.at(5, 5))
-            columns = [gap + 100, gap + side - 100, 2 * gap + side + 100, 2 * gap + 2 * side - 100]
+            columns = [gap + 30, gap + width - 30, 2 * gap + width + 30, 2 * gap + 2 * width - 30]
             for x, colour in zip(columns, (left, right, right, left)):
                 for found, expected in zip(image.at(x, gap + 400), colour):
                     self.assertAlmostEqual(expected, found, delta=12)
             for i in (1, 2, count - 1):
                 for x in columns:
-                    self.assertAlmostEqual(4 * i, image.at(x, gap + i * (side + gap) + 400)[0], delta=12)
+                    self.assertAlmostEqual(4 * i, image.at(x, gap + i * (height + gap) + 400)[0], delta=12)
 
     def test_grey_pages_are_grey(self):
         page = jpeg_of(self.folder / "drawn.jpg", plain(20, 20, 77))
