@@ -364,6 +364,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     constexpr std::array kOperations = {integerConvolution, floatConvolution, convolutionOfOtherTypes, boxFilter,
                                         bilateral,          wildBilateral,    colourConvolution,       noiseReduction,
                                         matrixProduct,      refusedProduct,   cosineTransform};
-    kOperations[static_cast<size_t>(draw.between(0, static_cast<int>(kOperations.size()) - 1))](draw);
+    fuzz::runOneOf(kOperations, draw);
     return 0;
 }

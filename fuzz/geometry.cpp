@@ -310,6 +310,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Draw draw(data, size);
     constexpr std::array kOperations = {rotateRegion, rotateAbout, refusedRotation, deskew,       quarterTurn,
                                         brokenPages,  unite,       resizePage,      resizeRegion, resizeToFit};
-    kOperations[static_cast<size_t>(draw.between(0, static_cast<int>(kOperations.size()) - 1))](draw);
+    fuzz::runOneOf(kOperations, draw);
     return 0;
 }

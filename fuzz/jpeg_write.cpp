@@ -177,6 +177,6 @@ void driveEncoder(Draw& draw) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Draw draw(data, size);
     constexpr std::array kOperations = {compressBuffer, compressRecord, refusedRecord, driveEncoder};
-    kOperations[static_cast<size_t>(draw.between(0, static_cast<int>(kOperations.size()) - 1))](draw);
+    fuzz::runOneOf(kOperations, draw);
     return 0;
 }

@@ -248,6 +248,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Draw draw(data, size);
     constexpr std::array kOperations = {expandBits,      packBits,   widen,        narrow,   thresholdBytes,
                                         thresholdShorts, fillRegion, packedColour, toPlanes, fromPlanes};
-    kOperations[static_cast<size_t>(draw.between(0, static_cast<int>(kOperations.size()) - 1))](draw);
+    fuzz::runOneOf(kOperations, draw);
     return 0;
 }

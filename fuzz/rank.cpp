@@ -227,6 +227,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Draw draw(data, size);
     constexpr std::array kOperations = {squareMedian,   medianOfOtherTypes, refusedMasks, crossMedian,
                                         weightedMedian, colourMedian,       morphology,   inPlace};
-    kOperations[static_cast<size_t>(draw.between(0, static_cast<int>(kOperations.size()) - 1))](draw);
+    fuzz::runOneOf(kOperations, draw);
     return 0;
 }

@@ -4,6 +4,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <opencv2/core.hpp>
@@ -86,6 +87,12 @@ private:
 };
 
 IppiSize anySize(Draw& draw, int most = 70);
+
+// The input's first number chooses the operation that is tried.
+template <size_t count>
+void runOneOf(const std::array<void (*)(Draw&), count>& operations, Draw& draw) {
+    operations[static_cast<size_t>(draw.between(0, static_cast<int>(count) - 1))](draw);
+}
 
 // The arguments of a call from one image to another. One in eight is broken in one of its arguments.
 struct Call {
