@@ -48,56 +48,69 @@ bool insideOf(const Image& image, const IppiRect& written, const std::vector<uin
     return now == before;
 }
 
-void rotateRegion(Draw& draw) {
-    const int pixelSize = std::array{1, 3, 4}[static_cast<size_t>(draw.between(0, 2))];
-    Image source(draw, fuzz::anySize(draw), pixelSize, {}, Image::LastRow::kWhole);    // what pads a row is image here
-    Image target(draw, fuzz::anySize(draw), pixelSize);
-    Image plain(target);
-    const IppiRect from = rectIn(draw, source.size());
-    const IppiRect to = rectIn(draw, target.size());
-    const double angle = anyAngle(draw);
-    bool tame = std::abs(angle) < 1e6;
-    const auto xShift = static_cast<float>(anyShift(draw, tame));
-    const auto yShift = static_cast<float>(anyShift(draw, tame));
-    const cv::Scalar border(draw.between(-5, 300), draw.between(-5, 300), draw.byte(), draw.byte());
+// Two images, a rectangle in each, and the angle between them.
+struct Turn {
+    explicit Turn(Draw& draw)
+        : pixelSize(std::array{1, 3, 4}[static_cast<size_t>(draw.between(0, 2))]),
+          source(draw, fuzz::anySize(draw), pixelSize, {}, Image::LastRow::kWhole),    // what pads a row is image here
+          target(draw, fuzz::anySize(draw), pixelSize),
+          plain(target),
+          from(rectIn(draw, source.size())),
+          to(rectIn(draw, target.size())),
+          angle(anyAngle(draw)),
+          tame(std::abs(angle) < 1e6) {}
+
+    int pixelSize;
+    Image source;
+    Image target;
+    Image plain;    // a target for the plain calls
+    IppiRect from;
+    IppiRect to;
+    double angle;
+    bool tame;    // no number is so far off that OpenCV may refuse it
+};
+
+// `rotate()` into the target, beside `rotatePlainly(rotation)`.
+template <class Rotate, class RotatePlainly>
+void requireTurned(Turn& turn, const cv::Scalar& border, const char* what, Rotate rotate, RotatePlainly rotatePlainly) {
     IppStatus status = 0;
-    const bool finished = fuzz::survives([&] {
-        status = ippiRotate(source.region(), source.size(), source.step(), from, target.region(), target.step(), to,
-                            angle, xShift, yShift, 0, typeOf(pixelSize), border);
-    });
-    require(insideOf(target, to, plain.bytes()), "nothing around the rectangle is written");
-    if (!tame) return;
+    const bool finished = fuzz::survives([&] { status = rotate(); });
+    require(insideOf(turn.target, turn.to, turn.plain.bytes()), "nothing around the rectangle is written");
+    if (!turn.tame) return;
     require(finished && status == 0, "a good call is done");
-    const oracle::Rotation rotation = {source.region(), source.step(),     from,  plain.region(), plain.step(), to,
-                                       angle,           typeOf(pixelSize), border};
-    oracle::rotateByOpenCV(rotation, xShift, yShift);
-    require(sameRect(target, plain), "rotation");
+    rotatePlainly(oracle::Rotation{turn.source.region(), turn.source.step(), turn.from, turn.plain.region(),
+                                   turn.plain.step(), turn.to, turn.angle, typeOf(turn.pixelSize), border});
+    require(sameRect(turn.target, turn.plain), what);
+}
+
+void rotateRegion(Draw& draw) {
+    Turn turn(draw);
+    const auto xShift = static_cast<float>(anyShift(draw, turn.tame));
+    const auto yShift = static_cast<float>(anyShift(draw, turn.tame));
+    const cv::Scalar border(draw.between(-5, 300), draw.between(-5, 300), draw.byte(), draw.byte());
+    requireTurned(
+        turn, border, "rotation",
+        [&] {
+            return ippiRotate(turn.source.region(), turn.source.size(), turn.source.step(), turn.from,
+                              turn.target.region(), turn.target.step(), turn.to, turn.angle, xShift, yShift, 0,
+                              typeOf(turn.pixelSize), border);
+        },
+        [&](const oracle::Rotation& rotation) { oracle::rotateByOpenCV(rotation, xShift, yShift); });
 }
 
 void rotateAbout(Draw& draw) {
-    const int pixelSize = std::array{1, 3, 4}[static_cast<size_t>(draw.between(0, 2))];
-    Image source(draw, fuzz::anySize(draw), pixelSize, {}, Image::LastRow::kWhole);
-    Image target(draw, fuzz::anySize(draw), pixelSize);
-    Image plain(target);
-    const IppiRect from = rectIn(draw, source.size());
-    const IppiRect to = rectIn(draw, target.size());
-    const double angle = anyAngle(draw);
-    bool tame = std::abs(angle) < 1e6;
-    const double xCentre = anyShift(draw, tame);
-    const double yCentre = anyShift(draw, tame);
+    Turn turn(draw);
+    const double xCentre = anyShift(draw, turn.tame);
+    const double yCentre = anyShift(draw, turn.tame);
     const cv::Scalar border(draw.byte(), draw.byte(), draw.byte(), draw.byte());
-    IppStatus status = 0;
-    const bool finished = fuzz::survives([&] {
-        status = ippiRotateCenter(source.region(), source.size(), source.step(), from, target.region(), target.step(),
-                                  to, angle, xCentre, yCentre, 0, typeOf(pixelSize), border);
-    });
-    require(insideOf(target, to, plain.bytes()), "nothing around the rectangle is written");
-    if (!tame) return;
-    require(finished && status == 0, "a good call is done");
-    const oracle::Rotation rotation = {source.region(), source.step(),     from,  plain.region(), plain.step(), to,
-                                       angle,           typeOf(pixelSize), border};
-    oracle::rotateAboutByOpenCV(rotation, xCentre, yCentre);
-    require(sameRect(target, plain), "rotation about a point");
+    requireTurned(
+        turn, border, "rotation about a point",
+        [&] {
+            return ippiRotateCenter(turn.source.region(), turn.source.size(), turn.source.step(), turn.from,
+                                    turn.target.region(), turn.target.step(), turn.to, turn.angle, xCentre, yCentre, 0,
+                                    typeOf(turn.pixelSize), border);
+        },
+        [&](const oracle::Rotation& rotation) { oracle::rotateAboutByOpenCV(rotation, xCentre, yCentre); });
 }
 
 // Sizes, steps and rectangles at random, over images that are large enough for none of them.
