@@ -36,6 +36,9 @@ def test_the_border_may_differ_by_channel(rng):
     assert (opcv_dlib.rotate_center(src, 45, border=[7, 8, 9])[0, 0] == (7, 8, 9)).all()
     with pytest.raises(ValueError, match="rotate: border must be a number or 1 to 4 numbers"):
         opcv_dlib.rotate(src, 0, border=[])
+    with pytest.raises(ValueError, match="rotate: border must be a number or 1 to 4 numbers"):
+        opcv_dlib.rotate(src, 0, border=[1, 2, 3, 4, 5])
+    assert (opcv_dlib.rotate(src, 0, (9, 9), border=[1, 2, 3, 4]) == (1, 2, 3)).all()
 
 
 def test_a_region_takes_what_lies_around_it_in_the_array_and_not_in_the_array_behind_it(rng):
@@ -73,6 +76,8 @@ def test_rotation_into_a_larger_array(rng):
     opcv_dlib.rotate_center(src, 180, out=out)
     assert np.array_equal(out[:9, :9], src[::-1, ::-1])
     assert (out[9:] == 5).all() and (out[:, 9:] == 5).all()
+    with pytest.raises(ValueError, match="rotate: out must be uint8 of shape .*, not uint8 of shape"):
+        opcv_dlib.rotate(src, 0, out=np.zeros((9, 9, 3), np.uint8))
     with pytest.raises(ValueError, match="rotate: out and size are not both allowed"):
         opcv_dlib.rotate(src, 0, size=(2, 2), out=out)
 
@@ -136,6 +141,12 @@ def test_what_the_scaled_image_does_not_reach_is_left_alone(rng):
     assert np.array_equal(out, moved(src, (2, 1), (14, 12), 7))
     fresh = opcv_dlib.resize_sqr_pixel(src, 1, 1, (-2, 0), size=(14, 12))
     assert np.array_equal(fresh, moved(src, (-2, 0), (14, 12), 0))
+
+
+def test_scaled_sides_are_rounded(rng):
+    grey = image(rng, 10, 15)
+    assert opcv_dlib.resize_sqr_pixel(grey, 0.45, 0.27).shape == (3, 7)
+    assert opcv_dlib.resize_sqr_pixel(grey, 0.1, 0.07).shape == (1, 2)
 
 
 def test_sizes_that_make_no_sense_are_refused(rng):

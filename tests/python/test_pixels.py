@@ -140,8 +140,19 @@ def test_planes_that_do_not_match_are_refused(rng):
         opcv_dlib.merge_planes([plane, plane, padded(plane)])
     with pytest.raises(ValueError, match="merge_planes: src must be three arrays"):
         opcv_dlib.merge_planes([plane, plane, 3])
-    with pytest.raises(ValueError, match="split_planes: out has planes that overlap"):
-        opcv_dlib.split_planes(image(rng, 6, 8, 3), out=[plane, plane, plane.copy()])
+    other = plane.copy()
+    for planes in ([plane, plane, other], [other, plane, plane], [plane, other, plane]):
+        with pytest.raises(ValueError, match="split_planes: out has planes that overlap"):
+            opcv_dlib.split_planes(image(rng, 6, 8, 3), out=planes)
+    memory = np.zeros(6 * 8 * 5, np.uint8)
+    colour = memory[: 6 * 8 * 3].reshape(6, 8, 3)
+    for start in (0, 1, 2):    # the plane that lies in the source
+        planes = [memory[6 * 8 * 3 :].reshape(2, 6, 8)[0], memory[6 * 8 * 4 :].reshape(6, 8)]
+        planes.insert(start, memory[: 6 * 8].reshape(6, 8))
+        with pytest.raises(ValueError, match="split_planes: out overlaps the source"):
+            opcv_dlib.split_planes(colour, out=planes)
+        with pytest.raises(ValueError, match="merge_planes: out overlaps the source"):
+            opcv_dlib.merge_planes(planes, out=colour)
     with pytest.raises(ValueError, match="split_planes: out must have planes of 6 rows and 9 columns"):
         opcv_dlib.split_planes(image(rng, 6, 9, 3), out=[plane, plane.copy(), plane.copy()])
 
