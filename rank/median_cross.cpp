@@ -20,7 +20,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using rank_rows::HWY_NAMESPACE::coverRow;
+using rank_rows::HWY_NAMESPACE::coverPair;
 using rank_rows::HWY_NAMESPACE::forEachRowPair;
 using rank_rows::HWY_NAMESPACE::RowPair;
 
@@ -114,9 +114,9 @@ struct Cross5x5 {
 template <class Cross>
 HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int width,
                             int height) {
-    forEachRowPair(src, srcStep, dst, dstStep, width, height, [=](const RowPair& pair) HWY_ATTR {
+    forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
         const Crosses crosses(pair, srcStep, Cross::kReach);
-        coverRow(width, [=](auto d, ptrdiff_t x) HWY_ATTR { Cross::filterAt(d, crosses, x, pair); });
+        coverPair(pair, width, [=](auto d, ptrdiff_t x) HWY_ATTR { Cross::filterAt(d, crosses, x, pair); });
     });
 }
 

@@ -16,19 +16,17 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rank/median_square_kernels.cpp"
+#include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
 #include "rank/merge_network.h"
-#include "rank/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
-
-using rank_rows::HWY_NAMESPACE::prefetchRow;
 
 using rank_network::MedianRanks;
 using D = hn::ScalableTag<uint8_t>;
@@ -112,6 +110,15 @@ HWY_INLINE V medianOf(const Sorted<m, kA>& a, const Sorted<m, kB>& b) {
     return least;
 }
 
+HWY_INLINE V middleOf(V a, V b, V c) { return hn::Max(hn::Min(a, b), hn::Min(hn::Max(a, b), c)); }
+
+// Of three sorted columns the greatest low, the middle of the middles and the least high are left, and their middle is
+// the median.
+HWY_INLINE V medianOfColumns(const Sorted<3, 3>& a, const Sorted<3, 3>& b, const Sorted<3, 3>& c) {
+    return middleOf(hn::Max(hn::Max(a.v[0], b.v[0]), c.v[0]), middleOf(a.v[1], b.v[1], c.v[1]),
+                    hn::Min(hn::Min(a.v[2], b.v[2]), c.v[2]));
+}
+
 // ---- row buffers
 
 constexpr ptrdiff_t kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(d));
@@ -143,8 +150,11 @@ public:
     Strip(ptrdiff_t width, int channels) : width_(width), channels_(channels) {}
 
     // Filters two rows, or one if `dst[1]` is null. `src` are the m + 1 rows of their windows, from the first window's
-    // left edge on.
-    void filter(const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2]) {
+    // left edge on. What the next two use lies `srcAhead` behind the last two of them, and `dstAhead` behind `dst`; it is
+    // fetched on the way.
+    void filter(const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2], ptrdiff_t srcAhead, ptrdiff_t dstAhead) {
+        srcAhead_ = srcAhead;
+        dstAhead_ = dstAhead;
         sortColumns(src);
         for (int r = 0; r < 2 && dst[r]; ++r) {
             if constexpr (m >= 5) {
@@ -185,6 +195,8 @@ private:
     }
 
     HWY_INLINE void sortColumnsAt(const uint8_t* const (&src)[m + 1], ptrdiff_t x) {
+        hwy::Prefetch(src[m - 1] + x + srcAhead_);
+        hwy::Prefetch(src[m] + x + srcAhead_);
         V shared[m - 1];
         unrolled<m - 1>([&](auto i) HWY_ATTR { shared[i] = hn::LoadU(d, src[i + 1] + x); });
         run<Sorter<m - 1>>(shared);
@@ -210,7 +222,10 @@ private:
     }
 
     HWY_INLINE V medianAt(const Columns& columns, ptrdiff_t x) const {
-        return medianOf(sorted<m - 1>(columns, x), columns.load(x + (m - 1) * channels_));
+        if constexpr (m == 3)
+            return medianOfColumns(columns.load(x), columns.load(x + channels_), columns.load(x + 2 * channels_));
+        else
+            return medianOf(sorted<m - 1>(columns, x), columns.load(x + (m - 1) * channels_));
     }
 
     void writeRow(const Columns& columns, uint8_t* dst) const {
@@ -220,12 +235,17 @@ private:
             std::memcpy(dst, block, static_cast<size_t>(width_));
             return;
         }
-        for (ptrdiff_t x = 0; x < width_ - lanes(); x += lanes()) hn::StoreU(medianAt(columns, x), d, dst + x);
+        for (ptrdiff_t x = 0; x < width_ - lanes(); x += lanes()) {
+            hwy::Prefetch(dst + x + dstAhead_);
+            hn::StoreU(medianAt(columns, x), d, dst + x);
+        }
         hn::StoreU(medianAt(columns, width_ - lanes()), d, dst + width_ - lanes());
     }
 
     ptrdiff_t width_;
     ptrdiff_t channels_;
+    ptrdiff_t srcAhead_ = 0;
+    ptrdiff_t dstAhead_ = 0;
     Columns columns_[2];    // of the two rows
     Pairs pairs_;           // of the row that is being written
     Fours fours_;
@@ -248,12 +268,9 @@ void filterStrip(const Image& image, ptrdiff_t first, ptrdiff_t end, int channel
         const uint8_t* rows[m + 1];
         for (int i = 0; i < m + (pair ? 1 : 0); ++i) rows[i] = image.src + (y + i) * image.srcStep + first;
         if (!pair) rows[m] = rows[m - 1];
-        for (ptrdiff_t next = y + 2; next < std::min(y + 4, image.height); ++next) {
-            prefetchRow(image.src + (next + m - 1) * image.srcStep + first, end - first);
-            prefetchRow(image.dst + next * image.dstStep + first, end - first);
-        }
+        const ptrdiff_t ahead = y + 3 < image.height ? 2 : 0;
         uint8_t* const dst = image.dst + y * image.dstStep + first;
-        strip.filter(rows, {dst, pair ? dst + image.dstStep : nullptr});
+        strip.filter(rows, {dst, pair ? dst + image.dstStep : nullptr}, ahead * image.srcStep, ahead * image.dstStep);
     }
 }
 

@@ -28,7 +28,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using rank_rows::HWY_NAMESPACE::coverRow;
+using rank_rows::HWY_NAMESPACE::coverPair;
 using rank_rows::HWY_NAMESPACE::forEachRowPair;
 using rank_rows::HWY_NAMESPACE::RowPair;
 
@@ -88,10 +88,10 @@ HWY_INLINE void filterAt(D d, const Rows& src, ptrdiff_t x, const RowPair& pair)
 template <class Weight>
 HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int width,
                             int height) {
-    forEachRowPair(src, srcStep, dst, dstStep, width, height, [=](const RowPair& pair) HWY_ATTR {
+    forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
         const uint8_t* lower = pair.upper + srcStep;
         const Rows rows = {pair.upper - srcStep, pair.upper, lower, pair.hasLower ? lower + srcStep : lower};
-        coverRow(width, [=](auto d, ptrdiff_t x) HWY_ATTR { filterAt<Weight>(d, rows, x, pair); });
+        coverPair(pair, width, [=](auto d, ptrdiff_t x) HWY_ATTR { filterAt<Weight>(d, rows, x, pair); });
     });
 }
 

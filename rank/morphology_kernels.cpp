@@ -29,6 +29,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+using rank_rows::HWY_NAMESPACE::coverPair;
 using rank_rows::HWY_NAMESPACE::coverRow;
 using rank_rows::HWY_NAMESPACE::forEachRowPair;
 using rank_rows::HWY_NAMESPACE::RowPair;
@@ -148,12 +149,12 @@ template <class Op>
 void filterSquare3x3(const WindowRows& rows) {
     const ptrdiff_t step = rows.srcStep;
     forEachRowPair(
-        rows.src + step, step, rows.dst, rows.dstStep, static_cast<int>(rows.width), static_cast<int>(rows.height),
+        rows.src + step, step, rows.dst, rows.dstStep, static_cast<int>(rows.height),
         [=](const RowPair& pair) HWY_ATTR {
             const uint8_t* const above = pair.upper - step;
             const uint8_t* const lower = pair.upper + step;
             const uint8_t* const below = pair.hasLower ? lower + step : lower;
-            coverRow(rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            coverPair(pair, rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
                 const auto at = [=](const uint8_t* row, ptrdiff_t dx) HWY_ATTR { return hn::LoadU(d, row + x + dx); };
                 const auto shared = [=](ptrdiff_t dx) HWY_ATTR { return Op::of(at(pair.upper, dx), at(lower, dx)); };
                 const auto left = shared(0);

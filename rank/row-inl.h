@@ -46,20 +46,31 @@ struct RowPair {
     bool hasLower;
     uint8_t* upperDst;
     uint8_t* lowerDst;
+    const uint8_t* next[4];    // rows that the next pair is the first to use: two it reads, two it writes
 };
 
 template <class FilterPair>
-HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int width,
-                               int height, const FilterPair& filterPair) {
+HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int height,
+                               const FilterPair& filterPair) {
     for (; height > 0; height -= 2, src += 2 * srcStep, dst += 2 * dstStep) {
-        if (height > 3) {
-            for (int next = 2; next <= 3; ++next) {
-                prefetchRow(src + (next + 1) * srcStep, width);
-                prefetchRow(dst + next * dstStep, width);
+        RowPair pair{src, height > 1, dst, height > 1 ? dst + dstStep : dst, {src, src, dst, dst}};
+        if (height > 3)
+            for (ptrdiff_t i = 0; i < 2; ++i) {
+                pair.next[i] = src + (3 + i) * srcStep;
+                pair.next[2 + i] = dst + (2 + i) * dstStep;
             }
-        }
-        filterPair(RowPair{src, height > 1, dst, height > 1 ? dst + dstStep : dst});
+        filterPair(pair);
     }
+}
+
+// coverRow for both rows of a pair. On the way it fetches the next pair's pixels: rows are too short for the processor to
+// see that another one follows a step later, and fetched at once they would keep the arithmetic waiting.
+template <class FilterAt>
+HWY_INLINE void coverPair(const RowPair& pair, ptrdiff_t width, const FilterAt& filterAt) {
+    coverRow(width, [&](auto d, ptrdiff_t x) HWY_ATTR {
+        for (const uint8_t* row : pair.next) hwy::Prefetch(row + x);
+        filterAt(d, x);
+    });
 }
 
 }    // namespace HWY_NAMESPACE
