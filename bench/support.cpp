@@ -4,17 +4,19 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <new>
 #include <tuple>
 
+#include "core/pixel_memory.h"
 #include "support/random.h"
 
 namespace bench {
 namespace {
 
 // Dark strokes on light paper with a slow shade and noise of a few levels.
-void drawPage(std::vector<uint8_t>& bytes, int step, int pixelSize) {
+void drawPage(uint8_t* bytes, size_t count, int step, int pixelSize) {
     Random random(7);
-    for (size_t i = 0; i < bytes.size(); ++i) {
+    for (size_t i = 0; i < count; ++i) {
         const int x = static_cast<int>(i % static_cast<size_t>(step)) / pixelSize;
         const int y = static_cast<int>(i / static_cast<size_t>(step));
         const bool ink =
@@ -54,12 +56,19 @@ std::vector<IppiSize>& sizesBeingMade() {
 
 }    // namespace
 
+PixelBlock pixelBlock(size_t bytes) {
+    PixelBlock block(static_cast<unsigned char*>(allocatePixels(bytes)));
+    if (!block) throw std::bad_alloc();
+    return block;
+}
+
 Page::Page(IppiSize size, int pixelSize)
     : size_(size),
       pixelSize_(pixelSize),
       step_((size.width + 2 * kMargin) * pixelSize),
-      bytes_(static_cast<size_t>(step_) * static_cast<size_t>(size.height + 2 * kMargin)) {
-    drawPage(bytes_, step_, pixelSize);
+      bytes_(pixelBlock(static_cast<size_t>(step_) * static_cast<size_t>(size.height + 2 * kMargin))) {
+    drawPage(bytes_.get(), static_cast<size_t>(step_) * static_cast<size_t>(size.height + 2 * kMargin), step_,
+             pixelSize);
 }
 
 bool Page::sameRegion(const Page& other) const {
@@ -91,12 +100,17 @@ Plain openCV(const Action& run) { return {"OpenCV", run}; }
 // where the target lies a little behind.
 Action memcpyOf(const Subject& subject) {
     constexpr size_t kLargest = size_t{1} << 26;
-    static const std::vector<uint8_t> from(kLargest, 1);
-    static std::vector<uint8_t> to(kLargest);
+    const auto touched = [](int value) {
+        PixelBlock block = pixelBlock(kLargest);
+        std::memset(block.get(), value, kLargest);
+        return block;
+    };
+    static const PixelBlock from = touched(1);
+    static const PixelBlock to = touched(0);
     const size_t half = std::min((subject.bytesRead + subject.bytesWritten) / 2, kLargest);
     return [half] {
-        std::memcpy(to.data(), from.data(), half);
-        asm volatile("" : : "r"(to.data()) : "memory");
+        std::memcpy(to.get(), from.get(), half);
+        asm volatile("" : : "r"(to.get()) : "memory");
     };
 }
 

@@ -9,12 +9,17 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "core/ownership.h"
 
 namespace bench {
 
 constexpr IppiSize kPage = {2480, 3508};    // A4 at 300 dpi
 constexpr IppiSize kTile = {256, 256};
 constexpr int kMargin = 16;
+
+// Bytes in huge pages where the kernel gives them, as the pixels of the library's records are; in small ones the time
+// would depend on how they happened to be handed out.
+PixelBlock pixelBlock(size_t bytes);
 
 // A page with margins on all sides: text-like blocks, shading and noise.
 class Page {
@@ -23,15 +28,15 @@ public:
 
     IppiSize size() const { return size_; }
     int step() const { return step_; }
-    uint8_t* data() { return bytes_.data() + kMargin * step_ + kMargin * pixelSize_; }
-    const uint8_t* data() const { return bytes_.data() + kMargin * step_ + kMargin * pixelSize_; }
+    uint8_t* data() { return bytes_.get() + kMargin * step_ + kMargin * pixelSize_; }
+    const uint8_t* data() const { return bytes_.get() + kMargin * step_ + kMargin * pixelSize_; }
     bool sameRegion(const Page& other) const;
 
 private:
     IppiSize size_;
     int pixelSize_;
     int step_;
-    std::vector<uint8_t> bytes_;
+    PixelBlock bytes_;
 };
 
 // Pages made once and shared: one to read and two to write for each size and pixel size.
