@@ -64,6 +64,23 @@ TEST(Rotate, IsTheFrameOfOpenCVCallsWhereGroupsBecomeSmaller) {
             }
 }
 
+// Some positions of these turns lie so close to the middle between two of the grid that one rounding more or less in
+// their sums decides.
+TEST(Rotate, IsTheFrameOfOpenCVCallsCloseToTies) {
+    constexpr IppiSize kSize = {131, 23};
+    Bytes source = anyBytes(391, size_t{131} * 23 * 4);
+    const Place from = {source.data(), kSize};
+    for (const double angle : {35.030394461447088, 26.08476408639179, 30.927159642628649, 30.99495898684129})
+        for (const double signedAngle : {angle, -angle})
+            for (const float shift : {0.0F, 17.0F, -9.0F}) {
+                Bytes expected(source.size(), 1);
+                Bytes actual = expected;
+                rotateByOracle(from, {expected.data(), kSize}, 1, signedAngle, shift, shift);
+                ASSERT_EQ(rotated(from, {actual.data(), kSize}, 1, signedAngle, shift, shift), ippStsNoErr);
+                ASSERT_EQ(actual, expected) << "angle " << signedAngle << " shift " << shift;
+            }
+}
+
 // A target that begins with the source's last byte, or ends with its first.
 TEST(Rotate, OneSharedByteIsAnOverlap) {
     constexpr IppiSize kSize = {50, 7};
