@@ -136,6 +136,26 @@ TEST(KVImage, AFailureFreesTheBlockThatTheSlotHeld) {
     }
 }
 
+// From 4 MB on the kernel is asked for huge pages. What stands in the blocks around it is not its business.
+TEST(KVImage, LargeRecordsHoldWhatIsWrittenBesideOtherBlocks) {
+    for (const int height : {1023, 1024, 1025, 2500}) {
+        const KVRect r = rectOf(4096, height);
+        RecordPtr records[3];
+        for (size_t i = 0; i < 3; ++i) {
+            ASSERT_EQ(createRecord(r, 8, records[i]), noErr);
+            std::memset(records[i]->data, static_cast<int>(i + 1), static_cast<size_t>(records[i]->size));
+        }
+        records[1].reset();
+        ASSERT_EQ(createRecord(r, 8, records[1]), noErr);
+        std::memset(records[1]->data, 9, static_cast<size_t>(records[1]->size));
+        for (const size_t i : {0, 2}) {
+            const unsigned char* const data = records[i]->data;
+            EXPECT_EQ(data[0], static_cast<int>(i + 1));
+            EXPECT_EQ(std::memcmp(data, data + 1, static_cast<size_t>(records[i]->size) - 1), 0) << height;
+        }
+    }
+}
+
 TEST(KVImage, DisposeTakesNullAndRecordsWithoutPixels) {
     DisposeKVIMG(nullptr);
     auto* const record = static_cast<KVIMG*>(std::calloc(1, sizeof(KVIMG)));
