@@ -148,7 +148,7 @@ TEST(KVImage, LargeRecordsHoldWhatIsWrittenBesideOtherBlocks) {
         records[1].reset();
         ASSERT_EQ(createRecord(r, 8, records[1]), noErr);
         std::memset(records[1]->data, 9, static_cast<size_t>(records[1]->size));
-        for (const size_t i : {0, 2}) {
+        for (const size_t i : {size_t{0}, size_t{2}}) {
             const unsigned char* const data = records[i]->data;
             EXPECT_EQ(data[0], static_cast<int>(i + 1));
             EXPECT_EQ(std::memcmp(data, data + 1, static_cast<size_t>(records[i]->size) - 1), 0) << height;
