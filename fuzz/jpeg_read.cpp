@@ -3,6 +3,8 @@
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "core/ownership.h"
+#include "core/pixel_memory.h"
 #include "support.h"
 #include "support/reading.h"
 
@@ -58,6 +60,12 @@ void requireAsOpenCV(const Reading& r, const std::vector<uint8_t>& stream, int f
     }
 }
 
+// A grey page's colours take three times its memory.
+bool colourCanBeHad(const KVIMG& image) {
+    const size_t bytes = 3 * static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
+    return PixelBlock(static_cast<unsigned char*>(allocatePixels(bytes))) != nullptr;
+}
+
 bool isJpeg(const std::vector<uint8_t>& stream) {
     return stream.size() >= 3 && stream[0] == 0xFF && stream[1] == 0xD8 && stream[2] == 0xFF;
 }
@@ -80,8 +88,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const Reading piece = readSplit(stream, r.image->width, r.image->height);
     requireWhole(piece);
-    require(piece.status == noErr && piece.image->depth == 24, "a page of the stated size is read");
-    requireAsOpenCV(piece, stream, cv::IMREAD_COLOR);
+    if (piece.image) {
+        require(piece.image->depth == 24, "a page of the stated size is read in colour");
+        requireAsOpenCV(piece, stream, cv::IMREAD_COLOR);
+    } else {
+        require(piece.status == memFullErr && !colourCanBeHad(*r.image), "a page of the stated size is read");
+    }
     require(readSplit(stream, r.image->width + 1, r.image->height).status == paramErr, "another width is refused");
     require(readSplit(stream, r.image->width, r.image->height - 1).status == paramErr, "another height is refused");
     return 0;

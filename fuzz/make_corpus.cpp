@@ -131,6 +131,11 @@ void addHostileStreams(const Folder& folder) {
         const Bytes frame = segment(0xC2, {8, high, low, high, low, 3, 1, 0x22, 0, 2, 0x11, 0, 3, 0x11, 0});
         folder.add("claims_" + std::to_string(side), chain({kStart, frame, scan, kEnd}));
     }
+    // Grey pixels that can be had where, as colours, they cannot.
+    const Bytes grey = encode(1, JCS_GRAYSCALE, [](auto&) {});
+    Bytes large = grey;
+    for (const size_t digit : {5U, 7U}) large = changed(large, positionOf(grey, 0xC0) + digit, 0x10);
+    folder.add("grey_claims_4100", large);
     folder.add("hundred_scans", scanned(36));
     folder.add("hundred_and_one_scans", scanned(37));
     Bytes bomb = chain({kStart, segment(0xC2, {8, 0x20, 0, 0x20, 0, 1, 0, 0x11, 0})});
