@@ -1,7 +1,8 @@
 #include "jpeg/survey.h"
 
 #include <algorithm>
-#include <cstring>
+
+#include "jpeg/marker_search.h"
 
 namespace {
 
@@ -31,9 +32,7 @@ public:
     // Steps over anything that is no marker, coded data included: a byte of 255 in it is followed by 0.
     int nextMarker() {
         while (at_ < end_) {
-            const void* found = std::memchr(at_, 0xFF, remaining());
-            if (!found) break;
-            at_ = std::find_if(static_cast<const unsigned char*>(found), end_, [](int byte) { return byte != 0xFF; });
+            at_ = std::find_if(findMarker(at_, end_), end_, [](int byte) { return byte != 0xFF; });
             if (at_ < end_ && *at_++ != 0) return at_[-1];
         }
         return kNoMarker;
