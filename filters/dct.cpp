@@ -10,11 +10,16 @@
 
 namespace {
 
+struct Line {
+    double* values;
+    int count;
+};
+
 // OpenCV transforms even lengths only. For odd ones the definition is summed up: with N values,
 //     forward:  X[k] = s(k) * sum over j of x[j] * cos(pi * k * (2j + 1) / 2N),    s(0) = sqrt(1/N), s(k) = sqrt(2/N)
 //     inverse:  x[j] = sum over k of s(k) * X[k] * cos(pi * k * (2j + 1) / 2N)
-std::vector<double> transformOddLength(const std::vector<double>& values, bool inverse) {
-    const size_t n = values.size();
+void transformOddLength(Line line, bool inverse) {
+    const auto n = static_cast<size_t>(line.count);
     const size_t period = std::max<size_t>(4 * n, 1);    // of the cosine, in steps of pi / 2N
     std::vector<double> cosines(period);
     for (size_t i = 0; i < period; ++i)
@@ -28,30 +33,34 @@ std::vector<double> transformOddLength(const std::vector<double>& values, bool i
     std::vector<double> transformed(n);
     for (size_t to = 0; to < n; ++to)
         for (size_t from = 0; from < n; ++from)
-            transformed[to] += values[from] * (inverse ? basis(from, to) : basis(to, from));
-    return transformed;
+            transformed[to] += line.values[from] * (inverse ? basis(from, to) : basis(to, from));
+    std::copy(transformed.begin(), transformed.end(), line.values);
 }
 
-std::vector<double> transformEvenLength(const std::vector<double>& values, bool inverse) {
-    std::vector<double> transformed;
-    cv::dct(values, transformed, cv::DCT_ROWS | (inverse ? cv::DCT_INVERSE : 0));
-    return transformed;
+void transform(Line line, bool inverse) {
+    if (line.count % 2 != 0) return transformOddLength(line, inverse);
+    cv::Mat view(1, line.count, CV_64FC1, line.values);
+    cv::dct(view, view, cv::DCT_ROWS | (inverse ? cv::DCT_INVERSE : 0));
+}
+
+// The table's rows stand one behind the other already.
+bool isOneLine(double* const* rows, int n) {
+    for (int row = 1; row < n; ++row)
+        if (rows[row] != rows[row - 1] + n) return false;
+    return true;
 }
 
 }    // namespace
 
 void ddct(int direction, double** rows, int n) {
     const int64_t count = int64_t{n} * n;
-    if (!rows || n <= 0 || count > INT_MAX) return;
+    if (!rows || n <= 0 || count > INT_MAX || std::find(rows, rows + n, nullptr) != rows + n) return;
+    const bool inverse = direction < 0;
+    if (isOneLine(rows, n)) return transform({rows[0], static_cast<int>(count)}, inverse);
 
     std::vector<double> values;
     values.reserve(static_cast<size_t>(count));
-    for (int row = 0; row < n; ++row) {
-        if (!rows[row]) return;
-        values.insert(values.end(), rows[row], rows[row] + n);
-    }
-    const bool inverse = direction < 0;
-    const std::vector<double> transformed =
-        n % 2 == 0 ? transformEvenLength(values, inverse) : transformOddLength(values, inverse);
-    for (int row = 0; row < n; ++row) std::copy_n(transformed.begin() + ptrdiff_t{row} * n, n, rows[row]);
+    for (int row = 0; row < n; ++row) values.insert(values.end(), rows[row], rows[row] + n);
+    transform({values.data(), static_cast<int>(count)}, inverse);
+    for (int row = 0; row < n; ++row) std::copy_n(values.begin() + ptrdiff_t{row} * n, n, rows[row]);
 }

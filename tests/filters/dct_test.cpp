@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <vector>
 
@@ -62,6 +63,41 @@ TEST(CosineTransform, IsOneTransformOfTheWholeTable) {
     EXPECT_NEAR(first[1], 0, 1e-12);
     EXPECT_NEAR(second[0], 0, 1e-12);
     EXPECT_NEAR(second[1], 0, 1e-12);
+}
+
+// The values of a table do not depend on where its rows lie.
+TEST(CosineTransform, RowsMayLieOneBehindTheOther) {
+    Random random(675);
+    for (int n = 1; n <= 9; ++n)
+        for (const int direction : {0, -1}) {
+            Table table(random, n);
+            std::vector<double> block = table.values;
+            block.push_back(Table::kBehind);
+            std::vector<double*> rows;
+            for (int row = 0; row < n; ++row) rows.push_back(block.data() + row * n);
+            ddct(direction, rows.data(), n);
+            ddct(direction, table.rows.data(), n);
+            for (int row = 0; row < n; ++row)
+                for (int x = 0; x < n; ++x)
+                    ASSERT_EQ(rows[static_cast<size_t>(row)][x], table.rows[static_cast<size_t>(row)][x]) << "n " << n;
+            ASSERT_EQ(block.back(), Table::kBehind);
+        }
+}
+
+TEST(CosineTransform, RowsMayLieInAnyOrder) {
+    Random random(676);
+    const int n = 6;
+    Table table(random, n);
+    std::vector<double> block(static_cast<size_t>(n * n));
+    std::vector<double*> rows;
+    for (int row = 0; row < n; ++row) {
+        rows.push_back(block.data() + (row + 2) % n * n);
+        std::copy_n(table.rows[static_cast<size_t>(row)], n, rows.back());
+    }
+    ddct(0, rows.data(), n);
+    ddct(0, table.rows.data(), n);
+    for (size_t row = 0; row < rows.size(); ++row)
+        for (int x = 0; x < n; ++x) ASSERT_EQ(rows[row][x], table.rows[row][x]);
 }
 
 TEST(CosineTransform, LeavesTheTableAloneWithoutAllRows) {
