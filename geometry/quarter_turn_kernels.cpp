@@ -136,45 +136,37 @@ void transposeAll(SourceRows from, TargetRows to, int width, int height) {
                 }
 }
 
-HWY_INLINE V8 reorder(V8 bytes, const uint8_t (&order)[16]) {
-    return hn::TableLookupBytes(bytes, hn::LoadU(D8(), order));
+using Wide = hn::ScalableTag<uint8_t>;
+
+// Pixels of 1 or 4 bytes in the opposite order.
+template <int kPixelSize>
+HWY_INLINE hn::Vec<Wide> reverse(hn::Vec<Wide> pixels) {
+    HWY_ALIGN static constexpr uint8_t kBytes[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+    HWY_ALIGN static constexpr uint8_t kFours[16] = {12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3};
+    const auto order = hn::LoadDup128(Wide(), kPixelSize == 1 ? kBytes : kFours);
+    return hn::ReverseBlocks(Wide(), hn::TableLookupBytes(pixels, order));
 }
 
 // A block of a row, mirrored.
 template <int kPixelSize>
-struct Mirror;
-
-template <>
-struct Mirror<1> {
-    static constexpr int kPixels = 16;
-    static constexpr uint8_t kBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+struct Mirror {
+    static constexpr int kPixels = static_cast<int>(hn::MaxLanes(Wide())) / kPixelSize;
 
     static void block(const uint8_t* from, uint8_t* to) {
-        hn::StoreU(reorder(hn::LoadU(D8(), from), kBackwards), D8(), to);
+        hn::StoreU(reverse<kPixelSize>(hn::LoadU(Wide(), from)), Wide(), to);
     }
 };
 
 template <>
 struct Mirror<3> {
-    static constexpr int kPixels = 16;
+    static constexpr int kPixels = static_cast<int>(hn::MaxLanes(Wide()));
 
     static void block(const uint8_t* from, uint8_t* to) {
-        V8 r;
-        V8 g;
-        V8 b;
-        hn::LoadInterleaved3(D8(), from, r, g, b);
-        hn::StoreInterleaved3(reorder(r, Mirror<1>::kBackwards), reorder(g, Mirror<1>::kBackwards),
-                              reorder(b, Mirror<1>::kBackwards), D8(), to);
-    }
-};
-
-template <>
-struct Mirror<4> {
-    static constexpr int kPixels = 4;
-    static constexpr uint8_t kBackwards[16] = {12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3};
-
-    static void block(const uint8_t* from, uint8_t* to) {
-        hn::StoreU(reorder(hn::LoadU(D8(), from), kBackwards), D8(), to);
+        hn::Vec<Wide> r;
+        hn::Vec<Wide> g;
+        hn::Vec<Wide> b;
+        hn::LoadInterleaved3(Wide(), from, r, g, b);
+        hn::StoreInterleaved3(reverse<1>(r), reverse<1>(g), reverse<1>(b), Wide(), to);
     }
 };
 
