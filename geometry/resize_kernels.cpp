@@ -239,12 +239,11 @@ HWY_EXPORT(resizeRows);
 }    // namespace
 
 // Four results lie in four pixels of one channel, in two of three, in one of four. At the greatest scale, with the
-// second taps and one column more where float rounds a position up, that takes 11, 16 and 8 bytes. Beyond it rows are
-// skipped, both ways wait for memory alone, and nothing is gained.
+// second taps and one column more where float rounds a position up, that takes 15, 16 and 8 bytes.
 bool BilinearResize::canDo(const BilinearJob& job) {
-    constexpr double kGreatestScale = 2.5;
     constexpr int kFullBlock = 16;
-    return job.xScale <= kGreatestScale && job.sourceWidth >= kFullBlock;
+    const double greatestScale = job.channels == 3 ? 3 : 4;
+    return job.xScale <= greatestScale && job.sourceWidth >= kFullBlock;
 }
 
 BilinearResize::BilinearResize(const BilinearJob& job) : job_(job) { HWY_DYNAMIC_DISPATCH(prepare)(job_, columns_); }

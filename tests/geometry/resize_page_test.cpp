@@ -63,7 +63,8 @@ TEST(ResizePage, ScalesLikeTheDefinition) {
 TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
     Random random(602);
     for (const int depth : {8, 24, 32})
-        for (const double numerator : {100.0, 119.0, 120.0, 121.0, 150.0, 200.0, 225.0, 299.0, 400.0, 301.0}) {
+        for (const double numerator : {45.0, 74.0, 75.0, 76.0, 82.0, 99.0, 100.0, 101.0, 119.0, 120.0, 121.0, 150.0,
+                                       200.0, 225.0, 299.0, 400.0, 301.0}) {
             const RecordPtr page = makePage(random, random.between(900, 1300), random.between(100, 300), depth);
             KVIMG* out = nullptr;
             ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 300, numerator), noErr);
@@ -72,6 +73,23 @@ TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
             cv::resize(viewOf(*page), expected, cv::Size(scaled->width, scaled->height), 0, 0, cv::INTER_LINEAR);
             ASSERT_EQ(cv::norm(viewOf(*scaled), expected, cv::NORM_INF), 0) << depth << ' ' << numerator;
         }
+}
+
+// A block of source bytes holds what neighbouring results read up to a reduction of its own for each depth.
+TEST(ResizePage, ReducesByAnyRatioLikeOpenCV) {
+    Random random(605);
+    for (const int depth : {8, 24, 32}) {
+        const RecordPtr page = makePage(random, 211, 9, depth);
+        for (int width = 211 / 5; width <= 211 / 2; ++width) {
+            KVIMG* out = nullptr;
+            ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 211, width + 0.5), noErr);
+            const RecordPtr scaled(out);
+            ASSERT_EQ(scaled->width, width);
+            cv::Mat expected;
+            cv::resize(viewOf(*page), expected, cv::Size(width, scaled->height), 0, 0, cv::INTER_LINEAR);
+            ASSERT_EQ(cv::norm(viewOf(*scaled), expected, cv::NORM_INF), 0) << depth << ' ' << width;
+        }
+    }
 }
 
 TEST(ResizePage, TruncatesTheNewSize) {
