@@ -90,26 +90,35 @@ HWY_INLINE void storeRounded(V sum, uint8_t* dst) {
 }
 
 template <class Pixel, class Weights>
-void convolveRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
-                 Pixel* HWY_RESTRICT dst) {
-    size_t x = 0;
-    for (; x + kBlock <= width; x += kBlock) {
-        V sums[kVectors];
-        sumTaps<kVectors>(weights, taps, count, x, 0, sums);
-        for (size_t v = 0; v < kVectors; ++v) storeRounded(sums[v], dst + x + v * kLanes);
-    }
-    for (; x < width; x += kLanes) {
+HWY_INLINE void convolveBlock(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t x,
+                              Pixel* HWY_RESTRICT dst) {
+    V sums[kVectors];
+    sumTaps<kVectors>(weights, taps, count, x, 0, sums);
+    for (size_t v = 0; v < kVectors; ++v) storeRounded(sums[v], dst + x + v * kLanes);
+}
+
+template <class Pixel, class Weights>
+void convolveNarrowRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
+                       Pixel* HWY_RESTRICT dst) {
+    for (size_t x = 0; x < width; x += kLanes) {
         V sum[1];
         sumTaps<1>(weights, taps, count, x, x / kLanes % 3, sum);
-        if (x + kLanes <= width) {
-            storeRounded(sum[0], dst + x);
-        } else {
-            // The ring has room for a whole vector, the destination has not.
-            Pixel last[kLanes];
-            storeRounded(sum[0], last);
-            std::memcpy(dst + x, last, (width - x) * sizeof(Pixel));
-        }
+        // The ring has room for a whole vector, the destination has not.
+        Pixel results[kLanes];
+        storeRounded(sum[0], results);
+        std::memcpy(dst + x, results, std::min(kLanes, width - x) * sizeof(Pixel));
     }
+}
+
+// The last block is moved back to end with the row, by whole pixels where weights differ: both lengths are multiples of
+// three then.
+template <class Pixel, class Weights>
+void convolveRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
+                 Pixel* HWY_RESTRICT dst) {
+    if (width < kBlock) return convolveNarrowRow(weights, taps, count, width, dst);
+    size_t x = 0;
+    for (; x + kBlock <= width; x += kBlock) convolveBlock(weights, taps, count, x, dst);
+    if (x < width) convolveBlock(weights, taps, count, width - kBlock, dst);
 }
 
 template <class Pixel>
@@ -147,10 +156,12 @@ void convolveWith(const Weights& weights, const Pixel* src, ptrdiff_t srcStep, P
         for (size_t row = 0; row + 1 < rows; ++row) convert(row);
         for (size_t y = 0; y < static_cast<size_t>(region.rows); ++y) {
             convert(y + rows - 1);
+            const size_t top = y % rows;
             const float* reads[Taps::kMost];
             for (size_t i = 0; i < static_cast<size_t>(taps.count); ++i) {
                 const Tap& tap = taps.taps[i];
-                reads[i] = ring + (y + static_cast<size_t>(tap.row)) % rows * pitch + tap.element;
+                const size_t row = top + static_cast<size_t>(tap.row);
+                reads[i] = ring + (row < rows ? row : row - rows) * pitch + tap.element;
             }
             convolveRow(weights, reads, taps.count, width, behind(dst, static_cast<ptrdiff_t>(y) * dstStep) + left);
         }
