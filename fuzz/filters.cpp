@@ -147,14 +147,20 @@ void convolutionOfOtherTypes(Draw& draw) {
     const IppiPoint anchor = anyAnchor(draw, kernelSize);
     const IppiSize size = fuzz::anySize(draw, 20);
     bool tame = true;
-    const Cells<float> kernel = anyWeights(draw, cellsOf(kernelSize), tame);
+    const Cells<float> weights = anyWeights(draw, cellsOf(kernelSize), tame);
+    Cells<int> kernel(weights.size());
+    for (int& cell : kernel) cell = draw.between(-4, 8);
+    const int divisor = draw.between(1, 40);
+    const bool integers = draw.chance(2);
     Image source(draw, size, pixelSize, reachOf(kernelSize, anchor), lastRowFor(kernelSize));
     Image target(draw, size, pixelSize);
     const Call call(draw, source, target);
     int status = 0;
     if (fuzz::survives([&] {
-            status = ippiFilter32f(call.src, call.srcStep, type, call.dst, call.dstStep, call.roi, kernel.data(),
-                                   kernelSize, anchor);
+            status = integers ? ippiFilter(call.src, call.srcStep, type, call.dst, call.dstStep, call.roi,
+                                           kernel.data(), kernelSize, anchor, divisor)
+                              : ippiFilter32f(call.src, call.srcStep, type, call.dst, call.dstStep, call.roi,
+                                              weights.data(), kernelSize, anchor);
         }))
         call.requireStatus(status, target);
     else

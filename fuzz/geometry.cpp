@@ -98,6 +98,23 @@ void rotateRegion(Draw& draw) {
         [&](const oracle::Rotation& rotation) { oracle::rotateByOpenCV(rotation, xShift, yShift); });
 }
 
+void rotateOnBlack(Draw& draw) {
+    Turn turn(draw);
+    if (turn.pixelSize == 4) return;
+    const double xShift = anyShift(draw, turn.tame);
+    const double yShift = anyShift(draw, turn.tame);
+    const auto rotate = turn.pixelSize == 1 ? KVMac_ippiRotate_8u_C1R : KVMac_ippiRotate_8u_C3R;
+    requireTurned(
+        turn, cv::Scalar::all(0), "rotation on black",
+        [&] {
+            return rotate(turn.source.region(), turn.source.size(), turn.source.step(), turn.from, turn.target.region(),
+                          turn.target.step(), turn.to, turn.angle, xShift, yShift, 0);
+        },
+        [&](const oracle::Rotation& rotation) {
+            oracle::rotateByOpenCV(rotation, static_cast<float>(xShift), static_cast<float>(yShift));
+        });
+}
+
 void rotateAbout(Draw& draw) {
     Turn turn(draw);
     const double xCentre = anyShift(draw, turn.tame);
@@ -321,8 +338,9 @@ void resizeToFit(Draw& draw) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Draw draw(data, size);
-    constexpr std::array kOperations = {rotateRegion, rotateAbout, refusedRotation, deskew,       quarterTurn,
-                                        brokenPages,  unite,       resizePage,      resizeRegion, resizeToFit};
+    constexpr std::array kOperations = {rotateRegion, rotateOnBlack, rotateAbout, refusedRotation,
+                                        deskew,       quarterTurn,   brokenPages, unite,
+                                        resizePage,   resizeRegion,  resizeToFit};
     fuzz::runOneOf(kOperations, draw);
     return 0;
 }

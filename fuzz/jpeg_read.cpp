@@ -74,7 +74,7 @@ bool isJpeg(const std::vector<uint8_t>& stream) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::vector<uint8_t> stream(data, data + size);    // ends where its memory ends
-    const Reading r = read(stream);
+    const Reading r = read(stream, size % 2 == 0 ? ReadJPEG : ReadJPEGWithIPP);
     requireWhole(r);
     if (!isJpeg(stream)) {
         require(r.status == paramErr, "other formats are refused");

@@ -19,8 +19,9 @@
 ///   counter-clockwise as seen on screen for a positive angle; `RotateImageWithIPP` and `UniteImageIplRotateImage` turn
 ///   clockwise.
 /// - **Failures.** A function that refuses its arguments says so by its status, prints nothing and throws nothing. What
-///   OpenCV throws while it works (`cv::Exception`, `std::bad_alloc`) passes to the caller, with everything released,
-///   except in the JPEG functions that take or make a record, which turn it into a status.
+///   OpenCV throws while it works (`cv::Exception`, `std::bad_alloc`) passes to the caller, with everything of the
+///   library's own released, except in the JPEG functions that take or make a record, which turn it into a status. So
+///   does its exception for memory that it cannot have; the statuses for memory stand for blocks of the library's own.
 /// - **Ownership.** Records belong to the caller, who releases them with `DisposeKVIMG`; plane blocks are released with
 ///   `IPPMini_ippiFree` or `IPPShare_ippiFree`; JPEG streams are released with `free`. Nothing else outlives a call.
 /// - **Threads.** No function keeps state, so any number of threads may call any of them at once, as long as no two
@@ -721,11 +722,11 @@ OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescription
 
 /// @name JPEG reading
 ///
-/// Decoding is OpenCV's: an EXIF orientation turns the image, four components become colour, and a truncated stream
-/// gives the rows that it holds, the last of them repeated to the bottom. Refused are streams of another format (which
-/// do not begin with FF D8 FF), of more than 2^31 - 1 bytes, of more than 2^30 pixels or a side above 65500, with no
-/// frame or scan header or with more than 100 scans, and those of which no row can be decoded. Rows of the new
-/// record are packed (width or 3 x width bytes); it is released with `DisposeKVIMG`.
+/// The pixels are those of OpenCV's decoder: an EXIF orientation turns the image, four components become colour, and a
+/// truncated stream gives the rows that it holds, the last of them repeated to the bottom. Refused are streams of
+/// another format (which do not begin with FF D8 FF), of more than 2^31 - 1 bytes, of more than 2^30 pixels or a side
+/// above 65500, with no frame or scan header or with more than 100 scans, and those of which no row can be decoded. Rows
+/// of the new record are packed (width or 3 x width bytes); it is released with `DisposeKVIMG`.
 /// @{
 
 /// Reads a JPEG stream into a new record: depth 8 if it is grey, otherwise 24 in the order red, green, blue.
@@ -1487,6 +1488,7 @@ OPCV_DLIB_API void Threshold_LTVal_16s_C1IR(short* p, int step, int width, int h
 /// @retval ippStsBadArgErr  Null pointer, a side of the region or the kernel is 0 or less, divisor 0, or a step shorter
 ///                          than the columns that it serves; nothing is written.
 /// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @throws cv::Exception if OpenCV has no linear filter for the type; nothing is written.
 OPCV_DLIB_API IppStatus ippiFilter(const void* src, int srcStep, int type, void* dst, int dstStep, const IppiSize& roi,
                                    const int* kernel, const IppiSize& kernelSize, const IppiPoint& anchor, int divisor);
 
@@ -1504,6 +1506,7 @@ OPCV_DLIB_API IppStatus ippiFilter(const void* src, int srcStep, int type, void*
 /// @retval ippStsNoErr      As in `ippiFilter`.
 /// @retval ippStsBadArgErr  As in `ippiFilter`, but there is no divisor.
 /// @retval ippStsNoMemErr   As in `ippiFilter`.
+/// @throws cv::Exception where `ippiFilter` does; nothing is written.
 OPCV_DLIB_API IppStatus ippiFilter32f(const void* src, int srcStep, int type, void* dst, int dstStep,
                                       const IppiSize& roi, const float* kernel, const IppiSize& kernelSize,
                                       const IppiPoint& anchor);

@@ -1,4 +1,4 @@
-"""Looks at the finished library file: what an attacker could use must not be in it."""
+"""Looks at a finished library or program: what an attacker could use must not be in it."""
 import argparse
 import re
 import subprocess
@@ -25,11 +25,15 @@ def first_instructions(disassembly):
     return dict(found)
 
 
-def faults(library, readelf, objdump, nm):
-    headers = output_of(readelf, "-lW", library)
-    dynamic = output_of(readelf, "-dW", library)
-    machine = next(m for m in LANDING_PADS if m in output_of(readelf, "-h", library).replace("X86-64", "x86-64"))
+def has_tag(dynamic, tag):
+    return re.search(rf"\b\(?{tag}\)?\b", dynamic)
 
+
+def faults_of_any_file(file, readelf, nm):
+    headers = output_of(readelf, "-lW", file)
+    dynamic = output_of(readelf, "-dW", file)
+    if not re.search(r"^Elf file type is DYN\b", headers, re.MULTILINE):
+        yield "it has a fixed address"
     if "GNU_RELRO" not in headers:
         yield "no RELRO segment"
     if "BIND_NOW" not in dynamic:
@@ -39,13 +43,23 @@ def faults(library, readelf, objdump, nm):
     for flags in re.findall(r"^\s*LOAD\s.*?\s([RWE ]{3})\s+0x\w+$", headers, re.MULTILINE):
         if "W" in flags and "E" in flags:
             yield "a segment is writable and executable"
-    for tag in ("TEXTREL", "RPATH", "RUNPATH"):
-        if re.search(rf"\b\(?{tag}\)?\b", dynamic):
-            yield f"the dynamic section has {tag}"
+    if has_tag(dynamic, "TEXTREL"):
+        yield "its code is changed when it is loaded"
 
-    symbols = output_of(nm, "-D", library)
+    symbols = output_of(nm, "-D", file)
     if "__stack_chk_fail" not in symbols:
         yield "no stack protector"
+    if not re.search(r"\b__\w+_chk\b", symbols):
+        yield "no call of the C library is fortified"
+
+
+def faults_of_library(library, readelf, objdump, nm):
+    machine = next(m for m in LANDING_PADS if m in output_of(readelf, "-h", library).replace("X86-64", "x86-64"))
+    dynamic = output_of(readelf, "-dW", library)
+    for tag in ("RPATH", "RUNPATH"):    # of a program the build tree's is taken out at the installation
+        if has_tag(dynamic, tag):
+            yield f"the dynamic section has {tag}"
+    symbols = output_of(nm, "-D", library)
     entries = [line.split()[-1].split("@")[0] for line in symbols.splitlines() if " T " in line]
     if not entries:
         yield "no exported function was found"
@@ -67,9 +81,12 @@ def faults(library, readelf, objdump, nm):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    for name in ("library", "readelf", "objdump", "nm"):
-        parser.add_argument(name)
-    found = list(faults(**vars(parser.parse_args())))
+    for name in ("kind", "file", "readelf", "objdump", "nm"):
+        parser.add_argument(name, choices=("library", "program") if name == "kind" else None)
+    args = parser.parse_args()
+    found = list(faults_of_any_file(args.file, args.readelf, args.nm))
+    if args.kind == "library":
+        found += faults_of_library(args.file, args.readelf, args.objdump, args.nm)
     print("\n".join(found))
     return 1 if found else 0
 

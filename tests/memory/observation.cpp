@@ -73,12 +73,12 @@ void observe(const Entry& entry, const Case::Setting& setting, FailingHeap::Fail
     }
 }
 
-std::string outcome(const Observation& seen, int status) {
+std::string outcome(const Observation& seen, const std::string& answer) {
     std::string text;
     const auto add = [&text](bool applies, const std::string& what) {
         if (applies) text += (text.empty() ? "" : ", ") + what;
     };
-    add(seen.answers, "`" + std::to_string(status) + "`");
+    add(seen.answers, "`" + answer + "`");
     add(seen.throws, "exception");
     add(seen.leaves, "nothing is done");
     add(seen.doesWithout, "does without");
@@ -131,7 +131,7 @@ std::string failureTable() {
         const Observation& seen = observations()[i];
         table << "| `" << entry.name << "` | " << entry.variants << " | " << seen.fewestAllocations;
         if (seen.mostAllocations > seen.fewestAllocations) table << " to " << seen.mostAllocations;
-        table << " | " << outcome(seen, entry.outOfMemory.status) << " |\n";
+        table << " | " << outcome(seen, entry.outOfMemory.answer) << " |\n";
     }
     return table.str();
 }

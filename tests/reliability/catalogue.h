@@ -14,11 +14,15 @@ struct OutOfMemory {
     int status = ippStsNoMemErr;
     bool throws = false;    // OpenCV's cv::Exception or std::bad_alloc may pass instead
     bool silent = false;    // without a status: the output is whole or nothing is written
+    std::string answer;     // what the function returns, as the header writes it
 
-    static constexpr OutOfMemory never() { return {false, 0, false, false}; }
-    static constexpr OutOfMemory answers(int status) { return {true, status, false, false}; }
-    static constexpr OutOfMemory answersOrThrows(int status) { return {true, status, true, false}; }
-    static constexpr OutOfMemory saysNothing() { return {true, 0, true, true}; }
+    static OutOfMemory never() { return {false, 0, false, false, ""}; }
+    static OutOfMemory answers(int status) { return {true, status, false, false, std::to_string(status)}; }
+    static OutOfMemory answersOrThrows(int status) { return {true, status, true, false, std::to_string(status)}; }
+    static OutOfMemory saysNothing() { return {true, 0, true, true, ""}; }
+
+    // For a function whose failure the case's call turns into the status.
+    OutOfMemory as(const char* returned) const { return {allocates, status, throws, silent, returned}; }
 };
 
 struct Entry {

@@ -287,7 +287,7 @@ Entries filterEntries() {
         {"ippiFilter32f", ofAllTypes, framed, convolution32fOfAnyType},
         {"IPPMini_ippiFilterBox_8u_C3IR", windows, framed, box},
         {"Convolution24MonoFilter", 2 * kRadii, silent, monoConvolution},
-        {"Convolution24", 2 * kRadii, framed, colourConvolution},
+        {"Convolution24", 2 * kRadii, framed.as("false"), colourConvolution},
         {"OPCV_ippiFilterBilateral_8u_C1R", kBilateralVariants, framed, bilateral},
         {"DeosNr", 2 * kNoises, silent, reduceNoise},
         {"DeosNrRGB", 2 * kNoises, silent, reduceColourNoise},

@@ -3,15 +3,18 @@
 #include <hwy/highway.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
+#include <string>
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const char* target = std::getenv("OPCV_DLIB_TEST_TARGET");
-    if (target && std::strcmp(target, "SSSE3") == 0) {
+    const std::string target = std::getenv("OPCV_DLIB_TEST_TARGET") ? std::getenv("OPCV_DLIB_TEST_TARGET") : "";
+    if (target == "SSSE3") {
         hwy::SetSupportedTargetsForTest(HWY_SSSE3);
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    } else if (!target.empty()) {
+        std::cerr << "No tests for the target " << target << '\n';
+        return 2;
     }
     std::cout << "Vector targets: " << std::hex << hwy::SupportedTargets() << std::dec << '\n';
     return RUN_ALL_TESTS();
