@@ -40,4 +40,5 @@ mkdir scans straight
 python3 make_pages.py 1000 scans
 scanpage scans/*.jpg -o straight --format jpeg --jobs 2 >report.txt
 [ "$(ls straight/*.jpg | wc -l)" -eq 1000 ]
+[ "$(cut -f2 report.txt | grep -cx done)" -eq 1000 ]
 python3 make_pages.py --check straight

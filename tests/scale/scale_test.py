@@ -82,9 +82,10 @@ class Engine(unittest.TestCase):
             if fields[1] == "done":
                 self.assertAlmostEqual(self.skews[fields[0]], float(fields[2]), delta=0.5)
 
-    def check_same_as_reference(self):
-        for result in self.results.iterdir():
-            self.assertEqual((self.reference / result.name).read_bytes(), result.read_bytes(), result.name)
+    def check_same_as_reference(self, reference=None):
+        for undisturbed in (reference or self.reference).iterdir():
+            result = self.results / undisturbed.name
+            self.assertEqual(undisturbed.read_bytes(), result.read_bytes(), result.name)
 
 
 class Parallel(Engine):
@@ -164,9 +165,18 @@ class Dask(Engine):
         # Reports reach the log by the slice: one of the lost worker, and the eight that the lost client had under way.
         self.check_once(unreported=length * (1 + 8))
         self.check_whole()
+        self.check_same_as_reference(self.straightened_alone(self.pages[::10]))
         kept = {fields[0] for fields in self.reports() if fields[1] == "kept"}
         done = {fields[0] for fields in self.reports() if fields[1] == "done"}
         self.assertEqual(set(self.pages), kept | done)
+
+    def straightened_alone(self, pages):
+        """The folder of results of one process without a scheduler."""
+        alone = self.folder / "alone"
+        (alone / "pages").mkdir(parents=True)
+        code = "import sys, dask_pages; dask_pages.straighten_slice(sys.argv[2:], sys.argv[1])"
+        subprocess.run([sys.executable, "-c", code, alone / "pages", *pages], check=True, env=self.environment)
+        return alone / "pages"
 
     def check_whole(self):
         """Every result can be read, by the library."""
