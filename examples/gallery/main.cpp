@@ -234,7 +234,7 @@ void showJpeg(Gallery& gallery, const cv::Mat& page) {
         "## JPEG at each mode\n\nA page with a little noise, compressed and read back; the errors are against what was "
         "compressed. The pictures are\n`CompressJPEG`'s; `CompressJPEGEx` subsamples the colour. The page has " +
         std::to_string(record->size) + " bytes.\n\n");
-    const cv::Rect detail(330, 340, 80, 80);    // of the title
+    const cv::Rect detail(560, 1520, 80, 80);
     gallery.show("jpeg_modes", "A detail after compression with each mode", picture(detail, shots));
     gallery.text(table);
 }
