@@ -90,14 +90,6 @@ HWY_INLINE void storeRounded(V sum, uint8_t* dst) {
 }
 
 template <class Pixel, class Weights>
-HWY_INLINE void convolveBlock(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t x,
-                              Pixel* HWY_RESTRICT dst) {
-    V sums[kVectors];
-    sumTaps<kVectors>(weights, taps, count, x, 0, sums);
-    for (size_t v = 0; v < kVectors; ++v) storeRounded(sums[v], dst + x + v * kLanes);
-}
-
-template <class Pixel, class Weights>
 void convolveNarrowRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
                        Pixel* HWY_RESTRICT dst) {
     for (size_t x = 0; x < width; x += kLanes) {
@@ -116,9 +108,12 @@ template <class Pixel, class Weights>
 void convolveRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
                  Pixel* HWY_RESTRICT dst) {
     if (width < kBlock) return convolveNarrowRow(weights, taps, count, width, dst);
-    size_t x = 0;
-    for (; x + kBlock <= width; x += kBlock) convolveBlock(weights, taps, count, x, dst);
-    if (x < width) convolveBlock(weights, taps, count, width - kBlock, dst);
+    for (size_t i = 0; i < width; i += kBlock) {
+        const size_t x = std::min(i, width - kBlock);
+        V sums[kVectors];
+        sumTaps<kVectors>(weights, taps, count, x, 0, sums);
+        for (size_t v = 0; v < kVectors; ++v) storeRounded(sums[v], dst + x + v * kLanes);
+    }
 }
 
 template <class Pixel>
