@@ -79,6 +79,20 @@ void compareReading(IppiSize size, Layout layout) {
             readPage(streamOf(size, layout), description);
         },
         bench::openCV([size, layout] { readPlain(streamOf(size, layout)); }));
+    // As a program reads page after page: the heap still has the memory of the one before.
+    constexpr int kInARow = 4;
+    const auto inARow = [](const bench::Action& once) {
+        return [once] {
+            for (int i = 0; i < kInARow; ++i) once();
+        };
+    };
+    bench::compare(
+        {"ReadJPEG", nameOf(layout) + ", four in a row", size, kInARow * bytesRead(size, layout), kInARow * pixels},
+        inARow([size, layout] {
+            KVImageDescription description{};
+            readPage(streamOf(size, layout), description);
+        }),
+        bench::openCV(inARow([size, layout] { readPlain(streamOf(size, layout)); })));
     // What it costs to know a stream before it is decoded.
     bench::compare({"ReadJPEG", std::string("markers alone, ") + nameOf(layout), size, bytesRead(size, layout), pixels},
                    [size, layout] {
