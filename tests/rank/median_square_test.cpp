@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int kLargestKernel = 9;    // larger masks are OpenCV's
-
 int typeOf(int channels) { return CV_MAKETYPE(CV_8U, channels); }
 
 std::vector<uint8_t> rowOf(const GuardedImage& image, int y) {

@@ -262,8 +262,9 @@ void cosineTransform(Case& c) {
         return drawn;
     };
     double* const block = inOneBlock ? c.targetOf(values(n * n)) : nullptr;
-    std::vector<double*> rows;
-    for (int y = 0; y < n; ++y) rows.push_back(inOneBlock ? block + ptrdiff_t{y} * n : c.targetOf(values(n)));
+    std::vector<double*> rows(static_cast<size_t>(n));
+    for (int y = 0; y < n; ++y)
+        rows[static_cast<size_t>(y)] = inOneBlock ? block + ptrdiff_t{y} * n : c.targetOf(values(n));
     auto* const* pointers = c.sourceOf(rows);
     c.call = [pointers, n, inverse] {
         ddct(inverse ? -1 : 0, const_cast<double**>(pointers), n);
