@@ -134,8 +134,8 @@ void addHostileStreams(const Folder& folder) {
     // Grey pixels that can be had where, as colours, they cannot.
     const Bytes grey = encode(1, JCS_GRAYSCALE, [](auto&) {});
     Bytes large = grey;
-    for (const size_t digit : {5U, 7U}) large = changed(large, positionOf(grey, 0xC0) + digit, 0x10);
-    folder.add("grey_claims_4100", large);
+    for (const size_t digit : {5U, 7U}) large = changed(large, positionOf(grey, 0xC0) + digit, 0x0D);
+    folder.add("grey_claims_3347", large);
     folder.add("hundred_scans", scanned(36));
     folder.add("hundred_and_one_scans", scanned(37));
     Bytes bomb = chain({kStart, segment(0xC2, {8, 0x20, 0, 0x20, 0, 1, 0, 0x11, 0})});

@@ -28,6 +28,13 @@ struct Table {
     std::vector<double*> rows;
 };
 
+// Rows in one block, the table's first one behind `skipped` others.
+std::vector<double*> rowsIn(std::vector<double>& block, int n, int skipped) {
+    std::vector<double*> rows(static_cast<size_t>(n));
+    for (int row = 0; row < n; ++row) rows[static_cast<size_t>(row)] = block.data() + (row + skipped) % n * n;
+    return rows;
+}
+
 TEST(CosineTransform, GivesWhatTheDefinitionGives) {
     Random random(671);
     for (int n = 1; n <= 12; ++n)
@@ -73,8 +80,7 @@ TEST(CosineTransform, RowsMayLieOneBehindTheOther) {
             Table table(random, n);
             std::vector<double> block = table.values;
             block.push_back(Table::kBehind);
-            std::vector<double*> rows;
-            for (int row = 0; row < n; ++row) rows.push_back(block.data() + row * n);
+            std::vector<double*> rows = rowsIn(block, n, 0);
             ddct(direction, rows.data(), n);
             ddct(direction, table.rows.data(), n);
             for (int row = 0; row < n; ++row)
@@ -89,11 +95,8 @@ TEST(CosineTransform, RowsMayLieInAnyOrder) {
     const int n = 6;
     Table table(random, n);
     std::vector<double> block(static_cast<size_t>(n * n));
-    std::vector<double*> rows;
-    for (int row = 0; row < n; ++row) {
-        rows.push_back(block.data() + (row + 2) % n * n);
-        std::copy_n(table.rows[static_cast<size_t>(row)], n, rows.back());
-    }
+    std::vector<double*> rows = rowsIn(block, n, 2);
+    for (size_t row = 0; row < rows.size(); ++row) std::copy_n(table.rows[row], n, rows[row]);
     ddct(0, rows.data(), n);
     ddct(0, table.rows.data(), n);
     for (size_t row = 0; row < rows.size(); ++row)
