@@ -8,6 +8,7 @@
 //
 // Kernels of moderate size on 8-bit and 16-bit signed pixels run directly from the source to the destination; everything
 // else is OpenCV's. Both give the same bytes.
+#include <climits>
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
@@ -82,6 +83,24 @@ int borderFor(const cv::Mat& kernel) {
     return kernel.total() < kFewestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED : cv::BORDER_REFLECT_101;
 }
 
+bool hasIntegers(const cv::Mat& m) { return m.depth() == CV_8U || m.depth() == CV_16U || m.depth() == CV_16S; }
+
+// OpenCV rounds a sum to an int, and what becomes of one that is none depends on the processor. Here it saturates.
+void saturateBeyondInts(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& filtered) {
+    constexpr double kFirstBeyond = 2147483648.0;
+    constexpr double kLargestPixel = 65535;
+    if (!hasIntegers(view) || cv::norm(kernel, cv::NORM_L1) * kLargestPixel < kFirstBeyond) return;
+    ResultMatrix sums;
+    cv::filter2D(view, sums, CV_32F, kernel, cv::Point(-1, -1), 0.0, borderFor(kernel));
+    const cv::Mat flatSums = sums.reshape(1);
+    cv::Mat pixels = filtered.reshape(1);
+    ResultMatrix beyond;
+    cv::compare(flatSums, kFirstBeyond, beyond, cv::CMP_GE);
+    pixels.setTo(view.depth() == CV_8U ? UCHAR_MAX : view.depth() == CV_16S ? SHRT_MAX : USHRT_MAX, beyond);
+    cv::compare(flatSums, -kFirstBeyond, beyond, cv::CMP_LT);
+    pixels.setTo(view.depth() == CV_16S ? SHRT_MIN : 0, beyond);
+}
+
 OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
     // OpenCV has no filter for halves. It says so under a small kernel; under a large one several channels make it call
     // through a null pointer.
@@ -91,6 +110,7 @@ OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSiz
     const cv::Point centre(-1, -1);
     cv::filter2D(view, filtered, -1, kernel, centre, 0.0, borderFor(kernel));
     if (!filtered.data) return memFullErr;
+    saturateBeyondInts(view, kernel, filtered);
     const IppiSize half = halfOf(kernel);
     return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), target.pixels, target.step,
                                    cv::Point(0, 0), cv::Size(roi.width, roi.height));

@@ -56,7 +56,7 @@ void appendOrFail(j_compress_ptr cinfo, size_t count) {
     if (!append(*destination.output, destination.buffer->data(), count)) ERREXIT1(cinfo, JERR_OUT_OF_MEMORY, 0);
 }
 
-void nothing(j_compress_ptr /*cinfo*/) {}
+void stub(j_compress_ptr /*cinfo*/) {}
 
 void startOfBuffer(JpegDestination& destination) {
     destination.pub.next_output_byte = destination.buffer->data();
@@ -78,7 +78,7 @@ void term_destination(j_compress_ptr cinfo) {
 
 void jpeg_buffer_dest(j_compress_ptr cinfo, JpegDestination* destination) {
     cinfo->dest = &destination->pub;
-    destination->pub.init_destination = nothing;
+    destination->pub.init_destination = stub;
     destination->pub.empty_output_buffer = empty_output_buffer;
     destination->pub.term_destination = term_destination;
 }

@@ -170,12 +170,14 @@ void packRow(const uint8_t* grey, const BitRow& row, uint8_t threshold, uint8_t*
 }
 
 void expand(const uint8_t* src, int srcStep, int bitOffset, uint8_t* dst, int dstStep, int width, int height) {
+    if (width <= 0) return;
     const BitRow row(bitOffset, width);
     for (; height > 0; --height, src += srcStep, dst += dstStep) expandRow(src, row, dst);
 }
 
 void pack(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int bitOffset, int width, int height,
           uint8_t threshold) {
+    if (width < 0 || bitOffset + width == 0) return;    // behind an offset, no pixels still leave the bits before them
     const BitRow row(bitOffset, width);
     for (; height > 0; --height, src += srcStep, dst += dstStep) packRow(src, row, threshold, dst);
 }

@@ -3,8 +3,13 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
+#include <limits>
+#include <opencv2/core.hpp>
+#include <type_traits>
 #include <vector>
 
+#include "OPCV_dlib.h"
 #include "filters/convolution_call.h"
 #include "oracle/filters.h"
 #include "support/guarded_image.h"
@@ -63,6 +68,46 @@ TEST(Convolution, SaturatesAtBothEnds) {
     ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(grey.data(), 3, filtered.data(), 3, {3, 1}, cells.data(), {1, 1}, {0, 0}, -1),
               ippStsNoErr);
     EXPECT_EQ(filtered, (std::array<uint8_t, 3>{0, 0, 0}));
+}
+
+// Sums that no int holds: by the kernels of ours, by OpenCV's in place and, with 121 cells, over whole rows.
+template <class Pixel>
+void expectSaturated(int type, int width, int side, int weight) {
+    const size_t margin = static_cast<size_t>(side / 2);
+    const size_t rowPixels = static_cast<size_t>(width) + 2 * margin;
+    std::vector<Pixel> src(rowPixels * (2 * margin + 1));
+    for (size_t i = 0; i < src.size(); ++i)
+        src[i] = static_cast<Pixel>(i % 3 == 0 ? 4000 : std::is_signed_v<Pixel> ? -4000 : 8000);
+    std::vector<int> cells(static_cast<size_t>(side * side));
+    cells[cells.size() / 2] = weight;
+    const Pixel* first = src.data() + margin * rowPixels + margin;
+    std::vector<Pixel> expected(static_cast<size_t>(width));
+    for (size_t x = 0; x < expected.size(); ++x)
+        expected[x] =
+            static_cast<Pixel>(std::clamp(double{1} * first[x] * weight, double{std::numeric_limits<Pixel>::min()},
+                                          double{std::numeric_limits<Pixel>::max()}));
+    const auto step = static_cast<int>(rowPixels * sizeof(Pixel));
+    const auto run = [&](Pixel* dst) {
+        return ippiFilter(first, step, type, dst, step, {width, 1}, cells.data(), {side, side}, {side / 2, side / 2},
+                          1);
+    };
+    std::vector<Pixel> apart(expected.size());
+    ASSERT_EQ(run(apart.data()), ippStsNoErr);
+    EXPECT_EQ(apart, expected) << "type " << type << " width " << width << " side " << side << " weight " << weight;
+    Pixel* inPlace = src.data() + margin * rowPixels + margin;
+    ASSERT_EQ(run(inPlace), ippStsNoErr);
+    EXPECT_EQ(std::vector<Pixel>(inPlace, inPlace + width), expected)
+        << "in place, type " << type << " width " << width << " side " << side << " weight " << weight;
+}
+
+TEST(Convolution, SumsBeyondAnIntSaturate) {
+    for (const int width : {1, 7, 64})
+        for (const int side : {1, 3, 11})
+            for (const int weight : {1 << 20, -(1 << 20), 1 << 24, -(1 << 24), INT_MAX, INT_MIN}) {
+                expectSaturated<uint8_t>(CV_8UC1, width, side, weight);
+                expectSaturated<short>(CV_16SC1, width, side, weight);
+                expectSaturated<unsigned short>(CV_16UC1, width, side, weight);
+            }
 }
 
 TEST(Convolution, AKernelOfZerosGivesZero) {

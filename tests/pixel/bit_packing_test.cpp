@@ -181,4 +181,15 @@ TEST(BitPacking, KernelsDoNothingWithoutRows) {
     EXPECT_EQ(destination, 0x55);
 }
 
+TEST(BitPacking, KernelsDoNothingWithoutColumns) {
+    const uint8_t source = 0xFF;
+    uint8_t destination = 0x55;
+    for (const int width : {0, -1, INT_MIN})
+        for (const uint8_t threshold : std::initializer_list<uint8_t>{0, 1, 255}) {
+            Convert_1u8u_C1R(&source, 1, 0, &destination, 1, width, 1);
+            Convert_8u1u_C1R(&source, 1, &destination, 1, 0, width, 1, threshold);
+        }
+    EXPECT_EQ(destination, 0x55);
+}
+
 }    // namespace
