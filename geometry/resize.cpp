@@ -81,7 +81,8 @@ void resizeInto(const cv::Mat& from, cv::Mat& to) {
 OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
     int width = 0;
     int height = 0;
-    if (!truncateToInt(scale * src.width, width) || !truncateToInt(scale * src.height, height)) return memFullErr;
+    if (!truncateToInt(scale * src.width, width) || !truncateToInt(scale * src.height, height))
+        width = height = INT_MAX;    // as little a record's size
     KVRect bounds;
     KVSetRect(&bounds, 0, 0, width, height);
     if (const OSErr err = createRecord(bounds, static_cast<unsigned char>(src.depth), scaled)) return err;

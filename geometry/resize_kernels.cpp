@@ -239,11 +239,13 @@ HWY_EXPORT(resizeRows);
 }    // namespace
 
 // Four results lie in four pixels of one channel, in two of three, in one of four. At the greatest scale, with the
-// second taps and one column more where float rounds a position up, that takes 15, 16 and 8 bytes.
+// second taps and one column more where float rounds a position up, that takes 15, 16 and 8 bytes. Beyond the width that
+// float counts in whole pixels it rounds further.
 bool BilinearResize::canDo(const BilinearJob& job) {
     constexpr int kFullBlock = 16;
+    constexpr int kLongestRow = 1 << 24;
     const double greatestScale = job.channels == 3 ? 3 : 4;
-    return job.xScale <= greatestScale && job.sourceWidth >= kFullBlock;
+    return job.xScale <= greatestScale && job.sourceWidth >= kFullBlock && job.sourceWidth <= kLongestRow;
 }
 
 BilinearResize::BilinearResize(const BilinearJob& job) : job_(job) { HWY_DYNAMIC_DISPATCH(prepare)(job_, columns_); }

@@ -510,8 +510,8 @@ OPCV_DLIB_API OSErr DeskewImageWithIPP(const KVIMG* src, KVImageDescriptionHandl
 /// @param dst            Receives the new record, of the crop rectangle's size.
 /// @param interpolation  Ignored: always bilinear.
 /// @param whiteFill      Not 0: white corners instead of black ones, see above.
-/// @param crop           Rectangle in the coordinates of the turned page; may reach outside it. On return a negative
-///                       top or left has been moved to 0, the size kept; the record shows what was asked for.
+/// @param crop           Rectangle in the coordinates of the turned page; may reach outside it. Once the record is made,
+///                       a negative top or left is moved to 0, the size kept; the record shows what was asked for.
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @retval noErr            `*dst` holds the part of the turned page.
 /// @retval paramErr         A pointer is null, the description included.
@@ -551,7 +551,8 @@ OPCV_DLIB_API OSErr DeskewImageWithIPPExWithShirftPoint(const KVIMG* src, KVImag
 /// @param angle        Degrees, **clockwise** on screen; the fraction is dropped. Allowed are 90, 180, 270 and their
 ///                     negatives (so 90.9 turns by 90, and 89.9 is refused).
 /// @retval noErr            `*dst` holds the turned page.
-/// @retval paramErr         A pointer is null, the description included, or the page does not fit in its rows.
+/// @retval paramErr         A pointer is null, the description included, or the page is empty or does not fit in its
+///                          rows.
 /// @retval rotateFailedErr  The depth is not 8, 24 or 32.
 /// @retval badAngleErr      The angle is none of these.
 /// @retval memFullErr       The record could not be made.
@@ -1241,7 +1242,8 @@ OPCV_DLIB_API IppStatus ippiFilterMedian(const void* pSrc, int srcStep, int type
 
 /// @name Medians without checks
 ///
-/// What the checked entry points of the medians with a fixed window call, for arguments that are known to be good.
+/// What the checked entry points of the medians with a fixed window call, for arguments that are known to be good. Rows
+/// of the destination must not overlap.
 /// @{
 
 /// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 33.

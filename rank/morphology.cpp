@@ -26,18 +26,19 @@ struct Target {
 
 // Filters by a kernel where there is one; says whether it did.
 bool filterDirectly(const WindowRows& rows, const cv::Mat& mask, Extremum extremum) {
-    const int selected = cv::countNonZero(mask);
-    if (selected == 0) return false;
-    if (selected == mask.rows * mask.cols && std::max(mask.rows, mask.cols) <= kLargestRectangleSide) {
+    if (std::max(mask.rows, mask.cols) <= kLargestRectangleSide && cv::countNonZero(mask) == mask.rows * mask.cols) {
         filterUnderRectangle(rows, {mask.cols, mask.rows}, extremum);
         return true;
     }
     std::array<ptrdiff_t, kMostMaskCells> cells;
-    if (selected > kMostMaskCells) return false;
     int count = 0;
     for (int j = 0; j < mask.rows; ++j)
-        for (int i = 0; i < mask.cols; ++i)
-            if (mask.at<unsigned char>(j, i) != 0) cells[static_cast<size_t>(count++)] = j * rows.srcStep + i;
+        for (int i = 0; i < mask.cols; ++i) {
+            if (mask.at<unsigned char>(j, i) == 0) continue;
+            if (count == kMostMaskCells) return false;
+            cells[static_cast<size_t>(count++)] = j * rows.srcStep + i;
+        }
+    if (count == 0) return false;
     filterUnderCells(rows, cells.data(), count, extremum);
     return true;
 }

@@ -166,7 +166,9 @@ TEST(ResizePage, RefusesOtherDepths) {
         EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1), rotateFailedErr) << depth;
     }
     page->depth = 16;
-    EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1e6), rotateFailedErr);
+    for (const double numerator : {1e6, 1e300, -1e300, std::numeric_limits<double>::infinity()})
+        EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, numerator), rotateFailedErr) << numerator;
+    EXPECT_EQ(resizeIntoUsedSlot(page.get(), 0, 1), rotateFailedErr);
     page->depth = 8;
 }
 

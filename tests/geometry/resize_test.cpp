@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <limits>
@@ -89,6 +90,25 @@ TEST(ResizePlaced, ScalesAndPlacesLikeTheDefinition) {
 }
 
 // The scaled image is complete before anything is written.
+// Beyond 2^26 pixels a float counts in eights, which moves taps far apart.
+TEST(ResizePlaced, ScalesTheLongestRowsLikeOpenCV) {
+    constexpr int kWidth = 70'000'000;
+    std::vector<uint8_t> row(kWidth);
+    uint32_t state = 1;
+    for (uint8_t& pixel : row) {
+        state = state * 1664525U + 1013904223U;
+        pixel = static_cast<uint8_t>(state >> 24U);
+    }
+    const cv::Mat source(1, kWidth, CV_8UC1, row.data());
+    cv::Mat expected;
+    cv::resize(source, expected, cv::Size(), 0.25, 1, cv::INTER_LINEAR);
+    std::vector<uint8_t> scaled(static_cast<size_t>(expected.cols));
+    ASSERT_EQ(OPCV_ippiResizeSqrPixel_8u_C1R(row.data(), {kWidth, 1}, kWidth, {0, 0, kWidth, 1}, scaled.data(),
+                                             expected.cols, {0, 0, expected.cols, 1}, 0.25, 1, 0, 0, 0, nullptr),
+              ippStsNoErr);
+    EXPECT_TRUE(std::equal(scaled.begin(), scaled.end(), expected.ptr<uint8_t>()));
+}
+
 TEST(ResizePlaced, MayWriteOverItsSource) {
     Random random(626);
     for (const int shift : {0, 1, -1, 40}) {

@@ -226,7 +226,10 @@ TEST_P(FixedWindow, TakesAnySourceStep) {
 TEST_P(FixedWindow, KernelDoesNothingWithoutRows) {
     const std::vector<uint8_t> source(1000, 7);
     std::vector<uint8_t> result(100, 0x55);
-    for (const int height : {0, -1, INT_MIN}) filter().kernel(source.data() + 500, 60, result.data(), 60, 20, height);
+    for (const int height : {0, -1, INT_MIN}) {
+        filter().kernel(source.data() + 500, 60, result.data(), 60, 20, height);
+        filter().kernel(nullptr, 60, nullptr, 60, 20, height);    // nothing is read either
+    }
     EXPECT_EQ(result, std::vector<uint8_t>(100, 0x55));
 }
 
@@ -240,6 +243,20 @@ uint8_t filterOnDark(FixedWindowFilter::EntryPoint entryPoint, int code, const s
     uint8_t result = 1;
     EXPECT_EQ(entryPoint(&image[24], 7, &result, 1, {1, 1}, code), ippStsNoErr);
     return result;
+}
+
+TEST(FixedWindowCodes, AreThoseOfTheFilterItself) {
+    const std::vector<uint8_t> source(1000, 7);
+    uint8_t result = 9;
+    const auto call = [&](FixedWindowFilter::EntryPoint entryPoint, int code) {
+        return entryPoint(source.data() + 500, 60, &result, 3, {1, 1}, code);
+    };
+    for (const int weight : {3, 5})
+        EXPECT_EQ(call(IPPShare_ippiFilterMedianCross_8u_C1R, weight), ippStsBadArgErr) << weight;
+    for (const int mask : {33, 55})
+        EXPECT_EQ(call(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, mask), ippStsBadArgErr) << mask;
+    for (const int code : {3, 5, 55}) EXPECT_EQ(call(IPPShare_ippiFilterMedianColor_8u_C3R, code), ippStsBadArgErr);
+    EXPECT_EQ(result, 9);
 }
 
 TEST(MedianCross, RemovesADotAndKeepsALine) {

@@ -239,6 +239,47 @@ TEST_P(Morphology, FiltersInPlace) {
     }
 }
 
+// A destination that begins with the last byte that is read, or ends with the first.
+TEST_P(Morphology, OneSharedByteIsAnOverlap) {
+    Random random(409);
+    constexpr IppiSize kSize = {50, 7};
+    constexpr ptrdiff_t kRead = 52 * 9;
+    constexpr ptrdiff_t kWritten = 50 * 7;
+    for (const bool behind : {true, false})
+        for (const int side : {3, 2}) {
+            const Mask mask = anyMask(random, {side, side});
+            std::vector<uint8_t> bytes(kRead + kWritten - 1);
+            random.fill(bytes.data(), bytes.size());
+            const std::vector<uint8_t> before = bytes;
+            const ptrdiff_t source = (behind ? 0 : kWritten - 1) + 53;
+            const ptrdiff_t target = behind ? kRead - 1 : 0;
+            const auto run = [&](const uint8_t* src, uint8_t* dst) {
+                return filter()(src, 52, dst, 50, kSize, mask.cells.data(), mask.size, {1, 1});
+            };
+            std::vector<uint8_t> apart(kWritten);
+            ASSERT_EQ(run(before.data() + source, apart.data()), ippStsNoErr);
+            ASSERT_EQ(run(bytes.data() + source, bytes.data() + target), ippStsNoErr);
+            EXPECT_TRUE(std::equal(apart.begin(), apart.end(), bytes.begin() + target)) << behind << ' ' << side;
+        }
+}
+
+// Two columns and rows more than the kernel needs have to be there.
+TEST_P(Morphology, TakesAnEvenMaskWithAnOffCentreAnchor) {
+    Random random(410);
+    constexpr IppiSize kSize = {33, 5};
+    const Mask mask = Mask::full({4, 4});
+    const GuardedImage source(random, kSize, {1, 2, 0, 0});
+    ASSERT_EQ(source.step(), kSize.width + 4);
+    GuardedImage result(random, kSize, {});
+    const auto call = [&](int step) {
+        return filter()(source.data(), step, result.data(), result.step(), kSize, mask.cells.data(), mask.size, {1, 1});
+    };
+    EXPECT_EQ(call(source.step() - 1), ippStsBadArgErr);
+    EXPECT_TRUE(result.untouched());
+    ASSERT_EQ(call(source.step()), ippStsNoErr);
+    for (int y = 0; y < kSize.height; ++y) EXPECT_EQ(expectedRow(source, y, mask, {1, 1}), rowOf(result, y));
+}
+
 TEST_P(Morphology, RefusesBadArguments) {
     Random random(407);
     for (const int side : {3, 4, 70}) {
@@ -292,6 +333,33 @@ INSTANTIATE_TEST_SUITE_P(Filters, Morphology,
                          testing::Values(Filter{"Dilate", true, true}, Filter{"Erode", false, true},
                                          Filter{"Max", true, false}, Filter{"Min", false, false}),
                          [](const auto& info) { return info.param.name; });
+
+TEST(MorphologyMask, ThatIsFullGivesTheMaximumAndTheMinimum) {
+    Random random(411);
+    const IppiSize size = {90, 6};
+    const Mask mask = Mask::full({3, 3});
+    const GuardedImage source(random, size, {1, kMargin, 0, 0});
+    const auto filtered = [&](auto filter) {
+        GuardedImage result(random, size, {});
+        EXPECT_EQ(filter(result), ippStsNoErr);
+        std::vector<uint8_t> pixels;
+        for (int y = 0; y < size.height; ++y) pixels.insert(pixels.end(), result.at(0, y), result.at(size.width, y));
+        return pixels;
+    };
+    const auto under = [&](auto* filter) {
+        return filtered([&](GuardedImage& result) {
+            return filter(source.data(), source.step(), result.data(), result.step(), size, mask.cells.data(),
+                          mask.size, {1, 1});
+        });
+    };
+    const auto of = [&](auto* filter) {
+        return filtered([&](GuardedImage& result) {
+            return filter(source.data(), source.step(), result.data(), result.step(), size, mask.size, {1, 1});
+        });
+    };
+    EXPECT_EQ(under(IPPShare_ippiDilate_8u_C1R), of(IPPMini_ippiFilterMax_8u_C1R));
+    EXPECT_EQ(under(IPPShare_ippiErode_8u_C1R), of(IPPMini_ippiFilterMin_8u_C1R));
+}
 
 TEST(MorphologyMask, LeavesOutCellsOfZero) {
     const std::array<uint8_t, 9> image = {9, 1, 9, 1, 1, 2, 9, 1, 9};
