@@ -31,8 +31,9 @@ def scanpage(root, pages, workers, _):
     yield lambda: run("scanpage", "--jobs", workers, "--from", pages, "-o", root / "pages")
 
 
-def parallel(root, pages, workers, _):
-    yield lambda: run(RECIPES / "parallel.sh", pages, root, workers)
+def parallel(root, pages, workers, length):
+    smaller = ["--max-args", length] if length < 100 else []    # than the recipe's slices, so that each worker has some
+    yield lambda: run(RECIPES / "parallel.sh", pages, root, workers, *smaller)
 
 
 def slurm(root, pages, workers, length):
