@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "filter.h"
@@ -51,6 +52,8 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     try {
         app.parse(argc, argv);
         if (settings.pages.empty() && list->count() == 0) throw CLI::RequiredError("PAGE.jpg or --from");
+        if (list->count() > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
+        if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
     } catch (const CLI::ParseError& e) {
         exitStatus = app.exit(e) == 0 ? kAllDone : kUsage;
         return false;

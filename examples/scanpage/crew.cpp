@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <opencv2/core/utility.hpp>
+#include <system_error>
 #include <utility>
 
 Crew::Crew(int size) {
@@ -10,7 +11,11 @@ Crew::Crew(int size) {
     sigset_t all, before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    for (int i = 0; i < size; ++i) threads_.emplace_back([this] { work(); });
+    try {
+        for (int i = 0; i < size; ++i) threads_.emplace_back([this] { work(); });
+    } catch (const std::system_error&) {
+        if (threads_.empty()) throw;
+    }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 

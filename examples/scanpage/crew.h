@@ -11,8 +11,8 @@
 // thread that makes the crew.
 class Crew {
 public:
-    explicit Crew(int size);
-    ~Crew();    // finishes the jobs in hand
+    explicit Crew(int size);    // fewer, if the system gives no more threads
+    ~Crew();                    // finishes the jobs in hand
     Crew(const Crew&) = delete;
     Crew& operator=(const Crew&) = delete;
 

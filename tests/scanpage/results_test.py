@@ -1,59 +1,11 @@
-"""What is in the results: pixels, formats, filters, resolution, and the contact sheet.
+"""What is in the results: pixels, formats, filters, resolution, and the contact sheet."""
 
-Images are read by Leptonica, which scanpage is linked with.
-"""
-
-import ctypes
-import ctypes.util
-import os
 import struct
 import subprocess
 import unittest
 
+from images import Image, jpeg_of
 from support import SCANPAGE, PageTest, pagegen, scanpage
-
-lept = ctypes.CDLL(ctypes.util.find_library("lept"))
-lept.pixRead.restype = ctypes.c_void_p
-lept.pixRead.argtypes = [ctypes.c_char_p]
-lept.pixGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int, ctypes.POINTER(ctypes.c_uint32)]
-for name in ("pixGetWidth", "pixGetHeight", "pixGetDepth"):
-    getattr(lept, name).argtypes = [ctypes.c_void_p]
-
-
-class Image:
-    """The pixels of a file: levels of grey, triples of colour, or bits of which a set one is black."""
-
-    def __init__(self, file):
-        self.pix = lept.pixRead(os.fspath(file).encode())
-        assert self.pix, file
-        self.width, self.height = lept.pixGetWidth(self.pix), lept.pixGetHeight(self.pix)
-        self.depth = lept.pixGetDepth(self.pix)
-
-    def at(self, x, y):
-        value = ctypes.c_uint32()
-        assert lept.pixGetPixel(self.pix, x, y, ctypes.byref(value)) == 0
-        v = value.value
-        return (v >> 24, v >> 16 & 255, v >> 8 & 255) if self.depth == 32 else v
-
-    def rows(self):
-        return [[self.at(x, y) for x in range(self.width)] for y in range(self.height)]
-
-
-def ppm(file, rows):
-    """A drawing, as grey or colour by its pixels."""
-    colour = isinstance(rows[0][0], tuple)
-    data = bytes(v for row in rows for p in row for v in (p if colour else (p,)))
-    file.write_bytes(b"P%d\n%d %d\n255\n" % (6 if colour else 5, len(rows[0]), len(rows)) + data)
-
-
-def jpeg_of(file, rows):
-    """The drawing as a JPEG file of the best quality, without subsampling."""
-    drawn = file.with_suffix(".pnm")
-    ppm(drawn, rows)
-    pix = lept.pixRead(os.fspath(drawn).encode())
-    lept.pixSetChromaSampling(ctypes.c_void_p(pix), 0)
-    assert lept.pixWriteJpeg(os.fspath(file).encode(), ctypes.c_void_p(pix), 100, 0) == 0
-    return file
 
 
 def tags_of(tiff):
@@ -98,6 +50,14 @@ class OneBit(PageTest):
         self.assertEqual(expected, Image(self.out / "drawn.pbm").rows())
         self.assertEqual(expected, Image(self.out / "drawn.tif").rows())
 
+    def test_rows_of_a_pbm_are_whole_bytes(self):
+        for width, row in ((1, 1), (8, 1), (9, 2), (16, 2)):
+            page = jpeg_of(self.folder / "drawn.jpg", plain(width, 7, 20))
+            scanpage("--angle", "0", "--format", "pbm", "--threshold", "99", page, "-o", self.out)
+            stream = (self.out / "drawn.pbm").read_bytes()
+            black = bytes([0xFF] * (width // 8) + [0x80] * (width % 8))
+            self.assertEqual((row, b"P4\n%d 7\n" % width + black * 7), (len(black), stream))
+
     def test_the_tags_of_a_tiff(self):
         page = self.folder / "drawn.jpg"
         pagegen("--dpi", "60", page)
@@ -109,6 +69,7 @@ class OneBit(PageTest):
         self.assertEqual((image.width, image.height), (tags[256], tags[257]))
         compression, white_is_0, inch = 4, 0, 2
         self.assertEqual((1, compression, white_is_0), (tags[258], tags[259], tags[262]))
+        self.assertEqual((1, image.height), (tags[277], tags[278]))    # one channel, one strip
         self.assertEqual((120, 60, inch), (tags[282], tags[283], tags[296]))
 
     def test_the_threshold_is_the_largest_black(self):
@@ -157,6 +118,12 @@ class Pixels(PageTest):
         for x, y in ((0, 0), (59, 0), (0, 59), (59, 59)):
             self.assert_near((255, 255, 255), image.at(x, y))
         self.assert_near(RED, image.at(30, 30))
+
+    def test_the_corners_of_grey_pages_are_black(self):
+        image = self.result_of(plain(60, 60, GREY), angle="20")
+        for x, y in ((0, 0), (59, 0), (0, 59), (59, 59)):
+            self.assert_near(0, image.at(x, y))
+        self.assert_near(GREY, image.at(30, 30))
 
     def test_positive_angles_turn_counter_clockwise(self):
         rows = plain(64, 64, GREY)
@@ -313,11 +280,32 @@ class CommandLine(PageTest):
             "--threshold": ("-1", "256"),
             "--median": ("square",),
             "--format": ("jpeg;pbm", ""),
+            "--angle": ("360.1", "-361", "inf", "nan", "1e300", "x"),
         }.items():
             for value in values:
                 run = scanpage(f"{option}={value}", self.pages[0], "-o", self.out)
                 self.assertEqual((2, []), (run.status, run.lines), (option, value))
         self.assertEqual([], self.results())
+
+    def test_values_at_the_ends_of_their_range(self):
+        page = jpeg_of(self.folder / "drawn.jpg", plain(16, 16, 100))
+        for option, values in {
+            "--jobs": ("1", "256"),
+            "--denoise": ("0", "10"),
+            "--dpi": ("100", "4800"),
+            "--threshold": ("0", "255"),
+            "--angle": ("-360", "360"),
+        }.items():
+            for value in values:
+                run = scanpage(f"{option}={value}", page, "-o", self.out)
+                self.assertEqual(0, run.status, (option, value, run.stderr))
+        self.assertEqual(0, scanpage("--dpi", "10", self.pages[0], "-o", self.out).status)
+
+    def test_jobs_are_fewer_where_threads_are_few(self):
+        command = 'ulimit -v 1200000; exec "$0" --jobs 256 "$@"'
+        done = subprocess.run(["bash", "-c", command, SCANPAGE, *self.pages, "-o", self.out], capture_output=True)
+        self.assertEqual(0, done.returncode, done.stderr)
+        self.assertEqual(6, len(done.stdout.splitlines()))
 
     def test_a_page_behind_the_formats_is_a_page(self):
         run = scanpage("-o", self.out, "--format", "pbm", self.pages[0])

@@ -1,0 +1,48 @@
+"""Images in files, drawn and read by Leptonica, which scanpage is linked with."""
+
+import ctypes
+import ctypes.util
+import os
+
+lept = ctypes.CDLL(ctypes.util.find_library("lept"))
+lept.pixRead.restype = ctypes.c_void_p
+lept.pixRead.argtypes = [ctypes.c_char_p]
+lept.pixGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int, ctypes.POINTER(ctypes.c_uint32)]
+for name in ("pixGetWidth", "pixGetHeight", "pixGetDepth"):
+    getattr(lept, name).argtypes = [ctypes.c_void_p]
+
+
+class Image:
+    """The pixels of a file: levels of grey, triples of colour, or bits of which a set one is black."""
+
+    def __init__(self, file):
+        self.pix = lept.pixRead(os.fspath(file).encode())
+        assert self.pix, file
+        self.width, self.height = lept.pixGetWidth(self.pix), lept.pixGetHeight(self.pix)
+        self.depth = lept.pixGetDepth(self.pix)
+
+    def at(self, x, y):
+        value = ctypes.c_uint32()
+        assert lept.pixGetPixel(self.pix, x, y, ctypes.byref(value)) == 0
+        v = value.value
+        return (v >> 24, v >> 16 & 255, v >> 8 & 255) if self.depth == 32 else v
+
+    def rows(self):
+        return [[self.at(x, y) for x in range(self.width)] for y in range(self.height)]
+
+
+def ppm(file, rows):
+    """A drawing, as grey or colour by its pixels."""
+    colour = isinstance(rows[0][0], tuple)
+    data = bytes(v for row in rows for p in row for v in (p if colour else (p,)))
+    file.write_bytes(b"P%d\n%d %d\n255\n" % (6 if colour else 5, len(rows[0]), len(rows)) + data)
+
+
+def jpeg_of(file, rows):
+    """The drawing as a JPEG file of the best quality, without subsampling."""
+    drawn = file.with_suffix(".pnm")
+    ppm(drawn, rows)
+    pix = lept.pixRead(os.fspath(drawn).encode())
+    lept.pixSetChromaSampling(ctypes.c_void_p(pix), 0)
+    assert lept.pixWriteJpeg(os.fspath(file).encode(), ctypes.c_void_p(pix), 100, 0) == 0
+    return file
