@@ -1,7 +1,9 @@
 // scanpage: reads scanned JPEG pages, straightens them and writes them as JPEG, PBM or TIFF.
+#include <fcntl.h>
 #include <leptonica/allheaders.h>
 #include <signal.h>
 #include <tiffio.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <unordered_set>
@@ -14,6 +16,13 @@
 #include "stop.h"
 
 namespace {
+
+// A file that is opened takes the lowest number that is free: that of a standard stream, if scanpage is started without
+// it, and messages would land in a result. So something takes the place that fails as the closed stream does.
+void occupyClosedStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
 
 // Two pages of one name, from two folders, would write the same files: the second is refused.
 Report sharedName(const std::string& file) {
@@ -48,6 +57,7 @@ bool straightenAll(const Settings& settings, PageList& pages, Ledger& ledger, Co
 }
 
 int run(int argc, char** argv) {
+    occupyClosedStreams();
     Settings settings;
     int exitStatus = 0;
     if (!parseCommandLine(argc, argv, settings, exitStatus)) return exitStatus;
@@ -74,7 +84,7 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "scanpage: %s\n", e.what());
+        std::fprintf(stderr, "scanpage: %s\n", escaped(e.what()).c_str());
         return kUsage;
     }
 }

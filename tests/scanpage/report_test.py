@@ -2,10 +2,13 @@
 
 import os
 import pathlib
+import re
 import subprocess
+import time
 import unittest
 
-from support import SCANPAGE, PageTest, pagegen, scanpage
+from images import jpeg_of
+from support import SCANPAGE, PageTest, pagegen, parse, scanpage
 
 
 class Report(PageTest):
@@ -18,6 +21,84 @@ class Report(PageTest):
             self.assertGreater(float(line.milliseconds), 0)
             self.assertEqual((self.out / page.name).stat().st_size, int(line.bytes))
         self.assertIn("6 done, 0 kept, 0 failed", run.stderr)
+
+    def test_the_summary(self):
+        page = self.folder / "grey.jpg"
+        pagegen("--dpi", "60", "--grey", page)
+        scanpage(*self.pages[:2], "-o", self.out)
+        command = [SCANPAGE, "--resume", "--denoise", "1", "--median", "cross", "--dpi", "50", *self.pages[:4], page,
+                   self.folder / "missing.jpg", "-o", self.out]    # fmt: skip
+        start = time.monotonic()
+        scan = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        report, summary = (stream.read().decode() for stream in (scan.stdout, scan.stderr))
+        _, status, usage = os.wait4(scan.pid, 0)
+        wall = time.monotonic() - start
+        scan.returncode = os.waitstatus_to_exitcode(status)
+        scan.stdout.close()
+        scan.stderr.close()
+        self.assertEqual(1, scan.returncode)
+        lines = parse(report)
+
+        counts = re.search(r"^(\d+) done, (\d+) kept, (\d+) failed in (\d+\.\d) s: (\d+\.\d) pages/s$", summary, re.M)
+        self.assertEqual(("3", "2", "1"), counts.groups()[:3])
+        seconds, rate = float(counts[4]), float(counts[5])
+        self.assertLessEqual(seconds, wall + 0.05)
+        self.assertGreaterEqual(rate, 4 / (seconds + 0.05) - 0.05)
+        self.assertLessEqual(rate, 4 / max(seconds - 0.05, 1e-9) + 0.05)
+
+        stages = re.findall(r"^(\w[\w ]*?) +(\d+\.\d) +(\d+\.\d\d)$", summary, re.M)
+        self.assertEqual(["open", "read", "find skew", "deskew", "reduce noise", "median", "scale", "write JPEG"],
+                         [name for name, _, _ in stages])    # fmt: skip
+        total = float(re.search(r"^all +(\d+\.\d)$", summary, re.M)[1])
+        self.assertAlmostEqual(total, sum(float(milliseconds) for _, milliseconds, _ in stages), delta=0.5)
+        self.assertLessEqual(total, sum(float(line.milliseconds) for line in lines) + 0.5)
+        self.assertLessEqual(sum(float(line.milliseconds) for line in lines), 1000 * wall)
+        megabytes = {name: float(size) for name, _, size in stages}
+        sources = [*self.pages[2:4], page]
+        for name, size in {
+            "open": sum(source.stat().st_size for source in sources),
+            "read": 496 * 702 * 7,
+            "find skew": 62 * 704 * 3,
+            "write JPEG": sum((self.out / source.name).stat().st_size for source in sources),
+        }.items():
+            self.assertAlmostEqual(size / 2**20, megabytes[name], delta=0.02)
+
+        peak, times = map(float, re.search(r"^peak memory (\S+) MB, (\S+) times", summary, re.M).groups())
+        self.assertAlmostEqual(usage.ru_maxrss / 1024, peak, delta=0.1 * peak)
+        self.assertAlmostEqual(peak * 2**20 / (496 * 702 * 3), times, delta=0.1 * times)
+
+    def test_a_run_without_work_has_no_stages(self):
+        scanpage(*self.pages, "-o", self.out)
+        run = scanpage("--resume", *self.pages, "-o", self.out)
+        self.assertRegex(run.stderr, r"\A0 done, 6 kept, 0 failed in [^\n]*: 0\.0 pages/s\n\Z")
+
+    def test_verbose_says_what_a_page_is(self):
+        blank = self.folder / "blank.jpg"
+        pagegen("--dpi", "60", "--grey", blank)
+        scanpage(self.pages[0], "-o", self.out)
+        quiet = scanpage("--resume", *self.pages[:2], "-o", self.out)
+        self.assertNotIn("page-", quiet.stderr)
+        (self.out / self.pages[1].name).unlink()
+        run = scanpage("-v", "--resume", *self.pages[:2], blank, "-o", self.out)
+        said = run.stderr.split("\n3 done")[0].split("\n2 done")[0].splitlines()
+        self.assertEqual(
+            [
+                f"{self.pages[0]}: its results are there",
+                f"{self.pages[1]}: 496 x 702, 24 bits, 60 x 60 dpi, skew {run.lines[1].skew} degrees",
+                f"{blank}: 496 x 702, 8 bits, 60 x 60 dpi, skew {run.lines[2].skew} degrees",
+            ],
+            said,
+        )
+
+    def test_a_page_without_text_has_no_skew(self):
+        drawn = {"white": lambda x, y: 255, "round": lambda x, y: 40 if (x - 200) ** 2 + (y - 200) ** 2 < 9000 else 230}
+        for name, level in drawn.items():
+            page = jpeg_of(self.folder / f"{name}.jpg", [[level(x, y) for x in range(400)] for y in range(400)])
+            run = scanpage("-v", page, "-o", self.out)
+            self.assertEqual(("done", "-"), (run.lines[0].status, run.lines[0].skew))
+            self.assertEqual(f"{page}: 400 x 400, 8 bits, 300 x 300 dpi, no text lines to tell the skew by",
+                             run.stderr.splitlines()[0])    # fmt: skip
+            self.assertTrue(run.stderr.splitlines()[1].startswith("1 done"), run.stderr)
 
     def test_the_skew_is_the_one_that_was_drawn(self):
         for skew in (-3.1, 0.0, 2.3):
@@ -38,11 +119,11 @@ class Report(PageTest):
         self.assertEqual(sum(path.stat().st_size for path in self.out.iterdir()), int(run.lines[0].bytes))
 
     def test_names_stay_on_their_line(self):
-        page = self.folder / "a\tb\nc\\d\re\x01f\x7fg.jpg"
+        page = self.folder / "a\tb\nc\\d\re\x01f\x7fg\x1b\x1f \xe9.jpg"
         os.link(self.pages[0], page)
         run = scanpage(page, self.folder / "not\nthere", "-o", self.out)
         self.assertEqual(1, run.status)
-        self.assertEqual(f"{self.folder}/a\\tb\\nc\\\\d\\re\\x01f\\x7fg.jpg", run.lines[0].file)
+        self.assertEqual(f"{self.folder}/a\\tb\\nc\\\\d\\re\\x01f\\x7fg\\x1b\\x1f \xe9.jpg", run.lines[0].file)
         self.assertIn("not\\nthere: cannot be opened", run.stderr)
         self.assertEqual([page.name], self.results())
 
@@ -92,12 +173,32 @@ class ExitStatus(PageTest):
         self.assertEqual(1, run.status)
         self.assertIn("is no file of a page's size", run.stderr)
 
+    def test_standard_streams_that_are_closed(self):
+        slow = self.folder / "slow.jpg"
+        os.mkfifo(slow)
+        scan = subprocess.Popen(["bash", "-c", 'exec "$0" "$@" <&- >&- 2>&-', SCANPAGE, slow, "-o", self.out])
+        self.addCleanup(scan.kill)
+        streams = [f"/proc/{scan.pid}/fd/{number}" for number in range(3)]
+        late = time.monotonic() + 20
+        while any(os.path.exists(stream) and os.readlink(stream) != "/dev/null" for stream in streams) or not all(
+            map(os.path.exists, streams)
+        ):
+            self.assertLess(time.monotonic(), late)
+            time.sleep(0.01)
+        slow.write_bytes(b"")
+        self.assertEqual(3, scan.wait(timeout=20))
+        command = 'exec "$0" --from - -o "$1" <&-'
+        done = subprocess.run(["bash", "-c", command, SCANPAGE, self.out], capture_output=True)
+        self.assertEqual((2, b"scanpage: the list of pages cannot be read\n"), (done.returncode, done.stderr))
+
     def test_wrong_usage(self):
         for arguments in (
             [],
             [self.pages[0]],
             ["-o", self.out],
             [self.pages[0], "-o", self.root / "nowhere"],
+            [self.pages[0], "-o", self.pages[1]],
+            [self.pages[0], "-o", ""],
             [self.pages[0], "-o", self.out, "--format", "gif"],
             [self.pages[0], "-o", self.out, "--jobs", "0"],
             [self.pages[0], "-o", self.out, "--no-such-option"],
@@ -139,6 +240,9 @@ class Help(unittest.TestCase):
         self.assertIn("-0", options)
         for option in options:
             self.assertRegex(manual, rf"(?m)^\.B[IR]? .*{option}\b", option)
+        described = re.findall(r"^\.TP\n\.B[IR]? (-.*)", manual, re.M)
+        for option in (word for line in described for word in re.findall(r"(?<!\S)\"?(?:\\f.,\\f.)?(--?\w[\w-]*)", line)):
+            self.assertIn(option, options)
 
 
 if __name__ == "__main__":
