@@ -27,10 +27,13 @@ bool PageList::next(std::string& name) {
     return list_ && nextOfList(name);
 }
 
-// Skips empty lines. A last name without its separator counts.
+// Skips empty lines. A last name without its separator counts. No file name holds a NUL: whoever opened one would see
+// its beginning only.
 bool PageList::nextOfList(std::string& name) {
     name.clear();
     for (int c = std::getc(list_); c != EOF; c = std::getc(list_)) {
+        if (c == 0 && separator_ != 0)
+            throw std::runtime_error("the list of pages holds a NUL character; is --null missing?");
         if (c != static_cast<unsigned char>(separator_))
             name += static_cast<char>(c);
         else if (!name.empty())

@@ -46,6 +46,28 @@ class Lists(PageTest):
     def test_a_list_behind_the_pages_of_the_command_line(self):
         self.assert_all_done(scanpage(*self.pages[:2], "--from", "-", "-o", self.out, stdin=names(self.pages[2:])))
 
+    def test_names_that_end_with_nul_need_the_option(self):
+        for source, stdin in (("-", names(self.pages, "\0")), (self.root / "list", b"")):
+            (self.root / "list").write_bytes(names(self.pages, "\0"))
+            run = scanpage("--from", source, "-o", self.out, stdin=stdin)
+            self.assertEqual((2, []), (run.status, run.lines))
+            self.assertIn("is --null missing?", run.stderr)
+        self.assertEqual([], self.results())
+
+    def test_lists_that_cannot_be_read(self):
+        for name, fault in (
+            ("nowhere", "nowhere cannot be opened"),
+            ("no\nwhere", "no\\nwhere cannot be opened"),
+            ("", "the list of pages cannot be read"),
+        ):
+            run = scanpage("--from", self.root / name, "-o", self.out)
+            self.assertEqual((2, []), (run.status, run.lines))
+            self.assertIn(fault, run.stderr)
+
+    def test_a_list_without_a_name_is_no_list(self):
+        for pages in ([], self.pages):
+            self.assertEqual((2, []), scanpage(*pages, "--from", "", "-o", self.out)[:2])
+
     def test_an_empty_list(self):
         self.assert_all_done(scanpage("--from", "-", "-o", self.out), 0)
 
@@ -81,6 +103,12 @@ class SharedNames(PageTest):
             self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
             self.assertEqual(before, self.pages[0].read_bytes())
             self.assertIn("its result would replace it", run.stderr)
+        page = self.folder / "named.tif"
+        os.link(self.pages[0], page)
+        run = scanpage("--format", "jpeg,pbm,g4", page, "-o", self.folder)
+        self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+        self.assertEqual(before, page.read_bytes())
+        self.assertFalse((self.folder / "named.jpg").exists())
 
 
 if __name__ == "__main__":
