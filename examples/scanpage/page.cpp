@@ -71,12 +71,15 @@ std::vector<std::string> resultFiles(const std::string& file, const Options& opt
     return files;
 }
 
-// Whether the results are there already. Their sizes are added up.
+// Whether the results are there already. Their sizes are added up. An empty file is what is left of a result that was
+// not on disk yet when the machine failed.
 bool isDone(const std::vector<std::string>& results, size_t& bytes) {
     for (const std::string& result : results) {
         std::error_code error;
         if (!fs::is_regular_file(result, error)) return false;
-        bytes += static_cast<size_t>(fs::file_size(result));
+        const auto size = static_cast<size_t>(fs::file_size(result));
+        if (size == 0) return false;
+        bytes += size;
     }
     return true;
 }

@@ -1,7 +1,10 @@
 """Runs that are stopped or killed, and runs that go on where another ended."""
 
+import contextlib
 import fcntl
 import os
+import pathlib
+import re
 import signal
 import subprocess
 import time
@@ -27,11 +30,18 @@ class Resume(PageTest):
         scanpage(self.pages[0], "-o", self.out)
         arguments = ["--resume", "--format", "jpeg,g4", self.pages[0], "-o", self.out]
         self.assertEqual("done", scanpage(*arguments).lines[0].status)
-        self.assertEqual("kept", scanpage(*arguments).lines[0].status)
+        line = scanpage(*arguments).lines[0]
+        self.assertEqual("kept", line.status)
+        self.assertEqual(sum(path.stat().st_size for path in self.out.iterdir()), int(line.bytes))
         (self.out / "page-000000.tif").unlink()
         line = scanpage(*arguments).lines[0]
         self.assertEqual("done", line.status)
         self.assertEqual(sum(path.stat().st_size for path in self.out.iterdir()), int(line.bytes))
+
+    def test_an_empty_file_is_no_result(self):
+        (self.out / "page-000000.jpg").touch()
+        self.assertEqual("done", scanpage("--resume", self.pages[0], "-o", self.out).lines[0].status)
+        self.assert_whole([self.out / "page-000000.jpg"])
 
     def test_without_resume_pages_are_done_again(self):
         scanpage(self.pages[0], "-o", self.out)
@@ -69,19 +79,38 @@ class Parts(PageTest):
             done = subprocess.run(["bash", "-c", command, SCANPAGE, self.pages[0], self.out], capture_output=True)
             self.assertEqual(1, done.returncode, done.stderr)
             self.assertIn(b"cannot be written", done.stderr)
+            self.assertEqual(chosen != "g4", b"cannot be written: File too large" in done.stderr)
             self.assertEqual([], self.results())
 
     def test_a_page_that_another_program_writes_is_left_to_it(self):
         part = self.out / "page-000000.jpg.part"
-        with open(part, "wb") as other:
-            other.write(b"theirs")
-            other.flush()
-            fcntl.flock(other, fcntl.LOCK_EX)
-            run = scanpage(*self.pages[:2], "-o", self.out)
-            self.assertEqual(["failed", "done"], [line.status for line in run.lines])
-            self.assertEqual(b"theirs", part.read_bytes())
-        self.assertEqual("done", scanpage(self.pages[0], "-o", self.out).lines[0].status)
-        self.assert_no_parts()
+        for lock in (fcntl.LOCK_EX, fcntl.LOCK_SH):
+            with open(part, "wb") as other:
+                other.write(b"theirs")
+                other.flush()
+                fcntl.flock(other, lock)
+                run = scanpage(*self.pages[:2], "-o", self.out)
+                self.assertEqual(["failed", "done"], [line.status for line in run.lines])
+                self.assertIn("page-000000.jpg.part is being written by another program", run.stderr)
+                self.assertEqual(b"theirs", part.read_bytes())
+            self.assertEqual("done", scanpage(self.pages[0], "-o", self.out).lines[0].status)
+            self.assert_no_parts()
+
+    def test_pages_that_fail_leave_no_file_open(self):
+        more = self.root / "more"
+        more.mkdir()
+        pages = link_pages(self.drawn, more, 40)
+        for page in pages[:20]:
+            (self.out / page.name).mkdir()
+        command = 'ulimit -n 24; exec "$0" "$@"'
+        with contextlib.ExitStack() as others:
+            for page in pages[20:]:
+                fcntl.flock(others.enter_context(open(self.out / f"{page.name}.part", "wb")), fcntl.LOCK_EX)
+            done = subprocess.run(
+                ["bash", "-c", command, SCANPAGE, "--angle", "0", *pages, "-o", self.out], capture_output=True
+            )
+        self.assertEqual(20, done.stderr.count(b": Is a directory"), done.stderr)
+        self.assertEqual(20, done.stderr.count(b"is being written by another program"), done.stderr)
 
 
 class Stop(PageTest):
@@ -146,11 +175,44 @@ class Stop(PageTest):
         time.sleep(0.2)
         scan.terminate()
         slow.write_bytes(b"")    # now this page can go on, to its end
-        rest, _ = scan.communicate(timeout=20)
+        rest, said = scan.communicate(timeout=20)
         self.assertEqual(3, scan.returncode)
+        self.assertTrue(said.endswith(b"\nscanpage: stopped before the last page\n"), said)
         lines = parse((first + rest).decode())
         self.assertEqual([(str(self.pages[0]), "done"), (str(slow), "failed")], [(l.file, l.status) for l in lines])
+        self.assertGreaterEqual(float(lines[1].milliseconds), 200)
         self.assertEqual([self.pages[0].name], self.results())
+
+    def test_a_stop_after_the_last_page_is_none(self):
+        slow = self.folder / "slow.jpg"
+        os.mkfifo(slow)
+        scan = self.start(self.pages[0], slow)
+        first = scan.stdout.readline()
+        time.sleep(0.2)
+        scan.terminate()
+        slow.write_bytes(b"")
+        rest, said = scan.communicate(timeout=20)
+        self.assertEqual(["done", "failed"], [line.status for line in parse((first + rest).decode())])
+        self.assertEqual(1, scan.returncode)
+        self.assertNotIn(b"stopped", said)
+
+    def test_a_slow_page_holds_up_no_other(self):
+        slow = self.folder / "slow.jpg"
+        os.mkfifo(slow)
+        scan = self.start("--jobs", "2", slow, *self.pages)
+        self.assertEqual({"done"}, {line.status for line in parse(b"".join(
+            scan.stdout.readline() for _ in self.pages).decode())})    # fmt: skip
+        # Besides the one that gives out the pages there is a thread for each, without signals, and no other.
+        tasks = [int(task) for task in os.listdir(f"/proc/{scan.pid}/task")]
+        self.assertEqual(3, len(tasks))
+        for task in tasks:
+            status = pathlib.Path(f"/proc/{scan.pid}/task/{task}/status").read_text()
+            blocked = int(re.search(r"SigBlk:\s*(\w+)", status)[1], 16)
+            stops = {number for number in (signal.SIGTERM, signal.SIGINT) if blocked >> (number - 1) & 1}
+            self.assertEqual(set() if task == scan.pid else {signal.SIGTERM, signal.SIGINT}, stops)
+        slow.write_bytes(b"")
+        scan.communicate(timeout=20)
+        self.assertEqual(1, scan.returncode)
 
     def test_a_second_signal_ends_the_program_at_once(self):
         endless = self.folder / "endless.jpg"
