@@ -1,6 +1,7 @@
 #include "ledger.h"
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -54,9 +55,12 @@ std::string escaped(const std::string& name) {
     return text;
 }
 
+Ledger::Ledger(size_t pages, bool verbose)
+    : progress_(pages), verbose_(verbose), linesOnTerminal_(isatty(STDOUT_FILENO) != 0) {}
+
 void Ledger::add(const Report& report) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    progress_.clear();
+    if (linesOnTerminal_ || verbose_ || report.status == Status::kFailed) progress_.clear();
     tell(report);
     count(report);
     progress_.show(done_ + kept_ + failed_, done_ + failed_);

@@ -9,7 +9,7 @@
 class Ledger {
 public:
     // `pages` is 0 if their number is not known.
-    Ledger(size_t pages, bool verbose) : progress_(pages), verbose_(verbose) {}
+    Ledger(size_t pages, bool verbose);
 
     // From any thread. Where standard output takes no more, the program is asked to stop.
     void add(const Report& report);
@@ -27,6 +27,7 @@ private:
     std::mutex mutex_;
     Progress progress_;
     bool verbose_;
+    bool linesOnTerminal_;
     bool lineLost_ = false;
     size_t done_ = 0, kept_ = 0, failed_ = 0;
     double largest_ = 0;    // bytes of pixels

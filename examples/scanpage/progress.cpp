@@ -13,7 +13,7 @@ void Progress::show(size_t done, size_t worked) {
     constexpr size_t kWidth = 30;
     constexpr auto kPause = std::chrono::milliseconds(100);
     const Clock::time_point now = Clock::now();
-    if (!shown_ || (now < next_ && done != total_)) return;
+    if (!shown_ || (drawn_ && now < next_ && done != total_)) return;
     next_ = now + kPause;
     drawn_ = true;
 

@@ -9,7 +9,8 @@ class Progress {
 public:
     explicit Progress(size_t total);    // 0: not known
 
-    // `done` pages are behind us, `worked` of them since the start. Draws a few times a second.
+    // `done` pages are behind us, `worked` of them since the start. Draws a few times a second, and at once after a line
+    // of text.
     void show(size_t done, size_t worked);
 
     // Makes room for a line of text.
