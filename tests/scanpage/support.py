@@ -29,8 +29,9 @@ def parse(stdout):
     return lines
 
 
-def scanpage(*arguments, stdin=b""):
-    done = subprocess.run([SCANPAGE, *map(os.fspath, arguments)], input=stdin, capture_output=True, timeout=60)
+def scanpage(*arguments, stdin=b"", **environment):
+    done = subprocess.run([SCANPAGE, *map(os.fspath, arguments)], input=stdin, capture_output=True, timeout=60,
+                          env={**os.environ, **environment})    # fmt: skip
     return Run(done.returncode, parse(done.stdout.decode()), done.stderr.decode())
 
 

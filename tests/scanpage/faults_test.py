@@ -1,0 +1,65 @@
+"""What comes of results when the system fails scanpage, or another program comes between."""
+
+import os
+import unittest
+
+from support import PageTest, scanpage
+
+
+class Faults(PageTest):
+    def run_with(self, fault, *arguments):
+        return scanpage(*arguments, "-o", self.out, LD_PRELOAD=os.environ["FAULTS"], FAULT=fault)
+
+    def contents(self):
+        return {path.name: path.read_bytes() for path in self.out.iterdir()}
+
+    def assert_nothing_is_written(self, run, reason):
+        self.assertEqual((1, "failed", "0"), (run.status, run.lines[0].status, run.lines[0].bytes))
+        self.assertIn(reason, run.stderr)
+        self.assertEqual({}, self.contents())
+
+    def test_a_file_takes_a_few_bytes_at_a_time(self):
+        options = ["--format", "jpeg,pbm,g4", self.pages[0]]
+        scanpage(*options, "-o", self.out)
+        right = self.contents()
+        self.assertEqual(0, self.run_with("short writes", *options).status)
+        self.assertEqual(right, self.contents())
+
+    def test_no_write_that_fails_goes_unseen(self):
+        for chosen in ("jpeg", "pbm", "g4"):
+            writes = 0
+            while (run := self.run_with(f"write {writes + 1}", "--format", chosen, self.pages[0])).status == 1:
+                self.assert_nothing_is_written(run, "cannot be written")
+                self.assertEqual(2, len(run.stderr.split("\n\n")[0].splitlines()), run.stderr)    # libtiff keeps still
+                writes += 1
+            self.assertEqual("done", run.lines[0].status)
+            self.assertLessEqual(3 if chosen == "g4" else 1, writes)    # header, strip, directory
+            for path in self.out.iterdir():
+                path.unlink()
+
+    def test_a_close_that_fails_takes_the_result_back(self):
+        for chosen in ("jpeg", "pbm", "g4"):
+            self.assert_nothing_is_written(self.run_with("close", "--format", chosen, self.pages[0]), "quota exceeded")
+
+    def test_a_page_that_cannot_be_read_to_its_end(self):
+        self.assert_nothing_is_written(self.run_with("read", self.pages[0]), "page-000000.jpg: cannot be read")
+
+    def test_a_file_system_without_locks(self):
+        run = self.run_with("no locks", self.pages[0])
+        self.assertEqual((0, ["page-000000.jpg"]), (run.status, self.results()))
+
+    def test_a_result_that_another_program_ends_meanwhile_is_theirs(self):
+        run = self.run_with("renamed before the lock", self.pages[0])
+        self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+        self.assertIn("page-000000.jpg.part is being written by another program", run.stderr)
+        self.assertEqual({"page-000000.jpg": b"theirs", "page-000000.jpg.part": b"the next"}, self.contents())
+
+    def test_a_page_that_another_program_begins_next_is_theirs(self):
+        run = self.run_with("begun after the name", self.pages[0])
+        self.assertEqual(0, run.status)
+        self.assertEqual(b"theirs", self.contents()["page-000000.jpg.part"])
+        self.assertEqual(b"\xff\xd8", self.contents()["page-000000.jpg"][:2])
+
+
+if __name__ == "__main__":
+    unittest.main()
