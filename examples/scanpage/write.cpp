@@ -61,6 +61,6 @@ size_t writeG4(const Bits& bits, const KVImageDescription& description, const st
         good = TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) >= 0;
     }
     if (!good || TIFFWriteDirectory(tiff.get()) == 0) throw std::runtime_error(file + " cannot be written");
-    tiff.reset();
+    // All is written. The commit closes the file before libtiff does, which would keep a fault of its close to itself.
     return out.commit();
 }

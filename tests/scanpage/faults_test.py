@@ -38,7 +38,7 @@ class Faults(PageTest):
                 path.unlink()
 
     def test_a_close_that_fails_takes_the_result_back(self):
-        for chosen in ("jpeg", "pbm", "g4"):
+        for chosen in ("jpeg", "pbm", "g4"):    # the first one tells, which must not be libtiff's
             self.assert_nothing_is_written(self.run_with("close", "--format", chosen, self.pages[0]), "quota exceeded")
 
     def test_a_page_that_cannot_be_read_to_its_end(self):
