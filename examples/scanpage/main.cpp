@@ -53,7 +53,7 @@ bool straightenAll(const Settings& settings, PageList& pages, Ledger& ledger, Co
             if (report.before && report.after) sheet.add(index, *report.before, *report.after);
         });
     }
-    return !(stopRequested() && pages.fromList());    // the list may have gone on
+    return !stopRequested();    // a list may have gone on
 }
 
 int run(int argc, char** argv) {

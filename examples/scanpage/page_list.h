@@ -17,8 +17,6 @@ public:
     // 0 if it cannot be told before the end, as for a pipe.
     size_t count() const { return count_; }
 
-    bool fromList() const { return list_ != nullptr; }
-
 private:
     bool nextOfList(std::string& name);
 

@@ -99,6 +99,8 @@ class Report(PageTest):
             self.assertEqual(f"{page}: 400 x 400, 8 bits, 300 x 300 dpi, no text lines to tell the skew by",
                              run.stderr.splitlines()[0])    # fmt: skip
             self.assertTrue(run.stderr.splitlines()[1].startswith("1 done"), run.stderr)
+        dot = jpeg_of(self.folder / "dot.jpg", [[255]])
+        self.assertRegex(scanpage(dot, "-o", self.out).stderr, "\\A1 done")    # Leptonica keeps still
 
     def test_the_skew_is_the_one_that_was_drawn(self):
         for skew in (-3.1, 0.0, 2.3):
@@ -172,6 +174,7 @@ class ExitStatus(PageTest):
         run = scanpage(self.folder / "long.jpg", "-o", self.out)
         self.assertEqual(1, run.status)
         self.assertIn("is no file of a page's size", run.stderr)
+        self.assertRegex(run.stderr, r"\npeak memory \d+\.\d MB\n\Z")    # no page to compare it with
 
     def test_standard_streams_that_are_closed(self):
         slow = self.folder / "slow.jpg"
@@ -227,6 +230,13 @@ class ExitStatus(PageTest):
         scan.stderr.close()
         self.assertEqual(3, scan.wait())
         self.assert_no_parts()
+
+    def test_a_reader_of_the_messages_that_goes_away(self):
+        scan = subprocess.Popen([SCANPAGE, *self.pages, "-o", self.out], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        scan.stderr.close()
+        self.assertEqual(6, len(parse(scan.stdout.read().decode())))
+        scan.stdout.close()
+        self.assertEqual(0, scan.wait())
 
 
 class Help(unittest.TestCase):
