@@ -23,14 +23,18 @@ class Bar(PageTest):
         self.addCleanup(scan.kill)
         os.close(theirs)
         scan.stdin.write(stdin)
-        scan.stdin.close()
+        if until:
+            scan.stdin.flush()
+        else:
+            scan.stdin.close()
         shown = b""
         try:
             while block := os.read(ours, 4096):
                 shown += block
                 if until and until in shown:
                     until = None
-                    (then or scan.terminate)()
+                    (then or subprocess.Popen.terminate)(scan)
+                    scan.stdin.close()
         except OSError:
             pass    # the other end is closed
         os.close(ours)
@@ -57,6 +61,14 @@ class Bar(PageTest):
         self.assertLessEqual(shown.count("\r["), 2 + 10 * (time.monotonic() - start))
         self.assertEqual(1, shown.count("\r\033[K"))
         self.assertIn("left\033[K\r\033[K60 done, ", shown)
+
+    def test_it_moves(self):
+        def go_on(scan):
+            time.sleep(0.15)
+            scan.stdin.write(names(self.pages[1:2]))
+
+        shown = self.on_terminal("--from", "-", stdin=names(self.pages[:1]), until=b"pages/s", then=go_on)
+        self.assertRegex(shown, r"\A\r1 pages, \d+\.\d pages/s\033\[K\r2 pages, ")
 
     def test_a_fault_takes_its_place(self):
         shown = self.on_terminal(self.pages[0], self.folder / "missing.jpg", self.pages[1], status=1)
@@ -87,7 +99,7 @@ class Bar(PageTest):
         listed = self.root / "list"
         listed.write_bytes(names([self.pages[0], slow, self.pages[1]]))
 
-        def grow():
+        def grow(_):
             with open(listed, "ab") as more:
                 more.write(names([*self.pages[2:], self.folder / "missing.jpg"]))
             slow.write_bytes(b"")
