@@ -62,10 +62,19 @@ class Parts(PageTest):
             (self.out / f"page-{number:06}{ending}").mkdir()
         before = self.results()
         for number, chosen in enumerate(("jpeg", "pbm", "g4")):
-            run = scanpage("--format", chosen, self.pages[number], "-o", self.out)
-            self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
-            self.assertEqual(("-", "0"), (run.lines[0].skew, run.lines[0].bytes))
+            for options in ([], ["--resume"]):
+                run = scanpage("--format", chosen, *options, self.pages[number], "-o", self.out)
+                self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+                self.assertEqual(("-", "0"), (run.lines[0].skew, run.lines[0].bytes))
+                self.assertIn("cannot be written: Is a directory", run.stderr)
         self.assertEqual(before, self.results())
+
+    def test_a_name_that_is_too_long_for_a_part(self):
+        page = self.folder / f"{'n' * 250}.jpg"
+        os.link(self.pages[0], page)
+        run = scanpage(page, "-o", self.out)
+        self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+        self.assertIn("cannot be written: File name too long", run.stderr)
 
     def test_a_page_that_fails_at_its_last_result_has_no_bytes(self):
         (self.out / "page-000000.jpg").mkdir()
