@@ -4,14 +4,21 @@ import os
 import subprocess
 import unittest
 
-from support import SCANPAGE, PageTest, link_pages, names
+from support import SCANPAGE, PageTest, link_pages, names, pagegen
 
 
 class Memory(PageTest):
     dpi = 40
 
-    def peak_of(self, count):
+    def peak(self, *arguments):
         """Peak resident memory in kilobytes."""
+        scan = subprocess.Popen([SCANPAGE, *arguments], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        _, status, usage = os.wait4(scan.pid, 0)
+        scan.returncode = status
+        self.assertEqual(0, status)
+        return usage.ru_maxrss
+
+    def peak_of(self, count):
         folder = self.root / str(count)
         folder.mkdir()
         pages = link_pages(self.drawn, folder, count)
@@ -19,19 +26,21 @@ class Memory(PageTest):
         listed.write_bytes(names(pages))
         out = folder / "out"
         out.mkdir()
-        scan = subprocess.Popen(
-            [SCANPAGE, "--jobs", "2", "--from", listed, "-o", out], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
-        )
-        _, status, usage = os.wait4(scan.pid, 0)
-        scan.returncode = status
-        self.assertEqual(0, status)
+        peak = self.peak("--jobs", "2", "--from", listed, "-o", out)
         self.assertEqual(count, len(list(out.iterdir())))
-        return usage.ru_maxrss
+        return peak
 
     def test_many_pages_take_no_more_than_some(self):
         some = self.peak_of(100)
         self.assertLess(self.peak_of(2000), some + 4096)    # 2 kB a page would show
         self.assertLess(some, self.peak_of(10) + 16384)    # the 50 small copies for a contact sheet would, too
+
+    def test_a_page_takes_three_times_its_pixels_at_most(self):
+        page = self.root / "large.jpg"
+        pagegen("--dpi", "200", page)
+        for median in ("none", "cross"):
+            small, large = (self.peak("--median", median, "-o", self.out, file) for file in (self.pages[0], page))
+            self.assertLess(large - small, 3.3 * 1654 * 2339 * 3 / 1024)
 
 
 if __name__ == "__main__":
