@@ -13,7 +13,6 @@ public:
     ResultFile(const ResultFile&) = delete;
     ResultFile& operator=(const ResultFile&) = delete;
 
-    int descriptor() const { return descriptor_; }
     void write(const void* data, size_t size);
     size_t commit();    // the file's size in bytes
 

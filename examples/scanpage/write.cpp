@@ -1,7 +1,10 @@
 #include "write.h"
 
 #include <tiffio.h>
-#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
 
 #include "result_file.h"
 
@@ -14,6 +17,42 @@ std::vector<uint8_t> invertedRow(const Bits& bits, int y) {
     for (uint8_t& b : inverted) b = static_cast<uint8_t>(~b);
     return inverted;
 }
+
+// What libtiff takes for a file. Its fax coder passes over writes that fail, so they are made when it is done.
+struct MemoryFile {
+    std::vector<uint8_t> bytes;
+    size_t position = 0;
+    bool lost = false;    // there was no memory for some of it
+};
+
+MemoryFile& fileOf(thandle_t handle) { return *static_cast<MemoryFile*>(handle); }
+
+tmsize_t readFile(thandle_t, void*, tmsize_t) { return 0; }
+
+tmsize_t writeFile(thandle_t handle, void* data, tmsize_t size) {
+    MemoryFile& file = fileOf(handle);
+    const size_t end = file.position + static_cast<size_t>(size);
+    try {
+        file.bytes.resize(std::max(end, file.bytes.size()));
+    } catch (const std::bad_alloc&) {    // must not pass through libtiff
+        file.lost = true;
+        return 0;
+    }
+    std::memcpy(file.bytes.data() + file.position, data, static_cast<size_t>(size));
+    file.position = end;
+    return size;
+}
+
+toff_t seekFile(thandle_t handle, toff_t offset, int whence) {
+    MemoryFile& file = fileOf(handle);
+    const size_t from = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.position : file.bytes.size();
+    file.position = from + static_cast<size_t>(offset);
+    return file.position;
+}
+
+int closeFile(thandle_t) { return 0; }
+
+toff_t sizeOfFile(thandle_t handle) { return fileOf(handle).bytes.size(); }
 
 }    // namespace
 
@@ -41,8 +80,10 @@ size_t writePbm(const Bits& bits, const std::string& file) {
 }
 
 size_t writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file) {
-    ResultFile out(file);
-    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFFdOpen(dup(out.descriptor()), file.c_str(), "w"), TIFFClose);
+    MemoryFile memory;
+    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFClientOpen(file.c_str(), "w", &memory, readFile, writeFile,
+                                                               seekFile, closeFile, sizeOfFile, nullptr, nullptr),
+                                                TIFFClose);
     bool good = tiff != nullptr;
     if (good) {
         TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, bits.width);
@@ -60,7 +101,10 @@ size_t writeG4(const Bits& bits, const KVImageDescription& description, const st
         std::vector<uint8_t> row = invertedRow(bits, y);
         good = TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) >= 0;
     }
-    if (!good || TIFFWriteDirectory(tiff.get()) == 0) throw std::runtime_error(file + " cannot be written");
-    // All is written. The commit closes the file before libtiff does, which would keep a fault of its close to itself.
+    good = good && TIFFWriteDirectory(tiff.get()) != 0;
+    tiff.reset();
+    if (!good || memory.lost) throw std::runtime_error(file + " cannot be made: no memory");
+    ResultFile out(file);
+    out.write(memory.bytes.data(), memory.bytes.size());
     return out.commit();
 }

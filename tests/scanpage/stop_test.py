@@ -87,8 +87,7 @@ class Parts(PageTest):
             command = f'ulimit -f 1; trap "" XFSZ; exec "$0" --format {chosen} "$1" -o "$2"'
             done = subprocess.run(["bash", "-c", command, SCANPAGE, self.pages[0], self.out], capture_output=True)
             self.assertEqual(1, done.returncode, done.stderr)
-            self.assertIn(b"cannot be written", done.stderr)
-            self.assertEqual(chosen != "g4", b"cannot be written: File too large" in done.stderr)
+            self.assertIn(b"cannot be written: File too large", done.stderr)
             self.assertEqual([], self.results())
 
     def test_a_page_that_another_program_writes_is_left_to_it(self):
