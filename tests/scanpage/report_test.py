@@ -1,5 +1,6 @@
 """The report, the exit status and the help of scanpage, and what it writes."""
 
+import math
 import os
 import pathlib
 import re
@@ -110,6 +111,14 @@ class Report(PageTest):
             self.assertAlmostEqual(skew, float(run.lines[0].skew), delta=0.2)
             straight = scanpage(self.out / "drawn.jpg", "-o", self.folder)
             self.assertAlmostEqual(0, float(straight.lines[0].skew), delta=0.2)
+
+    def test_thin_lines_are_lines(self):
+        rows = [[255] * 600 for _ in range(600)]
+        for x in range(20, 580):
+            for y in range(40, 560, 24):
+                rows[y + round((x - 300) * math.tan(math.radians(1.5)))][x] = 0
+        run = scanpage(jpeg_of(self.folder / "thin.jpg", rows), "-o", self.out)
+        self.assertAlmostEqual(1.5, float(run.lines[0].skew), delta=0.1)
 
     def test_a_given_angle_is_reported(self):
         run = scanpage("--angle", "-0.5", self.pages[0], "-o", self.out)
