@@ -22,6 +22,8 @@ class Report(PageTest):
             self.assertGreater(float(line.milliseconds), 0)
             self.assertEqual((self.out / page.name).stat().st_size, int(line.bytes))
         self.assertIn("6 done, 0 kept, 0 failed", run.stderr)
+        stages = float(re.search(r"^all +(\d+\.\d)$", run.stderr, re.M)[1])
+        self.assertGreater(stages, 0.35 * sum(float(line.milliseconds) for line in run.lines))    # the last page's: 0.17
 
     def test_the_summary(self):
         page = self.folder / "grey.jpg"
