@@ -123,8 +123,9 @@ class Report(PageTest):
         self.assertAlmostEqual(1.5, float(run.lines[0].skew), delta=0.1)
 
     def test_a_given_angle_is_reported(self):
-        run = scanpage("--angle", "-0.5", self.pages[0], "-o", self.out)
-        self.assertEqual("-0.50", run.lines[0].skew)
+        for angle, skew in (("-0.5", "-0.50"), ("0", "0.00")):
+            run = scanpage("--angle", angle, self.pages[0], "-o", self.out)
+            self.assertEqual(skew, run.lines[0].skew)
 
     def test_bytes_are_those_of_all_results(self):
         run = scanpage("--format", "jpeg,pbm,g4", self.pages[0], "-o", self.out)
