@@ -50,6 +50,7 @@ void Crew::work() {
         if (!job_) return;
         --free_;
         const std::function<void()> job = std::exchange(job_, nullptr);
+        forGiver_.notify_one();    // who waits for the job to be taken; another thread may be free
         lock.unlock();
         job();
         lock.lock();

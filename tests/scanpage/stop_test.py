@@ -207,7 +207,9 @@ class Stop(PageTest):
     def test_a_slow_page_holds_up_no_other(self):
         slow = self.folder / "slow.jpg"
         os.mkfifo(slow)
-        scan = self.start("--jobs", "2", slow, *self.pages)
+        scan = self.start("--jobs", "2", "--from", "-", stdin=subprocess.PIPE)    # the list stays open
+        scan.stdin.write(names([slow, *self.pages]))
+        scan.stdin.flush()
         self.assertEqual({"done"}, {line.status for line in parse(b"".join(
             scan.stdout.readline() for _ in self.pages).decode())})    # fmt: skip
         # Besides the one that gives out the pages there is a thread for each, without signals, and no other.
