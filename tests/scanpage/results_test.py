@@ -1,5 +1,6 @@
 """What is in the results: pixels, formats, filters, resolution, and the contact sheet."""
 
+import random
 import struct
 import subprocess
 import unittest
@@ -57,6 +58,13 @@ class OneBit(PageTest):
             stream = (self.out / "drawn.pbm").read_bytes()
             black = bytes([0xFF] * (width // 8) + [0x80] * (width % 8))
             self.assertEqual((row, b"P4\n%d 7\n" % width + black * 7), (len(black), stream))
+
+    def test_a_tiff_in_several_pieces(self):
+        noise = random.Random(1)
+        rows = [[noise.choice((0, 255)) for _ in range(200)] for _ in range(200)]
+        page = jpeg_of(self.folder / "noise.jpg", rows)
+        scanpage("--angle", "0", "--format", "pbm,g4", page, "-o", self.out)
+        self.assertTrue(Image(self.out / "noise.pbm").rows() == Image(self.out / "noise.tif").rows())
 
     def test_the_tags_of_a_tiff(self):
         page = self.folder / "drawn.jpg"
