@@ -2,6 +2,7 @@
 #undef _FORTIFY_SOURCE    // its read is inline, and could not be had here
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -73,6 +74,15 @@ extern "C" int close(int descriptor) {
     said = said || fails;
     const int status = real<int(int)>("close")(descriptor);
     return fails ? failure(EDQUOT) : status;
+}
+
+// "few threads": two, and no more.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
+                              void* argument) noexcept {
+    static int threads = 0;
+    if (chosen("few threads") && ++threads > 2) return EAGAIN;
+    using Create = int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    return real<Create>("pthread_create")(thread, attributes, function, argument);
 }
 
 // "no locks": a file system without them. "renamed before the lock": another program ends its page just then.

@@ -42,6 +42,10 @@ class Faults(PageTest):
             for path in self.out.iterdir():
                 path.unlink()
 
+    def test_jobs_are_fewer_where_threads_are_few(self):
+        run = self.run_with("few threads", "--jobs", "256", *self.pages)
+        self.assertEqual((0, 6), (run.status, len(run.lines)), run.stderr)
+
     def test_a_close_that_fails_takes_the_result_back(self):
         for chosen in ("jpeg", "pbm", "g4"):
             self.assert_nothing_is_written(self.run_with("close", "--format", chosen, self.pages[0]), "quota exceeded")

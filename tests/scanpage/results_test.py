@@ -311,12 +311,6 @@ class CommandLine(PageTest):
                 self.assertEqual(option == "--denoise", "reduce noise " in run.stderr, value)
         self.assertEqual(0, scanpage("--dpi", "10", self.pages[0], "-o", self.out).status)
 
-    def test_jobs_are_fewer_where_threads_are_few(self):
-        command = 'ulimit -v 1200000; exec "$0" --jobs 256 "$@"'
-        done = subprocess.run(["bash", "-c", command, SCANPAGE, *self.pages, "-o", self.out], capture_output=True)
-        self.assertEqual(0, done.returncode, done.stderr)
-        self.assertEqual(6, len(done.stdout.splitlines()))
-
     def test_a_page_behind_the_formats_is_a_page(self):
         run = scanpage("-o", self.out, "--format", "pbm", self.pages[0])
         self.assertEqual(0, run.status, run.stderr)
