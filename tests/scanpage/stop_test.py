@@ -110,7 +110,7 @@ class Parts(PageTest):
         pages = link_pages(self.drawn, more, 40)
         for page in pages[:20]:
             (self.out / page.name).mkdir()
-        command = 'ulimit -n 24; exec "$0" "$@"'
+        command = 'ulimit -n 16; exec "$0" "$@"'
         with contextlib.ExitStack() as others:
             for page in pages[20:]:
                 fcntl.flock(others.enter_context(open(self.out / f"{page.name}.part", "wb")), fcntl.LOCK_EX)
