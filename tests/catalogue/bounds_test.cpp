@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reliability/case.h"
+#include "catalogue/case.h"
 
 #include <cstdlib>
 #include <cstring>

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
-#include "reliability/memory.h"
+#include "catalogue/memory.h"
 #include "support/random.h"
 
 using Bytes = std::vector<uint8_t>;

@@ -1,4 +1,4 @@
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 #include <cstring>
 #include <iterator>

@@ -1,4 +1,4 @@
-// A case for every exported function. The tests of this folder and of tests/memory loop over it, so that what is tried
+// A case for every exported function. The tests of this folder and of tests/catalogue/memory loop over it, so that what is tried
 // on one function is tried on all of them.
 #pragma once
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "reliability/case.h"
+#include "catalogue/case.h"
 
 // How a call ends when memory runs out.
 struct OutOfMemory {

@@ -1,5 +1,5 @@
 // The catalogue itself: it knows every exported function, and its cases succeed and repeat.
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 #include <cxxabi.h>
 #include <gtest/gtest.h>

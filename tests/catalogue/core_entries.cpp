@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "core/ownership.h"
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

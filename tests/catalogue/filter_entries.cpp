@@ -3,7 +3,7 @@
 #include <array>
 #include <opencv2/core.hpp>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

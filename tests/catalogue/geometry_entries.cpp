@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <opencv2/core.hpp>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "oracle/jpeg.h"
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Bit packing, depth, thresholds, fill, colour and planes.
 #include <array>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // Medians and morphology.
 #include <opencv2/core.hpp>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <opencv2/core.hpp>
 #include <thread>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

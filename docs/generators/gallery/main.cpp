@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "../pagegen/sheet.h"
+#include "pagegen/sheet.h"
 #include "document.h"
 #include "measures.h"
 #include "pictures.h"
@@ -244,7 +244,7 @@ int run(int argc, char** argv) {
     if (argc != 2 && !check) throw std::runtime_error("gallery DOCS_FOLDER [--check]");
     Gallery gallery(argv[1], check);
     gallery.text(
-        "# Gallery\n\nBefore and after, on a page that [pagegen](../examples/pagegen) draws: A4 at 300 dots per inch. "
+        "# Gallery\n\nBefore and after, on a page that [pagegen](../tools/pagegen) draws: A4 at 300 dots per inch. "
         "The "
         "red frame marks the\ndetail that is shown enlarged. `./dev gallery` makes the pictures and writes this text; "
         "the "

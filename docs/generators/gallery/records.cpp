@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "../pagegen/sheet.h"
+#include "pagegen/sheet.h"
 
 void require(int status, const char* step) {
     if (status != 0) throw std::runtime_error(std::string(step) + " failed with status " + std::to_string(status));

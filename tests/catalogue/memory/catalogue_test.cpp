@@ -7,7 +7,7 @@
 
 #include "failing_heap.h"
 #include "observation.h"
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "reliability/catalogue.h"
+#include "catalogue/catalogue.h"
 
 struct Observation {
     long fewestAllocations = LONG_MAX;    // in a call that succeeds

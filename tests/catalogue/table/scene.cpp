@@ -2,7 +2,7 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "../../examples/pagegen/sheet.h"
+#include "pagegen/sheet.h"
 
 cv::Mat drawnPage() {
     cv::Mat page;

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# tests/install/check.sh PACKAGES
+# tests/system/install/check.sh PACKAGES
 #
 # Installs the packages of a folder into a fresh Debian 12 tree that has nothing else but what they depend on, a
 # compiler, CMake, pkg-config and man, and uses them there as their users do.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-tree=$(cd "$here/../.." && pwd)
+tree=$(cd "$here/../../.." && pwd)
 packages=$(realpath "$1")
 work=$(mktemp -d /tmp/opcv_dlib-install.XXXXXX)
 trap 'as_root rm -rf --one-file-system "$work"' EXIT
@@ -21,7 +21,7 @@ cp "$packages"/*_"$(dpkg --print-architecture)".deb "$work/archive"
 chmod -R a+rX "$work"
 
 mkdir "$work/check"
-cp -r "$tree/examples/readme" "$tree/tests/interface/consumer" "$here/inside.sh" "$here/make_pages.py" "$work/check"
+cp -r "$tree/examples/readme" "$tree/tests/system/interface/consumer" "$here/inside.sh" "$here/make_pages.py" "$work/check"
 
 as_root mmdebstrap --quiet --variant=apt \
     --aptopt='APT::Install-Recommends "false"' \

@@ -15,7 +15,7 @@ import processes
 from slurm_host import SlurmHost
 
 KINDS = {"small": (60, 1000, 1000, 250), "a4": (300, 10, 50, 13)}    # dots per inch, drawn, pages, slice of Slurm
-RECIPES = pathlib.Path(__file__).resolve().parents[2] / "examples" / "scale"
+RECIPES = pathlib.Path(__file__).resolve().parents[3] / "examples" / "scale"
 os.environ["PATH"] = f"{os.environ['TOOLS']}:{os.environ['PATH']}"
 os.environ["PYTHONPATH"] = f"{os.environ['MODULE']}:{RECIPES}"
 os.environ["OMP_NUM_THREADS"] = os.environ["OPENBLAS_NUM_THREADS"] = "1"

@@ -20,7 +20,7 @@ from slurm_host import SlurmHost
 
 PAGES = 1000
 DPI = 60
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+ROOT = pathlib.Path(__file__).resolve().parents[3]
 RECIPES = ROOT / "examples" / "scale"
 TOOLS = pathlib.Path(os.environ["TOOLS"])    # folder of scanpage and pagegen
 os.environ["PATH"] = f"{TOOLS}:{os.environ['PATH']}"
