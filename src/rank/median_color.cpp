@@ -29,7 +29,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "rank/row-inl.h"
+#include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {

@@ -1,9 +1,9 @@
 // Covering a row of bytes with vectors; included once a target by the kernel files.
-#if defined(OPCV_DLIB_RANK_ROW_INL_H) == defined(HWY_TARGET_TOGGLE)
-#ifdef OPCV_DLIB_RANK_ROW_INL_H
-#undef OPCV_DLIB_RANK_ROW_INL_H
+#if defined(OPCV_DLIB_SIMD_ROW_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef OPCV_DLIB_SIMD_ROW_INL_H
+#undef OPCV_DLIB_SIMD_ROW_INL_H
 #else
-#define OPCV_DLIB_RANK_ROW_INL_H
+#define OPCV_DLIB_SIMD_ROW_INL_H
 #endif
 
 #include <hwy/cache_control.h>
