@@ -37,7 +37,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using rank_rows::HWY_NAMESPACE::prefetchRow;
+using opcv::HWY_NAMESPACE::prefetchRow;
 
 using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::ScalableTag<uint16_t>;

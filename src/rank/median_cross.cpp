@@ -12,7 +12,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/row-inl.h"
+#include "rank/row_pair-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
@@ -20,9 +20,9 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using rank_rows::HWY_NAMESPACE::coverPair;
-using rank_rows::HWY_NAMESPACE::forEachRowPair;
-using rank_rows::HWY_NAMESPACE::RowPair;
+using opcv::HWY_NAMESPACE::coverPair;
+using opcv::HWY_NAMESPACE::forEachRowPair;
+using opcv::HWY_NAMESPACE::RowPair;
 
 template <class V>
 HWY_INLINE V medianOf3(V a, V b, V c) {

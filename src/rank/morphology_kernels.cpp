@@ -21,7 +21,7 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
-#include "simd/row-inl.h"
+#include "rank/row_pair-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
@@ -29,10 +29,12 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using rank_rows::HWY_NAMESPACE::coverPair;
-using rank_rows::HWY_NAMESPACE::coverRow;
-using rank_rows::HWY_NAMESPACE::forEachRowPair;
-using rank_rows::HWY_NAMESPACE::RowPair;
+using opcv::HWY_NAMESPACE::coverBeyond;
+using opcv::HWY_NAMESPACE::coverPair;
+using opcv::HWY_NAMESPACE::coverRow;
+using opcv::HWY_NAMESPACE::forEachRowPair;
+using opcv::HWY_NAMESPACE::lanesOf;
+using opcv::HWY_NAMESPACE::RowPair;
 
 struct Max {
     template <class V>
@@ -107,7 +109,7 @@ private:
 
     // `to` may be `b`: a byte that is combined twice stays as it is.
     void combine(const uint8_t* a, const uint8_t* b, uint8_t* to) const {
-        coverRow(columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR {
+        coverRow(dFull, columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR {
             hn::StoreU(Op::of(hn::LoadU(d, a + x), hn::LoadU(d, b + x)), d, to + x);
         });
     }
@@ -120,18 +122,18 @@ private:
             return;
         }
         uint8_t* const line = groups();
-        coverRow(columnsWidth() - 1, [=](auto d, ptrdiff_t x) HWY_ATTR {
+        coverRow(dFull, columnsWidth() - 1, [=](auto d, ptrdiff_t x) HWY_ATTR {
             const auto column = [=](ptrdiff_t i) HWY_ATTR { return Op::of(hn::LoadU(d, a + i), hn::LoadU(d, b + i)); };
             hn::StoreU(Op::of(column(x), column(x + 1)), d, line + x);
         });
         // Doubling in place must not meet a byte twice, so it runs on, past the row's end, in whole vectors.
-        const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(dFull));
         ptrdiff_t group = 2;
         for (; 2 * group <= side_.width; group *= 2)
-            for (ptrdiff_t x = 0; x < columnsWidth() - group; x += lanes)
+            coverBeyond(columnsWidth() - group, lanesOf(dFull), [=](ptrdiff_t x) HWY_ATTR {
                 hn::StoreU(Op::of(hn::LoadU(dFull, line + x), hn::LoadU(dFull, line + x + group)), dFull, line + x);
+            });
         const uint8_t* const last = line + side_.width - group;
-        coverRow(width_, [=](auto d, ptrdiff_t x) HWY_ATTR {
+        coverRow(dFull, width_, [=](auto d, ptrdiff_t x) HWY_ATTR {
             hn::StoreU(Op::of(hn::LoadU(d, line + x), hn::LoadU(d, last + x)), d, dst + x);
         });
     }
@@ -183,7 +185,7 @@ void filterCells(const WindowRows& rows, const ptrdiff_t* cells, int count) {
     for (ptrdiff_t y = 0; y < rows.height; ++y) {
         const uint8_t* const src = rows.src + y * rows.srcStep;
         uint8_t* const dst = rows.dst + y * rows.dstStep;
-        coverRow(rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+        coverRow(dFull, rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
             auto extreme = hn::LoadU(d, src + x + cells[0]);
             for (int i = 1; i < count; ++i) extreme = Op::of(extreme, hn::LoadU(d, src + x + cells[i]));
             hn::StoreU(extreme, d, dst + x);

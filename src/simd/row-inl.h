@@ -1,4 +1,15 @@
-// Covering a row of bytes with vectors; included once a target by the kernel files.
+// The cover of a row: every column is reached by whole vectors, or blocks of vectors, and what is left by the rule that
+// the kernel names. Included once a target by the kernel files.
+//
+//     rule            last part of a row                               for
+//     coverRow        the last vector is pulled back to end with       results that may be stored twice: apart from the
+//     coverPulledBack the row, so that some columns come twice         source, or the same when computed again
+//     coverRowOnce    the rest goes one lane at a time                 sums and other changes in place
+//     coverWithRest   the caller takes the rest in one call            vectors that go through a block on the stack
+//     coverBeyond     the last vector runs on past the end             buffers with room for it
+//
+// A row shorter than a vector cannot hold one that is pulled back: coverRow takes it one lane at a time, and with
+// coverPulledBack the caller takes it in one call.
 #if defined(OPCV_DLIB_SIMD_ROW_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef OPCV_DLIB_SIMD_ROW_INL_H
 #undef OPCV_DLIB_SIMD_ROW_INL_H
@@ -13,24 +24,62 @@
 #include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
-namespace rank_rows {
+namespace opcv {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Calls `filterAt(d, x)` for vectors that cover the columns 0 to width - 1 and no other. The last vector is pulled back
-// to end at the edge, so some columns come twice; a row shorter than a vector goes one lane at a time.
-template <class FilterAt>
-HWY_INLINE void coverRow(ptrdiff_t width, const FilterAt& filterAt) {
-    const hn::ScalableTag<uint8_t> full;
-    const hn::CappedTag<uint8_t, 1> one;
-    const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(full));
-    if (width < lanes) {
-        for (ptrdiff_t x = 0; x < width; ++x) filterAt(one, x);
+// Calls `blockAt(x)` for the first column of each block. A row shorter than a block is one call of `shortRow()`.
+template <class BlockAt, class ShortRow>
+HWY_INLINE void coverPulledBack(ptrdiff_t width, ptrdiff_t block, const BlockAt& blockAt, const ShortRow& shortRow) {
+    if (width < block) {
+        shortRow();
         return;
     }
-    for (ptrdiff_t x = 0; x < width - lanes; x += lanes) filterAt(full, x);
-    filterAt(full, width - lanes);
+    for (ptrdiff_t x = 0; x < width - block; x += block) blockAt(x);
+    blockAt(width - block);
+}
+
+// Calls `blockAt(x)` for the first column of each block that the row holds whole, then `restAt(x, count)` for the columns
+// behind them, if there are any.
+template <class BlockAt, class RestAt>
+HWY_INLINE void coverWithRest(ptrdiff_t width, ptrdiff_t block, const BlockAt& blockAt, const RestAt& restAt) {
+    ptrdiff_t x = 0;
+    for (; x + block <= width; x += block) blockAt(x);
+    if (x < width) restAt(x, width - x);
+}
+
+// Calls `blockAt(x)` for the first column of each block that begins within the row.
+template <class BlockAt>
+HWY_INLINE void coverBeyond(ptrdiff_t width, ptrdiff_t block, const BlockAt& blockAt) {
+    for (ptrdiff_t x = 0; x < width; x += block) blockAt(x);
+}
+
+template <class D>
+HWY_INLINE ptrdiff_t lanesOf(D d) {
+    return static_cast<ptrdiff_t>(hn::Lanes(d));
+}
+
+// Calls `at(tag, x)`: the tag is `d`, or one for a single lane.
+template <class D, class At>
+HWY_INLINE void coverRow(D d, ptrdiff_t width, const At& at) {
+    const hn::CappedTag<hn::TFromD<D>, 1> one;
+    coverPulledBack(
+        width, lanesOf(d), [&](ptrdiff_t x) HWY_ATTR { at(d, x); },
+        [&]() HWY_ATTR {
+            for (ptrdiff_t x = 0; x < width; ++x) at(one, x);
+        });
+}
+
+// Calls `at(tag, x)` so that each column comes once.
+template <class D, class At>
+HWY_INLINE void coverRowOnce(D d, ptrdiff_t width, const At& at) {
+    const hn::CappedTag<hn::TFromD<D>, 1> one;
+    coverWithRest(
+        width, lanesOf(d), [&](ptrdiff_t x) HWY_ATTR { at(d, x); },
+        [&](ptrdiff_t x, ptrdiff_t count) HWY_ATTR {
+            for (ptrdiff_t i = 0; i < count; ++i) at(one, x + i);
+        });
 }
 
 // Rows are too short for the processor to see that the next one follows a step later.
@@ -39,42 +88,8 @@ HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
     for (ptrdiff_t i = 0; i < width; i += kCacheLine) hwy::Prefetch(row + i);
 }
 
-// Two rows that are filtered together, because their windows share pixels. A last row without a partner is its own: both
-// results then go to the same place, so the upper one must be stored last.
-struct RowPair {
-    const uint8_t* upper;    // first source pixel
-    bool hasLower;
-    uint8_t* upperDst;
-    uint8_t* lowerDst;
-    const uint8_t* next[4];    // rows that the next pair is the first to use: two it reads, two it writes
-};
-
-template <class FilterPair>
-HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int height,
-                               const FilterPair& filterPair) {
-    for (; height > 0; height -= 2, src += 2 * srcStep, dst += 2 * dstStep) {
-        RowPair pair{src, height > 1, dst, height > 1 ? dst + dstStep : dst, {src, src, dst, dst}};
-        if (height > 3)
-            for (ptrdiff_t i = 0; i < 2; ++i) {
-                pair.next[i] = src + (3 + i) * srcStep;
-                pair.next[2 + i] = dst + (2 + i) * dstStep;
-            }
-        filterPair(pair);
-    }
-}
-
-// coverRow for both rows of a pair. On the way it fetches the next pair's pixels: rows are too short for the processor to
-// see that another one follows a step later, and fetched at once they would keep the arithmetic waiting.
-template <class FilterAt>
-HWY_INLINE void coverPair(const RowPair& pair, ptrdiff_t width, const FilterAt& filterAt) {
-    coverRow(width, [&](auto d, ptrdiff_t x) HWY_ATTR {
-        for (const uint8_t* row : pair.next) hwy::Prefetch(row + x);
-        filterAt(d, x);
-    });
-}
-
 }    // namespace HWY_NAMESPACE
-}    // namespace rank_rows
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target

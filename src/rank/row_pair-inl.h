@@ -1,0 +1,53 @@
+// Rows that are filtered two at a time; included once a target by the kernel files.
+#if defined(OPCV_DLIB_RANK_ROW_PAIR_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef OPCV_DLIB_RANK_ROW_PAIR_INL_H
+#undef OPCV_DLIB_RANK_ROW_PAIR_INL_H
+#else
+#define OPCV_DLIB_RANK_ROW_PAIR_INL_H
+#endif
+
+#include "simd/row-inl.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace opcv {
+namespace HWY_NAMESPACE {
+
+// Two rows that are filtered together, because their windows share pixels. A last row without a partner is its own: both
+// results then go to the same place, so the upper one must be stored last.
+struct RowPair {
+    const uint8_t* upper;    // first source pixel
+    bool hasLower;
+    uint8_t* upperDst;
+    uint8_t* lowerDst;
+    const uint8_t* next[4];    // rows that the next pair is the first to use: two it reads, two it writes
+};
+
+template <class FilterPair>
+HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, int height,
+                               const FilterPair& filterPair) {
+    for (; height > 0; height -= 2, src += 2 * srcStep, dst += 2 * dstStep) {
+        RowPair pair{src, height > 1, dst, height > 1 ? dst + dstStep : dst, {src, src, dst, dst}};
+        if (height > 3)
+            for (ptrdiff_t i = 0; i < 2; ++i) {
+                pair.next[i] = src + (3 + i) * srcStep;
+                pair.next[2 + i] = dst + (2 + i) * dstStep;
+            }
+        filterPair(pair);
+    }
+}
+
+// coverRow for both rows of a pair. On the way it fetches the next pair's pixels: rows are too short for the processor to
+// see that another one follows a step later, and fetched at once they would keep the arithmetic waiting.
+template <class FilterAt>
+HWY_INLINE void coverPair(const RowPair& pair, ptrdiff_t width, const FilterAt& filterAt) {
+    coverRow(hn::ScalableTag<uint8_t>(), width, [&](auto d, ptrdiff_t x) HWY_ATTR {
+        for (const uint8_t* row : pair.next) hwy::Prefetch(row + x);
+        filterAt(d, x);
+    });
+}
+
+}    // namespace HWY_NAMESPACE
+}    // namespace opcv
+HWY_AFTER_NAMESPACE();
+
+#endif    // include guard of the target
