@@ -5,9 +5,10 @@ sources=$1
 cd /check
 
 echo "- the C and C++ examples, by pkg-config"
-gcc -std=c11 -Wall -Wextra -Werror readme/first.c $(pkg-config --cflags --libs OPCV_dlib) -o first_c
+read -ra flags <<<"$(pkg-config --cflags --libs OPCV_dlib)"
+gcc -std=c11 -Wall -Wextra -Werror readme/first.c "${flags[@]}" -o first_c
 ./first_c
-g++ -std=c++17 -Wall -Wextra -Werror readme/first.cpp $(pkg-config --cflags --libs OPCV_dlib) -o first_cpp
+g++ -std=c++17 -Wall -Wextra -Werror readme/first.cpp "${flags[@]}" -o first_cpp
 ./first_cpp
 [ -z "$(pkg-config --print-requires --print-requires-private OPCV_dlib)" ]
 
@@ -22,7 +23,7 @@ python3 readme/first.py
 
 echo "- the manual"
 for page in "7 opcv_dlib" "3 IPPShare_ippiConvert_1u8u_C1R" "1 scanpage"; do
-    MANPAGER=cat man $page >page.txt
+    MANPAGER='cat' man "${page% *}" "${page#* }" >page.txt
     grep -q "${page#* }" page.txt
 done
 
@@ -39,6 +40,6 @@ echo "- 1,000 pages through scanpage"
 mkdir scans straight
 python3 make_pages.py 1000 scans
 scanpage scans/*.jpg -o straight --format jpeg --jobs 2 >report.txt
-[ "$(ls straight/*.jpg | wc -l)" -eq 1000 ]
-[ "$(cut -f2 report.txt | grep -cx done)" -eq 1000 ]
+[ "$(find straight -name '*.jpg' | wc -l)" -eq 1000 ]
+[ "$(cut -f2 report.txt | grep -cx 'done')" -eq 1000 ]
 python3 make_pages.py --check straight

@@ -1,0 +1,37 @@
+# shellcheck shell=bash
+# Benchmarks.
+
+# Measures everything and writes docs/performance.md; with options, only what they select.
+cmd_bench() {
+    local folder=build/bench
+    install_packages
+    build release opcv_dlib_bench opcv_dlib_pipeline pagegen
+    mkdir -p "$folder"
+    say "Calls"
+    ./build/release/bench/opcv_dlib_bench --results="$folder/calls.tsv" "$@"
+    [ $# -gt 0 ] && return
+    say "The page pipeline"
+    ./build/release/bin/pagegen --skew 2.3 "$folder/page.jpg"
+    ./build/release/bench/opcv_dlib_pipeline "$folder/page.jpg" | tee "$folder/pipeline.tsv"
+    say "Instructions on arm64"
+    arm64_sysroot
+    build arm64 opcv_dlib_instructions
+    python3 bench/count_instructions.py build/arm64/bench/opcv_dlib_instructions "$sysroot" >"$folder/instructions.tsv"
+    python3 bench/report.py "$folder" docs/performance.md
+}
+
+# The same operations by other libraries, for the table in the README.
+cmd_beside() {
+    local folder=build/beside
+    install_packages
+    need libvips-dev python3-pil
+    build release beside pagegen
+    mkdir -p "$folder"
+    # shellcheck disable=SC2046
+    cc -O2 bench/beside/beside_vips.c -o "$folder/beside_vips" $(pkg-config --cflags --libs vips) -lm
+    ./build/release/bin/pagegen --grey "$folder/grey.jpg"
+    ./build/release/bin/pagegen "$folder/colour.jpg"
+    ./build/release/bench/beside/beside "$folder/grey.jpg" "$folder/colour.jpg"
+    "$folder/beside_vips" "$folder/grey.jpg" "$folder/colour.jpg"
+    /usr/bin/python3 bench/beside/beside.py "$folder/grey.jpg" "$folder/colour.jpg"
+}

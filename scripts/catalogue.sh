@@ -1,0 +1,9 @@
+# shellcheck shell=bash
+# The catalogue of all functions in one build: bounds, repeatability, eight threads.
+
+cmd_reliability() {
+    local preset=${1:-release}
+    prepare "$preset"
+    build "$preset" reliability_tests
+    ctest --preset "$preset" -R '^reliability$' --verbose
+}

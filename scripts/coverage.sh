@@ -1,0 +1,25 @@
+# shellcheck shell=bash
+# Coverage of lines and branches.
+
+coverage_packages=(gcovr)
+
+# How much of the library the tests run, written to build/coverage.txt. Edges that only an exception takes belong to the
+# memory tests; the longest of those is left out, as the others have run nearly all of its lines before.
+check_coverage() {
+    local objects=build/release/CMakeFiles/opcv_dlib_counted_objects.dir tests=build/release/tests
+    find "$objects" -name '*.gcda' -delete
+    printf '%s\n' "$tests/unit_tests_counted" "OPCV_DLIB_TEST_TARGET=SSSE3 $tests/unit_tests_counted" \
+        "$tests/catalogue/memory/memory_tests_counted --gtest_filter=-OutOfMemory.EveryFunction*:OutOfMemory.TheDocument*" |
+        xargs -P "$jobs" -L 1 env >build/coverage.log 2>&1 || { tail -20 build/coverage.log; return 1; }
+    gcovr --root . --filter 'src/' \
+        --exclude-throw-branches --exclude-unreachable-branches --txt build/coverage.txt --print-summary \
+        --fail-under-line 95 --fail-under-branch 90 "$objects"
+}
+
+cmd_coverage() {
+    install_packages
+    need "${coverage_packages[@]}"
+    build release unit_tests_counted memory_tests_counted
+    check "Coverage" check_coverage
+    [ "$failed" -eq 0 ]
+}

@@ -1,0 +1,20 @@
+# shellcheck shell=bash
+# Documents that programs write.
+
+# The reference in HTML and the manual pages, both from the public header.
+cmd_docs() {
+    install_packages
+    mkdir -p build/docs
+    doxygen docs/Doxyfile
+    build release man
+    echo "Reference: $PWD/build/docs/html/index.html"
+    echo "Manual pages: man -M $PWD/build/release/man opcv_dlib"
+}
+
+# The gallery with its pictures, and the table of the functions.
+cmd_gallery() {
+    install_packages
+    build release gallery function_table_update
+    ./build/release/docs/generators/gallery docs
+    echo "Gallery: $PWD/docs/gallery.md"
+}

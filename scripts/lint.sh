@@ -1,0 +1,40 @@
+# shellcheck shell=bash
+# clang-format, clang-tidy and shellcheck.
+
+lint_packages=(shellcheck)
+library='^src/'
+
+our_sources() { git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' '*.c'; }
+
+our_scripts() { git ls-files --cached --others --exclude-standard -- .ci/run .githooks '*.sh' | grep -v '^scripts/'; }
+
+check_format() { our_sources | xargs clang-format --dry-run --Werror; }
+
+# `dev` names the files of scripts/, which are checked as its parts.
+check_scripts() {
+    shellcheck -x -a dev
+    our_scripts | xargs shellcheck --exclude=SC2016    # another shell expands what is quoted
+}
+
+# check_tidy [PATTERN [OPTION of clang-tidy...]]: the sources whose names match, all by default, the largest first.
+check_tidy() {
+    local pattern=${1:-.}
+    shift $(($# > 0 ? 1 : 0))
+    mkdir -p build
+    configure lint
+    our_sources | grep '\.cpp$' | grep -E "$pattern" | xargs ls -S |
+        xargs -P "$jobs" -n 1 clang-tidy -p build/lint --quiet "$@" 2>build/tidy.err >build/tidy.log && return
+    grep -E 'error|warning' build/tidy.log build/tidy.err
+    return 1
+}
+
+cmd_lint() {
+    install_packages
+    need "${lint_packages[@]}"
+    check "shellcheck" check_scripts
+    check "clang-format" check_format
+    check "clang-tidy" check_tidy
+    [ "$failed" -eq 0 ]
+}
+
+cmd_format() { our_sources | xargs clang-format -i; }

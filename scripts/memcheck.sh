@@ -1,0 +1,30 @@
+# shellcheck shell=bash
+# The catalogue and the unit tests under valgrind.
+
+# A read outside every block, a branch on an indeterminate byte or a lost block is a failure.
+under_valgrind() {
+    valgrind --quiet --error-exitcode=1 --leak-check=full --errors-for-leak-kinds=definite "$@"
+}
+
+# Long tests, which would take as long under valgrind as all other tests together; other tests try the same code on fewer
+# values. The readers' tests look whether OpenCV returns a page that it never wrote, as it does for a stream without rows.
+not_under_valgrind='-*.ConvertsEveryTriple/*:SquareMedianNetworks.AreRightForEveryWindowOfSortedColumns'
+not_under_valgrind+=':Box.EverySumIsRoundedAsOpenCVRounds:Box.AnAnchorFarOutsideTheMaskMovesTheWindows'
+not_under_valgrind+=':ResizePlaced.ScalesTheLongestRowsLikeOpenCV'
+not_under_valgrind+=':Rotate.IsTheFrameOfOpenCVCallsOnLargeImages:ReadJPEG.*OrAreRefused:ReadJPEG.*OrIsRefused'
+
+# The catalogue runs without the bounds, which fences check, and without the threads, which the thread sanitizer checks;
+# then the unit tests run in as many parts as there are processors. libjpeg does without its vectors there: valgrind
+# tracks 64 bits of a sum of two products, so it would take a page's last column to be indeterminate.
+cmd_memcheck() {
+    install_packages
+    need valgrind
+    build release reliability_tests unit_tests
+    say "The catalogue"
+    under_valgrind ./build/release/tests/catalogue/reliability_tests --gtest_filter='Catalogue.*'
+    say "The unit tests"
+    export -f under_valgrind
+    export JSIMD_FORCENONE=1 GTEST_TOTAL_SHARDS=$jobs GTEST_BRIEF=1
+    seq 0 $((jobs - 1)) | xargs -P "$jobs" -I{} env GTEST_SHARD_INDEX={} bash -c 'under_valgrind "$@"' valgrind \
+        ./build/release/tests/unit_tests --gtest_filter="${1:-$not_under_valgrind}"
+}

@@ -1,0 +1,27 @@
+# shellcheck shell=bash
+# The Debian packages that each command needs.
+
+packages=(
+    abigail-tools ca-certificates clang-format clang-tidy clang-tools cmake g++ git ninja-build pkg-config python3
+    libbenchmark-dev libgtest-dev libhwy-dev libjpeg62-turbo-dev
+    libopencv-core-dev libopencv-imgcodecs-dev libopencv-imgproc-dev
+    libcli11-dev libgraphicsmagick1-dev libleptonica-dev libtiff-dev
+    pybind11-dev python3-dev python3-hypothesis python3-mypy python3-numpy python3-pytest
+    doxygen mandoc
+)
+
+# Installs what is missing.
+need() {
+    local missing=()
+    for package in "$@"; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    say "Installing ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends "${missing[@]}"
+}
+
+install_packages() { need "${packages[@]}"; }
+
+cmd_setup() { install_packages; }

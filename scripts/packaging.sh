@@ -1,0 +1,34 @@
+# shellcheck shell=bash
+# Debian packages and their check in a fresh tree.
+
+packaging_packages=(debhelper dh-python dpkg-dev)
+
+# package ARCHITECTURE PRESET [SYSROOT]: Debian packages of what a preset has built, in build/packages.
+package() {
+    say "Packaging for $1"
+    packaging/build.sh "$1" "build/${2%-packages}" build/release/man build/packages "${@:3}"
+}
+
+# The packages of this machine's architecture in a fresh Debian tree.
+check_packages() {
+    package "$(dpkg --print-architecture)" release
+    tests/system/install/check.sh build/packages
+}
+
+cmd_package() {
+    local native
+    native=$(dpkg --print-architecture)
+    install_packages
+    need "${packaging_packages[@]}" lintian
+    rm -rf build/packages
+    build release
+    package "$native" release
+    if [ "$native" != arm64 ]; then
+        arm64_sysroot
+        build arm64-packages OPCV_dlib scanpage opcv_dlib_python
+        package arm64 arm64-packages "$sysroot"
+    fi
+    say "Packages"
+    ls -l build/packages
+    lintian --allow-root --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs build/packages/*.deb
+}

@@ -1,0 +1,57 @@
+# shellcheck shell=bash
+# Running ctest and counting what passed and failed.
+
+passed=0
+failed=0
+
+# start_tests PRESET [OPTION OF CTEST...]: leaves its results to count_tests PRESET, which adds them to passed and failed.
+start_tests() {
+    local preset=$1 results="build/$1/results"
+    shift
+    say "Testing $preset"
+    rm -rf "$results"
+    mkdir -p "$results"
+    ctest --preset "$preset" -j "$jobs" --output-junit "$PWD/$results/ctest.xml" "$@" || true
+}
+
+count_tests() {
+    local good bad
+    read -r good bad <<<"$(/usr/bin/python3 scripts/tally.py "build/$1/results")"
+    echo "$1: $good passed, $bad failed"
+    passed=$((passed + good))
+    failed=$((failed + bad))
+}
+
+run_tests() {
+    start_tests "$@"
+    count_tests "$1"
+}
+
+# A check of its own in the count of tests.
+check() {
+    local title=$1
+    shift
+    say "$title"
+    if "$@"; then passed=$((passed + 1)); else
+        failed=$((failed + 1))
+        echo "$title: failed"
+    fi
+}
+
+# aside NAME COMMAND...: begins a command that waits for the network or uses one processor, beside the others.
+declare -A asides
+aside() {
+    local name=$1
+    shift
+    mkdir -p build
+    "$@" >"build/$name.log" 2>&1 </dev/null &
+    asides[$name]=$!
+}
+
+# Waits for what was begun aside, shows its output and returns its status.
+join() {
+    local status=0
+    wait "${asides[$1]}" || status=$?
+    cat "build/$1.log"
+    return "$status"
+}

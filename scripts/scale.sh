@@ -1,0 +1,16 @@
+# shellcheck shell=bash
+# A thousand pages by each engine of docs/scale.md, with workers lost on the way.
+
+scale_packages=(munge parallel python3-dask python3-distributed python3-numpy slurm-client slurmctld slurmd)
+
+check_scale() {
+    TOOLS=$PWD/build/release/bin MODULE=$PWD/build/release/python /usr/bin/python3 -B tests/system/scale/scale_test.py
+}
+
+cmd_scale() {
+    install_packages
+    need "${scale_packages[@]}"
+    build release scanpage pagegen opcv_dlib_python
+    check "scale" check_scale
+    [ "$failed" -eq 0 ]
+}
