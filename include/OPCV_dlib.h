@@ -1,36 +1,42 @@
 /// @file OPCV_dlib.h
 /// Image primitives for document-scanner pipelines.
 ///
-/// This one header declares every exported function. It compiles as C11 and as C++17 and needs no other header of the
-/// library, of OpenCV or of libjpeg; the functions whose parameter types are part of their exported names are for C++
-/// only and stand at its end.
+/// This header declares every exported function. It compiles as C11 and as C++17 and includes no other header of the
+/// library, of OpenCV or of libjpeg. Functions whose parameter types are part of their exported names are available in
+/// C++ only; they are declared last.
 ///
-/// What holds everywhere:
+/// The following holds for every function:
 ///
-/// - **Images.** A pointer to the first pixel of a region, the bytes from one row to the next (the step) and the size
-///   of the region in pixels. Rows run from top to bottom. C1 is one channel, C3 three interleaved channels, P3 three
-///   planes, given as an array of three pointers, that share one step. 1-bit rows hold the leftmost pixel in the most
-///   significant bit. Colour is in the order red, green, blue.
-/// - **Steps.** Functions that run OpenCV see a row as step / pixel size pixels and place the next row behind them, so
-///   their steps must be whole multiples of the pixel size: a remainder shifts each further row by as many bytes.
-/// - **Margins.** A function that reads a neighbourhood reads it from the caller's image: the pixels around the region
-///   must be there. Each function says how many. No function invents a border, except the rotations, which say so.
-/// - **Angles** are in degrees. `ippiRotate`, `ippiRotateCenter`, the KVMac and the deskew functions turn
-///   counter-clockwise as seen on screen for a positive angle; `RotateImageWithIPP` and `UniteImageIplRotateImage` turn
-///   clockwise.
-/// - **Failures.** A function that refuses its arguments says so by its status, prints nothing and throws nothing. What
-///   OpenCV throws while it works (`cv::Exception`, `std::bad_alloc`) passes to the caller, with everything of the
-///   library's own released, except in the JPEG functions that take or make a record, which turn it into a status. So
-///   does its exception for memory that it cannot have; the statuses for memory stand for blocks of the library's own.
-/// - **Ownership.** Records belong to the caller, who releases them with `DisposeKVIMG`; plane blocks are released with
-///   `IPPMini_ippiFree` or `IPPShare_ippiFree`; JPEG streams are released with `free`. Nothing else outlives a call.
-/// - **Threads.** No function keeps state, so any number of threads may call any of them at once, as long as no two
-///   write to the same memory. The library starts no thread. OpenCV may share the work of one call among threads of a
-///   pool of its own: in rotations and deskew, resize, the bilateral filter, noise reduction and colour conversion, on
-///   images above about 65000 pixels. The result is the same on any number of them. `cv::setNumThreads` governs that
-///   pool for the whole process; `cv::setNumThreads(1)` keeps each call on the thread that makes it.
-/// - **Length.** OpenCV warps no image with a side of 32767 pixels or more: the rotations and the deskew functions
-///   pass its `cv::Exception` then, and each says which image counts. Quarter turns and resize have no such limit.
+/// - **Images.** An image is passed as a pointer to the first pixel of a region, the number of bytes from one row to
+///   the next (the step) and the size of the region in pixels. Rows run from top to bottom. C1 means one channel, C3
+///   three interleaved channels, P3 three planes, passed as an array of three pointers; the planes share one step. In
+///   1-bit rows the leftmost pixel is the most significant bit. Colour channels are in the order red, green, blue.
+/// - **Steps.** Functions that use OpenCV divide the step by the pixel size to get the length of a row in pixels, so
+///   their steps must be multiples of the pixel size. If the division leaves a remainder r, row n starts n x r bytes
+///   too early.
+/// - **Margins.** A function that reads neighbouring pixels reads them from the caller's image, so the image must
+///   extend beyond the region. Each function documents by how many pixels. No function supplies pixels of its own
+///   around the region unless its description says so, as for the rotations.
+/// - **Angles** are in degrees. A positive angle turns counter-clockwise, as seen on the screen, in `ippiRotate`,
+///   `ippiRotateCenter`, the KVMac and the deskew functions; it turns clockwise in `RotateImageWithIPP` and
+///   `UniteImageIplRotateImage`.
+/// - **Failures.** A function that rejects its arguments returns a status; it prints nothing and throws nothing.
+///   Exceptions that OpenCV throws while it works (`cv::Exception`, `std::bad_alloc`) propagate to the caller after the
+///   library has released everything that it allocated. This includes OpenCV's out-of-memory exception: the
+///   out-of-memory statuses report failed allocations of the library itself. The JPEG functions that take or create a
+///   record return a status instead of throwing.
+/// - **Ownership.** Records belong to the caller, who releases them with `DisposeKVIMG`. Plane blocks are released with
+///   `IPPMini_ippiFree` or `IPPShare_ippiFree`, JPEG streams with `free`. No other memory outlives a call.
+/// - **Threads.** No function keeps state, so any number of threads may call any functions at the same time, as long as
+///   no two of them write to the same memory. The library starts no thread. OpenCV may distribute one call over the
+///   threads of its own pool: in rotations and deskew, resize, the bilateral filter, noise reduction and colour
+///   conversion, for images above about 65000 pixels. The result does not depend on the number of threads; if no thread
+///   can be started, the call runs on the caller's thread, returns the same result and throws nothing.
+///   `cv::setNumThreads` sets the size of that pool for the whole process; with `cv::setNumThreads(1)` every call stays
+///   on the caller's thread.
+/// - **Length.** OpenCV does not warp images with a side of 32767 pixels or more. The rotation and deskew functions
+///   then throw its `cv::Exception`; each documents which image is measured. Quarter turns and resize have no such
+///   limit.
 #ifndef OPCV_DLIB_H
 #define OPCV_DLIB_H
 
@@ -55,18 +61,18 @@ extern "C" {
 typedef int IppStatus;
 enum {
     ippStsNoErr = 0,         ///< Success.
-    ippStsNoMemErr = -4,     ///< Memory ran out.
-    ippStsBadArgErr = -5,    ///< An argument is refused: null pointer, empty size, region longer than the step, ...
+    ippStsNoMemErr = -4,     ///< Out of memory.
+    ippStsBadArgErr = -5,    ///< An argument is invalid: null pointer, empty size, region wider than the step, ...
 };
 
 /// Result of the record functions: one of the six values below.
 typedef short OSErr;
 enum {
     noErr = 0,                 ///< Success.
-    paramErr = -50,            ///< An argument is refused, or a JPEG stream cannot be read.
-    memFullErr = -108,         ///< Memory ran out.
+    paramErr = -50,            ///< An argument is invalid, or a JPEG stream cannot be read.
+    memFullErr = -108,         ///< Out of memory.
     rotateFailedErr = -2,      ///< The depth cannot be rotated or scaled, or the rotation failed.
-    badAngleErr = -3,          ///< The angle is no quarter turn.
+    badAngleErr = -3,          ///< The angle is not a quarter turn.
     uniteFailedErr = -1001,    ///< `UniteImageIplRotateImage` failed.
 };
 /// @}
@@ -86,7 +92,7 @@ typedef struct IppiPoint {
     int y;    ///< Row.
 } IppiPoint;
 
-/// Rectangle in pixels: first column, first row, extent.
+/// Rectangle in pixels, by its first pixel and its size.
 typedef struct IppiRect {
     int x;         ///< First column.
     int y;         ///< First row.
@@ -94,55 +100,55 @@ typedef struct IppiRect {
     int height;    ///< Rows.
 } IppiRect;
 
-/// Rectangle by its edges; `bottom` and `right` are exclusive.
+/// Rectangle in pixels, by its edges; `bottom` and `right` are exclusive.
 typedef struct KVRect {
     int32_t top;       ///< First row.
     int32_t left;      ///< First column.
-    int32_t bottom;    ///< Row behind the last one.
-    int32_t right;     ///< Column behind the last one.
+    int32_t bottom;    ///< One past the last row.
+    int32_t right;     ///< One past the last column.
 } KVRect;
 /// @}
 
 /// @name Records
 /// @{
 
-/// An image on the heap: the record, and the block of pixels that it owns. Released with `DisposeKVIMG`.
+/// An image on the heap: the record and the block of pixels that it owns. Released with `DisposeKVIMG`.
 typedef struct KVIMG {
     unsigned char* data;    ///< First byte of the pixel block.
-    int32_t depth;          ///< Bits a pixel: 1, 8, 24, 32 or 40 (laid out like 8).
-    int32_t width;          ///< Pixels a row.
+    int32_t depth;          ///< Bits per pixel: 1, 8, 24, 32 or 40 (laid out like 8).
+    int32_t width;          ///< Pixels per row.
     int32_t height;         ///< Rows.
     int32_t rowBytes;       ///< Bytes from one row to the next.
     int32_t size;           ///< Bytes in the pixel block: `rowBytes` times `height`.
 } KVIMG;
 
-/// Describes a page; owned by the caller, who may keep further fields behind these. Written by the JPEG readers (width,
-/// height, depth), read by the deskew functions (the same) and by the compressors (the two resolutions).
+/// Describes a page. The caller owns it and may append fields of its own. The JPEG readers write width, height and
+/// depth; the deskew functions read the same three fields, the compressors the two resolutions.
 typedef struct KVImageDescription {
-    int32_t width;                   ///< Pixels a row.
+    int32_t width;                   ///< Pixels per row.
     int32_t height;                  ///< Rows.
     int32_t horizontalResolution;    ///< Dots per inch.
     int32_t verticalResolution;      ///< Dots per inch.
-    int32_t reserved;                ///< The caller's own; never touched.
-    int16_t depth;                   ///< Bits a pixel.
+    int32_t reserved;                ///< For the caller's use; never read or written.
+    int16_t depth;                   ///< Bits per pixel.
 } KVImageDescription;
 
 /// How a description is passed: a pointer to a pointer to the record.
 typedef KVImageDescription** KVImageDescriptionHandle;
 
-/// An image header over pixels of the caller's, for `UniteImageIplRotateImage`.
+/// Image header over pixels of the caller, for `UniteImageIplRotateImage`.
 typedef struct KVImageHeader {
     unsigned char* pixels;    ///< First byte of the first row.
     int64_t reserved;         ///< Not read.
-    int32_t depth;            ///< Bits a pixel; only the first byte of the field is read.
-    int32_t width;            ///< Pixels a row.
+    int32_t depth;            ///< Bits per pixel; only the first byte of the field is read.
+    int32_t width;            ///< Pixels per row.
     int32_t height;           ///< Rows.
     int32_t rowStep;          ///< Bytes from one row to the next.
 } KVImageHeader;
 /// @}
 
 /// @name Initialisation
-/// There is nothing to initialise: these keep old callers working. Each returns 0, always.
+/// The library needs no initialisation. These functions keep older callers working; each always returns 0.
 /// @{
 
 /// Does nothing. @return 0.
@@ -151,93 +157,97 @@ OPCV_DLIB_API int IppInit(void);
 /// Does nothing. @return `ippStsNoErr`.
 OPCV_DLIB_API IppStatus IPPMini_ippStaticInit(void);
 
-/// Calls `IPPMini_ippStaticInit` by its exported name. @return its result.
+/// Calls `IPPMini_ippStaticInit` through its exported symbol. @return The result of that call.
 OPCV_DLIB_API IppStatus IPPShare_ippStaticInit(void);
 /// @}
 
 /// @name Image records
 /// @{
 
-/// Stores the four edges in a rectangle.
+/// Stores four edges in a rectangle.
 ///
-/// @param r       Rectangle to fill. Its fields stand in another order (top, left, bottom, right) than the arguments.
+/// @param r       Rectangle to fill. Its fields are in another order (top, left, bottom, right) than the arguments.
 /// @param left    First column.
 /// @param top     First row.
-/// @param right   Column behind the last one.
-/// @param bottom  Row behind the last one.
+/// @param right   One past the last column.
+/// @param bottom  One past the last row.
 OPCV_DLIB_API void KVSetRect(KVRect* r, int left, int top, int right, int bottom);
 
-/// Makes a record of the rectangle's size. The pixels are not cleared.
+/// Creates a record of the rectangle's size. The pixels are not cleared.
 ///
-/// Bytes a row (w the width): depth 1: (w + 7) / 8 rounded up to 16; depths 8 and 40: w rounded up to 16; depth 24: 3 w,
-/// without padding; depth 32: 4 w rounded up to 16.
+/// Bytes per row for a width of w pixels:
 ///
-/// @param out    Receives the record. Set it to null before: when the pixels cannot be had, the block that it points at
-///               is freed and the pointer left as it is; when only the record cannot be had, it becomes null.
-/// @param r      Position does not matter; width is right - left, height is bottom - top. Neither is checked: an empty
-///               rectangle gives a record of 0 bytes, a negative size is refused by the heap.
-/// @param depth  Bits a pixel: 1, 8, 24, 32 or 40.
-/// @retval noErr       The record is made; or `out` or `r` is null or the depth is none of these, and nothing is done.
-/// @retval memFullErr  Memory ran out, or the size does not fit in 32 bits; nothing is kept.
+/// | depth | bytes per row |
+/// |---|---|
+/// | 1 | (w + 7) / 8 rounded up to a multiple of 16 |
+/// | 8 and 40 | w rounded up to a multiple of 16 |
+/// | 24 | 3 w; in `CreateNewKVIMGPtrForUnite` rounded up to a multiple of 4 |
+/// | 32 | 4 w rounded up to a multiple of 16 |
+///
+/// @param out    Receives the record. Set `*out` to null before the call: if allocating the pixels fails, the block
+///               that `*out` points to is freed and `*out` is left unchanged; if only allocating the record fails,
+///               `*out` becomes null.
+/// @param r      The width is right - left and the height is bottom - top; the position does not matter. Neither is
+///               checked: an empty rectangle gives a record of 0 bytes, a negative size fails as out of memory.
+/// @param depth  Bits per pixel: 1, 8, 24, 32 or 40.
+/// @retval noErr       The record is created. Also returned if `out` or `r` is null or the depth is not one of these;
+///                     nothing is done then.
+/// @retval memFullErr  Out of memory, or the size does not fit in 32 bits; nothing stays allocated.
 OPCV_DLIB_API OSErr CreateNewKVIMGPtr(KVIMG** out, const KVRect* r, unsigned char depth);
 
 /// `CreateNewKVIMGPtr` with one difference: rows of depth 24 are padded to a multiple of 4 bytes.
 ///
-/// @param out    As in `CreateNewKVIMGPtr`.
-/// @param r      As in `CreateNewKVIMGPtr`.
-/// @param depth  As in `CreateNewKVIMGPtr`.
-/// @retval noErr       As in `CreateNewKVIMGPtr`.
-/// @retval memFullErr  As in `CreateNewKVIMGPtr`.
+/// @copydetails CreateNewKVIMGPtr
 OPCV_DLIB_API OSErr CreateNewKVIMGPtrForUnite(KVIMG** out, const KVRect* r, unsigned char depth);
 
 /// Frees a record and its pixels. The caller's pointer is not cleared.
 ///
-/// @param img  The record; null is allowed.
+/// @param img  The record; may be null.
 OPCV_DLIB_API void DisposeKVIMG(KVIMG* img);
 /// @}
 
 /// @name Planes
 /// @{
 
-/// Makes a plane of 16-bit signed samples with rows of a multiple of 64 bytes. It is not cleared.
+/// Allocates a plane of 16-bit signed pixels. The length of a row is a multiple of 64 bytes. The pixels are not
+/// cleared.
 ///
-/// @param width       Samples a row, above 0.
+/// @param width       Pixels per row, above 0.
 /// @param height      Rows, above 0.
-/// @param pStepBytes  Receives the bytes from one row to the next, also when the heap fails.
-/// @return The plane, to be released with `IPPMini_ippiFree` or `IPPShare_ippiFree`; null when memory ran out or the
-///         plane does not fit in 31 bits of bytes, or when an argument is null, not above 0, or a width whose row alone
-///         does not fit (`*pStepBytes` is then untouched).
+/// @param pStepBytes  Receives the bytes from one row to the next, also if the allocation fails.
+/// @return The plane, to be released with `IPPMini_ippiFree` or `IPPShare_ippiFree`. Null if out of memory or if the
+///         plane is larger than 2^31 - 1 bytes. Null as well, with `*pStepBytes` unchanged, if `pStepBytes` is null,
+///         the width or the height is not above 0, or one row is larger than 2^31 - 1 bytes.
 OPCV_DLIB_API short* IPPShare_ippiMalloc_16s_C1(int width, int height, int* pStepBytes);
 
-/// Makes an image of three interleaved 8-bit channels with rows of a multiple of 64 bytes. It is not cleared.
+/// Allocates an image of three interleaved 8-bit channels. The length of a row is a multiple of 64 bytes. The pixels
+/// are not cleared.
 ///
-/// @param width       Pixels a row, above 0.
-/// @param height      Rows, above 0.
-/// @param pStepBytes  Receives the bytes from one row to the next, also when the heap fails.
-/// @return As in `IPPShare_ippiMalloc_16s_C1`.
+/// @copydetails IPPShare_ippiMalloc_16s_C1
 OPCV_DLIB_API unsigned char* IPPMini_ippiMalloc_8u_C3(int width, int height, int* pStepBytes);
 
 /// Frees a block from either allocator.
 ///
-/// @param p  The block; null is allowed.
+/// @param p  The block; may be null.
 OPCV_DLIB_API void IPPMini_ippiFree(void* p);
 
-/// Calls `IPPMini_ippiFree` by its exported name.
+/// Calls `IPPMini_ippiFree` through its exported symbol.
 ///
-/// @param p  The block; null is allowed.
+/// @param p  The block; may be null.
 OPCV_DLIB_API void IPPShare_ippiFree(void* p);
 /// @}
 
 /// @name Square medians
 ///
-/// The source image must hold every window: with the anchor (ax, ay) of an m x m mask it goes on ax pixels to the left
-/// and ay above the region, m - 1 - ax to the right and m - 1 - ay below. The anchor may lie outside the mask, which
-/// shifts the windows on. Small masks are filtered straight from the caller's rows, without memory of their own; where
-/// source and destination overlap, and for large masks, OpenCV makes a copy first.
+/// The source image must contain every window: with the anchor (ax, ay) of an m x m mask, it extends ax pixels to the
+/// left of the region, ay above, m - 1 - ax to the right and m - 1 - ay below. The anchor may lie outside the mask,
+/// which displaces the windows further. Steps are multiples of the pixel size. Small masks are filtered directly from
+/// the caller's rows, without allocating memory; for large masks, and if source and destination overlap, OpenCV makes a
+/// copy first.
 /// @{
 
-/// Median of a grey region by a square mask: each pixel becomes the median of the mask's pixels, placed with the anchor
-/// over it.
+/// Median of a grey region under a square mask: each pixel becomes the median of the source pixels that the mask covers
+/// when its anchor lies on that pixel.
 ///
 /// @param pSrc        First pixel of the source region.
 /// @param srcStep     Bytes from one source row to the next; at least width + m - 1 pixels.
@@ -245,43 +255,25 @@ OPCV_DLIB_API void IPPShare_ippiFree(void* p);
 /// @param dstStep     Bytes from one destination row to the next.
 /// @param dstRoiSize  Size of the region in pixels.
 /// @param maskSize    Size of the mask: odd, width equal to height.
-/// @param anchor      Cell of the mask that lies over the pixel, counted from 0.
+/// @param anchor      Cell of the mask that lies on the pixel, counted from 0.
 /// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
-/// @retval ippStsBadArgErr  Null pointer, mask not square or not odd, empty region, or rows too short for the region (at
-///                          the source: for the region and m - 1 more pixels); nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsBadArgErr  Null pointer, mask not square or not odd, empty region, or rows too short for the region
+///                          (in the source: for the region and m - 1 more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedian_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                          int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
                                                          IppiPoint anchor);
 
-/// `IPPShare_ippiFilterMedian_8u_C1R` for a colour region, each channel by itself.
+/// `IPPShare_ippiFilterMedian_8u_C1R` for a colour region; each channel is filtered separately.
 ///
-/// @param pSrc        As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param srcStep     Bytes from one source row to the next; a multiple of 3.
-/// @param pDst        As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param dstStep     Bytes from one destination row to the next; a multiple of 3.
-/// @param dstRoiSize  As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param maskSize    As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param anchor      As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @retval ippStsNoErr      As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @retval ippStsBadArgErr  As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @retval ippStsNoMemErr   As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @copydetails IPPShare_ippiFilterMedian_8u_C1R
 OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedian_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                          int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
                                                          IppiPoint anchor);
 
-/// Calls `IPPShare_ippiFilterMedian_8u_C1R` by its exported name.
+/// Calls `IPPShare_ippiFilterMedian_8u_C1R` through its exported symbol.
 ///
-/// @param pSrc        As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param srcStep     As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param pDst        As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param dstStep     As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param dstRoiSize  As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param maskSize    As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @param anchor      As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @retval ippStsNoErr      As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @retval ippStsBadArgErr  As in `IPPShare_ippiFilterMedian_8u_C1R`.
-/// @retval ippStsNoMemErr   As in `IPPShare_ippiFilterMedian_8u_C1R`.
+/// @copydetails IPPShare_ippiFilterMedian_8u_C1R
 OPCV_DLIB_API IppStatus IPPMini_ippiFilterMedian_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                         int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
                                                         IppiPoint anchor);
@@ -289,13 +281,14 @@ OPCV_DLIB_API IppStatus IPPMini_ippiFilterMedian_8u_C1R(const unsigned char* pSr
 
 /// @name Medians with a fixed window
 ///
-/// Windows that lie over the region's edge take the pixels around it: the source image goes on as far as each function
-/// says. No other byte of the source is read.
+/// Windows at the edge of the region include pixels around it, so the source image must extend beyond the region by as
+/// much as each function documents. No other byte of the source is read.
 /// @{
 
 /// Cross-shaped median of a grey region: each pixel becomes the median of the pixels of a plus sign centred on it.
 ///
-/// @param pSrc        First pixel of the source region; the image goes on 1 pixel (mask 33) or 2 (mask 55) on each side.
+/// @param pSrc        First pixel of the source region; the image extends 1 pixel (mask 33) or 2 pixels (mask 55)
+///                    beyond every edge.
 /// @param srcStep     Bytes from one source row to the next; not checked.
 /// @param pDst        First pixel of the destination region; must not overlap the source.
 /// @param dstStep     Bytes from one destination row to the next.
@@ -307,10 +300,10 @@ OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianCross_8u_C1R(const unsigned cha
                                                               unsigned char* pDst, int dstStep, IppiSize dstRoiSize,
                                                               int mask);
 
-/// 3 x 3 median of a grey region in which the centre counts several times, so that fine detail survives: each pixel
-/// becomes the middle one of its eight neighbours and `weight` times itself.
+/// 3 x 3 median of a grey region that counts the centre several times, which preserves fine detail: each pixel becomes
+/// the median of its eight neighbours and `weight` copies of itself.
 ///
-/// @param pSrc        First pixel of the source region; the image goes on 1 pixel on each side.
+/// @param pSrc        First pixel of the source region; the image extends 1 pixel beyond every edge.
 /// @param srcStep     Bytes from one source row to the next; not checked.
 /// @param pDst        First pixel of the destination region; must not overlap the source.
 /// @param dstStep     Bytes from one destination row to the next.
@@ -322,15 +315,16 @@ OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R(const 
                                                                           unsigned char* pDst, int dstStep,
                                                                           IppiSize dstRoiSize, int weight);
 
-/// Vector median of a colour region: each pixel becomes that pixel of its 3 x 3 window whose city-block distances
-/// |r1 - r2| + |g1 - g2| + |b1 - b2| to the other eight have the smallest sum; among equals the first in raster order.
+/// Vector median of a colour region: each pixel becomes the pixel of its 3 x 3 window that has the smallest sum of
+/// city-block distances |r1 - r2| + |g1 - g2| + |b1 - b2| to the other eight; of equal sums, the first in raster order
+/// counts.
 ///
-/// @param pSrc        First pixel of the source region; the image goes on 1 pixel on each side.
+/// @param pSrc        First pixel of the source region; the image extends 1 pixel beyond every edge.
 /// @param srcStep     Bytes from one source row to the next; not checked.
 /// @param pDst        First pixel of the destination region; must not overlap the source.
 /// @param dstStep     Bytes from one destination row to the next.
 /// @param dstRoiSize  Size of the region in pixels.
-/// @param mask        33; there is no other.
+/// @param mask        33, the only mask.
 /// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
 /// @retval ippStsBadArgErr  Null pointer, empty region, 3 x width above `dstStep`, or another mask; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianColor_8u_C3R(const unsigned char* pSrc, int srcStep,
@@ -340,78 +334,62 @@ OPCV_DLIB_API IppStatus IPPShare_ippiFilterMedianColor_8u_C3R(const unsigned cha
 
 /// @name Dilation, erosion, maximum and minimum
 ///
-/// Each pixel becomes the largest or the smallest of the source pixels that the cells of a mask select, when the mask is
-/// placed with its anchor over the pixel. The source image must hold every window: with the anchor (ax, ay) of a
-/// mw x mh mask it goes on ax pixels to the left and ay above the region, mw - 1 - ax to the right and mh - 1 - ay below;
-/// where OpenCV does the work, one more to the right (below) if mw (mh) is even. The anchor may lie outside the mask,
-/// which shifts the windows on. Small masks are filtered straight from the caller's rows, without memory of their own;
-/// where source and destination overlap, and for large masks, OpenCV makes a copy first.
+/// Each pixel becomes the largest or the smallest of the source pixels that the cells of a mask select when the anchor
+/// of the mask lies on that pixel. The source image must contain every window: with the anchor (ax, ay) of an mw x mh
+/// mask, it extends ax pixels to the left of the region, ay above, mw - 1 - ax to the right and mh - 1 - ay below;
+/// where OpenCV does the work, one more to the right if mw is even and one more below if mh is even. The anchor may lie
+/// outside the mask, which displaces the windows further. Small masks are filtered directly from the caller's rows,
+/// without allocating memory; for large masks, and if source and destination overlap, OpenCV makes a copy first.
 /// @{
 
 /// Largest pixel under an arbitrary mask.
 ///
 /// @param pSrc        First pixel of the source region.
-/// @param srcStep     Bytes from one source row to the next; at least the width and twice half the mask's (mw / 2).
+/// @param srcStep     Bytes from one source row to the next; at least the width of the region + 2 (mw / 2), with
+///                    integer division.
 /// @param pDst        First pixel of the destination region; may overlap the source.
 /// @param dstStep     Bytes from one destination row to the next.
 /// @param dstRoiSize  Size of the region in pixels.
-/// @param pMask       The mask's cells, row after row without gaps; each that is not 0 selects a pixel. What a mask
-///                    that selects none gives is OpenCV's choice.
+/// @param pMask       The cells of the mask, row after row without gaps; each cell that is not 0 selects a pixel. If no
+///                    cell does, the result is the one that OpenCV gives.
 /// @param maskSize    Size of the mask in cells.
-/// @param anchor      Cell of the mask that lies over the pixel, counted from 0.
+/// @param anchor      Cell of the mask that lies on the pixel, counted from 0.
 /// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
-/// @retval ippStsBadArgErr  Null pointer, empty mask or region, or rows too short for the region (at the source: for the
-///                          region and 2 (mw / 2) more pixels); nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsBadArgErr  Null pointer, empty mask or region, or rows too short for the region (in the source: for
+///                          the region and 2 (mw / 2) more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiDilate_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                    int dstStep, IppiSize dstRoiSize, const unsigned char* pMask,
                                                    IppiSize maskSize, IppiPoint anchor);
 
 /// Smallest pixel under an arbitrary mask.
 ///
-/// @param pSrc        As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param srcStep     As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param pDst        As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param dstStep     As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param dstRoiSize  As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param pMask       As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param maskSize    As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param anchor      As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsNoErr      As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsBadArgErr  As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsNoMemErr   As in `IPPShare_ippiDilate_8u_C1R`.
+/// @copydetails IPPShare_ippiDilate_8u_C1R
 OPCV_DLIB_API IppStatus IPPShare_ippiErode_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                   int dstStep, IppiSize dstRoiSize, const unsigned char* pMask,
                                                   IppiSize maskSize, IppiPoint anchor);
 
 /// Largest pixel under a full rectangle.
 ///
-/// @param pSrc        As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param srcStep     As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param pDst        As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param dstStep     As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param dstRoiSize  As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param maskSize    Size of the rectangle.
-/// @param anchor      As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsNoErr      As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsBadArgErr  As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsNoMemErr   As in `IPPShare_ippiDilate_8u_C1R`.
+/// @param pSrc        First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next; at least the width of the region + 2 (mw / 2), with
+///                    integer division.
+/// @param pDst        First pixel of the destination region; may overlap the source.
+/// @param dstStep     Bytes from one destination row to the next.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param maskSize    Size of the rectangle in pixels.
+/// @param anchor      Cell of the rectangle that lies on the pixel, counted from 0.
+/// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
+/// @retval ippStsBadArgErr  Null pointer, empty rectangle or region, or rows too short for the region (in the source:
+///                          for the region and 2 (mw / 2) more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiFilterMax_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                      int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
                                                      IppiPoint anchor);
 
 /// Smallest pixel under a full rectangle.
 ///
-/// @param pSrc        As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param srcStep     As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param pDst        As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param dstStep     As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param dstRoiSize  As in `IPPShare_ippiDilate_8u_C1R`.
-/// @param maskSize    Size of the rectangle.
-/// @param anchor      As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsNoErr      As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsBadArgErr  As in `IPPShare_ippiDilate_8u_C1R`.
-/// @retval ippStsNoMemErr   As in `IPPShare_ippiDilate_8u_C1R`.
+/// @copydetails IPPMini_ippiFilterMax_8u_C1R
 OPCV_DLIB_API IppStatus IPPMini_ippiFilterMin_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                      int dstStep, IppiSize dstRoiSize, IppiSize maskSize,
                                                      IppiPoint anchor);
@@ -420,7 +398,7 @@ OPCV_DLIB_API IppStatus IPPMini_ippiFilterMin_8u_C1R(const unsigned char* pSrc, 
 /// @name Rotation of regions
 /// @{
 
-/// Computes the shift that makes `ippiRotate` turn about a centre of the caller's choice:
+/// Computes the shift that makes `ippiRotate` turn about a given centre:
 /// x = xc - xc cos a - yc sin a, y = yc + xc sin a - yc cos a.
 ///
 /// @param xCenter  Column of the centre, in pixels of the source region.
@@ -431,44 +409,30 @@ OPCV_DLIB_API IppStatus IPPMini_ippiFilterMin_8u_C1R(const unsigned char* pSrc, 
 OPCV_DLIB_API void KVMac_ippiGetRotateShift(double xCenter, double yCenter, double angle, double* xShift,
                                             double* yShift);
 
-/// `ippiRotate` for one 8-bit channel, with black outside the source region.
+/// `ippiRotate` for one 8-bit channel; pixels from outside the source region are black.
 ///
 /// @param src            First row of the source image.
 /// @param srcSize        Size of the source image.
-/// @param srcStep        Bytes from one source row to the next.
+/// @param srcStep        Bytes from one source row to the next; a multiple of the pixel size.
 /// @param srcRoi         Part of the source that is turned.
 /// @param dst            First row of the destination image.
-/// @param dstStep        Bytes from one destination row to the next.
+/// @param dstStep        Bytes from one destination row to the next; a multiple of the pixel size.
 /// @param dstRoi         Part of the destination that is filled.
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @param xShift         Shift to the right after the turn; converted to float, then rounded to whole pixels.
-/// @param yShift         Shift down after the turn, likewise.
-/// @param interpolation  Ignored: always bilinear.
+/// @param yShift         Shift down after the turn, converted and rounded in the same way.
+/// @param interpolation  Ignored; always bilinear.
 /// @retval noErr       The destination rectangle is filled.
-/// @retval paramErr    What `ippiRotate` answers with `ippStsBadArgErr`; nothing is written.
-/// @retval memFullErr  What `ippiRotate` answers with `ippStsNoMemErr`; nothing is written.
-/// @throws cv::Exception where `ippiRotate` does; nothing is written.
+/// @retval paramErr    `ippiRotate` returns `ippStsBadArgErr`; nothing is written.
+/// @retval memFullErr  `ippiRotate` returns `ippStsNoMemErr`; nothing is written.
+/// @throws cv::Exception if `ippiRotate` throws it; nothing is written.
 OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C1R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                                             unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                                             double xShift, double yShift, int interpolation);
 
 /// `KVMac_ippiRotate_8u_C1R` for three interleaved 8-bit channels.
 ///
-/// @param src            First row of the source image.
-/// @param srcSize        Size of the source image.
-/// @param srcStep        Bytes from one source row to the next, a multiple of 3.
-/// @param srcRoi         Part of the source that is turned.
-/// @param dst            First row of the destination image.
-/// @param dstStep        Bytes from one destination row to the next, a multiple of 3.
-/// @param dstRoi         Part of the destination that is filled.
-/// @param angle          Degrees, counter-clockwise on screen.
-/// @param xShift         Shift to the right after the turn; converted to float, then rounded to whole pixels.
-/// @param yShift         Shift down after the turn, likewise.
-/// @param interpolation  Ignored: always bilinear.
-/// @retval noErr       The destination rectangle is filled.
-/// @retval paramErr    What `ippiRotate` answers with `ippStsBadArgErr`; nothing is written.
-/// @retval memFullErr  What `ippiRotate` answers with `ippStsNoMemErr`; nothing is written.
-/// @throws cv::Exception where `ippiRotate` does; nothing is written.
+/// @copydetails KVMac_ippiRotate_8u_C1R
 OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C3R(const unsigned char* src, IppiSize srcSize, int srcStep, IppiRect srcRoi,
                                             unsigned char* dst, int dstStep, IppiRect dstRoi, double angle,
                                             double xShift, double yShift, int interpolation);
@@ -476,156 +440,159 @@ OPCV_DLIB_API OSErr KVMac_ippiRotate_8u_C3R(const unsigned char* src, IppiSize s
 
 /// @name Deskew and rotation of pages
 ///
-/// The functions that take a description read the page's width, height and depth from it, and from the source record
-/// only the pixels and the bytes a row. Depth is 8, 24 or 32. The new record is made by `CreateNewKVIMGPtr` (but see
-/// `UniteImageIplRotateImage`) and belongs to the caller.
+/// The functions that take a description read the width, height and depth of the page from it. From the source record
+/// they use only the pixels and the bytes per row. The depth is 8, 24 or 32. The new record is created by
+/// `CreateNewKVIMGPtr` (except in `UniteImageIplRotateImage`) and belongs to the caller.
 ///
-/// Pass `*dst` as null: on every failure a record that it holds, the caller's own included, is released and `*dst` is
-/// set to null; on success it is overwritten.
+/// Set `*dst` to null before the call. On every failure, the record that `*dst` points to is released, even one that
+/// the caller put there, and `*dst` is set to null. On success `*dst` is overwritten.
 ///
-/// Corners that come from outside the page are black. With white fill they are white at 24 bits; at 32 bits the first
+/// Corners that come from outside the page are black. With white fill, they are white at 24 bits; at 32 bits the first
 /// byte is 0 and the other three are 255; at 8 bits the flag has no effect.
 /// @{
 
-/// Turns a page about its exact centre; the new record has the page's size.
+/// Turns a page about its exact centre. The new record has the size of the page.
 ///
-/// @param src            Page to turn; only its pixels and bytes a row are used.
+/// @param src            Page to turn; only its pixels and bytes per row are used.
 /// @param description    Size and depth of the page.
 /// @param dst            Receives the new record.
-/// @param interpolation  Ignored: always bilinear.
-/// @param whiteFill      Not 0: white corners instead of black ones, see above.
+/// @param interpolation  Ignored; always bilinear.
+/// @param whiteFill      If not 0, the corners are white instead of black (see the description of this group).
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @retval noErr            `*dst` holds the turned page.
-/// @retval paramErr         A pointer is null, the description included.
-/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused.
-/// @retval memFullErr       The record could not be made.
-/// @throws cv::Exception if a side of the page reaches 32767 pixels; `*dst` is released and null.
+/// @retval paramErr         A pointer is null, including the description.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation failed.
+/// @retval memFullErr       Creating the record failed.
+/// @throws cv::Exception if a side of the page is 32767 pixels or longer; `*dst` is released and set to null.
 OPCV_DLIB_API OSErr DeskewImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
                                        int interpolation, unsigned char whiteFill, double angle);
 
-/// Turns a page about its centre and cuts a rectangle out of the result. The turned page is placed by whole pixels.
+/// Turns a page about its centre and cuts a rectangle out of the result. The turned page is placed on whole pixels.
 ///
-/// @param src            Page to turn; only its pixels and bytes a row are used.
+/// @param src            Page to turn; only its pixels and bytes per row are used.
 /// @param description    Size and depth of the page.
-/// @param dst            Receives the new record, of the crop rectangle's size.
-/// @param interpolation  Ignored: always bilinear.
-/// @param whiteFill      Not 0: white corners instead of black ones, see above.
-/// @param crop           Rectangle in the coordinates of the turned page; may reach outside it. Once the record is made,
-///                       a negative top or left is moved to 0, the size kept; the record shows what was asked for.
+/// @param dst            Receives the new record, of the size of the crop rectangle.
+/// @param interpolation  Ignored; always bilinear.
+/// @param whiteFill      If not 0, the corners are white instead of black (see the description of this group).
+/// @param crop           Rectangle in the coordinates of the turned page; may extend outside it. After the record is
+///                       created, a negative `top` or `left` is moved to 0 and the size is kept; the record still shows
+///                       the rectangle as it was passed.
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @retval noErr            `*dst` holds the part of the turned page.
-/// @retval paramErr         A pointer is null, the description included.
-/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused, as for an empty rectangle.
-/// @retval memFullErr       The record could not be made.
-/// @throws cv::Exception if a side of the page, enlarged by what the crop shows around it, reaches 32767 pixels;
-///         `*dst` is released and null.
+/// @retval paramErr         A pointer is null, including the description.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation failed, for example for an empty rectangle.
+/// @retval memFullErr       Creating the record failed.
+/// @throws cv::Exception if a side of the page, enlarged by what the crop shows around it, is 32767 pixels or longer;
+///         `*dst` is released and set to null.
 OPCV_DLIB_API OSErr DeskewImageWithIPPEx(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
                                          int interpolation, unsigned char whiteFill, KVRect* crop, double angle);
 
 /// Turns a page about a point, which becomes the top-left pixel of the new record.
 ///
-/// @param src            Page to turn; only its pixels and bytes a row are used.
+/// @param src            Page to turn; only its pixels and bytes per row are used.
 /// @param description    Size and depth of the page.
-/// @param dst            Receives the new record, of the crop rectangle's size.
-/// @param interpolation  Ignored: always bilinear.
-/// @param whiteFill      Not 0: white corners instead of black ones, see above.
+/// @param dst            Receives the new record, of the size of the crop rectangle.
+/// @param interpolation  Ignored; always bilinear.
+/// @param whiteFill      If not 0, the corners are white instead of black (see the description of this group).
 /// @param crop           Gives the size of the new record; its position does not matter. Never changed.
 /// @param xPoint         Column of the point on the page.
 /// @param yPoint         Row of the point on the page.
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @retval noErr            `*dst` holds the part of the turned page.
-/// @retval paramErr         A pointer is null, the description included.
-/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation was refused, as for an empty rectangle.
-/// @retval memFullErr       The record could not be made.
-/// @throws cv::Exception if a side of the page, enlarged by what the crop shows around it, reaches 32767 pixels;
-///         `*dst` is released and null.
+/// @retval paramErr         A pointer is null, including the description.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32, or the rotation failed, for example for an empty rectangle.
+/// @retval memFullErr       Creating the record failed.
+/// @throws cv::Exception if a side of the page, enlarged by what the crop shows around it, is 32767 pixels or longer;
+///         `*dst` is released and set to null.
 OPCV_DLIB_API OSErr DeskewImageWithIPPExWithShirftPoint(const KVIMG* src, KVImageDescriptionHandle description,
                                                         KVIMG** dst, int interpolation, unsigned char whiteFill,
                                                         KVRect* crop, int64_t xPoint, int64_t yPoint, double angle);
 
 /// Turns a page by a multiple of 90 degrees, without interpolation.
 ///
-/// @param src          Page to turn; only its pixels and bytes a row are used.
+/// @param src          Page to turn; only its pixels and bytes per row are used.
 /// @param description  Size and depth of the page.
-/// @param dst          Receives the new record; width and height change places for quarter turns.
-/// @param angle        Degrees, **clockwise** on screen; the fraction is dropped. Allowed are 90, 180, 270 and their
-///                     negatives (so 90.9 turns by 90, and 89.9 is refused).
+/// @param dst          Receives the new record; turns by 90 and 270 degrees swap width and height.
+/// @param angle        Degrees, **clockwise** on screen: 90, 180, 270 or their negatives. The fraction is dropped
+///                     first, so 90.9 turns by 90, and 89.9 is rejected.
 /// @retval noErr            `*dst` holds the turned page.
-/// @retval paramErr         A pointer is null, the description included, or the page is empty or does not fit in its
+/// @retval paramErr         A pointer is null, including the description; or the page is empty or does not fit in its
 ///                          rows.
 /// @retval rotateFailedErr  The depth is not 8, 24 or 32.
-/// @retval badAngleErr      The angle is none of these.
-/// @retval memFullErr       The record could not be made.
+/// @retval badAngleErr      The angle is not one of these.
+/// @retval memFullErr       Creating the record failed.
 OPCV_DLIB_API OSErr RotateImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst,
                                        double angle);
 
-/// Turns an image about its centre and centres it on a canvas of another size, whose pixels are a new record made by
-/// `CreateNewKVIMGPtrForUnite`. Uncovered pixels are white (24 bits: 255 255 255; 32 bits: 0 255 255 255), black at 8
-/// bits.
+/// Turns an image about its centre and centres it on a canvas of another size. The pixels of the canvas are a new
+/// record created by `CreateNewKVIMGPtrForUnite`.
+///
+/// Uncovered pixels are white at 24 bits (255 255 255) and 32 bits (0 255 255 255) and black at 8 bits.
 ///
 /// @param dstHeader     Canvas: depth (8, 24 or 32), width, height and row step are read; the pixel pointer is set to
-///                      the record's pixels. Set the row step to the record's rule: the width rounded up to 16 at 8
-///                      bits, 3 times the width rounded up to 4 at 24, 4 times the width rounded up to 16 at 32. After
-///                      a failure the pixel pointer may refer to released memory. At 24 bits the canvas's rows lie as
-///                      many whole pixels apart as the row step holds, so that they end up to 2 bytes a row before
-///                      the record does; what is behind them is not set.
-/// @param srcHeader     Image to turn: pixels, width, height and row step; its depth is taken to be the canvas's.
+///                      the pixels of the record. Set the row step as the record has it: the width rounded up to a
+///                      multiple of 16 at 8 bits, 3 times the width rounded up to 4 at 24 bits, 4 times the width
+///                      rounded up to 16 at 32 bits. At 24 bits the rows are written row step / 3 whole pixels apart,
+///                      so the written rows end before the record does, by up to 2 bytes per row; the bytes after them
+///                      are not set. After a failure the pixel pointer may refer to released memory.
+/// @param srcHeader     Image to turn: pixels, width, height and row step are read; the depth is that of the canvas.
 /// @param unitedRecord  Receives the record, on success only.
-/// @param angle         Degrees, **clockwise** on screen. Above 180, 360 is taken off first.
+/// @param angle         Degrees, **clockwise** on screen. If above 180, 360 is subtracted first.
 /// @retval noErr           The canvas is filled and `*unitedRecord` holds it.
-/// @retval uniteFailedErr  Anything else.
-/// @throws cv::Exception if a side of the image, enlarged by what the canvas shows around it, reaches 32767 pixels;
-///         `*unitedRecord` is untouched, and the canvas's pixel pointer refers to released memory.
+/// @retval uniteFailedErr  Any failure.
+/// @throws cv::Exception if a side of the image, enlarged by what the canvas shows around it, is 32767 pixels or
+///         longer; `*unitedRecord` is unchanged, and the pixel pointer of the canvas refers to released memory.
 OPCV_DLIB_API OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* srcHeader,
                                              KVIMG** unitedRecord, double angle);
 /// @}
 
 /// @name Resize
 ///
-/// Always bilinear, as OpenCV computes it: pixel centres correspond, source pixels are repeated at the edges, weights
-/// have 11 bits. There is no smoothing before a reduction, except that exactly half in both directions is the mean of
-/// 2 x 2 pixels. Equal sizes are copied.
+/// Interpolation is always bilinear, as in OpenCV: pixel centres are aligned, edge pixels of the source are repeated,
+/// weights have 11 bits. The source is not smoothed before a reduction, except that a reduction to exactly half in both
+/// directions takes the mean of 2 x 2 pixels. Equal sizes are copied.
 /// @{
 
-/// Scales a page by numerator / denominator into a new record made by `CreateNewKVIMGPtr`, for instance from one
-/// resolution to another. Both sides are truncated to whole pixels: 101 x 51 at half becomes 50 x 25.
+/// Scales a page by numerator / denominator into a new record created by `CreateNewKVIMGPtr`, for example from one
+/// resolution to another. Both sides are truncated to whole pixels: 101 x 51 at half scale becomes 50 x 25.
 ///
 /// @param src          Page of depth 8, 24 or 32.
-/// @param dst          Receives the new record. Pass `*dst` as null: on every failure a record that it holds, the
-///                     caller's own included, is released and `*dst` is set to null; on success it is overwritten.
+/// @param dst          Receives the new record. Set `*dst` to null before the call. On every failure, the record that
+///                     `*dst` points to is released, even one that the caller put there, and `*dst` is set to null. On
+///                     success `*dst` is overwritten.
 /// @param denominator  Divisor of the scale.
 /// @param numerator    Dividend of the scale.
 /// @retval noErr            `*dst` holds the scaled page.
 /// @retval paramErr         A pointer is null; the page does not fit in its rows; a side of the scaled page is 0 or
-///                          less, or the scale is no number.
-/// @retval memFullErr       The record could not be made, or a side of the scaled page leaves the range of int.
-/// @retval rotateFailedErr  The depth is not 8, 24 or 32 and no record had to be refused for its size before.
+///                          less; or the scale is not a number.
+/// @retval memFullErr       Creating the record failed, or a side of the scaled page is outside the range of int.
+/// @retval rotateFailedErr  The depth is not 8, 24 or 32. If it is 1 or 40, `memFullErr` takes precedence.
 OPCV_DLIB_API OSErr ResizeImageWithIPPEx(const KVIMG* src, KVIMG** dst, double denominator, double numerator);
 
-/// Scales a region of one 8-bit channel by two factors, moves the result by whole pixels and puts it into a
-/// destination rectangle. What the moved image does not reach is left as it was.
+/// Scales a region of one 8-bit channel by two factors, moves the result by whole pixels and writes it into a
+/// destination rectangle. Pixels of the rectangle that the moved image does not cover are unchanged.
 ///
-/// The scaled size is the region's times the factors, rounded to the nearest, halves to even. A shift to the right
-/// leaves that many columns at the left of the rectangle untouched, a shift to the left drops columns of the scaled
-/// image; rows likewise.
+/// The scaled size is the size of the region times the factors, rounded to the nearest integer, halves to even. A shift
+/// to the right leaves that many columns at the left of the rectangle unchanged; a shift to the left drops columns of
+/// the scaled image. The same holds for rows.
 ///
 /// @param src            First row of the source image.
 /// @param srcSize        Size of the source image.
 /// @param srcStep        Bytes from one source row to the next.
 /// @param srcRoi         Part of the source that is scaled; nothing outside it is read.
-/// @param dst            First row of the destination image; may be the source image, or overlap it.
+/// @param dst            First row of the destination image; may be the source image or overlap it.
 /// @param dstStep        Bytes from one destination row to the next.
 /// @param dstRoi         Part of the destination that is filled.
 /// @param xFactor        Scale of the width, above 0.
 /// @param yFactor        Scale of the height, above 0.
 /// @param xShift         Shift to the right after scaling; rounded to whole pixels, halves away from zero.
-/// @param yShift         Shift down after scaling, likewise.
-/// @param interpolation  Ignored: always bilinear.
+/// @param yShift         Shift down after scaling, rounded in the same way.
+/// @param interpolation  Ignored; always bilinear.
 /// @param buffer         Ignored.
-/// @retval ippStsNoErr      The rectangle is filled as far as the moved image reaches.
+/// @retval ippStsNoErr      The rectangle is filled as far as the moved image covers it.
 /// @retval ippStsBadArgErr  The region is larger than the source image or does not fit in its rows; a pointer is null;
-///                          the shift leaves the range of int or moves the image out of the rectangle; or what is left
-///                          of the rectangle does not fit in its rows. Nothing is written.
+///                          a shift is outside the range of int or moves the image out of the rectangle; or what the
+///                          shift leaves of the rectangle does not fit in its rows. Nothing is written.
 /// @retval ippStsNoMemErr   The scaled image has no pixels; nothing is written.
 /// @throws cv::Exception if a factor is not above 0 or the scaled image is empty.
 OPCV_DLIB_API IppStatus OPCV_ippiResizeSqrPixel_8u_C1R(const unsigned char* src, IppiSize srcSize, int srcStep,
@@ -637,14 +604,14 @@ OPCV_DLIB_API IppStatus OPCV_ippiResizeSqrPixel_8u_C1R(const unsigned char* src,
 ///
 /// @param src            First row of the source image.
 /// @param srcSize        Size of the source image.
-/// @param srcStep        Bytes from one source row to the next, a multiple of 3.
+/// @param srcStep        Bytes from one source row to the next; a multiple of 3.
 /// @param srcRoi         Part of the source that is scaled; nothing outside it is read.
 /// @param dst            First pixel of the destination region; must not overlap the source.
-/// @param dstStep        Bytes from one destination row to the next, a multiple of 3.
-/// @param dstRoiSize     Size of the destination region; it alone decides the scale.
+/// @param dstStep        Bytes from one destination row to the next; a multiple of 3.
+/// @param dstRoiSize     Size of the destination region, which alone determines the scale.
 /// @param xFactor        Ignored.
 /// @param yFactor        Ignored.
-/// @param interpolation  Ignored: always bilinear.
+/// @param interpolation  Ignored; always bilinear.
 /// @retval ippStsNoErr      The destination region is filled.
 /// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, or a region is empty or does
 ///                          not fit in its rows; nothing is written.
@@ -655,8 +622,8 @@ OPCV_DLIB_API IppStatus IPPMini_ippiResize_8u_C3R(const unsigned char* src, Ippi
 
 /// @name JPEG compression
 ///
-/// A record of depth 8 becomes a grey stream, one of depth 24 (red, green, blue) a colour stream, in a block of its own
-/// that the caller releases with `free`. The streams are baseline JFIF 1.02 with dots per inch and the comment
+/// A record of depth 8 becomes a grey stream, a record of depth 24 (red, green, blue) a colour stream. The stream is a
+/// new block, which the caller releases with `free`. Streams are baseline JFIF 1.02 with dots per inch and the comment
 /// KORVELIN. `mode` selects the quality:
 ///
 /// | mode | `CompressJPEG` | `CompressJPEGEx`, `CompressJPEGWithIPPEx` | `CompressJPEGWithIPP` |
@@ -671,52 +638,40 @@ OPCV_DLIB_API IppStatus IPPMini_ippiResize_8u_C3R(const unsigned char* src, Ippi
 /// Compresses a record with the library's own quantisation tables and without subsampling (4:4:4).
 ///
 /// @param image       Record of depth 8 or 24.
-/// @param resolution  Dots per inch, in both directions; the low 16 bits are stored.
+/// @param resolution  Dots per inch in both directions; the low 16 bits are stored.
 /// @param mode        Quality: 0, 286, 389, 450 or 788.
 /// @param outData     Receives the stream.
 /// @param outSize     Receives its length in bytes.
-/// @retval noErr       The stream is made.
+/// @retval noErr       `*outData` holds the stream.
 /// @retval paramErr    Null pointer, empty image, unknown mode or other depth; nothing is written.
-/// @retval memFullErr  The encoder failed, which includes sides above 65500 pixels; nothing is written. Or the block for
-///                     the stream could not be had: `*outSize` is the length and `*outData` is null.
+/// @retval memFullErr  The encoder failed, as it does for a side above 65500 pixels; nothing is written. Or allocating
+///                     the block for the stream failed: `*outSize` is the length and `*outData` is null.
 OPCV_DLIB_API OSErr CompressJPEG(const KVIMG* image, int resolution, int mode, void** outData, unsigned* outSize);
 
-/// Compresses a record with libjpeg's quantisation tables; colour is subsampled 2 x 2.
+/// Compresses a record with the quantisation tables of libjpeg; colour is subsampled 2 x 2.
 ///
 /// @param image        Record of depth 8 or 24.
-/// @param description  Its two resolutions are stored, the low 16 bits of each; nothing else is read.
+/// @param description  Its two resolutions are stored, the low 16 bits of each; no other field is read.
 /// @param mode         Quality: 0, 286, 389, 450 or 788.
 /// @param outData      Receives the stream.
 /// @param outSize      Receives its length in bytes.
-/// @retval noErr       As in `CompressJPEG`.
-/// @retval paramErr    As in `CompressJPEG`, or the handle or the description is null.
-/// @retval memFullErr  As in `CompressJPEG`.
+/// @retval noErr       `*outData` holds the stream.
+/// @retval paramErr    Null pointer, including the description, empty image, unknown mode or other depth; nothing is
+///                     written.
+/// @retval memFullErr  The encoder failed, as it does for a side above 65500 pixels; nothing is written. Or allocating
+///                     the block for the stream failed: `*outSize` is the length and `*outData` is null.
 OPCV_DLIB_API OSErr CompressJPEGEx(const KVIMG* image, KVImageDescriptionHandle description, int mode, void** outData,
                                    unsigned* outSize);
 
-/// `CompressJPEGEx` with a quality column of its own.
+/// `CompressJPEGEx` with other qualities, see the table of modes.
 ///
-/// @param image        As in `CompressJPEGEx`.
-/// @param description  As in `CompressJPEGEx`.
-/// @param mode         As in `CompressJPEGEx`.
-/// @param outData      As in `CompressJPEGEx`.
-/// @param outSize      As in `CompressJPEGEx`.
-/// @retval noErr       As in `CompressJPEGEx`.
-/// @retval paramErr    As in `CompressJPEGEx`.
-/// @retval memFullErr  As in `CompressJPEGEx`.
+/// @copydetails CompressJPEGEx
 OPCV_DLIB_API OSErr CompressJPEGWithIPP(const KVIMG* image, KVImageDescriptionHandle description, int mode,
                                         void** outData, unsigned* outSize);
 
 /// `CompressJPEGEx` under a second name.
 ///
-/// @param image        As in `CompressJPEGEx`.
-/// @param description  As in `CompressJPEGEx`.
-/// @param mode         As in `CompressJPEGEx`.
-/// @param outData      As in `CompressJPEGEx`.
-/// @param outSize      As in `CompressJPEGEx`.
-/// @retval noErr       As in `CompressJPEGEx`.
-/// @retval paramErr    As in `CompressJPEGEx`.
-/// @retval memFullErr  As in `CompressJPEGEx`.
+/// @copydetails CompressJPEGEx
 OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescriptionHandle description, int mode,
                                           void** outData, unsigned* outSize);
 /// @}
@@ -724,59 +679,54 @@ OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescription
 /// @name JPEG reading
 ///
 /// The pixels are those of OpenCV's decoder: an EXIF orientation turns the image, four components become colour, and a
-/// truncated stream gives the rows that it holds, the last of them repeated to the bottom. Refused are streams of
-/// another format (which do not begin with FF D8 FF), of more than 2^31 - 1 bytes, of more than 2^30 pixels or a side
-/// above 65500, with no frame or scan header or with more than 100 scans, and those of which no row can be decoded. Rows
-/// of the new record are packed (width or 3 x width bytes); it is released with `DisposeKVIMG`.
+/// truncated stream gives the rows that it holds, the last of them repeated to the bottom. The following streams are
+/// rejected: streams of another format (which do not begin with FF D8 FF), streams of more than 2^31 - 1 bytes, images
+/// of more than 2^30 pixels or with a side above 65500, streams without a frame or scan header or with more than 100
+/// scans, and streams of which no row can be decoded. Rows of the new record are packed (width or 3 x width bytes); it
+/// is released with `DisposeKVIMG`.
 /// @{
 
 /// Reads a JPEG stream into a new record: depth 8 if it is grey, otherwise 24 in the order red, green, blue.
 ///
 /// @param jpegData        The stream.
 /// @param jpegSize        Its length in bytes.
-/// @param descriptionPtr  Pointer to a description handle; the page's width, height and depth are written there.
+/// @param descriptionPtr  Pointer to a description handle; receives the width, height and depth of the page.
 /// @param outImage        Receives the record.
 /// @retval noErr       `*outImage` holds the page.
-/// @retval paramErr    A pointer is null (also the handle or the record that it leads to), the stream is empty or it
-///                     cannot be decoded; nothing is written.
-/// @retval memFullErr  Memory ran out, or the pixels do not fit in 31 bits of bytes; the description may already hold
-///                     the page's size and depth. `*outImage` is null if the record block was refused and untouched
+/// @retval paramErr    A pointer is null, including the handle and the record that it leads to; or the stream is empty
+///                     or cannot be decoded. Nothing is written.
+/// @retval memFullErr  Out of memory, or the pixels need more than 2^31 - 1 bytes. The description may already hold the
+///                     size and depth of the page. `*outImage` is null if allocating the record failed and unchanged
 ///                     otherwise.
 OPCV_DLIB_API OSErr ReadJPEG(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle* descriptionPtr,
                              KVIMG** outImage);
 
 /// `ReadJPEG` under a second name.
 ///
-/// @param jpegData        As in `ReadJPEG`.
-/// @param jpegSize        As in `ReadJPEG`.
-/// @param descriptionPtr  As in `ReadJPEG`.
-/// @param outImage        As in `ReadJPEG`.
-/// @retval noErr       As in `ReadJPEG`.
-/// @retval paramErr    As in `ReadJPEG`.
-/// @retval memFullErr  As in `ReadJPEG`.
+/// @copydetails ReadJPEG
 OPCV_DLIB_API OSErr ReadJPEGWithIPP(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle* descriptionPtr,
                                     KVIMG** outImage);
 
-/// Reads a JPEG stream whose size is known before, always into 24 bits (grey is repeated in all three bytes).
+/// Reads a JPEG stream of known width and height, always into 24 bits (grey is repeated in all three bytes).
 ///
 /// @param jpegData     The stream.
 /// @param jpegSize     Its length in bytes.
-/// @param description  Description handle that states the width and the height; its depth becomes 24 on success, and on
-///                     failure nothing in it changes. One level of indirection less than in `ReadJPEG`.
+/// @param description  Description handle with the expected width and height; one level of indirection less than in
+///                     `ReadJPEG`. Its depth becomes 24 on success; on failure the description is unchanged.
 /// @param outImage     Receives the record.
 /// @retval noErr       `*outImage` holds the image.
-/// @retval paramErr    A pointer is null (also the record that the handle leads to), the stream is empty or cannot be
-///                     decoded, or it has another size; nothing is written.
-/// @retval memFullErr  Memory ran out, or the pixels do not fit in 31 bits of bytes; `*outImage` is null if the record
-///                     block was refused and untouched otherwise.
+/// @retval paramErr    A pointer is null, including the record that the handle leads to; or the stream is empty, cannot
+///                     be decoded or has another size. Nothing is written.
+/// @retval memFullErr  Out of memory, or the pixels need more than 2^31 - 1 bytes. `*outImage` is null if allocating
+///                     the record failed and unchanged otherwise.
 OPCV_DLIB_API OSErr ReadSplitJPEG(const unsigned char* jpegData, unsigned jpegSize,
                                   KVImageDescriptionHandle description, KVIMG** outImage);
 /// @}
 
 /// @name Bit packing
 ///
-/// Between 1-bit images, whose region may start at any bit of a byte, and grey images. A set bit is 255 in grey and a
-/// clear bit is 0; a grey pixel above the threshold becomes a set bit.
+/// Conversion between 1-bit images, whose region may start at any bit of a byte, and grey images. A set bit is 255 in
+/// grey and a clear bit is 0; a grey pixel above the threshold becomes a set bit.
 /// @{
 
 /// Expands a 1-bit region to grey: 0 becomes 0 and 1 becomes 255.
@@ -795,7 +745,7 @@ OPCV_DLIB_API IppStatus IPPShare_ippiConvert_1u8u_C1R(const unsigned char* pSrc,
 
 /// Reduces a grey region to 1 bit by a fixed threshold: a pixel above it becomes 1, any other 0. There is no dithering.
 ///
-/// The other bits of the row's first and last byte are kept, except at threshold 255, which clears them.
+/// The other bits of the first and last byte of each row are kept, except at threshold 255, which clears them.
 ///
 /// @param pSrc          First pixel of the source.
 /// @param srcStep       Bytes from one source row to the next.
@@ -817,32 +767,32 @@ OPCV_DLIB_API IppStatus IPPShare_ippiReduceBits_8u1u_C1R(const unsigned char* pS
 
 /// @name Depth conversion
 ///
-/// Steps of 16-bit images are whole multiples of 2: with an odd one each further row starts a byte early.
+/// Steps of 16-bit images must be multiples of 2: with an odd step, row n starts n bytes too early.
 /// @{
 
-/// Widens 8-bit pixels to 16-bit signed: 0 to 255 stay what they are.
+/// Widens 8-bit pixels to 16-bit signed; the values 0 to 255 are unchanged.
 ///
 /// @param pSrc     First pixel of the source region.
 /// @param srcStep  Bytes from one source row to the next, at least `roiSize.width`.
 /// @param pDst     First pixel of the destination region; must not overlap the source.
 /// @param dstStep  Bytes from one destination row to the next, at least 2 x `roiSize.width`.
 /// @param roiSize  Size of the region in pixels, both sides above 0.
-/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than its step; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiConvert_8u16s_C1R(const unsigned char* pSrc, int srcStep, short* pDst, int dstStep,
                                                        IppiSize roiSize);
 
-/// Narrows 16-bit signed pixels to 8 bits, saturated: below 0 becomes 0 and above 255 becomes 255.
+/// Narrows 16-bit signed pixels to 8 bits with saturation: values below 0 become 0, values above 255 become 255.
 ///
 /// @param pSrc     First pixel of the source region.
 /// @param srcStep  Bytes from one source row to the next, at least 2 x `roiSize.width`.
 /// @param pDst     First pixel of the destination region; must not overlap the source.
 /// @param dstStep  Bytes from one destination row to the next, at least `roiSize.width`.
 /// @param roiSize  Size of the region in pixels, both sides above 0.
-/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than its step; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiConvert_16s8u_C1R(const short* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                                        IppiSize roiSize);
 /// @}
@@ -856,22 +806,22 @@ OPCV_DLIB_API IppStatus IPPShare_ippiConvert_16s8u_C1R(const short* pSrc, int sr
 /// @param srcDstStep  Bytes from one row to the next, at least `roiSize.width`.
 /// @param roiSize     Size of the region in pixels, both sides above 0.
 /// @param threshold   Largest value that is replaced.
-/// @param value       What it is replaced by.
-/// @retval ippStsNoErr      The region is thresholded; bytes outside it are untouched.
+/// @param value       Value that replaces it.
+/// @retval ippStsNoErr      The thresholds are applied; bytes outside the region are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than the step, as with every negative step;
 ///                          nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiThreshold_LTVal_8u_C1IR(unsigned char* pSrcDst, int srcDstStep, IppiSize roiSize,
                                                              unsigned char threshold, unsigned char value);
 
-/// `IPPShare_ippiThreshold_LTVal_8u_C1IR` for 16-bit signed pixels, with one difference: a negative step is allowed and
-/// walks upwards from the first row.
+/// `IPPShare_ippiThreshold_LTVal_8u_C1IR` for 16-bit signed pixels, with one difference: the step may be negative, in
+/// which case the rows go upwards from the first one.
 ///
 /// @param pSrcDst     First pixel of the region.
 /// @param srcDstStep  Bytes from one row to the next: at least 2 x `roiSize.width`, or negative.
 /// @param roiSize     Size of the region in pixels, both sides above 0.
 /// @param threshold   Largest value that is replaced.
-/// @param value       What it is replaced by.
-/// @retval ippStsNoErr      The region is thresholded; bytes outside it are untouched.
+/// @param value       Value that replaces it.
+/// @retval ippStsNoErr      The thresholds are applied; bytes outside the region are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than a step that is not negative; nothing is
 ///                          written.
 OPCV_DLIB_API IppStatus IPPShare_ippiThreshold_LTVal_16s_C1IR(short* pSrcDst, int srcDstStep, IppiSize roiSize,
@@ -883,7 +833,7 @@ OPCV_DLIB_API IppStatus IPPShare_ippiThreshold_LTVal_16s_C1IR(short* pSrcDst, in
 /// @param pDst     First pixel of the region.
 /// @param dstStep  Bytes from one row to the next, at least `roiSize.width`.
 /// @param roiSize  Size of the region in pixels, both sides above 0.
-/// @retval ippStsNoErr      The region is filled; bytes outside it are untouched.
+/// @retval ippStsNoErr      The region is filled; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than the step; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiSet_8u_C1R(unsigned char value, unsigned char* pDst, int dstStep,
                                                 IppiSize roiSize);
@@ -891,47 +841,43 @@ OPCV_DLIB_API IppStatus IPPShare_ippiSet_8u_C1R(unsigned char value, unsigned ch
 
 /// @name Colour space
 ///
-/// Analog YUV of full range, in OpenCV's fixed point (14 bits), with U and V around 128:
-/// Y = 0.299 R + 0.587 G + 0.114 B, U = 0.492 (B - Y) + 128, V = 0.877 (R - Y) + 128 and back; all saturated to bytes.
+/// Full-range analog YUV in OpenCV's fixed point (14 bits), with U and V centred on 128:
+/// Y = 0.299 R + 0.587 G + 0.114 B, U = 0.492 (B - Y) + 128, V = 0.877 (R - Y) + 128, and the inverse. Results are
+/// saturated to 8 bits.
 /// @{
 
 /// Converts packed RGB to packed YUV.
 ///
 /// @param pSrc     First pixel of the source region.
-/// @param srcStep  Bytes from one source row to the next, a multiple of 3.
-/// @param pDst     First pixel of the destination region: the source itself, with the same step, or no part of it.
-/// @param dstStep  Bytes from one destination row to the next, a multiple of 3.
+/// @param srcStep  Bytes from one source row to the next; a multiple of 3.
+/// @param pDst     First pixel of the destination region. It may be the source itself, with the same step; otherwise
+///                 the two must not overlap.
+/// @param dstStep  Bytes from one destination row to the next; a multiple of 3.
 /// @param roiSize  Size of the region in pixels, both sides above 0.
-/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, empty region, or a row longer than its step; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiRGBToYUV_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                      int dstStep, IppiSize roiSize);
 
 /// Converts packed YUV to packed RGB.
 ///
-/// @param pSrc     As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @param srcStep  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @param pDst     As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @param dstStep  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @param roiSize  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @retval ippStsNoErr      As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @retval ippStsBadArgErr  As in `IPPShare_ippiRGBToYUV_8u_C3R`.
-/// @retval ippStsNoMemErr   As in `IPPShare_ippiRGBToYUV_8u_C3R`.
+/// @copydetails IPPShare_ippiRGBToYUV_8u_C3R
 OPCV_DLIB_API IppStatus IPPShare_ippiYUVToRGB_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                      int dstStep, IppiSize roiSize);
 
-/// Converts packed RGB to planes of Y, U and V. The planes may overlap the source, not each other.
+/// Converts packed RGB to planes of Y, U and V. The planes may overlap the source, but not each other.
 ///
 /// @param pSrc     First pixel of the source region.
-/// @param srcStep  Bytes from one source row to the next, a multiple of 3.
+/// @param srcStep  Bytes from one source row to the next; a multiple of 3.
 /// @param pDst     First pixels of the three destination planes.
 /// @param dstStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
 /// @param roiSize  Size of the region in pixels.
-/// @retval ippStsNoErr      The region is converted; bytes outside it are untouched.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, or a row longer than its step; nothing is written.
-/// @retval ippStsNoMemErr   Empty region, or one of 2^31 bytes or more at 3 bytes a pixel and rows of a multiple of 64;
-///                          comes before the other. Or memory ran out. Nothing is written.
+/// @retval ippStsNoMemErr   The region is empty, or it needs 2^31 bytes or more at 3 bytes per pixel with rows of a
+///                          multiple of 64 bytes; this is checked before the other arguments. Or out of memory. Nothing
+///                          is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep,
                                                       unsigned char* const pDst[3], int dstStep, IppiSize roiSize);
 
@@ -940,11 +886,13 @@ OPCV_DLIB_API IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc,
 /// @param pSrc     First pixels of the three source planes.
 /// @param srcStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
 /// @param pDst     First pixel of the destination region.
-/// @param dstStep  Bytes from one destination row to the next, a multiple of 3.
+/// @param dstStep  Bytes from one destination row to the next; a multiple of 3.
 /// @param roiSize  Size of the region in pixels.
-/// @retval ippStsNoErr      As in `IPPMini_ippiRGBToYUV_8u_C3P3R`.
-/// @retval ippStsBadArgErr  As in `IPPMini_ippiRGBToYUV_8u_C3P3R`.
-/// @retval ippStsNoMemErr   As in `IPPMini_ippiRGBToYUV_8u_C3P3R`.
+/// @retval ippStsNoErr      The region is converted; bytes outside it are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, or a row longer than its step; nothing is written.
+/// @retval ippStsNoMemErr   The region is empty, or it needs 2^31 bytes or more at 3 bytes per pixel with rows of a
+///                          multiple of 64 bytes; this is checked before the other arguments. Or out of memory. Nothing
+///                          is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep,
                                                       unsigned char* pDst, int dstStep, IppiSize roiSize);
 /// @}
@@ -955,14 +903,14 @@ OPCV_DLIB_API IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const
 /// Copies the three channels of a packed image into planes.
 ///
 /// @param pSrc     First pixel of the source region.
-/// @param srcStep  Bytes from one source row to the next, a multiple of 3.
-/// @param pDst     First pixels of the three destination planes, which must not overlap the source nor each other.
+/// @param srcStep  Bytes from one source row to the next; a multiple of 3.
+/// @param pDst     First pixels of the three destination planes, which must overlap neither the source nor each other.
 /// @param dstStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
 /// @param roiSize  Size of the region in pixels, both sides above 0.
-/// @retval ippStsNoErr      The channels are copied; bytes outside the region are untouched.
-/// @retval ippStsBadArgErr  Null pointer, also of a single plane, empty region, or a row longer than its step; nothing is
-///                          written to any plane.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsNoErr      The channels are copied; bytes outside the region are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, including that of a single plane, empty region, or a row longer than its
+///                          step; nothing is written to any plane.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_C3P3R(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3],
                                                   int dstStep, IppiSize roiSize);
 
@@ -971,33 +919,27 @@ OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_C3P3R(const unsigned char* pSrc, int
 /// @param pSrc     First pixels of the three source planes.
 /// @param srcStep  Bytes from one row of a plane to the next, at least `roiSize.width`.
 /// @param pDst     First pixel of the destination region, which must not overlap the planes.
-/// @param dstStep  Bytes from one destination row to the next, a multiple of 3.
+/// @param dstStep  Bytes from one destination row to the next; a multiple of 3.
 /// @param roiSize  Size of the region in pixels, both sides above 0.
-/// @retval ippStsNoErr      The planes are copied; bytes outside the region are untouched.
-/// @retval ippStsBadArgErr  As in `IPPMini_ippiCopy_8u_C3P3R`.
-/// @retval ippStsNoMemErr   As in `IPPMini_ippiCopy_8u_C3P3R`.
+/// @retval ippStsNoErr      The planes are copied; bytes outside the region are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, including that of a single plane, empty region, or a row longer than its
+///                          step; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep, unsigned char* pDst,
                                                   int dstStep, IppiSize roiSize);
 /// @}
 
 /// @name Convolution and box filter
 ///
-/// A convolution gives dst(x, y) = the sum over the kernel's cells (column i, row j) of
-/// kernel[j][i] x src(x + anchor.x - i, y + anchor.y - j), divided by the divisor, for each channel; rounded to the
-/// nearest integer (a half to the even one; sums are of 32-bit floats) and saturated. Kernels are dense arrays, row after
-/// row. The anchor is the cell that lies on the pixel; it may lie outside the kernel.
+/// A convolution computes, for each channel, the sum over the cells of the kernel (column i, row j) of
+/// kernel[j][i] x src(x + anchor.x - i, y + anchor.y - j), divided by the divisor. Sums are 32-bit floats; the result
+/// is rounded to the nearest integer, halves to even, and saturated. Kernels are dense arrays, row after row. The
+/// anchor is the cell that lies on the pixel; it may lie outside the kernel. Steps are multiples of the pixel size.
 ///
-/// With h = side / 2, rounded down, the source is read from column anchor.x - 2 h to roi.width - 1 + anchor.x and from
-/// row anchor.y - 2 h to roi.height - 1 + anchor.y of the region (for an even side, one more than the kernel needs).
-/// Where a kernel has 50 cells and more, up to h pixels to the right of these may be looked at as well if the rows are
-/// longer; they have no effect. Source and destination may share memory.
-///
-/// What all of them answer:
-/// - `ippStsNoErr`: the region is written; bytes outside it are untouched.
-/// - `ippStsBadArgErr`: an argument is refused, and nothing is written: a null pointer, a region or a kernel with a side
-///   of 0 or less, a divisor of 0, a source step shorter than the columns read, or a destination step shorter than the
-///   region's row.
-/// - `ippStsNoMemErr`: memory ran out; nothing is written.
+/// With h = side / 2 rounded down, the source is read from column anchor.x - 2 h to roi.width - 1 + anchor.x and from
+/// row anchor.y - 2 h to roi.height - 1 + anchor.y of the region (one more than needed if the side is even). With
+/// kernels of 50 cells or more, up to h further pixels to the right may be read if the rows are long enough; they do
+/// not affect the result. Source and destination may overlap.
 /// @{
 
 /// Convolution of one 8-bit channel with an integer kernel.
@@ -1007,113 +949,97 @@ OPCV_DLIB_API IppStatus IPPMini_ippiCopy_8u_P3C3R(const unsigned char* const pSr
 /// @param pDst        First pixel of the destination region.
 /// @param dstStep     Bytes from one destination row to the next.
 /// @param dstRoiSize  Size of the region in pixels.
-/// @param pKernel     kernelSize.width x kernelSize.height cells.
+/// @param pKernel     kernelSize.width x kernelSize.height cells, the same for every channel.
 /// @param kernelSize  Sides of the kernel, odd or even.
 /// @param anchor      Cell that lies on the pixel.
 /// @param divisor     Not 0; may be negative.
-/// @retval ippStsNoErr      As above.
-/// @retval ippStsBadArgErr  As above.
-/// @retval ippStsNoMemErr   As above.
+/// @retval ippStsNoErr      The region is written; bytes outside it are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, a side of the region or of the kernel is 0 or less, divisor 0, a source step
+///                          shorter than the columns read, or a destination step shorter than a row of the region;
+///                          nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPShare_ippiFilter_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                    int dstStep, IppiSize dstRoiSize, const int* pKernel,
                                                    IppiSize kernelSize, IppiPoint anchor, int divisor);
 
 /// Convolution of three interleaved 8-bit channels with an integer kernel.
 ///
-/// @param pSrc        As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param srcStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 3.
-/// @param pDst        As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param dstStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 3.
-/// @param dstRoiSize  As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param pKernel     As in `IPPShare_ippiFilter_8u_C1R`; one kernel for all channels.
-/// @param kernelSize  As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param anchor      As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param divisor     As in `IPPShare_ippiFilter_8u_C1R`.
-/// @retval ippStsNoErr      As above.
-/// @retval ippStsBadArgErr  As above.
-/// @retval ippStsNoMemErr   As above.
+/// @copydetails IPPShare_ippiFilter_8u_C1R
 OPCV_DLIB_API IppStatus IPPShare_ippiFilter_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                    int dstStep, IppiSize dstRoiSize, const int* pKernel,
                                                    IppiSize kernelSize, IppiPoint anchor, int divisor);
 
 /// Convolution of one 16-bit signed channel with an integer kernel.
 ///
-/// @param pSrc        As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param srcStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 2.
-/// @param pDst        As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param dstStep     As in `IPPShare_ippiFilter_8u_C1R`; a multiple of 2.
-/// @param dstRoiSize  As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param pKernel     As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param kernelSize  As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param anchor      As in `IPPShare_ippiFilter_8u_C1R`.
-/// @param divisor     As in `IPPShare_ippiFilter_8u_C1R`.
-/// @retval ippStsNoErr      As above.
-/// @retval ippStsBadArgErr  As above.
-/// @retval ippStsNoMemErr   As above.
+/// @copydetails IPPShare_ippiFilter_8u_C1R
 OPCV_DLIB_API IppStatus IPPShare_ippiFilter_16s_C1R(const short* pSrc, int srcStep, short* pDst, int dstStep,
                                                     IppiSize dstRoiSize, const int* pKernel, IppiSize kernelSize,
                                                     IppiPoint anchor, int divisor);
 
 /// Convolution of three interleaved 8-bit channels with a float kernel, without a divisor.
 ///
-/// @param pSrc        As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param srcStep     As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param pDst        As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param dstStep     As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param dstRoiSize  As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param pKernel     As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param kernelSize  As in `IPPShare_ippiFilter_8u_C3R`.
-/// @param anchor      As in `IPPShare_ippiFilter_8u_C3R`.
-/// @retval ippStsNoErr      As above.
-/// @retval ippStsBadArgErr  As above.
-/// @retval ippStsNoMemErr   As above.
+/// @param pSrc        First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next; a multiple of 3.
+/// @param pDst        First pixel of the destination region.
+/// @param dstStep     Bytes from one destination row to the next; a multiple of 3.
+/// @param dstRoiSize  Size of the region in pixels.
+/// @param pKernel     kernelSize.width x kernelSize.height cells, the same for every channel.
+/// @param kernelSize  Sides of the kernel, odd or even.
+/// @param anchor      Cell that lies on the pixel.
+/// @retval ippStsNoErr      The region is written; bytes outside it are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, a side of the region or of the kernel is 0 or less, a source step shorter
+///                          than the columns read, or a destination step shorter than a row of the region; nothing is
+///                          written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiFilter32f_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                      int dstStep, IppiSize dstRoiSize, const float* pKernel,
                                                      IppiSize kernelSize, IppiPoint anchor);
 
-/// Box filter in place, on three interleaved 8-bit channels: each pixel becomes the rounded mean of the mask's pixels,
-/// the top left one of which is (x - anchor.x, y - anchor.y). The mean is OpenCV's: up to 256 mask pixels it multiplies
-/// by a 23-bit reciprocal, which rounds up one sum early where their number is a power of two (4 pixels: a sum of 1
-/// gives 1; 2 pixels: even a sum of 0 does).
+/// Box filter in place on three interleaved 8-bit channels: each pixel becomes the rounded mean of the pixels under the
+/// mask, whose top left pixel is (x - anchor.x, y - anchor.y).
 ///
-/// The image is read from column -anchor.x to roi.width - 1 - anchor.x + 2 h, h = mask width / 2 rounded down, and
-/// likewise in rows; all means are formed from the pixels as they were before the call.
+/// The mean is the one that OpenCV computes. For masks of up to 256 pixels it multiplies by a 23-bit reciprocal. If the
+/// number of pixels is a power of two, this rounds up from one sum earlier (4 pixels: a sum of 1 gives 1; 2 pixels:
+/// even a sum of 0 gives 1).
+///
+/// With h = mask width / 2 rounded down, the image is read from column -anchor.x to roi.width - 1 - anchor.x + 2 h, and
+/// likewise in rows. All means are computed from the pixels as they were before the call.
 ///
 /// @param srcDst      First pixel of the region.
-/// @param srcDstStep  Bytes from one row to the next, a multiple of 3.
+/// @param srcDstStep  Bytes from one row to the next; a multiple of 3.
 /// @param roi         Size of the region in pixels.
 /// @param maskSize    Sides of the mask, at least 1, odd or even.
-/// @param anchor      Mask cell that lies on the pixel; it may lie outside the mask.
-/// @retval ippStsNoErr      The region is filtered; bytes outside it are untouched.
+/// @param anchor      Cell of the mask that lies on the pixel; it may lie outside the mask.
+/// @retval ippStsNoErr      The region is filtered; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, a side of the mask or of the region is 0 or less, or the step is shorter than
 ///                          the columns read; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus IPPMini_ippiFilterBox_8u_C3IR(unsigned char* srcDst, int srcDstStep, IppiSize roi,
                                                       IppiSize maskSize, IppiPoint anchor);
 
-/// Convolution of a whole packed 24-bit image with one square float kernel for all channels. The ring of `radius` pixels
-/// along the edges of `dst` is not written.
+/// Convolution of a whole packed 24-bit image with one square float kernel for all channels. The outer `radius` pixels
+/// at each edge of `dst` are not written.
 ///
 /// @param src     The image: rows of 3 x width bytes.
-/// @param dst     Receives the result, laid out like `src`; it may be `src`.
-/// @param size    Size of the image in pixels. If a side is not above 2 x radius, nothing is done.
-/// @param radius  The kernel's sides are 2 x radius + 1. Below 0 nothing is done.
-/// @param kernel  The cells, row after row. If this or another pointer is null, nothing is done.
+/// @param dst     Receives the result, laid out like `src`; may be `src`.
+/// @param size    Size of the image in pixels. Nothing is done if a side is not above 2 x radius.
+/// @param radius  The sides of the kernel are 2 x radius + 1. Nothing is done if it is below 0.
+/// @param kernel  The cells, row after row. Nothing is done if this or another pointer is null.
 OPCV_DLIB_API void Convolution24MonoFilter(const unsigned char* src, unsigned char* dst, IppiSize size, int radius,
                                            const float* kernel);
 
-/// Convolution of a whole packed 24-bit image with a square float kernel for each channel.
+/// Convolution of a whole packed 24-bit image with one square float kernel per channel.
 ///
 /// @param src      The image: rows of 3 x width bytes.
-/// @param dst      Receives the result, laid out like `src`; it may be `src`. The ring of `radius` pixels along the edges
-///                 is not filtered: it holds the source's pixels, and no caller should rely on it.
+/// @param dst      Receives the result, laid out like `src`; may be `src`. The outer `radius` pixels at each edge are
+///                 not filtered: they hold the pixels of the source, but callers should not rely on that.
 /// @param size     Size of the image in pixels.
-/// @param radius   The kernels' sides are 2 x radius + 1.
-/// @param kernels  Three kernels, one behind the other, in the reverse order of the channels: the first is for the last
-///                 byte of a pixel, the third for the first byte.
+/// @param radius   The sides of the kernels are 2 x radius + 1.
+/// @param kernels  Three kernels, one after the other, in the reverse order of the channels: the first applies to the
+///                 last byte of a pixel, the third to the first byte.
 /// @return true if the image is filtered; false, with nothing written, if a pointer is null, the radius is below 0, a
-///         side of the image is not above 2 x radius, the image (with rows of a multiple of 64 bytes) does not fit in 31
-///         bits of bytes, or memory ran out.
+///         side of the image is not above 2 x radius, the image (with rows of a multiple of 64 bytes) needs more than
+///         2^31 - 1 bytes, or memory is exhausted.
 OPCV_DLIB_API bool Convolution24(const unsigned char* src, unsigned char* dst, IppiSize size, int radius,
                                  const float* kernels);
 /// @}
@@ -1121,52 +1047,54 @@ OPCV_DLIB_API bool Convolution24(const unsigned char* src, unsigned char* dst, I
 /// @name Noise reduction
 /// @{
 
-/// Bilateral filter of one 8-bit channel: each pixel becomes the weighted mean of the pixels not farther away than half
-/// the kernel's side, with weights exp(-d^2 / 2 colorSquareSigma) exp(-r^2 / 2 spaceSquareSigma) for a difference d in
-/// grey and a distance r in pixels.
+/// Bilateral filter of one 8-bit channel: each pixel becomes the weighted mean of the pixels within half the side of
+/// the kernel. A pixel with a grey difference d at a distance of r pixels has the weight
+/// exp(-d^2 / 2 colorSquareSigma) exp(-r^2 / 2 spaceSquareSigma).
 ///
-/// @param src               First pixel of the source region; the image continues kernelSize.width / 2 pixels past every
-///                          edge. (Sides of 1 filter with 3x3 pixels, and what lies left, above and below the region is
-///                          mirrored from it; to the right it is read if the rows are longer, otherwise mirrored.)
+/// A kernel with sides of 1 filters over 3 x 3 pixels. The pixels left of, above and below the region are then mirrored
+/// from it; those to the right are read if the rows are long enough and mirrored otherwise.
+///
+/// @param src               First pixel of the source region; the image extends kernelSize.width / 2 pixels beyond
+///                          every edge.
 /// @param srcStep           Bytes from one source row to the next.
-/// @param dst               First pixel of the destination region; may share memory with the source.
+/// @param dst               First pixel of the destination region; may overlap the source.
 /// @param dstStep           Bytes from one destination row to the next.
 /// @param roi               Size of the region in pixels.
 /// @param kernelSize        Sides of the neighbourhood: equal and odd.
 /// @param colorSquareSigma  Square of sigma in grey levels; 0 counts as 1.
 /// @param spaceSquareSigma  Square of sigma in pixels; 0 counts as 1.
-/// @retval ippStsNoErr      The region is filtered; bytes outside it are untouched.
+/// @retval ippStsNoErr      The region is filtered; bytes outside it are unchanged.
 /// @retval ippStsBadArgErr  Null pointer, sides of the kernel unequal, even or below 1, a side of the region 0 or less,
-///                          or a step shorter than the columns that it serves; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+///                          or a step shorter than the columns read or written; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 OPCV_DLIB_API IppStatus OPCV_ippiFilterBilateral_8u_C1R(const unsigned char* src, int srcStep, unsigned char* dst,
                                                         int dstStep, IppiSize roi, IppiSize kernelSize,
                                                         float colorSquareSigma, float spaceSquareSigma);
 
 /// Noise reduction of a whole packed grey image: the bilateral filter with both squared sigmas 96 x strength, or 1 for
-/// strength 0. The outer ring of `dst` (2 pixels in mode 2, otherwise 1) is not written.
+/// strength 0. The outermost pixels of `dst` (2 at each edge in mode 2, otherwise 1) are not written.
 ///
 /// @param src       The image: rows of `size.width` bytes.
-/// @param dst       Receives the result, laid out like `src`; it may be `src`. If a pointer is null, nothing is done.
-/// @param size      Size of the image in pixels. If a side has no more than the ring's pixels, nothing is done.
-/// @param mode      2: 5x5 pixels; every other value: 3x3.
+/// @param dst       Receives the result, laid out like `src`; may be `src`. Nothing is done if a pointer is null.
+/// @param size      Size of the image in pixels. Nothing is done if a side has no pixels besides the outermost ones.
+/// @param mode      2: 5 x 5 pixels; any other value: 3 x 3.
 /// @param strength  0 to 10; not checked.
 OPCV_DLIB_API void DeosNr(const unsigned char* src, unsigned char* dst, IppiSize size, int mode, int strength);
 
 /// Noise reduction of a whole packed 24-bit image: `DeosNr` on each channel.
 ///
 /// @param src       The image: rows of 3 x width bytes.
-/// @param dst       Receives the result, laid out like `src`; it may be `src`. The outer ring is not filtered: it holds
-///                  the source's pixels, and no caller should rely on it.
-/// @param width     Pixels a row, a multiple of 4.
+/// @param dst       Receives the result, laid out like `src`; may be `src`. The outermost pixels are not filtered: they
+///                  hold the pixels of the source, but callers should not rely on that.
+/// @param width     Pixels per row, a multiple of 4.
 /// @param height    Rows.
-/// @param mode      0 and 1: 3x3 pixels; 2: 5x5.
+/// @param mode      0 and 1: 3 x 3 pixels; 2: 5 x 5.
 /// @param strength  0 to 10.
-/// @retval 0  The image is filtered; or, with nothing written, a pointer is null, a side is 0 or less, the image (with
-///            rows of a multiple of 64 bytes) does not fit in 31 bits of bytes, or memory ran out.
+/// @retval 0  The image is filtered. Also returned, with nothing written, if a pointer is null, a side is 0 or less,
+///            the image (with rows of a multiple of 64 bytes) needs more than 2^31 - 1 bytes, or memory is exhausted.
 /// @retval 1  `mode` is not 0 to 2; nothing is written.
 /// @retval 2  `strength` is not 0 to 10; nothing is written.
-/// @retval 3  `width` is no multiple of 4; nothing is written.
+/// @retval 3  `width` is not a multiple of 4; nothing is written.
 OPCV_DLIB_API int DeosNrRGB(const unsigned char* src, unsigned char* dst, int width, int height, int mode,
                             int strength);
 /// @}
@@ -1174,14 +1102,16 @@ OPCV_DLIB_API int DeosNrRGB(const unsigned char* src, unsigned char* dst, int wi
 /// @name Matrix product and cosine transform
 /// @{
 
-/// Single-precision matrix product: C = alpha op(A) op(B) + beta C, with op(A) of M x K, op(B) of K x N and C of M x N
-/// elements. Leading dimensions are in elements. Nothing is done if a matrix pointer is null, a size is 0 or less, a
-/// leading dimension is shorter than the rows (columns, if column-major) as they are stored, or its bytes do not fit in
-/// 31 bits.
+/// Single-precision matrix product: C = alpha op(A) op(B) + beta C, where op(A) has M x K elements, op(B) K x N and C
+/// M x N.
 ///
-/// @param order   101: row-major; every other value: column-major.
-/// @param transA  111: A as it is stored; every other value: its transpose.
-/// @param transB  111: B as it is stored; every other value: its transpose.
+/// Leading dimensions are in elements. Nothing is done if a matrix pointer is null, a size is 0 or less, a leading
+/// dimension is shorter than a stored row (a stored column if column-major), or a leading dimension is longer than
+/// 2^31 - 1 bytes.
+///
+/// @param order   101: row-major; any other value: column-major.
+/// @param transA  111: A as stored; any other value: its transpose.
+/// @param transB  111: B as stored; any other value: its transpose.
 /// @param M       Rows of op(A) and C.
 /// @param N       Columns of op(B) and C.
 /// @param K       Columns of op(A), rows of op(B).
@@ -1190,15 +1120,15 @@ OPCV_DLIB_API int DeosNrRGB(const unsigned char* src, unsigned char* dst, int wi
 /// @param lda     Its leading dimension.
 /// @param B       Second matrix.
 /// @param ldb     Its leading dimension.
-/// @param beta    Factor of what C holds; with 0 it is not read.
-/// @param C       Receives the result; elements beside it are untouched.
+/// @param beta    Factor of the previous contents of C; if it is 0, C is not read.
+/// @param C       Receives the result; elements outside the M x N are unchanged.
 /// @param ldc     Its leading dimension.
 OPCV_DLIB_API void OPCV_cblas_sgemm(int order, int transA, int transB, int M, int N, int K, float alpha, const float* A,
                                     int lda, const float* B, int ldb, float beta, float* C, int ldc);
 
-/// Replaces a table of n x n values by its orthonormal discrete cosine transform (forward: type II). It is one transform
-/// of length n x n over the rows, one behind the other, not one in two dimensions. Odd n is summed up by the definition
-/// and takes n^4 steps.
+/// Replaces a table of n x n values by its orthonormal discrete cosine transform (type II forward). This is one
+/// transform of length n x n over the rows, one after the other, not a two-dimensional transform. For odd n, the sum is
+/// computed by the definition, in n^4 steps.
 ///
 /// @param direction  0 and above: forward; below 0: inverse.
 /// @param rows       The n rows of n values each. If it or a row is null, nothing is written.
@@ -1220,9 +1150,10 @@ typedef Scalar_<double> Scalar;
 /// @name Square median, any pixel type
 /// @{
 
-/// Median of a region by a square mask, for any pixel type that OpenCV's median filter takes; each channel by itself.
+/// Median of a region under a square mask, for any pixel type that OpenCV's median filter accepts. Each channel is
+/// filtered separately.
 ///
-/// @param pSrc      First pixel of the source region. The image must hold every window, as told for
+/// @param pSrc      First pixel of the source region. The image must contain every window, as described for
 ///                  `IPPShare_ippiFilterMedian_8u_C1R`.
 /// @param srcStep   Bytes from one source row to the next; a multiple of the pixel size.
 /// @param type      OpenCV type code: 0 for one 8-bit channel, 16 for three, ...
@@ -1230,11 +1161,11 @@ typedef Scalar_<double> Scalar;
 /// @param dstStep   Bytes from one destination row to the next; a multiple of the pixel size.
 /// @param roiSize   Size of the region in pixels.
 /// @param maskSize  Size of the mask: odd, width equal to height.
-/// @param anchor    Cell of the mask that lies over the pixel, counted from 0.
+/// @param anchor    Cell of the mask that lies on the pixel, counted from 0.
 /// @retval ippStsNoErr      The region is filtered; no byte outside it is written.
-/// @retval ippStsBadArgErr  Null pointer, mask not square or not odd, empty region, or rows too short for the region (at
-///                          the source: for the region and m - 1 more pixels); nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsBadArgErr  Null pointer, mask not square or not odd, empty region, or rows too short for the region
+///                          (in the source: for the region and m - 1 more pixels); nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 /// @throws cv::Exception if OpenCV has no median for the type and mask; nothing is written.
 OPCV_DLIB_API IppStatus ippiFilterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstStep,
                                          const IppiSize& roiSize, const IppiSize& maskSize, const IppiPoint& anchor);
@@ -1242,62 +1173,42 @@ OPCV_DLIB_API IppStatus ippiFilterMedian(const void* pSrc, int srcStep, int type
 
 /// @name Medians without checks
 ///
-/// What the checked entry points of the medians with a fixed window call, for arguments that are known to be good. Rows
-/// of the destination must not overlap.
+/// The medians with a fixed window, without checks of their arguments. The rows of the destination must not overlap.
 /// @{
 
-/// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 33.
+/// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 33, without checks.
 ///
-/// @param pSrc     First pixel of the source region; the image goes on 1 pixel on each side.
+/// @param pSrc     First pixel of the source region; the image extends 1 pixel beyond every edge, or 2 pixels in
+///                 `FilterMedianCross5x5_8u_C1R`.
 /// @param srcStep  Bytes from one source row to the next.
 /// @param pDst     First pixel of the destination region; must not overlap the source.
 /// @param dstStep  Bytes from one destination row to the next.
-/// @param width    Pixels a row, at least 1.
-/// @param height   Rows; 0 and less do nothing.
+/// @param width    Pixels per row, at least 1.
+/// @param height   Rows; nothing is done if it is 0 or less.
 OPCV_DLIB_API void FilterMedianCross3x3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                                int width, int height);
 
-/// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 55.
+/// `IPPShare_ippiFilterMedianCross_8u_C1R` with mask 55, without checks.
 ///
-/// @param pSrc     First pixel of the source region; the image goes on 2 pixels on each side.
-/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
-/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+/// @copydetails FilterMedianCross3x3_8u_C1R
 OPCV_DLIB_API void FilterMedianCross5x5_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                                int width, int height);
 
-/// `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` with weight 3.
+/// `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` with weight 3, without checks.
 ///
-/// @param pSrc     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
-/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+/// @copydetails FilterMedianCross3x3_8u_C1R
 OPCV_DLIB_API void FilterMedianWeightedCenter3x3_3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                           int dstStep, int width, int height);
 
-/// `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` with weight 5.
+/// `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` with weight 5, without checks.
 ///
-/// @param pSrc     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
-/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+/// @copydetails FilterMedianCross3x3_8u_C1R
 OPCV_DLIB_API void FilterMedianWeightedCenter3x3_5_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                           int dstStep, int width, int height);
 
-/// `IPPShare_ippiFilterMedianColor_8u_C3R` with mask 33.
+/// `IPPShare_ippiFilterMedianColor_8u_C3R` with mask 33, without checks.
 ///
-/// @param pSrc     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param srcStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param pDst     As in `FilterMedianCross3x3_8u_C1R`.
-/// @param dstStep  As in `FilterMedianCross3x3_8u_C1R`.
-/// @param width    As in `FilterMedianCross3x3_8u_C1R`.
-/// @param height   As in `FilterMedianCross3x3_8u_C1R`.
+/// @copydetails FilterMedianCross3x3_8u_C1R
 OPCV_DLIB_API void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                                int width, int height);
 /// @}
@@ -1307,9 +1218,9 @@ OPCV_DLIB_API void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int sr
 
 /// Turns a region about its top-left pixel and moves the result by whole pixels. Uncovered pixels get the border value.
 ///
-/// When the moved destination rectangle does not lie within the region, the region is enlarged first: with what the
-/// source image really holds above, to the left and, as far as the step reaches, to the right of it, and with the
-/// border value where there is no image. Bytes that pad a row count as image.
+/// If the destination rectangle, moved back by the shift, extends beyond the region, the region is enlarged first: with
+/// the pixels of the source image above it, to its left and, as far as the step reaches, to its right; with the border
+/// value where there is no image. Bytes that pad a row count as image.
 ///
 /// @param src            First row of the source image.
 /// @param srcSize        Size of the source image.
@@ -1320,15 +1231,15 @@ OPCV_DLIB_API void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int sr
 /// @param dstRoi         Part of the destination that is filled.
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @param xShift         Shift to the right after the turn; rounded to whole pixels, halves away from zero.
-/// @param yShift         Shift down after the turn, likewise.
-/// @param interpolation  Ignored: always bilinear.
+/// @param yShift         Shift down after the turn, rounded in the same way.
+/// @param interpolation  Ignored; always bilinear.
 /// @param type           OpenCV type code: 0 for one 8-bit channel, 16 for three, 24 for four.
-/// @param borderValue    Fill for pixels from outside the source.
+/// @param borderValue    Value of pixels from outside the source.
 /// @retval ippStsNoErr      The destination rectangle is filled.
 /// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, a rectangle is empty or does
-///                          not fit in its rows, or a shift leaves the range of int; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
-/// @throws cv::Exception if a side of the region, enlarged as above, reaches 32767 pixels; nothing is written.
+///                          not fit in its rows, or a shift is outside the range of int; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
+/// @throws cv::Exception if a side of the region, enlarged as described, is 32767 pixels or longer; nothing is written.
 OPCV_DLIB_API IppStatus ippiRotate(const unsigned char* src, const IppiSize& srcSize, int srcStep,
                                    const IppiRect& srcRoi, unsigned char* dst, int dstStep, const IppiRect& dstRoi,
                                    double angle, float xShift, float yShift, int interpolation, int type,
@@ -1342,19 +1253,19 @@ OPCV_DLIB_API IppStatus ippiRotate(const unsigned char* src, const IppiSize& src
 /// @param srcRoi         Part of the source that is turned.
 /// @param dst            First row of the destination image; must not overlap the source.
 /// @param dstStep        Bytes from one destination row to the next.
-/// @param dstRoi         Part of the destination that is filled. Where it is larger than the source region, the rest of
-///                       it is left as it was.
+/// @param dstRoi         Part of the destination that is filled. If it is larger than the source region, the rest of it
+///                       is unchanged.
 /// @param angle          Degrees, counter-clockwise on screen.
 /// @param xCenter        Column of the centre, in pixels of the source region; converted to float.
-/// @param yCenter        Row of the centre, likewise.
-/// @param interpolation  Ignored: always bilinear.
+/// @param yCenter        Row of the centre; converted to float.
+/// @param interpolation  Ignored; always bilinear.
 /// @param type           OpenCV type code: 0 for one 8-bit channel, 16 for three, 24 for four.
-/// @param borderValue    Fill for pixels from outside the source region.
+/// @param borderValue    Value of pixels from outside the source region.
 /// @retval ippStsNoErr      The destination rectangle is filled.
 /// @retval ippStsBadArgErr  The region is larger than the source image, a pointer is null, or a rectangle is empty or
 ///                          does not fit in its rows; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
-/// @throws cv::Exception if a side of the source region reaches 32767 pixels; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
+/// @throws cv::Exception if a side of the source region is 32767 pixels or longer; nothing is written.
 OPCV_DLIB_API IppStatus ippiRotateCenter(const unsigned char* src, const IppiSize& srcSize, int srcStep,
                                          const IppiRect& srcRoi, unsigned char* dst, int dstStep,
                                          const IppiRect& dstRoi, double angle, double xCenter, double yCenter,
@@ -1363,55 +1274,49 @@ OPCV_DLIB_API IppStatus ippiRotateCenter(const unsigned char* src, const IppiSiz
 
 /// @name JPEG compression of buffers
 ///
-/// Each appends a complete stream to `out`. Nothing is checked but what the encoder checks itself.
+/// Each function appends a complete stream to `out`. The only checks are those of the encoder.
 /// @{
 
 /// Compresses a grey raster.
 ///
-/// @param pixels           First row, one byte a pixel.
+/// @param pixels           First row: one byte per pixel, or three in `CompressRGB2YCbCr444`.
 /// @param rowBytes         Bytes from one row to the next.
-/// @param width            Pixels a row, 1 to 65500.
+/// @param width            Pixels per row, 1 to 65500.
 /// @param height           Rows, 1 to 65500.
-/// @param out              Receives the stream behind what it already holds.
+/// @param out              The stream is appended to its contents.
 /// @param quality          1 to 100.
-/// @param yResolution      Vertical dots per inch; the low 16 bits are stored. It comes before the horizontal one.
-/// @param xResolution      Horizontal dots per inch, likewise.
-/// @param useCustomTables  The library's own quantisation table, scaled by the quality, instead of libjpeg's.
-/// @return true if a complete stream was appended; false if the encoder failed, and part of one may have been.
-/// @throws std::bad_alloc if the encoder's work buffer cannot be had; nothing is appended.
+/// @param yResolution      Vertical dots per inch; the low 16 bits are stored. Note that it precedes the horizontal
+///                         one.
+/// @param xResolution      Horizontal dots per inch; the low 16 bits are stored.
+/// @param useCustomTables  Use the library's own quantisation tables, scaled by the quality, instead of those of
+///                         libjpeg.
+/// @return true if a complete stream was appended; false if the encoder failed, after which part of a stream may have
+///         been appended.
+/// @throws std::bad_alloc if allocating the work buffer of the encoder fails; nothing is appended.
 OPCV_DLIB_API bool CompressGray2Gray444(const unsigned char* pixels, int rowBytes, int width, int height,
                                         std::vector<unsigned char>& out, int quality, int yResolution, int xResolution,
                                         bool useCustomTables);
 
 /// Compresses a red, green, blue raster without subsampling.
 ///
-/// @param pixels           First row, three bytes a pixel.
-/// @param rowBytes         As in `CompressGray2Gray444`.
-/// @param width            As in `CompressGray2Gray444`.
-/// @param height           As in `CompressGray2Gray444`.
-/// @param out              As in `CompressGray2Gray444`.
-/// @param quality          As in `CompressGray2Gray444`.
-/// @param yResolution      As in `CompressGray2Gray444`.
-/// @param xResolution      As in `CompressGray2Gray444`.
-/// @param useCustomTables  The library's own two quantisation tables, scaled by the quality, instead of libjpeg's.
-/// @return As in `CompressGray2Gray444`.
-/// @throws std::bad_alloc if the encoder's work buffer cannot be had; nothing is appended.
+/// @copydetails CompressGray2Gray444
 OPCV_DLIB_API bool CompressRGB2YCbCr444(const unsigned char* pixels, int rowBytes, int width, int height,
                                         std::vector<unsigned char>& out, int quality, int yResolution, int xResolution,
                                         bool useCustomTables);
 
-/// Compresses a red, green, blue raster with chroma subsampled 2 x 2 and libjpeg's quantisation tables.
+/// Compresses a red, green, blue raster with chroma subsampled 2 x 2 and the quantisation tables of libjpeg.
 ///
-/// @param pixels       First row, three bytes a pixel.
-/// @param rowBytes     As in `CompressGray2Gray444`.
-/// @param width        As in `CompressGray2Gray444`.
-/// @param height       As in `CompressGray2Gray444`.
-/// @param out          As in `CompressGray2Gray444`.
-/// @param quality      As in `CompressGray2Gray444`.
-/// @param yResolution  As in `CompressGray2Gray444`.
-/// @param xResolution  As in `CompressGray2Gray444`.
-/// @return As in `CompressGray2Gray444`.
-/// @throws std::bad_alloc if the encoder's work buffer cannot be had; nothing is appended.
+/// @param pixels       First row: three bytes per pixel.
+/// @param rowBytes     Bytes from one row to the next.
+/// @param width        Pixels per row, 1 to 65500.
+/// @param height       Rows, 1 to 65500.
+/// @param out          The stream is appended to its contents.
+/// @param quality      1 to 100.
+/// @param yResolution  Vertical dots per inch; the low 16 bits are stored. Note that it precedes the horizontal one.
+/// @param xResolution  Horizontal dots per inch; the low 16 bits are stored.
+/// @return true if a complete stream was appended; false if the encoder failed, after which part of a stream may have
+///         been appended.
+/// @throws std::bad_alloc if allocating the work buffer of the encoder fails; nothing is appended.
 OPCV_DLIB_API bool CompressRGB2YCbCr411(const unsigned char* pixels, int rowBytes, int width, int height,
                                         std::vector<unsigned char>& out, int quality, int yResolution, int xResolution);
 /// @}
@@ -1419,27 +1324,27 @@ OPCV_DLIB_API bool CompressRGB2YCbCr411(const unsigned char* pixels, int rowByte
 /// @name Bit packing without checks
 /// @{
 
-/// `IPPShare_ippiConvert_1u8u_C1R` for arguments that are known to be good.
+/// `IPPShare_ippiConvert_1u8u_C1R` without checks.
 ///
 /// @param src        Byte that holds the region's first pixel.
 /// @param srcStep    Bytes from one source row to the next.
 /// @param bitOffset  Bits of that byte before the first pixel, 0 to 7.
 /// @param dst        First pixel of the destination.
 /// @param dstStep    Bytes from one destination row to the next.
-/// @param width      Pixels a row, at least 1.
-/// @param height     Rows; 0 and less do nothing.
+/// @param width      Pixels per row, at least 1.
+/// @param height     Rows; nothing is done if it is 0 or less.
 OPCV_DLIB_API void Convert_1u8u_C1R(const unsigned char* src, int srcStep, int bitOffset, unsigned char* dst,
                                     int dstStep, int width, int height);
 
-/// `IPPShare_ippiReduceBits_8u1u_C1R` for arguments that are known to be good.
+/// `IPPShare_ippiReduceBits_8u1u_C1R` without checks.
 ///
 /// @param src        First pixel of the source.
 /// @param srcStep    Bytes from one source row to the next.
 /// @param dst        Byte that receives the region's first pixel.
 /// @param dstStep    Bytes from one destination row to the next.
 /// @param bitOffset  Bits of that byte before the first pixel, 0 to 7.
-/// @param width      Pixels a row, at least 1.
-/// @param height     Rows; 0 and less do nothing.
+/// @param width      Pixels per row, at least 1.
+/// @param height     Rows; nothing is done if it is 0 or less.
 /// @param threshold  Largest grey value that becomes 0.
 OPCV_DLIB_API void Convert_8u1u_C1R(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep,
                                     int bitOffset, int width, int height, unsigned char threshold);
@@ -1448,67 +1353,63 @@ OPCV_DLIB_API void Convert_8u1u_C1R(const unsigned char* src, int srcStep, unsig
 /// @name Thresholds without checks
 /// @{
 
-/// `IPPShare_ippiThreshold_LTVal_8u_C1IR` for arguments that are known to be good. The step may be negative.
+/// `IPPShare_ippiThreshold_LTVal_8u_C1IR` without checks. The step may be negative.
 ///
 /// @param p          First pixel of the region.
 /// @param step       Bytes from one row to the next.
-/// @param width      Pixels a row; 0 and less do nothing.
-/// @param height     Rows; 0 and less do nothing.
+/// @param width      Pixels per row; nothing is done if it is 0 or less.
+/// @param height     Rows; nothing is done if it is 0 or less.
 /// @param threshold  Largest value that is replaced.
-/// @param value      What it is replaced by.
+/// @param value      Value that replaces it.
 OPCV_DLIB_API void Threshold_LTVal_8u_C1IR(unsigned char* p, int step, int width, int height, unsigned char threshold,
                                            unsigned char value);
 
-/// `IPPShare_ippiThreshold_LTVal_16s_C1IR` for arguments that are known to be good.
+/// `IPPShare_ippiThreshold_LTVal_16s_C1IR` without checks. The step may be negative.
 ///
-/// @param p          First pixel of the region.
-/// @param step       Bytes from one row to the next, of any sign.
-/// @param width      Pixels a row; 0 and less do nothing.
-/// @param height     Rows; 0 and less do nothing.
-/// @param threshold  Largest value that is replaced.
-/// @param value      What it is replaced by.
+/// @copydetails Threshold_LTVal_8u_C1IR
 OPCV_DLIB_API void Threshold_LTVal_16s_C1IR(short* p, int step, int width, int height, short threshold, short value);
 /// @}
 
 /// @name Convolution of any pixel type
 /// @{
 
-/// Convolution with an integer kernel, as described for `IPPShare_ippiFilter_8u_C1R`, of any pixel type that OpenCV's
-/// linear filter takes.
+/// Convolution with an integer kernel, as described for `IPPShare_ippiFilter_8u_C1R`, for any pixel type that OpenCV's
+/// linear filter accepts.
 ///
 /// @param src         First pixel of the source region.
-/// @param srcStep     Bytes from one source row to the next, a multiple of the pixel size.
+/// @param srcStep     Bytes from one source row to the next; a multiple of the pixel size.
 /// @param type        OpenCV type code: 0 for one 8-bit channel, 16 for three, 3 for one 16-bit signed channel.
 /// @param dst         First pixel of the destination region.
-/// @param dstStep     Bytes from one destination row to the next, a multiple of the pixel size.
+/// @param dstStep     Bytes from one destination row to the next; a multiple of the pixel size.
 /// @param roi         Size of the region in pixels.
 /// @param kernel      kernelSize.width x kernelSize.height cells.
 /// @param kernelSize  Sides of the kernel, odd or even.
 /// @param anchor      Cell that lies on the pixel; it may lie outside the kernel.
 /// @param divisor     Not 0; may be negative.
-/// @retval ippStsNoErr      The region is written; bytes outside it are untouched.
-/// @retval ippStsBadArgErr  Null pointer, a side of the region or the kernel is 0 or less, divisor 0, or a step shorter
-///                          than the columns that it serves; nothing is written.
-/// @retval ippStsNoMemErr   Memory ran out; nothing is written.
+/// @retval ippStsNoErr      The region is written; bytes outside it are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, a side of the region or of the kernel is 0 or less, divisor 0, or a step
+///                          shorter than the columns read or written; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
 /// @throws cv::Exception if OpenCV has no linear filter for the type; nothing is written.
 OPCV_DLIB_API IppStatus ippiFilter(const void* src, int srcStep, int type, void* dst, int dstStep, const IppiSize& roi,
                                    const int* kernel, const IppiSize& kernelSize, const IppiPoint& anchor, int divisor);
 
 /// `ippiFilter` with a float kernel and without a divisor.
 ///
-/// @param src         As in `ippiFilter`.
-/// @param srcStep     As in `ippiFilter`.
-/// @param type        As in `ippiFilter`.
-/// @param dst         As in `ippiFilter`.
-/// @param dstStep     As in `ippiFilter`.
-/// @param roi         As in `ippiFilter`.
-/// @param kernel      As in `ippiFilter`.
-/// @param kernelSize  As in `ippiFilter`.
-/// @param anchor      As in `ippiFilter`.
-/// @retval ippStsNoErr      As in `ippiFilter`.
-/// @retval ippStsBadArgErr  As in `ippiFilter`, but there is no divisor.
-/// @retval ippStsNoMemErr   As in `ippiFilter`.
-/// @throws cv::Exception where `ippiFilter` does; nothing is written.
+/// @param src         First pixel of the source region.
+/// @param srcStep     Bytes from one source row to the next; a multiple of the pixel size.
+/// @param type        OpenCV type code: 0 for one 8-bit channel, 16 for three, 3 for one 16-bit signed channel.
+/// @param dst         First pixel of the destination region.
+/// @param dstStep     Bytes from one destination row to the next; a multiple of the pixel size.
+/// @param roi         Size of the region in pixels.
+/// @param kernel      kernelSize.width x kernelSize.height cells.
+/// @param kernelSize  Sides of the kernel, odd or even.
+/// @param anchor      Cell that lies on the pixel; it may lie outside the kernel.
+/// @retval ippStsNoErr      The region is written; bytes outside it are unchanged.
+/// @retval ippStsBadArgErr  Null pointer, a side of the region or of the kernel is 0 or less, or a step shorter than
+///                          the columns read or written; nothing is written.
+/// @retval ippStsNoMemErr   Out of memory; nothing is written.
+/// @throws cv::Exception if OpenCV has no linear filter for the type; nothing is written.
 OPCV_DLIB_API IppStatus ippiFilter32f(const void* src, int srcStep, int type, void* dst, int dstStep,
                                       const IppiSize& roi, const float* kernel, const IppiSize& kernelSize,
                                       const IppiPoint& anchor);

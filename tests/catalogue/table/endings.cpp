@@ -28,11 +28,14 @@ std::map<std::string, std::string> endings(const std::string& header) {
             add(value == kStatusValues.end() ? name : value->second);
         } else if (line.find("@throws ") != std::string::npos) {
             add("`" + wordAfter(line, "@throws") + "`");
+        } else if (line.find("@copydetails ") != std::string::npos) {
+            add(all.at(wordAfter(line, "@copydetails")));
         } else if (line.rfind("OPCV_DLIB_API ", 0) == 0) {
             const size_t bracket = line.find('(');
             const size_t start = line.find_last_of(" *", bracket) + 1;
             const std::string type = line.substr(14, start - 14);
-            if (type == "bool ") results.insert(0, results.empty() ? "true, false" : "true, false, ");
+            const bool copied = results.rfind("true, false", 0) == 0;
+            if (type == "bool " && !copied) results.insert(0, results.empty() ? "true, false" : "true, false, ");
             if (type == "int " && results.empty()) results = "0";
             if (type == "IppStatus " && results.empty()) results = "0";
             if (type.find('*') != std::string::npos) results = "pointer, null";

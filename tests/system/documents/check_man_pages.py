@@ -1,9 +1,10 @@
-"""Every exported function has its manual page.
+"""Checks that every exported function has a complete manual page.
 
     check_man_pages.py NM LIBRARY MAN_FOLDER
 
-`man FUNCTION` leads to the page of a family, which declares the function and has a section about it; the page's own name
-line lists it, so that `apropos` finds it. There is no page of a function that is not exported.
+`man FUNCTION` shows the page of a family. That page lists the function in its name line, so that `apropos` finds it,
+declares it, and has a section about it, which describes each parameter and, unless the function returns nothing or takes
+no argument, its result. No function that is not exported has a page.
 """
 import pathlib
 import re
@@ -17,6 +18,19 @@ names = {re.match(r"\w+", line).group() for line in symbols.splitlines()
          if not line.startswith("OPCV_1.")}    # the version of the names
 if not names:
     sys.exit(f"{library} exports nothing")
+
+
+def incomplete(section, name):
+    """The parameters of a function, and "Returns:", that its section does not describe."""
+    prototype, _, description = section.partition("\n.PP\n")
+    parameters = re.findall(r"\\fI(\w+)\\fP", prototype)
+    missing = [p for p in parameters if f"\n.I {p}\n" not in description]
+    returns_nothing = prototype.split(name)[0].strip() == "\\fBvoid"
+    if parameters and not returns_nothing and "\nReturns:\n" not in description:
+        missing.append("Returns:")
+    return missing
+
+
 faults = []
 for name in sorted(names):
     link = folder / "man3" / f"{name}.3"
@@ -33,6 +47,9 @@ for name in sorted(names):
                         ("section", f".SS {name}\n.HP\n" in text)):
         if not found:
             faults.append(f"{family.name}: no {what} for {name}")
+    section = re.search(rf"^\.SS {name}\n\.HP\n(.*?)(?=^\.S[SH] |\Z)", text, re.S | re.M)
+    if section:
+        faults += [f"{family.name}: {name} does not describe {part}" for part in incomplete(section.group(1), name)]
 pages = {path.stem for path in (folder / "man3").glob("*.3") if path.read_text().startswith(".so ")}
 faults += [f"{name} has a manual page and is not exported" for name in sorted(pages - names)]
 if faults:
