@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # clang-format, clang-tidy and shellcheck.
 
-lint_packages=(shellcheck)
+lint_packages=(clang-format clang-tidy clang-tools shellcheck)
 library='^src/'
 
 our_sources() { git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' '*.c'; }
@@ -37,4 +37,7 @@ cmd_lint() {
     [ "$failed" -eq 0 ]
 }
 
-cmd_format() { our_sources | xargs clang-format -i; }
+cmd_format() {
+    need "${lint_packages[@]}"
+    our_sources | xargs clang-format -i
+}

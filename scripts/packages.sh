@@ -2,7 +2,7 @@
 # The Debian packages that each command needs.
 
 packages=(
-    abigail-tools ca-certificates clang-format clang-tidy clang-tools cmake g++ git ninja-build pkg-config python3
+    abigail-tools ca-certificates cmake g++ git ninja-build pkg-config python3
     libbenchmark-dev libgtest-dev libhwy-dev libjpeg62-turbo-dev
     libopencv-core-dev libopencv-imgcodecs-dev libopencv-imgproc-dev
     libcli11-dev libgraphicsmagick1-dev libleptonica-dev libtiff-dev
@@ -24,4 +24,14 @@ need() {
 
 install_packages() { need "${packages[@]}"; }
 
-cmd_setup() { install_packages; }
+# A hook of the developer's own choice stays.
+install_hook() {
+    git rev-parse --is-inside-work-tree >/dev/null 2>&1 || return 0
+    git config core.hooksPath >/dev/null || git config core.hooksPath .githooks
+}
+
+cmd_setup() {
+    install_packages
+    need "${lint_packages[@]}"
+    install_hook
+}
