@@ -30,6 +30,9 @@ struct Entry {
     int variants;        // masks, anchors, depths, ...
     OutOfMemory outOfMemory;
     std::function<void(Case&)> prepare;
+
+    // The output is the same bytes on every machine, or numbers that differ in their last digits.
+    enum class Output { kExact, kFloats, kDoubles } output = Output::kExact;
 };
 
 using Entries = std::vector<Entry>;

@@ -292,7 +292,7 @@ Entries filterEntries() {
         {"OPCV_ippiFilterBilateral_8u_C1R", kBilateralVariants, framed, bilateral},
         {"DeosNr", 2 * kNoises, silent, reduceNoise},
         {"DeosNrRGB", 2 * kNoises, silent, reduceColourNoise},
-        {"OPCV_cblas_sgemm", kProductVariants, silent, product},
-        {"ddct", 4, silent, cosineTransform},
+        {"OPCV_cblas_sgemm", kProductVariants, silent, product, Entry::Output::kFloats},
+        {"ddct", 4, silent, cosineTransform, Entry::Output::kDoubles},
     };
 }

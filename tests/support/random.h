@@ -1,4 +1,5 @@
-// Random numbers with a fixed seed, so that a failure repeats.
+// Random numbers with a fixed seed, so that a failure repeats. The same on every machine and with every standard library,
+// whose distributions differ.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +11,14 @@ public:
     explicit Random(unsigned seed) : engine_(seed) {}
 
     // Both ends included.
-    int between(int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine_); }
-    double real(double low, double high) { return std::uniform_real_distribution<double>(low, high)(engine_); }
+    int between(int low, int high) {
+        const auto count = static_cast<uint64_t>(int64_t{high} - low + 1);
+        return static_cast<int>(low + static_cast<int64_t>((engine_() * count) >> 32U));
+    }
+    double real(double low, double high) {
+        constexpr double kEngineValues = 4294967296.0;
+        return low + (high - low) * (static_cast<double>(engine_()) / kEngineValues);
+    }
     uint8_t byte() { return static_cast<uint8_t>(engine_() & 0xFFU); }
     bool chance(int percent) { return between(1, 100) <= percent; }
 
