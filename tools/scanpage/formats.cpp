@@ -1,4 +1,4 @@
-#include "write.h"
+#include "formats.h"
 
 #include <tiffio.h>
 

@@ -10,8 +10,8 @@
 
 #include "command_line.h"
 #include "contact_sheet.h"
-#include "crew.h"
-#include "ledger.h"
+#include "thread_pool.h"
+#include "page_report.h"
 #include "page_list.h"
 #include "stop.h"
 
@@ -25,32 +25,32 @@ void occupyClosedStreams() {
 }
 
 // Two pages of one name, from two folders, would write the same files: the second is refused.
-Report sharedName(const std::string& file) {
-    Report report;
-    report.file = file;
-    report.status = Status::kFailed;
-    report.fault = "another page has given its results the name " + resultName(file);
-    return report;
+PageResult sharedName(const std::string& file) {
+    PageResult result;
+    result.file = file;
+    result.status = Status::kFailed;
+    result.fault = "another page has given its results the name " + resultName(file);
+    return result;
 }
 
 // The library may be called from any number of threads, so each page is one job of any thread. Only the pages in hand
 // are in memory, and of the others the names of their results. False if pages were left over.
-bool straightenAll(const Settings& settings, PageList& pages, Ledger& ledger, ContactSheet& sheet) {
+bool straightenAll(const Settings& settings, PageList& pages, PageReport& report, ContactSheet& sheet) {
     std::unordered_set<std::string> names;
-    Crew crew(settings.jobs);
+    ThreadPool pool(settings.jobs);
     std::string file;
     for (size_t index = 0; pages.next(file); ++index) {
-        crew.waitForOne();
+        pool.waitForFreeThread();
         if (stopRequested()) return false;
         if (!names.insert(resultName(file)).second) {
-            ledger.add(sharedName(file));
+            report.add(sharedName(file));
             continue;
         }
         const bool keepImages = !settings.contactSheet.empty() && index < ContactSheet::kMostPages;
-        crew.give([&, file, index, keepImages] {
-            const Report report = processPage(file, settings.page, keepImages);
-            ledger.add(report);
-            if (report.before && report.after) sheet.add(index, *report.before, *report.after);
+        pool.start([&, file, index, keepImages] {
+            const PageResult result = processPage(file, settings.page, keepImages);
+            report.add(result);
+            if (result.before && result.after) sheet.add(index, *result.before, *result.after);
         });
     }
     return !stopRequested();    // a list may have gone on
@@ -68,14 +68,14 @@ int run(int argc, char** argv) {
     catchStopSignals();
 
     PageList pages(settings.pages, settings.list, settings.separator);
-    Ledger ledger(pages.count(), settings.verbose);
+    PageReport report(pages.count(), settings.verbose);
     ContactSheet sheet;
-    const bool complete = straightenAll(settings, pages, ledger, sheet);
-    ledger.summarise();
+    const bool complete = straightenAll(settings, pages, report, sheet);
+    report.summarise();
     if (!settings.contactSheet.empty()) sheet.write(settings.contactSheet);
     if (!complete) std::fputs("scanpage: stopped before the last page\n", stderr);
-    if (!complete || ledger.anyLineLost()) return kStopped;
-    return ledger.anyFailed() ? kSomeFailed : kAllDone;
+    if (!complete || report.anyLineLost()) return kStopped;
+    return report.anyFailed() ? kSomeFailed : kAllDone;
 }
 
 }    // namespace

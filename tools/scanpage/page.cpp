@@ -9,7 +9,7 @@
 #include "filter.h"
 #include "grey.h"
 #include "skew.h"
-#include "write.h"
+#include "formats.h"
 
 namespace {
 
@@ -102,7 +102,7 @@ Record scaled(const KVIMG& page, KVImageDescription& description, int dpi) {
     return Record(result);
 }
 
-void process(const std::string& file, const Options& options, bool keepImages, Report& report) {
+void process(const std::string& file, const Options& options, bool keepImages, PageResult& report) {
     Stopwatch watch(report.stages);
     std::vector<uint8_t> stream = contentsOf(file);
     watch.lap("open", stream.size());
@@ -173,9 +173,9 @@ void process(const std::string& file, const Options& options, bool keepImages, R
 
 std::string resultName(const std::string& file) { return fs::path(file).stem().string(); }
 
-Report processPage(const std::string& file, const Options& options, bool keepImages) {
+PageResult processPage(const std::string& file, const Options& options, bool keepImages) {
     const auto start = std::chrono::steady_clock::now();
-    Report report;
+    PageResult report;
     report.file = file;
     try {
         const std::vector<std::string> results = resultFiles(file, options);

@@ -49,7 +49,7 @@ struct Stage {
 enum class Status { kDone, kKept, kFailed };
 
 // What was done to a page. `skew` is the angle that straightens it, counter-clockwise.
-struct Report {
+struct PageResult {
     std::string file;
     Status status = Status::kDone;
     std::string fault;    // why it failed
@@ -69,7 +69,7 @@ inline void require(int status, const char* step) {
 }
 
 // Reads, straightens, filters and writes a page. Does not throw: a fault is reported.
-Report processPage(const std::string& file, const Options& options, bool keepImages);
+PageResult processPage(const std::string& file, const Options& options, bool keepImages);
 
 // Name of the results of a page, without folder and ending. Pages that share it would overwrite each other's results.
 std::string resultName(const std::string& file);

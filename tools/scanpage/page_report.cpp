@@ -1,4 +1,4 @@
-#include "ledger.h"
+#include "page_report.h"
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -28,7 +28,7 @@ std::string number(const char* format, double value) {
 }
 
 // file, status, skew, milliseconds, bytes
-std::string lineOf(const Report& r) {
+std::string lineOf(const PageResult& r) {
     return escaped(r.file) + '\t' + nameOf(r.status) + '\t' + (r.skewKnown ? number("%.2f", r.skew) : "-") + '\t' +
            number("%.1f", r.milliseconds) + '\t' + std::to_string(r.bytes) + '\n';
 }
@@ -55,19 +55,19 @@ std::string escaped(const std::string& name) {
     return text;
 }
 
-Ledger::Ledger(size_t pages, bool verbose)
+PageReport::PageReport(size_t pages, bool verbose)
     : progress_(pages), verbose_(verbose), linesOnTerminal_(isatty(STDOUT_FILENO) != 0) {}
 
-void Ledger::add(const Report& report) {
+void PageReport::add(const PageResult& result) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (linesOnTerminal_ || verbose_ || report.status == Status::kFailed) progress_.clear();
-    tell(report);
-    count(report);
+    if (linesOnTerminal_ || verbose_ || result.status == Status::kFailed) progress_.clear();
+    print(result);
+    count(result);
     progress_.show(done_ + kept_ + failed_, done_ + failed_);
 }
 
 // Each line leaves in one piece, so that a log holds whole lines whatever happens to the program.
-void Ledger::tell(const Report& r) {
+void PageReport::print(const PageResult& r) {
     const std::string line = lineOf(r);
     if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size() || std::fflush(stdout) != 0) {
         lineLost_ = true;
@@ -84,7 +84,7 @@ void Ledger::tell(const Report& r) {
     }
 }
 
-void Ledger::count(const Report& r) {
+void PageReport::count(const PageResult& r) {
     ++(r.status == Status::kDone ? done_ : r.status == Status::kKept ? kept_ : failed_);
     largest_ = std::max(largest_, static_cast<double>(r.width) * r.height * r.depth / 8);
     for (const Stage& stage : r.stages) {
@@ -99,7 +99,7 @@ void Ledger::count(const Report& r) {
     }
 }
 
-void Ledger::summarise() {
+void PageReport::summarise() {
     progress_.clear();
     if (lineLost_) std::fputs("scanpage: standard output cannot be written\n", stderr);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();

@@ -6,13 +6,13 @@
 #include "page.h"
 #include "progress.h"
 
-class Ledger {
+class PageReport {
 public:
     // `pages` is 0 if their number is not known.
-    Ledger(size_t pages, bool verbose);
+    PageReport(size_t pages, bool verbose);
 
     // From any thread. Where standard output takes no more, the program is asked to stop.
-    void add(const Report& report);
+    void add(const PageResult& result);
 
     // Counts, pages a second, a table of the stages, peak memory.
     void summarise();
@@ -21,8 +21,8 @@ public:
     bool anyLineLost() const { return lineLost_; }
 
 private:
-    void tell(const Report& report);
-    void count(const Report& report);
+    void print(const PageResult& result);
+    void count(const PageResult& result);
 
     std::mutex mutex_;
     Progress progress_;

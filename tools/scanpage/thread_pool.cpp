@@ -1,4 +1,4 @@
-#include "crew.h"
+#include "thread_pool.h"
 
 #include <signal.h>
 
@@ -6,7 +6,7 @@
 #include <system_error>
 #include <utility>
 
-Crew::Crew(int size) {
+ThreadPool::ThreadPool(int size) {
     if (size > 1) cv::setNumThreads(1);    // pages at once instead of parts of one page at once
     sigset_t all, before;
     sigfillset(&all);
@@ -19,38 +19,38 @@ Crew::Crew(int size) {
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
-Crew::~Crew() {
+ThreadPool::~ThreadPool() {
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         closed_ = true;
     }
-    forThreads_.notify_all();
+    jobGiven_.notify_all();
     for (std::thread& thread : threads_) thread.join();
 }
 
-void Crew::waitForOne() {
+void ThreadPool::waitForFreeThread() {
     std::unique_lock<std::mutex> lock(mutex_);
-    forGiver_.wait(lock, [this] { return free_ > 0 && !job_; });
+    threadFreed_.wait(lock, [this] { return free_ > 0 && !job_; });
 }
 
-void Crew::give(std::function<void()> job) {
+void ThreadPool::start(std::function<void()> job) {
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         job_ = std::move(job);
     }
-    forThreads_.notify_one();
+    jobGiven_.notify_one();
 }
 
-void Crew::work() {
+void ThreadPool::work() {
     std::unique_lock<std::mutex> lock(mutex_);
     for (;;) {
         ++free_;
-        forGiver_.notify_one();
-        forThreads_.wait(lock, [this] { return job_ || closed_; });
+        threadFreed_.notify_one();
+        jobGiven_.wait(lock, [this] { return job_ || closed_; });
         if (!job_) return;
         --free_;
         const std::function<void()> job = std::exchange(job_, nullptr);
-        forGiver_.notify_one();    // who waits for the job to be taken; another thread may be free
+        threadFreed_.notify_one();    // who waits for the job to be taken; another thread may be free
         lock.unlock();
         job();
         lock.lock();
