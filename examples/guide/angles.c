@@ -1,5 +1,5 @@
-/* A dark dot at the right edge of a white square. Deskew by 90 degrees turns it to the top, counter-clockwise;
-   RotateImageWithIPP by 90 degrees turns it to the bottom, clockwise. */
+/* A white square with a dark dot at its right edge. Deskewing by 90 degrees moves the dot to the top
+   (counter-clockwise); RotateImageWithIPP by 90 degrees moves it to the bottom (clockwise). */
 #include <OPCV_dlib.h>
 #include <string.h>
 
@@ -18,10 +18,10 @@ int main(void) {
 
     OSErr err = DeskewImageWithIPP(page, &record, &deskewed, 0, 0, 90);
     if (!err) err = RotateImageWithIPP(page, &record, &turned, 90);
-    const int asSaid = !err && isDark(deskewed, kMiddle, 0) && !isDark(deskewed, kMiddle, kSide - 1) &&
+    const int passed = !err && isDark(deskewed, kMiddle, 0) && !isDark(deskewed, kMiddle, kSide - 1) &&
                        isDark(turned, kMiddle, kSide - 1) && !isDark(turned, kMiddle, 0);
     DisposeKVIMG(page);
     DisposeKVIMG(deskewed);
     DisposeKVIMG(turned);
-    return asSaid ? 0 : 2;
+    return passed ? 0 : 2;
 }

@@ -1,5 +1,5 @@
-// An image of OpenCV's functions is blue, green, red; a record is red, green, blue. Both can look at the same memory,
-// but the bytes have to be swapped once on the way.
+// OpenCV's images are blue, green, red; records are red, green, blue. A matrix can refer to the pixels of a record, but
+// the channels have to be swapped once.
 #include <OPCV_dlib.h>
 
 #include <opencv2/core.hpp>

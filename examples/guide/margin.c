@@ -1,5 +1,5 @@
-/* A 3 x 3 median of a whole image. The windows at its edges need one pixel more on each side, so the image is first
-   copied into a larger one, whose rim repeats the edges. */
+/* A 3 x 3 median of a whole image. The windows at its edges include one more pixel on each side, so the image is first
+   copied into a larger one, whose margin repeats the edges. */
 #include <OPCV_dlib.h>
 #include <string.h>
 
@@ -21,7 +21,7 @@ int main(void) {
     image[0] = 0; /* a dark speck in the corner */
     repeatEdges(image, framed);
 
-    const unsigned char* region = framed + kMargin * kStep + kMargin; /* its first pixel, not the rim's */
+    const unsigned char* region = framed + kMargin * kStep + kMargin; /* the first pixel inside the margin */
     const IppiSize size = {kWidth, kHeight}, mask = {3, 3};
     const IppiPoint anchor = {1, 1}; /* the middle cell of the mask */
     if (IPPShare_ippiFilterMedian_8u_C1R(region, kStep, result, kWidth, size, mask, anchor) != ippStsNoErr) return 1;

@@ -1,13 +1,13 @@
-// A camera stores the picture as its sensor saw it and notes in an EXIF field how to turn it. ReadJPEG turns it: what is
-// stored as 40 x 24 pixels with orientation 6 is read as 24 x 40. The new record and the description agree.
+// A camera stores the picture as its sensor saw it and records in an EXIF field how to turn it. ReadJPEG turns it: a
+// picture stored as 40 x 24 pixels with orientation 6 is read as 24 x 40. Record and description have the turned size.
 #include <OPCV_dlib.h>
 
-// The EXIF segment that says "turn clockwise by 90 degrees to see it upright".
+// The EXIF segment for "turn clockwise by 90 degrees to see it upright".
 const std::vector<unsigned char> kOrientation6 = {
     0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0,          // APP1 of 34 bytes
     'M',  'M',  0, 42, 0,   0,   0,   8,                  // big endian, first directory at 8
-    0,    1,                                              // of one entry:
-    0x01, 0x12, 0, 3,  0,   0,   0,   1,   0, 6, 0, 0,    // orientation, a short, one of it: 6
+    0,    1,                                              // with one entry:
+    0x01, 0x12, 0, 3,  0,   0,   0,   1,   0, 6, 0, 0,    // orientation: one short, 6
     0,    0,    0, 0};                                    // no further directory
 
 int main() {
@@ -22,7 +22,7 @@ int main() {
     const bool turned = page->width == 24 && page->height == 40 && description.width == 24 && description.height == 40;
     DisposeKVIMG(page);
 
-    page = nullptr;    // the size to be expected is the one after the turn, too
+    page = nullptr;    // the expected size is also the one after the turn
     if (ReadSplitJPEG(jpeg.data(), static_cast<unsigned>(jpeg.size()), handle, &page) != noErr) return 3;
     DisposeKVIMG(page);
     return turned ? 0 : 4;

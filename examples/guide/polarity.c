@@ -1,5 +1,5 @@
-/* The packed rows of a PBM file mean black by a set bit. The library means white by it, so the bits are inverted on the
-   way in and on the way out. Inverted bits at the end of a row do no harm: no function reads beyond the width. */
+/* In the packed rows of a PBM file a set bit is black. In the library it is white, so the bits are inverted before and
+   after the calls. Inverting the unused bits at the end of a row is harmless: no function reads beyond the width. */
 #include <OPCV_dlib.h>
 
 static void invert(unsigned char* bits, int count) {
@@ -15,7 +15,7 @@ int main(void) {
     if (IPPShare_ippiConvert_1u8u_C1R(pbm, 2, 0, grey, 10, size) != ippStsNoErr) return 1;
     if (grey[0] != 0 || grey[1] != 0 || grey[2] != 255 || grey[9] != 255) return 2;
 
-    unsigned char back[2] = {0xFF, 0xFF}; /* the bits behind the width are kept as they are: white here */
+    unsigned char back[2] = {0xFF, 0xFF}; /* the bits after the width are kept: white here */
     if (IPPShare_ippiReduceBits_8u1u_C1R(grey, 10, back, 2, 0, size, 0, 0, 0, 127) != ippStsNoErr) return 3;
     invert(back, 2);
     return back[0] == 0xC0 && back[1] == 0x00 ? 0 : 4;

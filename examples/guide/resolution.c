@@ -1,10 +1,10 @@
-/* ReadJPEG writes the size and the depth of a page into its description, not the dots per inch: those are taken from the
-   stream's JFIF header here. CompressJPEGEx writes what the description holds. */
+/* ReadJPEG writes the size and depth of a page into its description, but not the dots per inch, so this program reads
+   them from the JFIF header of the stream. CompressJPEGEx stores the resolutions of the description. */
 #include <OPCV_dlib.h>
 #include <stdlib.h>
 #include <string.h>
 
-/* The two densities of a JFIF header in dots per inch; 0 if the stream does not say. */
+/* Reads the two resolutions of a JFIF header in dots per inch; 0 if the stream has none. */
 static void readResolution(const unsigned char* jpeg, unsigned size, KVImageDescription* page) {
     page->horizontalResolution = page->verticalResolution = 0;
     if (size < 18 || memcmp(jpeg, "\xFF\xD8\xFF\xE0", 4) != 0 || memcmp(jpeg + 6, "JFIF", 5) != 0) return;
@@ -29,11 +29,11 @@ int main(void) {
     OSErr err = CompressJPEGEx(page, handle, 450, &jpeg, &size);
     memset(&description, 0, sizeof description);
     if (!err) err = ReadJPEG(jpeg, size, &handle, &again);
-    const int untouched = description.width == 32 && description.horizontalResolution == 0;
+    const int unchanged = description.width == 32 && description.horizontalResolution == 0;
     if (!err) readResolution(jpeg, size, &description);
     const int read = description.horizontalResolution == 600 && description.verticalResolution == 300;
     free(jpeg);
     DisposeKVIMG(page);
     DisposeKVIMG(again);
-    return !err && untouched && read ? 0 : 2;
+    return !err && unchanged && read ? 0 : 2;
 }

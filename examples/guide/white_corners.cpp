@@ -1,11 +1,11 @@
-// The deskew functions fill the corners of a grey page with black, whatever the flag for white says. ippiRotateCenter
-// takes the value of the corners: with 255 it makes the same page, but for its corners.
+// The deskew functions fill the corners of a grey page with black, even if white is requested. ippiRotateCenter has an
+// argument for the value of the corners: with 255 it returns the same page with white corners.
 #include <OPCV_dlib.h>
 
 #include <cstring>
 #include <opencv2/core.hpp>
 
-// The page turned about its centre as by DeskewImageWithIPP, on white.
+// Turns the page about its centre as DeskewImageWithIPP does, with white corners.
 OSErr deskewOnWhite(const KVIMG& page, double angle, KVIMG** out) {
     const KVRect all = {0, 0, page.height, page.width};
     if (const OSErr err = CreateNewKVIMGPtr(out, &all, 8)) return err;
@@ -23,13 +23,13 @@ int main() {
     std::memset(page->data, 180, static_cast<size_t>(page->size));
 
     KVImageDescription description = {page->width, page->height, 300, 300, 0, 8}, *record = &description;
-    OSErr err = DeskewImageWithIPP(page, &record, &black, 0, 1, 5.0);    // 1: white, without effect at 8 bits
+    OSErr err = DeskewImageWithIPP(page, &record, &black, 0, 1, 5.0);    // 1: white, no effect at 8 bits
     if (!err) err = deskewOnWhite(*page, 5.0, &white);
     const int middle = 45 * page->rowBytes + 30;
-    const bool asSaid = !err && black->data[0] == 0 && white->data[0] == 255 && black->data[middle] == 180 &&
+    const bool passed = !err && black->data[0] == 0 && white->data[0] == 255 && black->data[middle] == 180 &&
                         white->data[middle] == 180;
     DisposeKVIMG(page);
     DisposeKVIMG(black);
     DisposeKVIMG(white);
-    return asSaid ? 0 : 2;
+    return passed ? 0 : 2;
 }

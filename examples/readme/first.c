@@ -1,4 +1,4 @@
-/* Reduces a grey row to one bit a pixel and expands it again. */
+/* Reduces a grey row to one bit per pixel and expands it again. */
 #include <OPCV_dlib.h>
 
 int main(void) {

@@ -1,4 +1,4 @@
-// Reads a JPEG page in memory and straightens it by 1.5 degrees, with white corners.
+// Reads a JPEG page from memory and straightens it by 1.5 degrees, with white corners.
 #include <OPCV_dlib.h>
 
 int main() {

@@ -1,4 +1,4 @@
-# Straightens a JPEG page by 1.5 degrees and reduces it to one bit a pixel.
+# Straightens a JPEG page by 1.5 degrees and reduces it to one bit per pixel.
 import numpy as np
 import opcv_dlib
 

@@ -1,7 +1,7 @@
 """Straightens the pages of a list on the workers of a Dask scheduler, with the Python module of the library.
 
-Results go to FOLDER/pages, one line a page to FOLDER/log.tsv: file, status, skew, milliseconds, bytes. Started again
-after whatever happened, it does what is missing. Workers need this folder in their PYTHONPATH.
+Results are written to FOLDER/pages, one line per page to FOLDER/log.tsv: file, status, skew, milliseconds, bytes. After
+any interruption, start it again: it processes the missing pages. Workers need this folder in their PYTHONPATH.
 """
 
 import argparse
@@ -20,7 +20,7 @@ MODE = 450    # JPEG quality
 
 
 def write_whole(path, data):
-    """The file appears under its name when it is complete; of two writers at once the second fails."""
+    """Gives the file its name when it is complete. If two workers write it at once, the second one fails."""
     with open(path + ".part", "ab") as part:
         fcntl.flock(part, fcntl.LOCK_EX | fcntl.LOCK_NB)
         if os.fstat(part.fileno()).st_ino != os.stat(part.name).st_ino:
@@ -32,7 +32,7 @@ def write_whole(path, data):
 
 
 def straighten(file, folder):
-    """One line of the report."""
+    """Straightens one page; returns its line of the report."""
     result = os.path.join(folder, os.path.splitext(os.path.basename(file))[0] + ".jpg")
     start = time.monotonic()
     status, skew, size = "kept", "-", 0
@@ -65,9 +65,9 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("list")
     parser.add_argument("folder")
-    parser.add_argument("--scheduler-file", help="where the scheduler wrote its address; none: workers on this machine")
-    parser.add_argument("--workers", type=int, help="of this machine")
-    parser.add_argument("--slice", type=int, default=20, help="pages a task")
+    parser.add_argument("--scheduler-file", help="file with the scheduler's address; default: workers on this machine")
+    parser.add_argument("--workers", type=int, help="number of workers on this machine")
+    parser.add_argument("--slice", type=int, default=20, help="pages per task")
     options = parser.parse_args()
     results = os.path.join(os.path.abspath(options.folder), "pages")
     os.makedirs(results, exist_ok=True)
@@ -81,7 +81,7 @@ def main():
         client.wait_for_workers(1)
         rest = slices(options.list, options.slice)
         submit = lambda part: client.submit(straighten_slice, part, results, pure=False)
-        # A few tasks a worker are under way, so that the scheduler never holds the whole list.
+        # Each worker has a few tasks in progress, so that the scheduler never holds the whole list.
         ahead = 4 * max(1, sum(client.nthreads().values()))
         running = as_completed([submit(part) for part in itertools.islice(rest, ahead)], with_results=True)
         with open(os.path.join(options.folder, "log.tsv"), "a", buffering=1) as log:

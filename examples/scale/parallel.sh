@@ -3,8 +3,8 @@
 #
 #     parallel.sh LIST FOLDER [WORKERS [OPTION_OF_PARALLEL...]]
 #
-# Results go to FOLDER/pages, reports to FOLDER/log. Started again after whatever happened, it does what is missing:
-# slices of 100 pages that ended well are not started, and of the others the pages that are there are left alone.
+# Results are written to FOLDER/pages, reports to FOLDER/log. After any interruption, start it again: it skips slices of
+# 100 pages that succeeded, and in the others it skips pages that exist.
 set -euo pipefail
 list=$1
 export FOLDER=$2

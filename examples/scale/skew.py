@@ -1,12 +1,12 @@
-"""The skew of a page from the profile of its rows."""
+"""Measures the skew of a page from its row profile."""
 
 import numpy
 
-EVERY = 4    # of the columns: they tell the slope of a line as well as all do
+EVERY = 4    # uses every 4th column, which is enough to measure the slope of a line
 
 
 def find_skew(pixels, steepest=5.0):
-    """Degrees counter-clockwise that straighten the page: there the rows of ink and of paper are most distinct."""
+    """Returns the degrees, counter-clockwise, that straighten the page: the angle of highest contrast between rows."""
     height, width = pixels.shape[:2]
     grain = max(1, width // 600)
     inner = pixels[height // 10 : -height // 10 : grain, width // 10 : -width // 10 : grain * EVERY]

@@ -6,8 +6,8 @@
 #
 #     sbatch --array=0-399 --output=FOLDER/log/%a.err slurm.sh LIST FOLDER 25
 #
-# Results go to FOLDER/pages, reports to FOLDER/log. A task whose machine is lost is started again by Slurm, one whose
-# program was killed or stopped asks for it here; pages that are there are left alone.
+# Results are written to FOLDER/pages, reports to FOLDER/log. Slurm requeues a task whose machine is lost; a task whose
+# program was killed or stopped requeues itself below. Pages that exist are skipped.
 set -uo pipefail
 list=$1 folder=$2 slice=$3
 first=$((SLURM_ARRAY_TASK_ID * slice + 1))
@@ -18,7 +18,7 @@ sed -n "${first},${last}p;${last}q" "$list" |
     scanpage --resume --jobs "${SLURM_CPUS_PER_TASK:-1}" --from - -o "$folder/pages" >>"$folder/log/$SLURM_ARRAY_TASK_ID.tsv"
 status=${PIPESTATUS[1]}
 
-# Stopped (3) or killed by a signal. Bad pages (1) and wrong usage are not mended by a second try.
+# Stopped (3) or killed by a signal. Bad pages (1) and wrong usage would fail again.
 if { [ "$status" -eq 3 ] || [ "$status" -gt 128 ]; } && [ "${SLURM_RESTART_COUNT:-0}" -lt 3 ]; then
     scontrol requeue "$SLURM_JOB_ID"
 fi
