@@ -12,11 +12,16 @@ target_link_libraries(OPCV_dlib
 
 # Visibility alone would let out the standard library's templates, so the linker is told the names as well. The version
 # of the names lets a later library keep an old one beside a new one.
-set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.txt)
-file(STRINGS ${exports} names)
+set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.txt ${PROJECT_SOURCE_DIR}/cmake/exports_1.1.txt)
+list(GET exports 0 first_list)
+list(GET exports 1 second_list)
+file(STRINGS ${first_list} names)
+file(STRINGS ${second_list} later_names)
 list(JOIN names ";\n" names)
+list(JOIN later_names ";\n" later_names)
 set(map ${PROJECT_BINARY_DIR}/exports.map)
-file(CONFIGURE OUTPUT ${map} CONTENT "OPCV_1.0 {\nglobal:\n${names};\nlocal: *;\n};\n")
+file(CONFIGURE OUTPUT ${map} CONTENT
+    "OPCV_1.0 {\nglobal:\n${names};\nlocal: *;\n};\nOPCV_1.1 {\nglobal:\n${later_names};\n} OPCV_1.0;\n")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports})
 set_property(TARGET OPCV_dlib APPEND PROPERTY LINK_DEPENDS ${map})
 target_link_options(OPCV_dlib PRIVATE
@@ -24,7 +29,7 @@ target_link_options(OPCV_dlib PRIVATE
 
 install(TARGETS OPCV_dlib EXPORT OPCV_dlibTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
-install(FILES ${PROJECT_SOURCE_DIR}/include/OPCV_dlib.h
+install(FILES ${PROJECT_SOURCE_DIR}/include/OPCV_dlib.h ${PROJECT_SOURCE_DIR}/include/OPCV_dlib_read.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 include(CMakePackageConfigHelpers)

@@ -1,34 +1,68 @@
-// Decoding of a JPEG stream in memory.
+// Decoding of a JPEG stream in memory, once inspectStream has found a page in it.
 #pragma once
 
+#include <csetjmp>
 #include <cstddef>
+#include <cstdint>
+#include <cstdio>    // jpeglib.h needs it
 
-#include "core/ownership.h"
+#include <jpeglib.h>
 
-// Packed rows of grey (one channel) or red, green, blue (three). When memory runs out the size is known but there are
-// no pixels.
-struct DecodedImage {
-    int width = 0;
-    int height = 0;
-    int channels = 0;
-    PixelBlock pixels;
+#include "jpeg/page_info.h"
 
-    int rowBytes() const { return width * channels; }
-    size_t bytes() const { return static_cast<size_t>(rowBytes()) * static_cast<size_t>(height); }
-    int depth() const { return 8 * channels; }
+// Where a page goes: rows of grey (one channel) or red, green, blue (three). The step may be negative.
+struct PageRows {
+    unsigned char* data;
+    ptrdiff_t step;
+    int channels;
 };
 
-enum class Channels { kAsStored, kThree };
-
-// Says whether the caller wants an image of this size, before its pixels are decoded.
-struct WantedSize {
-    bool any = true;
-    int width = 0;
-    int height = 0;
-
-    bool admits(int w, int h) const { return any || (w == width && h == height); }
+// Asked between rows; a result other than 0 cancels.
+struct Cancellation {
+    int (*ask)(void* context) = nullptr;
+    void* context = nullptr;
 };
 
-// noErr, paramErr (no JPEG stream, not decodable, or not the wanted size) or memFullErr. Throws nothing.
-OSErr decodeJpeg(const unsigned char* stream, size_t length, Channels channels, const WantedSize& wanted,
-                 DecodedImage& image);
+// One decompression by libjpeg: open(), then read(). No error of libjpeg's gets past them, and they throw nothing.
+class Decoder {
+public:
+    Decoder(const unsigned char* stream, size_t length, const Cancellation& cancellation);
+    Decoder(const Decoder&) = delete;
+    Decoder& operator=(const Decoder&) = delete;
+    ~Decoder() { jpeg_destroy_decompress(&cinfo_); }
+
+    // Reads the headers.
+    Outcome open(const PageInfo& page);
+
+    // Fills all rows. A stream that ends early gives the rows that it holds, the last of them repeated to the bottom.
+    Outcome read(const PageRows& rows);
+
+    // What the stream held.
+    int rowsDecoded() const { return rowsDecoded_; }    // of the stored image
+    bool endSeen() const { return endSeen_; }
+    int64_t warnings() const { return warnings_; }
+    bool isDamaged() const { return rowsDecoded_ < page_.stored.height || !endSeen_ || warnings_ > 0; }
+
+private:
+    template <class Calls>
+    Outcome attempt(Calls calls);
+    Outcome readHeader();
+    Outcome readRows(const PageRows& page);
+    Outcome readEnd();
+
+    [[noreturn]] static void onError(j_common_ptr cinfo);
+    static void onMessage(j_common_ptr cinfo, int level);
+    static void onProgress(j_common_ptr cinfo) noexcept;
+
+    jpeg_decompress_struct cinfo_{};
+    jpeg_error_mgr errors_{};
+    jpeg_source_mgr source_{};
+    jpeg_progress_mgr progress_{};
+    jmp_buf jumpBuffer_{};
+    Cancellation cancellation_;
+    PageInfo page_;
+    int rowsDecoded_ = 0;
+    bool endSeen_ = false;
+    bool cancelled_ = false;
+    int64_t warnings_ = 0;
+};

@@ -1,4 +1,4 @@
-// The few steps through a TIFF directory that lead to the orientation tag.
+// The few steps through a TIFF directory that lead to the orientation and the resolution.
 //
 // Broken blocks are common, and a page must not turn over because of how one reader recovers, so this one gives up
 // exactly where OpenCV's does: at the first entry of a kind that OpenCV reads whose value lies outside of the block. An
@@ -13,6 +13,9 @@ constexpr size_t kPrefix = 6;    // "Exif" and two zeros; their values are not l
 constexpr uint16_t kTiffMark = 42;
 constexpr size_t kEntrySize = 12;
 constexpr uint16_t kOrientation = 0x0112;
+constexpr uint16_t kXResolution = 0x011A;
+constexpr uint16_t kYResolution = 0x011B;
+constexpr uint16_t kResolutionUnit = 0x0128;
 
 class TiffBlock {
 public:
@@ -58,14 +61,14 @@ bool isSound(const TiffBlock& block, uint64_t entry, uint16_t tag) {
         return block.read32(entry + 8, offset) && block.holds(offset, 8 * count);
     };
     switch (tag) {
-        case 0x010E:                            // image description
-        case 0x010F:                            // make
-        case 0x0110:                            // model
-        case 0x0131:                            // software
-        case 0x0132:                            // date and time
-        case 0x8298: return hasText();          // copyright
-        case 0x011A:                            // horizontal resolution
-        case 0x011B: return hasRationals(1);    // vertical resolution
+        case 0x010E:                      // image description
+        case 0x010F:                      // make
+        case 0x0110:                      // model
+        case 0x0131:                      // software
+        case 0x0132:                      // date and time
+        case 0x8298: return hasText();    // copyright
+        case kXResolution:
+        case kYResolution: return hasRationals(1);
         case 0x013E: return hasRationals(2);    // white point
         case 0x0211: return hasRationals(3);    // weights of luma
         case 0x013F:                            // primaries
@@ -91,11 +94,28 @@ uint16_t orientationTag(const TiffBlock& block) {
     return 0;
 }
 
+// A rational above 0 that an entry points at.
+bool readRational(const TiffBlock& block, uint64_t entry, double& value) {
+    uint32_t offset = 0;
+    uint32_t numerator = 0;
+    uint32_t denominator = 0;
+    if (!block.read32(entry + 8, offset) || !block.read32(offset, numerator) ||
+        !block.read32(uint64_t{offset} + 4, denominator) || numerator == 0 || denominator == 0)
+        return false;
+    value = double{1} * numerator / denominator;
+    return true;
+}
+
 }    // namespace
 
-Orientation exifOrientation(const unsigned char* payload, size_t length) {
-    if (length <= kPrefix) return {};
-    switch (orientationTag(TiffBlock(payload + kPrefix, length - kPrefix))) {
+int exifOrientationTag(const unsigned char* payload, size_t length) {
+    if (length <= kPrefix) return 1;
+    const int tag = orientationTag(TiffBlock(payload + kPrefix, length - kPrefix));
+    return tag >= 1 && tag <= 8 ? tag : 1;
+}
+
+Orientation orientationOf(int tag) {
+    switch (tag) {
         case 2: return {false, true, false};
         case 3: return {false, true, true};
         case 4: return {false, false, true};
@@ -105,4 +125,29 @@ Orientation exifOrientation(const unsigned char* payload, size_t length) {
         case 8: return {true, true, false};
         default: return {};
     }
+}
+
+Resolution exifResolution(const unsigned char* payload, size_t length) {
+    constexpr uint16_t kPerCentimetre = 3;
+    constexpr double kCentimetresOfInch = 2.54;
+    if (length <= kPrefix) return {};
+    const TiffBlock block(payload + kPrefix, length - kPrefix);
+    uint16_t mark = 0;
+    uint32_t directory = 0;
+    uint16_t count = 0;
+    if (!block.read16(2, mark) || mark != kTiffMark) return {};
+    if (!block.read32(4, directory) || !block.read16(directory, count)) return {};
+    Resolution found;
+    uint16_t unit = 0;    // inch unless the block says otherwise
+    for (uint64_t i = 0; i < count; ++i) {
+        const uint64_t entry = directory + 2 + kEntrySize * i;
+        uint16_t tag = 0;
+        if (!block.read16(entry, tag)) break;
+        if (tag == kXResolution && !readRational(block, entry, found.x)) return {};
+        if (tag == kYResolution && !readRational(block, entry, found.y)) return {};
+        if (tag == kResolutionUnit && !block.read16(entry + 8, unit)) return {};
+    }
+    if (unit == 1 || found.x == 0 || found.y == 0) return {};    // 1: a ratio of the sides of a pixel
+    const double scale = unit == kPerCentimetre ? kCentimetresOfInch : 1;
+    return {found.x * scale, found.y * scale};
 }

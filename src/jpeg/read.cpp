@@ -1,19 +1,50 @@
 // Reading of JPEG streams into new records.
+#include <climits>
+#include <cstdint>
 #include <cstdlib>
 
 #include "OPCV_dlib.h"
-#include "jpeg/decode.h"
+#include "jpeg/new_page.h"
 
 namespace {
 
-// Hands the pixels over in a new record. A record that cannot be had leaves null in the slot.
-OSErr handOver(DecodedImage& image, KVIMG** outImage) {
-    *outImage = static_cast<KVIMG*>(std::malloc(sizeof(KVIMG)));
-    if (!*outImage) return memFullErr;
-    **outImage = {nullptr,      image.depth(),    image.width,
-                  image.height, image.rowBytes(), static_cast<int32_t>(image.bytes())};
-    (*outImage)->data = image.pixels.release();
-    return noErr;
+// Whether an image of the size of the page is wanted.
+struct WantedSize {
+    bool any = true;
+    int width = 0;
+    int height = 0;
+
+    bool admits(const PageInfo& page) const { return any || (page.width == width && page.height == height); }
+};
+
+enum class Channels { kAsStored, kThree };
+
+OSErr statusOf(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::kDone: return noErr;
+        case Outcome::kNoMemory: return memFullErr;
+        default: return paramErr;
+    }
+}
+
+// noErr, paramErr (no JPEG stream, not decodable, or not the wanted size) or memFullErr. When memory runs out the size
+// is known but there are no pixels.
+OSErr readStream(const void* data, size_t length, Channels channels, const WantedSize& wanted, NewPage& image) {
+    const auto* const stream = static_cast<const unsigned char*>(data);
+    PageInfo page;
+    const Outcome inspected = inspectStream(stream, length, ReadLimits(), page);
+    if (inspected != Outcome::kDone || !wanted.admits(page)) return paramErr;
+    if (channels == Channels::kThree) page.channels = 3;
+    image = NewPage(page);
+    if (image.bytes() > INT32_MAX) return memFullErr;
+    Decoder decoder(stream, length, Cancellation());
+    return statusOf(image.read(page, decoder));
+}
+
+// Hands the pixels over in a new record. If allocating the record fails, the slot is null.
+OSErr handOver(NewPage& image, KVIMG** outImage) {
+    *outImage = image.release();
+    return *outImage ? noErr : memFullErr;
 }
 
 }    // namespace
@@ -21,11 +52,10 @@ OSErr handOver(DecodedImage& image, KVIMG** outImage) {
 OSErr ReadJPEG(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle* descriptionPtr, KVIMG** outImage) {
     if (jpegSize == 0 || !descriptionPtr || !jpegData || !*descriptionPtr || !**descriptionPtr || !outImage)
         return paramErr;
-    DecodedImage image;
-    const OSErr err =
-        decodeJpeg(static_cast<const unsigned char*>(jpegData), jpegSize, Channels::kAsStored, WantedSize(), image);
+    NewPage image;
+    const OSErr err = readStream(jpegData, jpegSize, Channels::kAsStored, WantedSize(), image);
     if (err == paramErr) return err;
-    // Out of memory or not: what is known of the page is told.
+    // Out of memory or not: what is known of the page is reported.
     KVImageDescription& description = ***descriptionPtr;
     description.width = image.width;
     description.height = image.height;
@@ -42,8 +72,8 @@ OSErr ReadSplitJPEG(const unsigned char* jpegData, unsigned jpegSize, KVImageDes
                     KVIMG** outImage) {
     if (jpegSize == 0 || !description || !jpegData || !*description || !outImage) return paramErr;
     const WantedSize stated = {false, (*description)->width, (*description)->height};
-    DecodedImage image;
-    if (const OSErr err = decodeJpeg(jpegData, jpegSize, Channels::kThree, stated, image)) return err;
+    NewPage image;
+    if (const OSErr err = readStream(jpegData, jpegSize, Channels::kThree, stated, image)) return err;
     if (const OSErr err = handOver(image, outImage)) return err;
     (*description)->depth = 24;
     return noErr;

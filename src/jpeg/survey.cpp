@@ -1,6 +1,7 @@
 #include "jpeg/survey.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "jpeg/marker_search.h"
 
@@ -17,6 +18,7 @@ enum Marker : int {
     kSOI = 0xD8,    // behind RST7
     kEOI = 0xD9,
     kSOS = 0xDA,
+    kAPP0 = 0xE0,
     kAPP1 = 0xE1
 };
 
@@ -63,13 +65,37 @@ bool isFrameHeader(int marker) {
     return marker >= kSOF0 && marker <= kSOF15 && marker != kDHT && marker != kJPG && marker != kDAC;
 }
 
-void noteFrame(const Segment& segment, StreamSurvey& survey) {
+int wordAt(const unsigned char* bytes) { return bytes[0] << 8 | bytes[1]; }
+
+void noteFrame(int marker, const Segment& segment, StreamSurvey& survey) {
     constexpr size_t kFixedPart = 6;    // precision, height, width, number of components
     if (segment.length < kFixedPart || survey.components != 0) return;
     const unsigned char* frame = segment.payload;
-    survey.height = frame[1] << 8 | frame[2];
-    survey.width = frame[3] << 8 | frame[4];
+    survey.height = wordAt(frame + 1);
+    survey.width = wordAt(frame + 3);
     survey.components = frame[5];
+    survey.progressive = (marker & 3) == 2;
+    survey.arithmetic = marker >= kJPG;
+    constexpr size_t kEach = 3;    // identifier, sampling factors, quantisation table
+    for (size_t i = 0; i < survey.sampling.size() && kFixedPart + kEach * (i + 1) <= segment.length; ++i) {
+        const int factors = frame[kFixedPart + kEach * i + 1];
+        survey.sampling[i] = {factors >> 4, factors & 15};
+    }
+}
+
+// A scan codes one to four components; the decoder stops at any other number.
+void noteScan(const Segment& segment, StreamSurvey& survey) {
+    const int components = segment.length > 0 ? std::clamp<int>(segment.payload[0], 1, 4) : 1;
+    if (survey.scans++ == 0) survey.componentsOfFirstScan = components;
+    survey.scannedComponents += components;
+}
+
+void noteDensity(const Segment& segment, StreamSurvey& survey) {
+    constexpr size_t kFixedPart = 14;    // "JFIF" and a zero, version, unit, densities, size of the thumbnail
+    if (segment.length < kFixedPart || std::memcmp(segment.payload, "JFIF", 5) != 0) return;
+    survey.densityUnit = segment.payload[7];
+    survey.densityX = wordAt(segment.payload + 8);
+    survey.densityY = wordAt(segment.payload + 10);
 }
 
 }    // namespace
@@ -81,8 +107,9 @@ StreamSurvey surveyStream(const unsigned char* stream, size_t length) {
         if (hasNoSegment(marker)) continue;
         Segment segment{};
         if (!walk.readSegment(segment)) break;
-        if (isFrameHeader(marker)) noteFrame(segment, survey);
-        if (marker == kSOS) ++survey.scans;
+        if (isFrameHeader(marker)) noteFrame(marker, segment, survey);
+        if (marker == kSOS) noteScan(segment, survey);
+        if (marker == kAPP0 && survey.scans == 0) noteDensity(segment, survey);
         if (marker == kAPP1 && survey.scans == 0 && !survey.exif) {
             survey.exif = segment.payload;
             survey.exifLength = segment.length;

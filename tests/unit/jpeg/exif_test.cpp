@@ -85,7 +85,7 @@ unsigned numberOf(Orientation o) {
 unsigned orientationOf(const Bytes& payload) {
     FencedMemory block(payload.size(), FencedMemory::Fence::kBehind);
     std::copy(payload.begin(), payload.end(), block.data());
-    return numberOf(exifOrientation(block.data(), block.size()));
+    return numberOf(::orientationOf(exifOrientationTag(block.data(), block.size())));
 }
 
 TEST(ExifOrientation, IsFoundInBothByteOrders) {
@@ -96,7 +96,7 @@ TEST(ExifOrientation, IsFoundInBothByteOrders) {
 
 TEST(ExifOrientation, UnknownValuesLeaveThePageAsStored) {
     for (const unsigned value : {0U, 9U, 0x0100U, 0x0600U, 0xFFFFU}) {
-        const Orientation o = exifOrientation(blockOf({orientationEntry(value)}).data(), 100);
+        const Orientation o = ::orientationOf(exifOrientationTag(blockOf({orientationEntry(value)}).data(), 100));
         EXPECT_FALSE(o.transposed || o.mirrored || o.upsideDown) << value;
     }
 }
