@@ -29,6 +29,8 @@ fi
     echo "libOPCV_dlib.so.1 libopcv-dlib1 #MINVER#"
     echo " OPCV_1.0@OPCV_1.0 1.0.0"
     sed 's/.*/ &@OPCV_1.0 1.0.0/' "$tree/cmake/exports.txt"
+    echo " OPCV_1.1@OPCV_1.1 1.0.0"
+    sed 's/.*/ &@OPCV_1.1 1.0.0/' "$tree/cmake/exports_1.1.txt"
 } >debian/libopcv-dlib1.symbols
 
 # Libraries in a tree belong to no installed package; the packages of this machine's architecture have the same names.

@@ -10,5 +10,6 @@ cmd_abi() {
         [ "$preset" = arm64 ] && machine=aarch64
         abidw --exported-interfaces-only --headers-dir include --drop-private-types --no-corpus-path --no-comp-dir-path --no-show-locs \
             --type-id-style hash "build/$preset/libOPCV_dlib.so" --out-file "tests/system/interface/abi/$machine.abi"
+        sed -i "s|path='$PWD/|path='|" "tests/system/interface/abi/$machine.abi"
     done
 }

@@ -1,6 +1,6 @@
 """Writes the manual pages from what Doxygen has read in the public header.
 
-    make_man.py XML_FOLDER HEADER VERSION DATE MAN_FOLDER
+    make_man.py XML_FOLDER VERSION DATE MAN_FOLDER HEADER...
 
 One page a family of functions in man3, opcv_dlib in man7, and for each function a page that leads to its family. A
 function whose family is not known here, or a manual page that would be empty, is an error.
@@ -27,9 +27,11 @@ FAMILIES = {
     "opcv_filters": ("convolution, noise reduction, matrix product and cosine transform", [
         "Convolution and box filter", "Convolution of any pixel type", "Noise reduction",
         "Matrix product and cosine transform"]),
+    "opcv_read": ("JPEG reading with limits, cancellation and a report", ["JPEG reading with limits"]),
 }
 STRUCTURES = {"Value types": ["IppiSize", "IppiPoint", "IppiRect", "KVRect"],
-              "Records": ["KVIMG", "KVImageDescription", "KVImageHeader"]}
+              "Records": ["KVIMG", "KVImageDescription", "KVImageHeader"],
+              "JPEG reading with limits": ["opcv_read_options", "opcv_read_report", "opcv_rows"]}
 OVERVIEW = "opcv_dlib"
 
 
@@ -50,7 +52,7 @@ def inline(element):
             parts.append(" ")
         elif child.tag in ("ref", "ulink"):
             parts.append(inline(child))
-        elif child.tag in ("itemizedlist", "table", "parameterlist", "simplesect"):
+        elif child.tag in ("itemizedlist", "table", "parameterlist", "simplesect", "verbatim"):
             continue    # blocks, see below
         else:
             raise ValueError(f"no manual page text for <{child.tag}>")
@@ -84,6 +86,11 @@ def bullets(element):
     return out
 
 
+def program(element):
+    code = (element.text or "").strip("\n").split("\n")
+    return [".PP", ".nf", ".RS"] + ["\\&" + escaped(line.strip()) for line in code] + [".RE", ".fi"]
+
+
 def paragraphs(description):
     """The blocks of a description, without its parameters and results. Each begins with its roff request."""
     out = []
@@ -96,6 +103,8 @@ def paragraphs(description):
                 out += bullets(child)
             elif child.tag == "table":
                 out += table(child)
+            elif child.tag == "verbatim":
+                out += program(child)
     return out
 
 
@@ -170,7 +179,7 @@ def type_text(member):
 
 
 def structure_text(name, folder):
-    compound = ElementTree.parse(folder / f"struct{name}.xml").getroot().find("compounddef")
+    compound = ElementTree.parse(folder / f"struct{name.replace('_', '__')}.xml").getroot().find("compounddef")
     out = [".SS " + name]
     out += paragraphs(compound.find("briefdescription")) + paragraphs(compound.find("detaileddescription"))
     for field in compound.iter("memberdef"):
@@ -217,18 +226,34 @@ def see_also(page):
     return [".SH SEE ALSO"] + [".BR " + o + ("," if o is not others[-1] else "") for o in others]
 
 
-def include_lines():
-    return [".nf", "\\fB#include <OPCV_dlib.h>\\fP", ".fi", ".PP", "Link with \\fB\\-lOPCV_dlib\\fP."]
+def include_lines(header="OPCV_dlib.h"):
+    return [".nf", f"\\fB#include <{header}>\\fP", ".fi", ".PP", "Link with \\fB\\-lOPCV_dlib\\fP."]
 
 
-def is_for_cplusplus(function, first_line):
-    return int(function.find("location").get("line")) >= first_line
+class Header:
+    """A public header: its groups, what it says about itself, and where its part for C++ begins."""
+
+    def __init__(self, path, xml):
+        path = pathlib.Path(path)
+        self.name = path.name
+        index = ElementTree.parse(xml / "index.xml").getroot()
+        reference = next(c.get("refid") for c in index if c.get("kind") == "file" and c.findtext("name") == self.name)
+        self.page = ElementTree.parse(xml / f"{reference}.xml").getroot().find("compounddef")
+        self.groups = {g.findtext("header"): g for g in self.page.findall("sectiondef") if g.find("header") is not None}
+        source = path.read_text(encoding="utf-8").splitlines()
+        self.first_cplusplus_line = next(n for n, line in enumerate(source, 1) if line.startswith('}    // extern "C"'))
+
+    def is_for_cplusplus(self, function):
+        return int(function.find("location").get("line")) >= self.first_cplusplus_line
+
+    def description(self):
+        return paragraphs(self.page.find("detaileddescription"))
 
 
-def synopsis(functions, first_line):
-    out = [".SH SYNOPSIS"] + include_lines()
-    for title, chosen in ((None, [f for f in functions if not is_for_cplusplus(f, first_line)]),
-                          ("For C++ only:", [f for f in functions if is_for_cplusplus(f, first_line)])):
+def synopsis(functions, header):
+    out = [".SH SYNOPSIS"] + include_lines(header.name)
+    for title, chosen in ((None, [f for f in functions if not header.is_for_cplusplus(f)]),
+                          ("For C++ only:", [f for f in functions if header.is_for_cplusplus(f)])):
         if title and chosen:
             out += [".PP", title]
         for function in chosen:
@@ -245,28 +270,26 @@ def write(folder, section, page, content):
     path.write_text("\n".join(content) + "\n", encoding="ascii")
 
 
-def main(xml, header, version, date, target):
+def main(xml, version, date, target, *headers):
     xml, target = pathlib.Path(xml), pathlib.Path(target)
-    index = ElementTree.parse(xml / "index.xml").getroot()
-    reference = next(c.get("refid") for c in index if c.get("kind") == "file" and c.findtext("name") == "OPCV_dlib.h")
-    page_of_header = ElementTree.parse(xml / f"{reference}.xml").getroot().find("compounddef")
-    groups = {g.findtext("header"): g for g in page_of_header.findall("sectiondef") if g.find("header") is not None}
+    headers = [Header(path, xml) for path in headers]
+    header_of = {title: header for header in headers for title in header.groups}
     known = [title for _, titles in FAMILIES.values() for title in titles]
-    if set(groups) - set(known):
-        raise ValueError(f"groups without a page: {sorted(set(groups) - set(known))}")
-    source = pathlib.Path(header).read_text(encoding="utf-8").splitlines()
-    first_cplusplus_line = next(n for n, line in enumerate(source, 1) if line.startswith('}    // extern "C"'))
+    if set(header_of) - set(known):
+        raise ValueError(f"groups without a page: {sorted(set(header_of) - set(known))}")
 
     for page, (purpose, titles) in FAMILIES.items():
-        present = [groups[t] for t in titles if t in groups]
-        functions = functions_of(present)
+        header = next(header_of[t] for t in titles if t in header_of)
+        functions = functions_of([header.groups[t] for t in titles if t in header.groups])
         names = [f.findtext("name") for f in functions]
         content = heading(page, 3, version, date)
         content += [".SH NAME", ", ".join([page] + names) + " \\- " + purpose]
-        content += synopsis(functions, first_cplusplus_line)
+        content += synopsis(functions, header)
+        if header is not headers[0]:    # what the first one says is a page of its own
+            content += [".SH DESCRIPTION"] + header.description()
         for title in titles:
-            if title in groups:
-                content += group_text(groups[title], xml)
+            if title in header.groups:
+                content += group_text(header.groups[title], xml)
             else:    # a group of structures alone is none for Doxygen
                 content += [".SH " + title.upper()]
                 for name in STRUCTURES[title]:
@@ -278,7 +301,7 @@ def main(xml, header, version, date, target):
     content = heading(OVERVIEW, 7, version, date)
     content += [".SH NAME", OVERVIEW + " \\- image primitives for document\\-scanner pipelines"]
     content += [".SH SYNOPSIS"] + include_lines()
-    content += [".SH DESCRIPTION"] + paragraphs(page_of_header.find("detaileddescription"))
+    content += [".SH DESCRIPTION"] + headers[0].description()
     content += [".SH PAGES"]
     for page, (purpose, _) in FAMILIES.items():
         content += [".TP", f".BR {page} (3)", escaped(purpose[0].upper() + purpose[1:]) + "."]

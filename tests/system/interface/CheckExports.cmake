@@ -1,12 +1,17 @@
-# cmake -DNM=... -DLIBRARY=... -DEXPECTED=... -P CheckExports.cmake
-# Fails unless the library exports exactly the names in the list, all of the first version of the interface.
-set(version OPCV_1.0)
+# cmake -DNM=... -DLIBRARY=... -DLISTS=FOLDER -P CheckExports.cmake
+# Fails unless the library exports exactly the names in the lists, each list with its version of the interface.
 execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX REPLACE " [^\n]*" "" symbols "${symbols}")
 string(REGEX MATCHALL "[^\n]+" exported "${symbols}")
-file(STRINGS ${EXPECTED} expected)
-list(TRANSFORM expected APPEND "@@${version}")
-list(APPEND expected ${version})    # the version's own mark
+set(expected "")
+foreach(pair IN ITEMS "exports.txt|OPCV_1.0" "exports_1.1.txt|OPCV_1.1")
+    string(REPLACE "|" ";" pair "${pair}")
+    list(GET pair 0 file)
+    list(GET pair 1 version)
+    file(STRINGS ${LISTS}/${file} names)
+    list(TRANSFORM names APPEND "@@${version}")
+    list(APPEND expected ${names} ${version})    # the version's own mark as well
+endforeach()
 
 set(missing ${expected})
 set(extra ${exported})
