@@ -17,6 +17,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/row-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
@@ -172,18 +174,16 @@ struct Mirror<3> {
 
 template <int kPixelSize>
 void mirrorRow(const uint8_t* from, uint8_t* to, int width) {
-    constexpr int kPixels = Mirror<kPixelSize>::kPixels;
-    const auto at = [&](int x) { return from + ptrdiff_t{x} * kPixelSize; };
-    const auto mirrored = [&](int x) { return to + (ptrdiff_t{width} - x) * kPixelSize; };    // behind the pixel of x
-    if (width < kPixels) {
-        for (int x = 0; x < width; ++x) std::memcpy(mirrored(x + 1), at(x), kPixelSize);
-        return;
-    }
-    // From the right, so that the target is written forwards: twice as fast where memory is the limit.
-    for (int i = width - kPixels; i > -kPixels; i -= kPixels) {
-        const int x = std::max(i, 0);
-        Mirror<kPixelSize>::block(at(x), mirrored(x + kPixels));
-    }
+    constexpr ptrdiff_t kPixels = Mirror<kPixelSize>::kPixels;
+    const uint8_t* const end = from + width * ptrdiff_t{kPixelSize};
+    // The target is written forwards: twice as fast where memory is the limit.
+    opcv::HWY_NAMESPACE::coverPulledBack(
+        width, kPixels,
+        [=](ptrdiff_t x) HWY_ATTR { Mirror<kPixelSize>::block(end - (x + kPixels) * kPixelSize, to + x * kPixelSize); },
+        [=] {
+            for (ptrdiff_t x = 0; x < width; ++x)
+                std::memcpy(to + x * kPixelSize, end - (x + 1) * kPixelSize, kPixelSize);
+        });
 }
 
 template <int kPixelSize>

@@ -22,11 +22,16 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/row-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+using opcv::HWY_NAMESPACE::coverBeyond;
+using opcv::HWY_NAMESPACE::coverWithRest;
 
 constexpr int kBlockBytes = 16;
 constexpr int kFour = 4;               // results of a block
@@ -117,7 +122,7 @@ hn::Vec<D> loadBlocks(D d, const uint8_t* row, const int32_t* firstBytes) {
 
 // A vector's share of the table, for any number of rows.
 struct Columns {
-    Columns(const ColumnTable& table, int result, int vector) {
+    Columns(const ColumnTable& table, ptrdiff_t result, int vector) {
         const auto slot = static_cast<size_t>(result) / kFour + static_cast<size_t>(vector) * kBlocks;
         firstBytes = &table.firstBytes[slot];
         shuffle = hn::LoadU(D8(), &table.shuffles[slot * kBlockBytes]);
@@ -138,22 +143,22 @@ struct Columns {
 };
 
 void resampleRow(const ColumnTable& table, int results, const uint8_t* row, int16_t* resampled) {
-    for (int x = 0; x < results; x += kResults) {
+    coverBeyond(results, kResults, [&](ptrdiff_t x) HWY_ATTR {
         const Columns first(table, x, 0);
         const Columns second(table, x, 1);
         hn::StoreU(hn::ReorderDemote2To(D16(), first.resample(row), second.resample(row)), D16(), resampled + x);
-    }
+    });
 }
 
 // Two rows that are new to a result together take the table from memory once.
 void resampleTwoRows(const ColumnTable& table, int results, const uint8_t* row, const uint8_t* next, int16_t* resampled,
                      int16_t* nextResampled) {
-    for (int x = 0; x < results; x += kResults) {
+    coverBeyond(results, kResults, [&](ptrdiff_t x) HWY_ATTR {
         const Columns first(table, x, 0);
         const Columns second(table, x, 1);
         hn::StoreU(hn::ReorderDemote2To(D16(), first.resample(row), second.resample(row)), D16(), resampled + x);
         hn::StoreU(hn::ReorderDemote2To(D16(), first.resample(next), second.resample(next)), D16(), nextResampled + x);
-    }
+    });
 }
 
 void mixRows(const int16_t* above, const int16_t* below, const Taps& taps, int results, uint8_t* target) {
@@ -161,19 +166,19 @@ void mixRows(const int16_t* above, const int16_t* below, const Taps& taps, int r
     const hn::Half<D8> d8;
     const auto weightOfAbove = hn::Set(d16, taps.weightOfFirst);
     const auto weightOfBelow = hn::Set(d16, taps.weightOfSecond);
-    const auto mixedAt = [&](int x) HWY_ATTR {
+    const auto mixAt = [&](ptrdiff_t x, uint8_t* mixed) HWY_ATTR {
         const auto fromAbove = hn::MulHigh(hn::LoadU(d16, above + x), weightOfAbove);
         const auto fromBelow = hn::MulHigh(hn::LoadU(d16, below + x), weightOfBelow);
         const auto sum = hn::Add(hn::Add(fromAbove, fromBelow), hn::Set(d16, 2));
-        return hn::DemoteTo(d8, hn::ShiftRight<2>(sum));
+        hn::StoreU(hn::DemoteTo(d8, hn::ShiftRight<2>(sum)), d8, mixed);
     };
-    int x = 0;
-    for (; x + kResults <= results; x += kResults) hn::StoreU(mixedAt(x), d8, target + x);
-    if (x < results) {
-        uint8_t block[kResults];
-        hn::StoreU(mixedAt(x), d8, block);
-        std::memcpy(target + x, block, static_cast<size_t>(results - x));
-    }
+    coverWithRest(
+        results, kResults, [&](ptrdiff_t x) HWY_ATTR { mixAt(x, target + x); },
+        [&](ptrdiff_t x, ptrdiff_t count) HWY_ATTR {
+            uint8_t block[kResults];
+            mixAt(x, block);
+            std::memcpy(target + x, block, static_cast<size_t>(count));
+        });
 }
 
 // The two resampled rows that a result is mixed from.

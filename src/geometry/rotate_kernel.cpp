@@ -32,6 +32,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/row-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
@@ -283,23 +285,20 @@ template <class D>
 void rotateStrip(D d, const RotationJob& job, const BorderRow& border, int firstByte, int bytes, int firstRow,
                  int endRow) {
     Strip strip;
+    HWY_ALIGN uint8_t block[HWY_MAX_BYTES];
     const int size = groupBytes(d);
+    const int rest = bytes % size;
     for (int i = 0; i < bytes; i += size)
         prepareGroup(d, job, firstByte + i, strip.groups[i / size], strip.behind + i, strip.down + i);
     for (int y = firstRow; y < endRow; ++y) {
         const MapPosition row = job.map.row(y);
         uint8_t* out = job.target + y * job.targetStep + firstByte;
-        int i = 0;
-        for (; i + size <= bytes; i += size) {
+        opcv::HWY_NAMESPACE::coverBeyond(bytes, size, [&](ptrdiff_t i) HWY_ATTR {
             const Group& group = strip.groups[i / size];
-            rotateGroupAt(d, job, border, row + group.start, group, strip.behind + i, strip.down + i, out + i);
-        }
-        if (i < bytes) {
-            HWY_ALIGN uint8_t block[HWY_MAX_BYTES];
-            const Group& group = strip.groups[i / size];
-            rotateGroupAt(d, job, border, row + group.start, group, strip.behind + i, strip.down + i, block);
-            std::memcpy(out + i, block, static_cast<size_t>(bytes - i));
-        }
+            uint8_t* const to = i + size <= bytes ? out + i : block;
+            rotateGroupAt(d, job, border, row + group.start, group, strip.behind + i, strip.down + i, to);
+        });
+        std::memcpy(out + (bytes - rest), block, static_cast<size_t>(rest));
     }
 }
 
@@ -334,7 +333,7 @@ struct Taps {
 };
 
 template <int kChannels>
-Taps tapsAt(const RotationJob& job, int x, int y) {
+HWY_INLINE Taps tapsAt(const RotationJob& job, int x, int y) {
     if (x < 0 || x + 1 >= job.sourceWidth || y < 0 || y + 1 >= job.sourceHeight)
         return {tapAt(job, x, y), tapAt(job, x + 1, y), tapAt(job, x, y + 1), tapAt(job, x + 1, y + 1)};
     const uint8_t* first = job.source + y * job.sourceStep + ptrdiff_t{x} * kChannels;
@@ -342,7 +341,7 @@ Taps tapsAt(const RotationJob& job, int x, int y) {
 }
 
 template <int kChannels>
-void rotatePixel(const RotationJob& job, MapPosition at, uint8_t* out) {
+HWY_INLINE void rotatePixel(const RotationJob& job, MapPosition at, uint8_t* out) {
     const Taps taps = tapsAt<kChannels>(job, at.x >> kMapBits, at.y >> kMapBits);
     const int fx = at.x >> (kMapBits - 5) & 31;
     const int fy = at.y >> (kMapBits - 5) & 31;

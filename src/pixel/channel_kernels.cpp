@@ -22,6 +22,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/row-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
@@ -33,6 +35,7 @@ using D16 = hn::ScalableTag<int16_t>;
 using D32 = hn::ScalableTag<int32_t>;
 using V8 = hn::Vec<D8>;
 using V16 = hn::Vec<D16>;
+constexpr size_t kLanes = hn::MaxLanes(D8());
 
 template <class V>
 struct Channels {
@@ -116,7 +119,7 @@ struct Copy {
 struct PackedRow {
     uint8_t* bytes;
 
-    Channels<V8> load(size_t x) const {
+    Channels<V8> load(ptrdiff_t x) const {
         const D8 d;
         V8 a = hn::Zero(d);
         V8 b = a;
@@ -124,45 +127,43 @@ struct PackedRow {
         hn::LoadInterleaved3(d, bytes + 3 * x, a, b, c);
         return {a, b, c};
     }
-    void store(const Channels<V8>& v, size_t x) const { hn::StoreInterleaved3(v.a, v.b, v.c, D8(), bytes + 3 * x); }
+    void store(const Channels<V8>& v, ptrdiff_t x) const { hn::StoreInterleaved3(v.a, v.b, v.c, D8(), bytes + 3 * x); }
 
-    Channels<V8> loadPart(size_t x, size_t count) const {
-        uint8_t block[3 * hn::MaxLanes(D8())] = {};
-        std::memcpy(block, bytes + 3 * x, 3 * count);
+    Channels<V8> loadPart(ptrdiff_t x, ptrdiff_t count) const {
+        uint8_t block[3 * kLanes] = {};
+        std::memcpy(block, bytes + 3 * x, static_cast<size_t>(3 * count));
         return PackedRow{block}.load(0);
     }
-    void storePart(const Channels<V8>& v, size_t x, size_t count) const {
-        uint8_t block[3 * hn::MaxLanes(D8())];
+    void storePart(const Channels<V8>& v, ptrdiff_t x, ptrdiff_t count) const {
+        uint8_t block[3 * kLanes];
         PackedRow{block}.store(v, 0);
-        std::memcpy(bytes + 3 * x, block, 3 * count);
+        std::memcpy(bytes + 3 * x, block, static_cast<size_t>(3 * count));
     }
 };
 
 struct PlanarRow {
     std::array<uint8_t*, 3> bytes;
 
-    Channels<V8> load(size_t x) const {
+    Channels<V8> load(ptrdiff_t x) const {
         const D8 d;
         return {hn::LoadU(d, bytes[0] + x), hn::LoadU(d, bytes[1] + x), hn::LoadU(d, bytes[2] + x)};
     }
-    void store(const Channels<V8>& v, size_t x) const {
+    void store(const Channels<V8>& v, ptrdiff_t x) const {
         const D8 d;
         hn::StoreU(v.a, d, bytes[0] + x);
         hn::StoreU(v.b, d, bytes[1] + x);
         hn::StoreU(v.c, d, bytes[2] + x);
     }
 
-    Channels<V8> loadPart(size_t x, size_t count) const {
-        constexpr size_t size = hn::MaxLanes(D8());
-        uint8_t block[3 * size] = {};
-        for (size_t i = 0; i < 3; ++i) std::memcpy(block + i * size, bytes[i] + x, count);
-        return PlanarRow{{block, block + size, block + 2 * size}}.load(0);
+    Channels<V8> loadPart(ptrdiff_t x, ptrdiff_t count) const {
+        uint8_t block[3 * kLanes] = {};
+        for (size_t i = 0; i < 3; ++i) std::memcpy(block + i * kLanes, bytes[i] + x, static_cast<size_t>(count));
+        return PlanarRow{{block, block + kLanes, block + 2 * kLanes}}.load(0);
     }
-    void storePart(const Channels<V8>& v, size_t x, size_t count) const {
-        constexpr size_t size = hn::MaxLanes(D8());
-        uint8_t block[3 * size];
-        PlanarRow{{block, block + size, block + 2 * size}}.store(v, 0);
-        for (size_t i = 0; i < 3; ++i) std::memcpy(bytes[i] + x, block + i * size, count);
+    void storePart(const Channels<V8>& v, ptrdiff_t x, ptrdiff_t count) const {
+        uint8_t block[3 * kLanes];
+        PlanarRow{{block, block + kLanes, block + 2 * kLanes}}.store(v, 0);
+        for (size_t i = 0; i < 3; ++i) std::memcpy(bytes[i] + x, block + i * kLanes, static_cast<size_t>(count));
     }
 };
 
@@ -170,17 +171,16 @@ PackedRow firstRow(const PackedImage& image) { return {image.pixels}; }
 PlanarRow firstRow(const PlanarImage& image) { return {image.planes}; }
 
 template <class Formula, class From, class To>
-void passRow(const From& from, const To& to, size_t width) {
-    const size_t lanes = hn::Lanes(D8());
-    size_t x = 0;
-    for (; x + lanes <= width; x += lanes) to.store(Formula::apply(from.load(x)), x);
-    if (x < width) to.storePart(Formula::apply(from.loadPart(x, width - x)), x, width - x);
+void passRow(const From& from, const To& to, ptrdiff_t width) {
+    opcv::HWY_NAMESPACE::coverWithRest(
+        width, kLanes, [&](ptrdiff_t x) HWY_ATTR { to.store(Formula::apply(from.load(x)), x); },
+        [=](ptrdiff_t x, ptrdiff_t count)
+            HWY_ATTR { to.storePart(Formula::apply(from.loadPart(x, count)), x, count); });
 }
 
 template <class Formula, class From, class To>
 void pass(const From& from, const To& to, int width, int height) {
-    for (int y = 0; y < height; ++y)
-        passRow<Formula>(firstRow(from.below(y)), firstRow(to.below(y)), static_cast<size_t>(width));
+    for (int y = 0; y < height; ++y) passRow<Formula>(firstRow(from.below(y)), firstRow(to.below(y)), width);
 }
 
 void rgbToYuv(const PackedImage& from, const PackedImage& to, int width, int height) {

@@ -1,9 +1,8 @@
 // In-place threshold: a pixel at or below the threshold is replaced. A vector of pixels is compared and blended; the
-// last vector of a row is moved back to end with the row, as a second pass over a pixel changes nothing: a replaced
-// pixel is either replaced by the same value again or stays. Rows shorter than a vector go through one on the stack.
+// last vector of a row is pulled back to end with the row, as a second pass over a pixel changes nothing: a replaced
+// pixel is either replaced by the same value again or stays.
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "OPCV_dlib.h"
 
@@ -12,44 +11,30 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/row-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::ScalableTag<uint8_t>;
-
 // Pixels are moved as bytes, because a step may leave 16-bit rows unaligned.
-template <typename T>
-void thresholdVector(uint8_t* HWY_RESTRICT bytes, T threshold, T value) {
-    const Bytes d8;
-    const hn::ScalableTag<T> d;
+template <class D, typename T = hn::TFromD<D>>
+HWY_INLINE void thresholdAt(D d, uint8_t* bytes, T threshold, T value) {
+    const hn::Repartition<uint8_t, D> d8;
     const auto pixels = hn::BitCast(d, hn::LoadU(d8, bytes));
     const auto replaced = hn::IfThenElse(hn::Gt(pixels, hn::Set(d, threshold)), pixels, hn::Set(d, value));
     hn::StoreU(hn::BitCast(d8, replaced), d8, bytes);
 }
 
 template <typename T>
-void thresholdRow(uint8_t* row, ptrdiff_t rowBytes, T threshold, T value) {
-    const auto lanes = static_cast<ptrdiff_t>(hn::Lanes(Bytes()));
-    if (rowBytes < lanes) {
-        uint8_t block[hn::MaxLanes(Bytes())] = {};
-        std::memcpy(block, row, static_cast<size_t>(rowBytes));
-        thresholdVector(block, threshold, value);
-        std::memcpy(row, block, static_cast<size_t>(rowBytes));
-        return;
-    }
-    ptrdiff_t x = 0;
-    for (; x + lanes <= rowBytes; x += lanes) thresholdVector(row + x, threshold, value);
-    if (x < rowBytes) thresholdVector(row + rowBytes - lanes, threshold, value);
-}
-
-template <typename T>
 void thresholdImage(uint8_t* p, int step, int width, int height, T threshold, T value) {
-    if (width <= 0) return;
-    const ptrdiff_t rowBytes = ptrdiff_t{width} * static_cast<ptrdiff_t>(sizeof(T));
-    for (; height > 0; --height, p += step) thresholdRow(p, rowBytes, threshold, value);
+    constexpr auto kPixelSize = static_cast<ptrdiff_t>(sizeof(T));
+    for (; height > 0; --height, p += step)
+        opcv::HWY_NAMESPACE::coverRow(hn::ScalableTag<T>(), width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            thresholdAt(d, p + kPixelSize * x, threshold, value);
+        });
 }
 
 void threshold8u(uint8_t* p, int step, int width, int height, uint8_t threshold, uint8_t value) {

@@ -37,6 +37,9 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+using opcv::HWY_NAMESPACE::coverBeyond;
+using opcv::HWY_NAMESPACE::coverPulledBack;
+using opcv::HWY_NAMESPACE::lanesOf;
 using opcv::HWY_NAMESPACE::prefetchRow;
 
 using D8 = hn::ScalableTag<uint8_t>;
@@ -91,40 +94,35 @@ public:
     void enter(const uint8_t* row) {
         std::rotate(pixels_, pixels_ + 1, pixels_ + 3);
         load(row - 3);
-        for (ptrdiff_t p = 0; p < width_ + kReach; p += lanes16()) pairAt(p);
-        for (ptrdiff_t p = 0; p < width_ + kReach; p += lanes16()) scoreAt(p);
+        coverBeyond(width_ + kReach, lanesOf(d16), [this](ptrdiff_t p) HWY_ATTR { pairAt(p); });
+        coverBeyond(width_ + kReach, lanesOf(d16), [this](ptrdiff_t p) HWY_ATTR { scoreAt(p); });
     }
 
     // Writes the medians of the row here.
     void select(uint8_t* dst) const {
-        if (width_ < lanes8()) {
-            HWY_ALIGN uint8_t block[3 * hn::MaxLanes(d8)];
-            selectAt(0, block);
-            std::memcpy(dst, block, static_cast<size_t>(3 * width_));
-            return;
-        }
-        for (ptrdiff_t x = 0; x < width_ - lanes8(); x += lanes8()) selectAt(x, dst);
-        selectAt(width_ - lanes8(), dst);
+        coverPulledBack(
+            width_, lanesOf(d8), [this, dst](ptrdiff_t x) HWY_ATTR { selectAt(x, dst); },
+            [this, dst]() HWY_ATTR {
+                HWY_ALIGN uint8_t block[3 * hn::MaxLanes(d8)];
+                selectAt(0, block);
+                std::memcpy(dst, block, static_cast<size_t>(3 * width_));
+            });
     }
 
 private:
-    static ptrdiff_t lanes8() { return static_cast<ptrdiff_t>(hn::Lanes(d8)); }
-    static ptrdiff_t lanes16() { return static_cast<ptrdiff_t>(hn::Lanes(d16)); }
-
     const PixelRow& above() const { return *pixels_[0]; }
     const PixelRow& here() const { return *pixels_[1]; }
     const PixelRow& below() const { return *pixels_[2]; }
 
     void load(const uint8_t* row) {
         const ptrdiff_t count = width_ + kReach;
-        if (count < lanes8()) {
-            HWY_ALIGN uint8_t block[3 * hn::MaxLanes(d8)] = {};
-            std::memcpy(block, row, static_cast<size_t>(3 * count));
-            loadAt(0, block);
-            return;
-        }
-        for (ptrdiff_t p = 0; p < count - lanes8(); p += lanes8()) loadAt(p, row);
-        loadAt(count - lanes8(), row);
+        coverPulledBack(
+            count, lanesOf(d8), [this, row](ptrdiff_t p) HWY_ATTR { loadAt(p, row); },
+            [this, row, count]() HWY_ATTR {
+                HWY_ALIGN uint8_t block[3 * hn::MaxLanes(d8)] = {};
+                std::memcpy(block, row, static_cast<size_t>(3 * count));
+                loadAt(0, block);
+            });
     }
 
     void loadAt(ptrdiff_t p, const uint8_t* row) {
@@ -136,7 +134,8 @@ private:
             int16_t* samples = pixels_[2]->samples[c].at(p);
             const auto scale = hn::Set(di16, kScale);
             hn::StoreU(hn::Mul(hn::PromoteTo(di16, hn::LowerHalf(half, channel[c])), scale), di16, samples);
-            hn::StoreU(hn::Mul(hn::PromoteTo(di16, hn::UpperHalf(half, channel[c])), scale), di16, samples + lanes16());
+            hn::StoreU(hn::Mul(hn::PromoteTo(di16, hn::UpperHalf(half, channel[c])), scale), di16,
+                       samples + lanesOf(d16));
         }
     }
 
@@ -233,7 +232,8 @@ private:
     }
 
     HWY_INLINE void selectAt(ptrdiff_t x, uint8_t* dst) const {
-        const auto place = hn::ConcatEven(d8, hn::BitCast(d8, winnersAt(x + lanes16())), hn::BitCast(d8, winnersAt(x)));
+        const auto place =
+            hn::ConcatEven(d8, hn::BitCast(d8, winnersAt(x + lanesOf(d16))), hn::BitCast(d8, winnersAt(x)));
         const auto bit0 = hn::TestBit(place, hn::Set(d8, 1));
         const auto bit1 = hn::TestBit(place, hn::Set(d8, 2));
         const auto bit2 = hn::TestBit(place, hn::Set(d8, 4));

@@ -21,6 +21,7 @@
 #include <hwy/highway.h>
 
 #include "rank/merge_network.h"
+#include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
@@ -28,13 +29,14 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+using opcv::HWY_NAMESPACE::coverBeyond;
+using opcv::HWY_NAMESPACE::coverPulledBack;
+using opcv::HWY_NAMESPACE::lanesOf;
 using rank_network::MedianRanks;
 using D = hn::ScalableTag<uint8_t>;
 using V = hn::Vec<D>;
 
 constexpr D d;
-
-ptrdiff_t lanes() { return static_cast<ptrdiff_t>(hn::Lanes(d)); }
 
 // Calls `body` with each index as a constant: an array whose every index is known becomes registers.
 template <int... i, class Body>
@@ -157,15 +159,16 @@ public:
         dstAhead_ = dstAhead;
         sortColumns(src);
         for (int r = 0; r < 2 && dst[r]; ++r) {
-            if constexpr (m >= 5) {
-                for (ptrdiff_t x = 0; x < width_ + (m - 2) * channels_; x += lanes())
-                    pairs_.store(merged(columns_[r].load(x), columns_[r].load(x + channels_)), x);
-            }
-            if constexpr (m >= 9) {
-                for (ptrdiff_t x = 0; x < width_ + (m - 4) * channels_; x += lanes())
+            const Columns& columns = columns_[r];
+            if constexpr (m >= 5)
+                coverBeyond(width_ + (m - 2) * channels_, lanesOf(d), [&](ptrdiff_t x) HWY_ATTR {
+                    pairs_.store(merged(columns.load(x), columns.load(x + channels_)), x);
+                });
+            if constexpr (m >= 9)
+                coverBeyond(width_ + (m - 4) * channels_, lanesOf(d), [&](ptrdiff_t x) HWY_ATTR {
                     fours_.store(merged(pairs_.load(x), pairs_.load(x + 2 * channels_)), x);
-            }
-            writeRow(columns_[r], dst[r]);
+                });
+            writeRow(columns, dst[r]);
         }
     }
 
@@ -180,18 +183,17 @@ private:
     // The last vector is pulled back to end where the windows end; rows shorter than a vector are copied first.
     void sortColumns(const uint8_t* const (&src)[m + 1]) {
         const ptrdiff_t width = width_ + (m - 1) * channels_;
-        if (width < lanes()) {
-            HWY_ALIGN uint8_t block[m + 1][kMaxLanes] = {};
-            const uint8_t* rows[m + 1];
-            for (int i = 0; i <= m; ++i) {
-                std::memcpy(block[i], src[i], static_cast<size_t>(width));
-                rows[i] = block[i];
-            }
-            sortColumnsAt(rows, 0);
-            return;
-        }
-        for (ptrdiff_t x = 0; x < width - lanes(); x += lanes()) sortColumnsAt(src, x);
-        sortColumnsAt(src, width - lanes());
+        coverPulledBack(
+            width, lanesOf(d), [&](ptrdiff_t x) HWY_ATTR { sortColumnsAt(src, x); },
+            [&]() HWY_ATTR {
+                HWY_ALIGN uint8_t block[m + 1][kMaxLanes] = {};
+                const uint8_t* rows[m + 1];
+                for (int i = 0; i <= m; ++i) {
+                    std::memcpy(block[i], src[i], static_cast<size_t>(width));
+                    rows[i] = block[i];
+                }
+                sortColumnsAt(rows, 0);
+            });
     }
 
     HWY_INLINE void sortColumnsAt(const uint8_t* const (&src)[m + 1], ptrdiff_t x) {
@@ -229,17 +231,17 @@ private:
     }
 
     void writeRow(const Columns& columns, uint8_t* dst) const {
-        if (width_ < lanes()) {
-            HWY_ALIGN uint8_t block[kMaxLanes];
-            hn::Store(medianAt(columns, 0), d, block);
-            std::memcpy(dst, block, static_cast<size_t>(width_));
-            return;
-        }
-        for (ptrdiff_t x = 0; x < width_ - lanes(); x += lanes()) {
-            hwy::Prefetch(dst + x + dstAhead_);
-            hn::StoreU(medianAt(columns, x), d, dst + x);
-        }
-        hn::StoreU(medianAt(columns, width_ - lanes()), d, dst + width_ - lanes());
+        coverPulledBack(
+            width_, lanesOf(d),
+            [&](ptrdiff_t x) HWY_ATTR {
+                hwy::Prefetch(dst + x + dstAhead_);
+                hn::StoreU(medianAt(columns, x), d, dst + x);
+            },
+            [&]() HWY_ATTR {
+                HWY_ALIGN uint8_t block[kMaxLanes];
+                hn::Store(medianAt(columns, 0), d, block);
+                std::memcpy(dst, block, static_cast<size_t>(width_));
+            });
     }
 
     ptrdiff_t width_;

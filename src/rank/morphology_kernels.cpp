@@ -186,8 +186,9 @@ void filterCells(const WindowRows& rows, const ptrdiff_t* cells, int count) {
         const uint8_t* const src = rows.src + y * rows.srcStep;
         uint8_t* const dst = rows.dst + y * rows.dstStep;
         coverRow(dFull, rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
-            auto extreme = hn::LoadU(d, src + x + cells[0]);
-            for (int i = 1; i < count; ++i) extreme = Op::of(extreme, hn::LoadU(d, src + x + cells[i]));
+            const uint8_t* const window = src + x;
+            auto extreme = hn::LoadU(d, window + cells[0]);
+            for (int i = 1; i < count; ++i) extreme = Op::of(extreme, hn::LoadU(d, window + cells[i]));
             hn::StoreU(extreme, d, dst + x);
         });
     }

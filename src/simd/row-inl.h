@@ -29,15 +29,15 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Calls `blockAt(x)` for the first column of each block. A row shorter than a block is one call of `shortRow()`.
+// Calls `blockAt(x)` for the first column of each block. A row shorter than a block is one call of `shortRow()`. Blocks
+// are long formulas: one place of the code calls them, whereas coverRow has a second one for the last vector.
 template <class BlockAt, class ShortRow>
 HWY_INLINE void coverPulledBack(ptrdiff_t width, ptrdiff_t block, const BlockAt& blockAt, const ShortRow& shortRow) {
     if (width < block) {
         shortRow();
         return;
     }
-    for (ptrdiff_t x = 0; x < width - block; x += block) blockAt(x);
-    blockAt(width - block);
+    for (ptrdiff_t x = 0; x < width; x += block) blockAt(HWY_MIN(x, width - block));
 }
 
 // Calls `blockAt(x)` for the first column of each block that the row holds whole, then `restAt(x, count)` for the columns
@@ -64,11 +64,13 @@ HWY_INLINE ptrdiff_t lanesOf(D d) {
 template <class D, class At>
 HWY_INLINE void coverRow(D d, ptrdiff_t width, const At& at) {
     const hn::CappedTag<hn::TFromD<D>, 1> one;
-    coverPulledBack(
-        width, lanesOf(d), [&](ptrdiff_t x) HWY_ATTR { at(d, x); },
-        [&]() HWY_ATTR {
-            for (ptrdiff_t x = 0; x < width; ++x) at(one, x);
-        });
+    const ptrdiff_t last = width - lanesOf(d);
+    if (last < 0) {
+        for (ptrdiff_t x = 0; x < width; ++x) at(one, x);
+        return;
+    }
+    for (ptrdiff_t x = 0; x < last; x += lanesOf(d)) at(d, x);
+    at(d, last);
 }
 
 // Calls `at(tag, x)` so that each column comes once.
