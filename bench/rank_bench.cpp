@@ -190,7 +190,7 @@ void compareWindowsOfAnySize() {
     }
 }
 
-const bench::Registration fixedWindows("Medians of a fixed window", compareFixedWindows);
-const bench::Registration windowsOfAnySize("Medians and morphology of any window", compareWindowsOfAnySize);
+const bench::Registration fixedWindows("Medians with a fixed window", compareFixedWindows);
+const bench::Registration windowsOfAnySize("Medians and morphology with any window", compareWindowsOfAnySize);
 
 }    // namespace

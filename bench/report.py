@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Writes the tables of docs/performance.md from the figures of the benchmarks.
+"""Writes the tables of docs/performance.md from the results of the benchmarks.
 
 Usage: report.py RESULTS_FOLDER DOCUMENT
        report.py --check BENCH_PROGRAM
 
-Only what stands between a pair of marker lines is replaced; the text around them is written by hand. Fails when an
-exported function is neither measured nor accounted for; --check asks just that, of the program's list of comparisons.
+Replaces only the lines between a pair of markers; the text around them is written by hand. Fails if an exported
+function is neither measured nor listed in same_code.txt; --check makes only this check, on the program's list of
+comparisons.
 """
 import csv
 import pathlib
@@ -60,7 +61,7 @@ def check_completeness(functions):
     measured = {name.strip() for function in functions for name in function.split(",")}
     missing = exported_functions() - measured - set(read_same_code())
     if missing:
-        sys.exit("neither measured nor accounted for: " + ", ".join(sorted(missing)))
+        sys.exit("neither measured nor listed in same_code.txt: " + ", ".join(sorted(missing)))
 
 
 def listed_functions(program):
@@ -69,7 +70,7 @@ def listed_functions(program):
 
 
 class Call:
-    """All figures of one function on one shape."""
+    """All results of one function with one shape."""
 
     def __init__(self, function, variant, heading):
         self.function, self.variant, self.heading = function, variant, heading
@@ -96,7 +97,7 @@ def calls_of(results):
     return list(calls.values())
 
 
-def cost_a_pixel(call):
+def cost_per_pixel(call):
     page, tile = call.get(PAGE, "1", "ours"), call.get(TILE, "1", "ours")
     return None if page is None or tile is None else tile / page * (2480 * 3508) / (256 * 256)
 
@@ -120,12 +121,12 @@ def time_row(call, goals):
         "" if tile is None else significant(1e6 * tile),
         number(call.get(TILE, "1", "ratio")),
         number(call.get(TILE, "all", "ratio")),
-        number(cost_a_pixel(call)),
+        number(cost_per_pixel(call)),
     ]
 
 
 TIME_HEAD = ["call", "page, ms", "plain is", "/ plain", "goal", "/ memcpy", "/ plain, two threads", "256 x 256, us",
-             "/ plain", "/ plain, two threads", "cost a pixel / page's"]
+             "/ plain", "/ plain, two threads", "cost per pixel / page's"]
 
 
 def time_tables(results):
@@ -178,7 +179,7 @@ def pipeline_table(path):
     for row in rows_of(path):
         rows.append([row["work"], row["page"], row["tool"], significant(float(row["ms"])), number(float(row["ratio"])),
                      significant(float(row["peak_mb"])), row["steps"]])
-    return table(["work", "page", "tool", "ms", "ours / it", "peak memory, MB", "steps"], rows)
+    return table(["work", "page", "tool", "ms", "library / tool", "peak memory, MB", "steps"], rows)
 
 
 def instruction_table(path):
@@ -187,13 +188,14 @@ def instruction_table(path):
         ours, plain = float(row["ours"]), float(row["plain"])
         rows.append([f"`{row['function']}` {row['variant']}".strip(), significant(ours / float(row["pixels"])),
                      row["plain_name"], significant(plain / float(row["pixels"])), number(ours / plain)])
-    return table(["call", "instructions a pixel", "plain is", "its instructions a pixel", "ours / plain"], rows)
+    return table(
+        ["call", "instructions per pixel", "plain is", "plain, instructions per pixel", "library / plain"], rows)
 
 
 def replace_between(text, marker, lines):
     begin, end = f"<!-- {marker}: begin -->", f"<!-- {marker}: end -->"
     if begin not in text or end not in text:
-        sys.exit(f"no {marker} markers in the document")
+        sys.exit(f"the document has no {marker} markers")
     head, rest = text.split(begin)
     return head + begin + "\n" + "\n".join(lines).strip("\n") + "\n" + end + rest.split(end)[1]
 
