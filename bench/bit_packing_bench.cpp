@@ -4,7 +4,8 @@
 
 namespace {
 
-// The 1-bit side: an eighth of a byte a pixel, and a byte more for rows that do not begin at a byte's first bit.
+// Bytes of the 1-bit image: one bit per pixel, and one more byte per row if rows do not begin at the first bit of a
+// byte.
 size_t bitBytes(IppiSize size) { return bench::bytesOf(size, 1) / 8; }
 IppiSize bitRows(IppiSize size) { return {size.width / 8 + 1, size.height}; }
 

@@ -3,9 +3,9 @@
 
 Usage: count_instructions.py PROGRAM SYSROOT > instructions.tsv
 
-qemu writes down each block of instructions once, when it translates it, and the address of each block that it runs. The
-count of a call is the sum over the blocks that ran between the program's two marker functions. It says how much a
-processor is asked to do, not how long it takes.
+qemu logs each block of instructions once, when it translates it, and the address of each block that it executes. The
+count of a call is the sum over the blocks executed between the program's two marker functions. It measures work, not
+time.
 """
 import collections
 import subprocess
@@ -21,7 +21,7 @@ def command(sysroot, *rest):
 
 
 def code_ranges(program, sysroot):
-    """Where code lies, but for the loader's, which has more to do than all that is counted."""
+    """Address ranges of code, except for the loader, which executes more instructions than all calls together."""
     maps = subprocess.run(command(sysroot, program, "--maps"), capture_output=True, text=True, check=True).stdout
     lines = [line.split() for line in maps.splitlines()]
     return ["0x{}..0x{}".format(*line[0].split("-")) for line in lines
@@ -29,7 +29,7 @@ def code_ranges(program, sysroot):
 
 
 def count_blocks(log):
-    """Instructions between the two markers, each time, in the order of the run."""
+    """Returns the number of instructions between each pair of markers, in the order of the run."""
     lengths, counts, ran = collections.defaultdict(int), [], None
     block = None
     for line in log:

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A blurring kernel without zeros, of cells that are not alike.
+// A blurring kernel whose cells all differ and are not zero.
 std::vector<int> blur(int side) {
     std::vector<int> cells;
     for (int j = 0; j < side; ++j)
@@ -68,8 +68,8 @@ void compareFilter32f(IppiSize size, int side) {
         [&dst, &expected] { return dst.sameRegion(expected); });
 }
 
-// In place: both write the image that they have read, so that what they filter grows smoother from run to run. Neither
-// takes a different path for that.
+// In place: both overwrite their image, so that it becomes smoother from run to run. This does not change the path that
+// either takes.
 void compareBox(IppiSize size, int side) {
     bench::Page& image = bench::target(size, 3);
     bench::Page& other = bench::otherTarget(size, 3);
@@ -81,7 +81,7 @@ void compareBox(IppiSize size, int side) {
         bench::openCV([=, &other] { oracle::plainBox(other.data(), other.step(), size, mask, centre); }));
 }
 
-// Packed images, as the whole-image routines take them.
+// Packed images, as the whole-image functions require.
 struct Packed {
     Packed(IppiSize size, int pixelSize) : src(bench::bytesOf(size, pixelSize)), dst(src.size()), expected(src.size()) {
         const bench::Page& page = bench::source(size, pixelSize);

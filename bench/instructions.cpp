@@ -1,5 +1,5 @@
-// Runs both sides of every comparison once, each between two marker functions that `count_instructions.py` looks for in
-// the trace of the run. Prints a line for each comparison; with --maps, what is mapped where instead.
+// Runs both sides of every comparison once, each between two marker functions that `count_instructions.py` finds in the
+// trace of the run. Prints a line for each comparison; with --maps, prints the memory map instead.
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -14,10 +14,10 @@ __attribute__((noinline, used)) void endOfCount() { asm volatile("nop" ::: "memo
 
 namespace {
 
-constexpr int kSide = 64;    // what is counted is written down block by block
+constexpr int kSide = 64;    // small, because the trace lists every executed block
 
 void count(const bench::Action& run) {
-    run();    // what is made once is made now
+    run();    // one-time initialisation is not counted
     startOfCount();
     run();
     endOfCount();

@@ -1,5 +1,6 @@
-// Reading, compressing and the page's whole round trip through memory. Plain: to read, OpenCV's decoder and one copy into
-// a new record in its order of colours; to compress, libjpeg with its own growing destination, a row at a time.
+// Reading, compressing and the round trip of a page through memory. The plain way to read is OpenCV's decoder and one
+// copy into a new record, in the record's channel order; to compress, libjpeg with its own growing destination, one row
+// at a time.
 #include <cstdlib>
 #include <functional>
 #include <memory>
@@ -21,7 +22,7 @@ constexpr double kAngle = 2.3;
 
 using Stream = std::vector<unsigned char>;
 
-// The same page in three layouts, made once.
+// The same page in three layouts, created once.
 enum class Layout { kGrey, k444, k420 };
 
 std::string nameOf(Layout layout) {
@@ -79,7 +80,7 @@ void compareReading(IppiSize size, Layout layout) {
             readPage(streamOf(size, layout), description);
         },
         bench::openCV([size, layout] { readPlain(streamOf(size, layout)); }));
-    // As a program reads page after page: the heap still has the memory of the one before.
+    // As in a program that reads page after page: the heap still holds the memory of the previous one.
     constexpr int kInARow = 4;
     const auto inARow = [](const bench::Action& once) {
         return [once] {
@@ -93,7 +94,7 @@ void compareReading(IppiSize size, Layout layout) {
             readPage(streamOf(size, layout), description);
         }),
         bench::openCV(inARow([size, layout] { readPlain(streamOf(size, layout)); })));
-    // What it costs to know a stream before it is decoded.
+    // The cost of examining a stream before it is decoded.
     bench::compare({"ReadJPEG", std::string("markers alone, ") + nameOf(layout), size, bytesRead(size, layout), pixels},
                    [size, layout] {
                        const Stream& stream = streamOf(size, layout);
@@ -129,7 +130,7 @@ struct PageRecord {
     KVImageDescription description{};
 };
 
-constexpr int kMode = 450;    // quality 80 for CompressJPEG, which has tables of its own, and 70 for CompressJPEGEx
+constexpr int kMode = 450;    // quality 80 in CompressJPEG, 70 in CompressJPEGEx
 
 oracle::JpegSettings settingsOf(int channels, int lumaSampling, int quality, bool ownTables) {
     oracle::JpegSettings settings;
@@ -143,7 +144,7 @@ oracle::JpegSettings settingsOf(int channels, int lumaSampling, int quality, boo
     return settings;
 }
 
-// Puts a stream where `compare` looks for it.
+// Stores a stream where `compare` expects it.
 using Compressor = std::function<void(const PageRecord& page, Stream* stream)>;
 
 void compareCompressor(const char* function, const std::string& variant, IppiSize size,
@@ -164,7 +165,7 @@ void compareCompressor(const char* function, const std::string& variant, IppiSiz
         });
 }
 
-// The routines that hand out a block.
+// The functions that return a block.
 using BlockCompressor = std::function<OSErr(const PageRecord& page, void** data, unsigned* bytes)>;
 
 Compressor intoBlock(const BlockCompressor& compress) {

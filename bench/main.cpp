@@ -1,10 +1,10 @@
-// Measures every registered comparison and keeps the figures in a table of tab-separated lines, one a comparison and
-// number of threads. Lines of an earlier run that are not measured again stay, so that a table can be made in parts:
+// Measures every registered comparison and writes a table of tab-separated lines, one per comparison and number of
+// threads. Lines of an earlier run that are not measured again are kept, so that a table can be measured in parts:
 //
 //     opcv_dlib_bench [--results=FILE] [--rounds=N] [options of Google Benchmark]
 //
-// One round runs ours, the plain way and memcpy in turn. Times are medians over the rounds, and so are ratios, which are
-// formed within each round.
+// A round runs the library, the plain way and memcpy in turn. Ratios are computed within a round. Times and ratios are
+// medians over the rounds.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -35,7 +35,7 @@ std::string nameOf(const Comparison& comparison, int threads) {
            "/threads:" + std::to_string(threads);
 }
 
-// Short calls are made once before the clock starts, so that none pays for what the call before it has left in the caches.
+// Short calls run once before timing starts, so that none depends on what the previous call has left in the caches.
 double secondsOf(const Action& run, int repeats) {
     if (repeats > 1) run();
     const auto start = std::chrono::steady_clock::now();
@@ -46,7 +46,7 @@ double secondsOf(const Action& run, int repeats) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / repeats;
 }
 
-// So many that the clock's own steps do not count.
+// Enough calls that the resolution of the clock does not matter.
 int repeatsOf(const Action& run) {
     constexpr double kRound = 0.004;
     constexpr double kMost = 10000;
@@ -88,7 +88,7 @@ Figures measure(const Comparison& comparison, int rounds) {
     std::array<std::vector<double>, 3> ratios;
     for (size_t i = 0; i < runs.size(); ++i)
         for (size_t round = 0; round < times[i].size(); ++round) ratios[i].push_back(times[0][round] / times[i][round]);
-    // One measurement of the copy serves where it is the plain way as well.
+    // If memcpy is also the plain way, it is measured once.
     if (!comparison.plain.run) {
         times[1] = times[2];
         ratios[1] = ratios[2];
@@ -97,7 +97,7 @@ Figures measure(const Comparison& comparison, int rounds) {
             median(ratios[2]), HeapMeter::of(runs[0]), HeapMeter::of(runs[1])};
 }
 
-// The table, by the name of a comparison.
+// The lines of the table, by name of comparison.
 class Results {
 public:
     explicit Results(std::string file) : file_(std::move(file)) {
@@ -119,7 +119,7 @@ public:
         lines_[name] = line.str();
     }
 
-    // In the order of registration.
+    // In order of registration.
     bool write(const std::vector<int>& threadCounts) const {
         if (file_.empty()) return true;
         std::ofstream out(file_);
@@ -165,7 +165,7 @@ public:
     void ReportRuns(const std::vector<Run>& /*runs*/) override {}
 };
 
-// The value of --NAME=VALUE, which is taken out of the arguments.
+// Removes --NAME=VALUE from the arguments and returns the value.
 std::string takeOption(std::vector<char*>& arguments, const std::string& name, const std::string& otherwise) {
     const std::string prefix = "--" + name + "=";
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument)

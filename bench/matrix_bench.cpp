@@ -1,5 +1,5 @@
-// Matrix product and cosine transform, which work on matrices of their own sizes, beside plain loops over the same
-// formula or OpenCV's call.
+// Matrix product and cosine transform, compared with plain loops over the same formula or with OpenCV's call. Their
+// sizes are those of matrices, not of pages.
 #include <memory>
 #include <opencv2/core.hpp>
 #include <vector>
@@ -35,7 +35,7 @@ void compareProduct(int n) {
         }));
 }
 
-// There and back, so that the values stay as they are.
+// Forward and inverse, so that the values do not change.
 void compareCosineTransform(int n) {
     struct Square {
         explicit Square(int side) : values(static_cast<size_t>(side * side), 3.5) {

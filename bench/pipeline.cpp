@@ -1,10 +1,11 @@
-// A page's way from stream to stream by this library and by others, each doing the nearest that it has to the same work
-// on the same page:
+// Times the page pipeline, from stream to stream, with this library and with others. Each runs the closest steps that
+// it offers, on the same page:
 //
 //     opcv_dlib_pipeline PAGE.jpg [ROUNDS] > pipeline.tsv
 //
-// Every run is a process of its own, so that the peak of its memory can be told; what a process that does nothing holds
-// is taken off. It works twice, and the second time counts. Rounds take the tools in turn. One thread for all.
+// Every run is a separate process, so that its peak memory can be measured; the memory of an idle process is
+// subtracted. A run processes the page twice and times the second. Each round runs all tools in turn. All use one
+// thread.
 #include <OPCV_dlib.h>
 #include <allheaders.h>
 #include <magick/api.h>
@@ -32,7 +33,7 @@ constexpr double kAngle = 2.3;
 constexpr double kRadians = kAngle * 3.14159265358979323846 / 180;
 constexpr int kThreshold = 128;
 constexpr int kQuality = 70;
-constexpr int kMode = 450;    // is quality 70
+constexpr int kMode = 450;    // quality 70
 
 using Stream = std::vector<unsigned char>;
 
@@ -83,7 +84,7 @@ void runOurs(Work work, const Stream& stream) {
     const KVRect r = {0, 0, size.height, size.width};
     require(CreateNewKVIMGPtr(&made, &r, 8) == noErr, "CreateNewKVIMGPtr");
     const Record filtered(made);
-    std::copy_n(page->data, page->size, made->data);    // the ring, which has no neighbours
+    std::copy_n(page->data, page->size, made->data);    // the outermost pixels are not filtered
     require(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R(page->data + page->rowBytes + 1, page->rowBytes,
                                                               made->data + made->rowBytes + 1, made->rowBytes,
                                                               {size.width - 2, size.height - 2}, 3) == ippStsNoErr,
@@ -239,7 +240,7 @@ void compareTools(Work work, const Stream& stream, int rounds) {
                     toJpeg ? kTools[i].jpegSteps : kTools[i].bitsSteps);
 }
 
-// The page's grey stream, whatever it was.
+// The page as a grey stream.
 Stream greyStream(const char* file) {
     std::ifstream in(file, std::ios::binary);
     const Stream bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

@@ -17,7 +17,7 @@ cv::Mat viewOf(const bench::Page& page, int type) {
 short* shorts(uint8_t* p) { return reinterpret_cast<short*>(p); }
 const short* shorts(const uint8_t* p) { return reinterpret_cast<const short*>(p); }
 
-// In place, so that the second time on finds nothing to change. Neither kernel nor loop cares.
+// In place, so that runs after the first one find nothing to change. This affects the time of neither kernel nor loop.
 void compareThresholds(IppiSize size) {
     bench::Page& bytes = bench::target(size, 1);
     bench::Page& plainBytes = bench::otherTarget(size, 1);
@@ -90,7 +90,7 @@ void comparePackedColour(IppiSize size, const std::string& name, decltype(&IPPSh
         [&to, &plain] { return to.sameRegion(plain); });
 }
 
-// Three planes of a region, rows of a multiple of 64 bytes.
+// Three planes of a region, with rows of a multiple of 64 bytes.
 class Planes {
 public:
     explicit Planes(IppiSize size) : step_((size.width + 63) / 64 * 64) {

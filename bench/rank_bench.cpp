@@ -1,5 +1,5 @@
-// Rank filters. Those with a fixed window, which OpenCV does not have, beside memcpy and checked against their definition
-// in plain code. The others: beside OpenCV on a view of the same memory and one copy back.
+// Rank filters. Those with a fixed window, which OpenCV does not have, are compared with memcpy and checked against
+// their definition in plain code; the others are compared with OpenCV on a view of the same memory and one copy back.
 #include <algorithm>
 #include <cstdlib>
 #include <opencv2/imgproc.hpp>
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Runs a definition of one pixel over the region, as plain code would.
+// Computes every pixel of the region by the definition.
 template <class Definition>
 void forEachPixel(const bench::Page& source, bench::Page& result, int pixelSize, Definition define) {
     for (int y = 0; y < source.size().height; ++y) {
@@ -99,7 +99,7 @@ void compareFixedWindows() {
     }
 }
 
-// What a plain frame does: a view of the region and half the mask around it, the operation, one copy of the interior.
+// The plain way: a view of the region and half the mask around it, the operation, and one copy of the interior.
 template <class Operation>
 void runFrame(const bench::Page& source, bench::Page& result, int type, IppiSize mask, Operation operation) {
     const IppiSize size = source.size();

@@ -45,7 +45,7 @@ void comparePages(IppiSize size, int channels, int denominator, int numerator) {
         });
 }
 
-// A page at 2 : 3 into a rectangle of its size, moved by a few pixels.
+// A page scaled by 2 / 3 into a rectangle of the page's size, moved by a few pixels.
 void comparePlaced(IppiSize size) {
     const bench::Page& from = bench::source(size, 1);
     bench::Page& to = bench::target(size, 1);

@@ -47,7 +47,7 @@ void compareRegion(IppiSize size, int channels, double angle) {
         [&to, &expected] { return to.sameRegion(expected); });
 }
 
-// A new record filled by the plain calls.
+// A new record, filled by the plain calls.
 template <class Fill>
 void intoNewRecord(IppiSize size, int depth, const Fill& fill) {
     RecordPtr record;
@@ -85,7 +85,7 @@ void compareDeskew(IppiSize size, int depth, double angle) {
         }));
 }
 
-// A crop is compared twice: beside the plain way to it and beside the whole page.
+// A crop is compared twice: with the plain way to the crop, and with the whole page.
 void compareHalfPage(IppiSize size, int depth, double angle) {
     const auto page = std::make_shared<PageRecord>(size, depth);
     const KVRect half = {size.height / 4, 0, size.height / 4 + size.height / 2, size.width};
@@ -115,7 +115,7 @@ void compareHalfPage(IppiSize size, int depth, double angle) {
                           }});
 }
 
-// About a point of the page's upper left quarter.
+// About a point in the upper left quarter of the page.
 void compareAboutPoint(IppiSize size, int depth, double angle) {
     const auto page = std::make_shared<PageRecord>(size, depth);
     const int x = size.width / 4;
@@ -162,7 +162,7 @@ void compareRotationAboutCentre(IppiSize size, int channels, double angle) {
         [&to, &expected] { return to.sameRegion(expected); });
 }
 
-// Onto a canvas of the image's own size, white outside. The plain way fills a new record too.
+// Onto a white canvas of the size of the image. The plain way also fills a new record.
 void compareUnite(IppiSize size, int depth, double angle) {
     const auto page = std::make_shared<PageRecord>(size, depth);
     const int channels = depth / 8;

@@ -13,7 +13,7 @@
 namespace bench {
 namespace {
 
-// Dark strokes on light paper with a slow shade and noise of a few levels.
+// Dark strokes on light paper with slow shading and noise of a few levels.
 void drawPage(uint8_t* bytes, size_t count, int step, int pixelSize) {
     Random random(7);
     for (size_t i = 0; i < count; ++i) {
@@ -96,8 +96,8 @@ Subject::Subject(std::string name, std::string shape, IppiSize region, int pixel
 Plain memcpyOnly() { return {"memcpy", nullptr}; }
 Plain openCV(const Action& run) { return {"OpenCV", run}; }
 
-// The blocks are so large that both start at the same place within a memory page: some processors copy many times slower
-// where the target lies a little behind.
+// The blocks are large enough that both start at the same offset in a memory page: some processors copy many times
+// slower if the target starts shortly after the source modulo the page size.
 Action memcpyOf(const Subject& subject) {
     constexpr size_t kLargest = size_t{1} << 26;
     const auto touched = [](int value) {

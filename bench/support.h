@@ -1,5 +1,5 @@
-// Comparisons in one run: an exported function beside the plain way to the same bytes (views, the OpenCV call, the copy
-// back; where OpenCV has no such call, memcpy) and beside memcpy of the bytes read and written once.
+// Comparisons, measured in one run: an exported function with the plain way to the same bytes (views, the OpenCV call,
+// one copy back; memcpy where OpenCV has no such call) and with memcpy of as many bytes as are read and written.
 #pragma once
 
 #include <cstddef>
@@ -17,8 +17,8 @@ constexpr IppiSize kPage = {2480, 3508};    // A4 at 300 dpi
 constexpr IppiSize kTile = {256, 256};
 constexpr int kMargin = 16;
 
-// Bytes in huge pages where the kernel gives them, as the pixels of the library's records are; in small ones the time
-// would depend on how they happened to be handed out.
+// A block in huge pages if the kernel grants them, as for the pixels of the library's records. With small pages the
+// time would depend on their physical addresses.
 PixelBlock pixelBlock(size_t bytes);
 
 // A page with margins on all sides: text-like blocks, shading and noise.
@@ -39,14 +39,14 @@ private:
     PixelBlock bytes_;
 };
 
-// Pages made once and shared: one to read and two to write for each size and pixel size.
+// Pages that are created once and shared: for each size and pixel size, one to read and two to write.
 const Page& source(IppiSize size, int pixelSize);
 Page& target(IppiSize size, int pixelSize);
 Page& otherTarget(IppiSize size, int pixelSize);
 
 size_t bytesOf(IppiSize size, int pixelSize);
 
-// One exported function on one shape.
+// One exported function with one shape.
 struct Subject {
     std::string function;
     std::string variant;    // window, angle, depth, ...; may be empty
@@ -55,7 +55,7 @@ struct Subject {
     size_t bytesWritten;
 
     Subject(std::string name, std::string shape, IppiSize region, size_t read, size_t written);
-    // As many bytes written as read.
+    // The call writes as many bytes as it reads.
     Subject(std::string name, std::string shape, IppiSize region, int pixelSize);
 };
 
@@ -66,7 +66,7 @@ struct Plain {
     Action run;
 };
 
-// Plain is memcpy of the same traffic.
+// The plain way is memcpy of the same number of bytes.
 Plain memcpyOnly();
 Plain openCV(const Action& run);
 
@@ -78,20 +78,20 @@ struct Comparison {
     std::function<bool()> same;
 };
 
-// Copies half of the bytes that are read and written, in blocks of its own.
+// Copies half as many bytes as the call reads and writes, between separate blocks.
 Action memcpyOf(const Subject& subject);
 
-// Registers a comparison. `same` is asked once both have run; a false ends the program.
+// Registers a comparison. `same` is called once after both have run; if it returns false, the program exits.
 void compare(const Subject& subject, const Action& ours, const Plain& plain,
              const std::function<bool()>& same = nullptr);
 
-// Each file of comparisons registers the function that makes them, under the heading of their table:
+// Each file registers the function that creates its comparisons, with the heading of their table:
 //     const bench::Registration registration("Bit packing", compareBitPacking);
 struct Registration {
     Registration(const char* heading, void (*make)());
 };
 
-// Runs what has been registered, once, for images of these sizes; the comparisons are there after it.
+// Runs the registered functions once for images of these sizes, after which comparisons() returns the result.
 void makeComparisons(const std::vector<IppiSize>& wanted);
 const std::vector<IppiSize>& sizes();
 const std::vector<Comparison>& comparisons();

@@ -1,7 +1,7 @@
-// beside: a few operations on the same page by this library, OpenCV and Leptonica, in turns, in one thread. libvips
-// and Pillow do the same in beside_vips.c and beside.py.
+// beside: times a few operations on the same page with this library, OpenCV and Leptonica, in turn, in one thread.
+// beside_vips.c and beside.py do the same with libvips and Pillow.
 //
-//     beside GREY.jpg COLOUR.jpg    prints for each operation the median of the processor times in milliseconds
+//     beside GREY.jpg COLOUR.jpg    prints the median processor time of each operation in milliseconds
 #include <OPCV_dlib.h>
 
 #include <algorithm>
@@ -48,7 +48,7 @@ struct Contender {
     std::function<void()> run;
 };
 
-// In milliseconds, of all threads. Other work on the machine disturbs it less than the time on the wall.
+// In milliseconds, of all threads. Other load on the machine affects it less than wall-clock time.
 double processorTime() {
     timespec now{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
@@ -69,7 +69,7 @@ void compare(const char* operation, const std::vector<Contender>& contenders) {
     }
 }
 
-// One page in the form of each library.
+// One page in the format of each library.
 struct Page {
     KVImageDescription description{};
     KVImageDescription* pointer = &description;

@@ -1,4 +1,4 @@
-"""The operations of beside.cpp by Pillow: beside.py GREY.jpg COLOUR.jpg"""
+"""Times the operations of beside.cpp with Pillow: beside.py GREY.jpg COLOUR.jpg"""
 import io
 import pathlib
 import statistics

@@ -1,4 +1,4 @@
-/* The operations of beside.cpp by libvips, in one thread: beside_vips GREY.jpg COLOUR.jpg */
+/* Times the operations of beside.cpp with libvips, in one thread: beside_vips GREY.jpg COLOUR.jpg */
 #include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -12,7 +12,7 @@ static gchar* streams[2];
 static gsize sizes[2];
 static VipsImage* pages[2];
 
-/* libvips computes when the pixels are asked for. */
+/* libvips computes pixels when they are requested, so the result is copied to memory. */
 static VipsImage* inMemory(VipsImage* lazy) {
     VipsImage* made = lazy ? vips_image_copy_memory(lazy) : NULL;
     if (!made) vips_error_exit("beside_vips");
