@@ -1,4 +1,5 @@
 // Plane allocators of the image functions: rows of a multiple of 64 bytes.
+#include <climits>
 #include <cstdint>
 #include <cstdlib>
 
@@ -9,10 +10,10 @@ namespace {
 
 void* allocatePlane(int width, int height, int pixelSize, int* stepBytes) {
     if (height <= 0 || !stepBytes || width <= 0) return nullptr;
-    const int64_t step = (int64_t{width} * pixelSize + 63) & ~int64_t{63};
-    if (step > INT32_MAX) return nullptr;
+    const int64_t step = planeStep(width, pixelSize);
+    if (step > INT_MAX) return nullptr;
     *stepBytes = static_cast<int>(step);
-    if (step * height > INT32_MAX) return nullptr;
+    if (!planeFits(width, height, pixelSize)) return nullptr;
     return allocatePixels(static_cast<size_t>(step * height));
 }
 

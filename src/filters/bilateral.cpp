@@ -4,10 +4,10 @@
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
 #include "filters/bilateral_kernels.h"
 #include "filters/fused_sums.h"
-#include "filters/views.h"
 
 namespace {
 
@@ -16,21 +16,17 @@ OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst,
     if (!src) return paramErr;
     if (kernel.width != kernel.height || kernel.width < 1 || kernel.width % 2 == 0) return paramErr;
 
-    const IppiSize half = filters::halfOf(kernel);
+    const IppiSize half = opcv::halfOf(kernel);
     cv::Mat view;
-    if (const OSErr err = filters::viewWithMargin(filters::pixelAt(src, srcStep, -half.width, -half.height, 1), srcStep,
-                                                  CV_8UC1, roi, half, view))
-        return err;
+    if (const OSErr err = opcv::Region(src, srcStep, CV_8UC1, roi).withMargin(half).view(view)) return err;
 
     cv::Mat region;
-    if (const OSErr err =
-            Tools::CreateAndCutImageMat(dst, dstStep, cv::Rect(0, 0, roi.width, roi.height), CV_8UC1, region))
-        return err;
+    if (const OSErr err = opcv::viewOf(dst, dstStep, CV_8UC1, roi, region)) return err;
 
     const double sigmaColor = std::sqrt(double{colorSquareSigma});
     const double sigmaSpace = std::sqrt(double{spaceSquareSigma});
     const bool hasDirectKernel = (kernel.width == 3 || kernel.width == 5) && sigmaColor > 0 && sigmaSpace > 0;
-    if (hasDirectKernel && !filters::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
+    if (hasDirectKernel && !opcv::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
         filters::filterBilateral({src, static_cast<ptrdiff_t>(view.step), dst, static_cast<ptrdiff_t>(region.step),
                                   roi.width, roi.height, 1, half.width},
                                  filters::BilateralWeights(sigmaColor, sigmaSpace));

@@ -2,9 +2,9 @@
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
 #include "filters/box_kernels.h"
-#include "filters/views.h"
 
 namespace {
 
@@ -18,14 +18,11 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
     if (mask.width < 1 || mask.height < 1 || !srcDst) return paramErr;
 
     // Unlike a convolution's, the view begins at minus the anchor.
-    const IppiSize half = filters::halfOf(mask);
-    unsigned char* first = filters::pixelAt(srcDst, step, -int64_t{anchor.x}, -int64_t{anchor.y}, 3);
+    const IppiSize half = opcv::halfOf(mask);
     cv::Mat view;
-    if (const OSErr err = filters::viewWithMargin(first, step, CV_8UC3, roi, half, view)) return err;
+    if (const OSErr err = opcv::Region(srcDst, step, CV_8UC3, roi).underMask(mask, anchor).view(view)) return err;
     cv::Mat region;
-    if (const OSErr err =
-            Tools::CreateAndCutImageMat(srcDst, step, cv::Rect(0, 0, roi.width, roi.height), CV_8UC3, region))
-        return err;
+    if (const OSErr err = opcv::viewOf(srcDst, step, CV_8UC3, roi, region)) return err;
 
     constexpr int kWidestDirect = 16;    // OpenCV's running sums do not grow with the width
     filters::MeanRule rule;

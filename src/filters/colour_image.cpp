@@ -1,23 +1,19 @@
 #include "filters/colour_image.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <opencv2/core.hpp>
 
 #include "core/Tools.h"
-#include "filters/views.h"
+#include "core/pixel_memory.h"
+#include "core/region.h"
 
 namespace filters {
 
-bool isColourImage(IppiSize size) {
-    if (size.width <= 0 || size.height <= 0) return false;
-    const int64_t step = (3 * int64_t{size.width} + 63) & ~int64_t{63};
-    return step <= INT32_MAX && step * size.height <= INT32_MAX;
-}
+bool isColourImage(IppiSize size) { return !opcv::isEmpty(size) && planeFits(size.width, size.height, 3); }
 
 const unsigned char* sourceApart(const unsigned char* src, const unsigned char* dst, size_t bytes, PixelBlock& copy) {
-    if (!overlap(src, src + bytes, dst, dst + bytes)) return src;
+    if (!opcv::overlap(opcv::ByteSpan(src, src + bytes), opcv::ByteSpan(dst, dst + bytes))) return src;
     copy.reset(static_cast<unsigned char*>(std::malloc(bytes)));
     if (copy) std::memcpy(copy.get(), src, bytes);
     return copy.get();

@@ -12,10 +12,10 @@
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
 #include "filters/convolution_kernels.h"
 #include "filters/fused_sums.h"
-#include "filters/views.h"
 
 namespace {
 
@@ -30,15 +30,15 @@ struct Target {
     int step;
 };
 
-IppiSize halfOf(const cv::Mat& kernel) { return filters::halfOf({kernel.cols, kernel.rows}); }
+IppiSize halfOf(const cv::Mat& kernel) { return opcv::halfOf(IppiSize{kernel.cols, kernel.rows}); }
 
 OSErr viewUnderKernel(const Source& source, const IppiSize& roi, const cv::Mat& kernel, const IppiPoint& anchor,
                       cv::Mat& view) {
     const IppiSize half = halfOf(kernel);
-    unsigned char* first =
-        filters::pixelAt(source.pixels, source.step, int64_t{anchor.x} - 2 * int64_t{half.width},
-                         int64_t{anchor.y} - 2 * int64_t{half.height}, static_cast<int>(CV_ELEM_SIZE(source.type)));
-    return filters::viewWithMargin(first, source.step, source.type, roi, half, view);
+    return opcv::Region(source.pixels, source.step, source.type, roi)
+        .withMargin(half)
+        .movedBy(int64_t{anchor.x} - half.width, int64_t{anchor.y} - half.height)
+        .view(view);
 }
 
 // From this number of cells on, OpenCV may take a Fourier transform, which rounds differently, if a view is as wide as
@@ -122,12 +122,10 @@ OSErr convolve(const Source& source, const Target& target, const IppiSize& roi, 
     cv::Mat view;
     if (const OSErr err = viewUnderKernel(source, roi, kernel, anchor, view)) return err;
     cv::Mat region;
-    if (const OSErr err = Tools::CreateAndCutImageMat(target.pixels, target.step, cv::Rect(0, 0, roi.width, roi.height),
-                                                      source.type, region))
-        return err;
+    if (const OSErr err = opcv::viewOf(target.pixels, target.step, source.type, roi, region)) return err;
 
     if (hasDirectKernel(view.type()) && kernel.total() <= filters::Taps::kMost && !mayBeTransformed(view, kernel) &&
-        !filters::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
+        !opcv::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
         filterDirectly(view, kernel, region);
         return noErr;
     }

@@ -2,8 +2,8 @@
 #include <cmath>
 #include <opencv2/core.hpp>
 
-#include "core/Tools.h"
 #include "core/ownership.h"
+#include "core/region.h"
 #include "geometry/page.h"
 #include "geometry/quarter_turn_kernels.h"
 
@@ -41,13 +41,11 @@ void turnPixels(const cv::Mat& from, cv::Mat& to, Turn turn) {
 
 OSErr turnPage(const Page& page, const KVIMG& turned, Turn turn) {
     cv::Mat from;
-    if (const OSErr err = Tools::CreateAndCutImageMat(page.record->data, page.record->rowBytes,
-                                                      cv::Rect(0, 0, page.width, page.height), page.format.type, from))
+    if (const OSErr err = opcv::viewOf(page.record->data, page.record->rowBytes, page.format.type, page.size(), from))
         return err;
     cv::Mat to;
-    if (const OSErr err = Tools::CreateAndCutImageMat(
-            turned.data, turned.rowBytes, cv::Rect(0, 0, turned.width, turned.height), page.format.type, to))
-        return err;
+    const IppiSize turnedSize = {turned.width, turned.height};
+    if (const OSErr err = opcv::viewOf(turned.data, turned.rowBytes, page.format.type, turnedSize, to)) return err;
     turnPixels(from, to, turn);
     return noErr;
 }

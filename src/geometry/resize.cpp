@@ -4,19 +4,17 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <opencv2/imgproc.hpp>
 #include <utility>
 
 #include "core/Tools.h"
 #include "core/ownership.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
 #include "geometry/page_format.h"
 #include "geometry/resize_kernels.h"
 
 namespace {
-
-bool exceeds(const IppiRect& roi, const IppiSize& size) { return size.width < roi.width || size.height < roi.height; }
 
 bool fitsInt(int64_t value) { return value >= INT_MIN && value <= INT_MAX; }
 
@@ -27,13 +25,8 @@ bool truncateToInt(double value, int& truncated) {
     return true;
 }
 
-OSErr viewOf(const unsigned char* pixels, int step, const IppiRect& r, int type, cv::Mat& view) {
-    return Tools::CreateAndCutImageMat(const_cast<unsigned char*>(pixels), step, cv::Rect(r.x, r.y, r.width, r.height),
-                                       type, view);
-}
-
 OSErr viewOf(const KVIMG& record, int type, cv::Mat& view) {
-    return viewOf(record.data, record.rowBytes, {0, 0, record.width, record.height}, type, view);
+    return opcv::viewOf(record.data, record.rowBytes, type, IppiSize{record.width, record.height}, view);
 }
 
 // A source and the rectangle of the scaled image that is wanted of it.
@@ -125,12 +118,6 @@ struct Placement {
     Span rows;
 };
 
-bool overlap(const cv::Mat& a, const cv::Mat& b) {
-    const auto end = [](const cv::Mat& m) { return m.ptr(m.rows - 1) + static_cast<size_t>(m.cols) * m.elemSize(); };
-    const std::less<> before;
-    return before(a.data, end(b)) && before(b.data, end(a));
-}
-
 // Computes only what is placed, straight to where it goes. False, with nothing written, where that cannot be done or
 // the arguments are refused.
 bool placeDirectly(const cv::Mat& from, Factors factors, const Placement& at, unsigned char* dst, int dstStep) {
@@ -141,7 +128,7 @@ bool placeDirectly(const cv::Mat& from, Factors factors, const Placement& at, un
     const IppiRect covered = {at.columns.to, at.rows.to, std::min(scaled.width - at.columns.from, at.columns.count),
                               std::min(scaled.height - at.rows.from, at.rows.count)};
     cv::Mat to;
-    if (viewOf(dst, dstStep, covered, CV_8UC1, to) != noErr || overlap(from, to)) return false;
+    if (opcv::viewOf(dst, dstStep, CV_8UC1, covered, to) != noErr || opcv::overlap(from, to)) return false;
     const cv::Point origin(at.columns.from, at.rows.from);
     const BilinearJob job = jobOf(from, 1 / factors.x, 1 / factors.y, origin, to);
     if (!isDirect(job, scaled)) return false;
@@ -152,9 +139,9 @@ bool placeDirectly(const cv::Mat& from, Factors factors, const Placement& at, un
 OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
                      unsigned char* dst, int dstStep, const IppiRect& dstRoi, Factors factors, double xShift,
                      double yShift) {
-    if (exceeds(srcRoi, srcSize)) return paramErr;
+    if (!opcv::fitsIn(srcSize, srcRoi)) return paramErr;
     cv::Mat from;
-    if (const OSErr err = viewOf(src, srcStep, srcRoi, CV_8UC1, from)) return err;
+    if (const OSErr err = opcv::viewOf(src, srcStep, CV_8UC1, srcRoi, from)) return err;
     Placement at{};
     const bool placed =
         place(xShift, dstRoi.x, dstRoi.width, at.columns) && place(yShift, dstRoi.y, dstRoi.height, at.rows);
@@ -170,11 +157,11 @@ OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcS
 
 OSErr resizeToFit(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
                   unsigned char* dst, int dstStep, const IppiSize& dstSize) {
-    if (exceeds(srcRoi, srcSize)) return paramErr;
+    if (!opcv::fitsIn(srcSize, srcRoi)) return paramErr;
     cv::Mat from;
-    if (const OSErr err = viewOf(src, srcStep, srcRoi, CV_8UC3, from)) return err;
+    if (const OSErr err = opcv::viewOf(src, srcStep, CV_8UC3, srcRoi, from)) return err;
     cv::Mat to;
-    if (const OSErr err = viewOf(dst, dstStep, {0, 0, dstSize.width, dstSize.height}, CV_8UC3, to)) return err;
+    if (const OSErr err = opcv::viewOf(dst, dstStep, CV_8UC3, dstSize, to)) return err;
     resizeInto(from, to);
     return noErr;
 }

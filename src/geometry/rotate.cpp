@@ -4,10 +4,10 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
 #include "geometry/rotate_kernel.h"
 
@@ -58,10 +58,6 @@ bool place(float xShift, float yShift, const IppiRect& src, const IppiRect& dst,
     return p.fitsInt(src);
 }
 
-OSErr viewOf(const unsigned char* pixels, int step, const cv::Rect& r, int type, cv::Mat& view) {
-    return Tools::CreateAndCutImageMat(const_cast<unsigned char*>(pixels), step, r, type, view);
-}
-
 // Turns the region where it lies in the work image and takes the target out of the result.
 struct Turn {
     cv::Mat region;
@@ -105,13 +101,6 @@ bool isDirect(int type, cv::Size work, const AffineMap& map) {
     return knownType && work.width < SHRT_MAX && work.height < SHRT_MAX && map.isTame();
 }
 
-// Whether two views share any byte between the first and the last that each has.
-bool overlap(const cv::Mat& a, const cv::Mat& b) {
-    const auto end = [](const cv::Mat& m) { return m.ptr(m.rows - 1) + static_cast<size_t>(m.cols) * m.elemSize(); };
-    const std::less<> before;
-    return before(a.data, end(b)) && before(b.data, end(a));
-}
-
 void rotateInBands(const RotationJob& job, int rows) {
     constexpr double kPixelsOfBand = 1 << 16;
     const double bands = static_cast<double>(job.targetWidth) * rows / kPixelsOfBand;
@@ -124,9 +113,10 @@ void rotateInBands(const RotationJob& job, int rows) {
 OSErr turnDirectly(const Turn& turn, AffineMap map) {
     const IppiRect& r = turn.target.roi;
     const cv::Size rest = turn.workSize() - cv::Size(turn.origin());
-    const cv::Rect covered(r.x, r.y, std::min(r.width, rest.width), std::min(r.height, rest.height));
+    const IppiRect covered = {r.x, r.y, std::min(r.width, rest.width), std::min(r.height, rest.height)};
     cv::Mat to;
-    if (const OSErr err = viewOf(turn.target.pixels, turn.target.step, covered, turn.region.type(), to)) return err;
+    if (const OSErr err = opcv::viewOf(turn.target.pixels, turn.target.step, turn.region.type(), covered, to))
+        return err;
 
     const Placement& p = turn.place;
     cv::Size whole;
@@ -136,7 +126,7 @@ OSErr turnDirectly(const Turn& turn, AffineMap map) {
     if (p.padded())
         from.adjustROI(static_cast<int>(p.top), static_cast<int>(p.bottom), static_cast<int>(p.left),
                        static_cast<int>(p.right));
-    if (overlap(from, to)) return turnByOpenCV(turn);
+    if (opcv::overlap(from, to)) return turnByOpenCV(turn);
     cv::Point fromAt;
     from.locateROI(whole, fromAt);
 
@@ -163,25 +153,21 @@ OSErr run(const Turn& turn) {
     return isDirect(turn.region.type(), turn.workSize(), map) ? turnDirectly(turn, map) : turnByOpenCV(turn);
 }
 
-bool exceeds(const IppiRect& roi, const IppiSize& size) { return size.width < roi.width || size.height < roi.height; }
-
-cv::Rect rectOf(const IppiRect& r) { return {r.x, r.y, r.width, r.height}; }
-
 OSErr rotate(const Image& source, const Target& target, double angle, float xShift, float yShift,
              const cv::Scalar& border) {
-    if (exceeds(source.roi, source.size)) return paramErr;
+    if (!opcv::fitsIn(source.size, source.roi)) return paramErr;
     Placement p;
     if (!place(xShift, yShift, source.roi, target.roi, p)) return paramErr;
     cv::Mat region;
-    if (const OSErr err = viewOf(source.pixels, source.step, rectOf(source.roi), source.type, region)) return err;
+    if (const OSErr err = opcv::viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
     return run({region, p, cv::Point2f(static_cast<float>(p.left), static_cast<float>(p.top)), angle, border, target});
 }
 
 OSErr rotateAbout(const Image& source, const Target& target, double angle, cv::Point2f centre,
                   const cv::Scalar& border) {
-    if (exceeds(source.roi, source.size)) return paramErr;
+    if (!opcv::fitsIn(source.size, source.roi)) return paramErr;
     cv::Mat region;
-    if (const OSErr err = viewOf(source.pixels, source.step, rectOf(source.roi), source.type, region)) return err;
+    if (const OSErr err = opcv::viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
     return run({region, Placement(), centre, angle, border, target});
 }
 

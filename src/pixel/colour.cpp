@@ -1,11 +1,12 @@
 // Conversion between RGB and YUV, packed and planar.
-#include <climits>
+#include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <opencv2/core.hpp>
 
 #include "OPCV_dlib.h"
+#include "core/pixel_memory.h"
+#include "core/region.h"
 #include "pixel/views.h"
 
 namespace {
@@ -32,27 +33,19 @@ OSErr convertPacked(Conversion<PackedImage, PackedImage> convert, const unsigned
     return noErr;
 }
 
-// A planar conversion is two steps with a packed image between them, rows a multiple of 64 bytes. One pass does both
-// without that image, but a size that it could not have is still memory that cannot be had.
-bool packedImageCanBeHad(IppiSize roi) {
-    if (roi.width <= 0 || roi.height <= 0) return false;
-    const int64_t step = (3 * int64_t{roi.width} + 63) & ~int64_t{63};
-    return step <= INT_MAX && step * roi.height <= INT_MAX;
-}
+// A planar conversion is two steps with a packed image between them. One pass does both without that image, but if the
+// image would be too large, the conversion still fails for want of memory.
+bool packedImageFits(IppiSize roi) { return !opcv::isEmpty(roi) && planeFits(roi.width, roi.height, 3); }
 
 // The steps answer with an IppStatus, which callers get to see as if it had been an OSErr: whatever goes wrong in them
 // is a bad argument.
 IppStatus statusOfSteps(IppStatus status) { return Tools::OSErrToIppStatus(static_cast<OSErr>(status)); }
 
 bool overlap(const PackedImage& packed, const PlanarImage& planes, IppiSize roi) {
-    const auto end = [&](const uint8_t* first, ptrdiff_t step, int pixelSize) {
-        return first + (roi.height - 1) * step + ptrdiff_t{pixelSize} * roi.width;
-    };
-    const std::less<> before;
-    for (const uint8_t* plane : planes.planes)
-        if (before(plane, end(packed.pixels, packed.step, 3)) && before(packed.pixels, end(plane, planes.step, 1)))
-            return true;
-    return false;
+    const opcv::ByteSpan bytes(packed.pixels, packed.step, 3 * ptrdiff_t{roi.width}, roi.height);
+    return std::any_of(planes.planes.begin(), planes.planes.end(), [&](const uint8_t* plane) {
+        return opcv::overlap(bytes, opcv::ByteSpan(plane, planes.step, roi.width, roi.height));
+    });
 }
 
 struct PackedDeleter {
@@ -81,7 +74,7 @@ IppStatus IPPShare_ippiYUVToRGB_8u_C3R(const unsigned char* pSrc, int srcStep, u
 
 IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3],
                                         int dstStep, IppiSize roiSize) {
-    if (!packedImageCanBeHad(roiSize)) return ippStsNoMemErr;
+    if (!packedImageFits(roiSize)) return ippStsNoMemErr;
     PackedImage rgb{};
     PlanarImage yuv{};
     if (viewPacked(pSrc, srcStep, roiSize, rgb) || viewPlanes(pDst, dstStep, roiSize, yuv)) return ippStsBadArgErr;
@@ -99,7 +92,7 @@ IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep, 
 
 IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep, unsigned char* pDst,
                                         int dstStep, IppiSize roiSize) {
-    if (!packedImageCanBeHad(roiSize)) return ippStsNoMemErr;
+    if (!packedImageFits(roiSize)) return ippStsNoMemErr;
     PlanarImage yuv{};
     PackedImage rgb{};
     if (viewPlanes(pSrc, srcStep, roiSize, yuv) || viewPacked(pDst, dstStep, roiSize, rgb)) return ippStsBadArgErr;

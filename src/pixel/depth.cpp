@@ -1,16 +1,15 @@
 // Conversion between 8-bit and 16-bit signed pixels.
 #include "OPCV_dlib.h"
 #include "core/Tools.h"
+#include "core/region.h"
 
 namespace {
 
 OSErr convertDepth(const void* pSrc, int srcStep, int srcType, void* pDst, int dstStep, int dstType, IppiSize roi) {
-    const cv::Rect region(0, 0, roi.width, roi.height);
     cv::Mat from;
-    if (const OSErr err = Tools::CreateAndCutImageMat(const_cast<void*>(pSrc), srcStep, region, srcType, from))
-        return err;
+    if (const OSErr err = opcv::viewOf(pSrc, srcStep, srcType, roi, from)) return err;
     cv::Mat to;
-    if (const OSErr err = Tools::CreateAndCutImageMat(pDst, dstStep, region, dstType, to)) return err;
+    if (const OSErr err = opcv::viewOf(pDst, dstStep, dstType, roi, to)) return err;
     from.convertTo(to, dstType);
     return noErr;
 }

@@ -4,14 +4,13 @@
 #include <opencv2/core.hpp>
 
 #include "core/Tools.h"
+#include "core/region.h"
 #include "pixel/channel_kernels.h"
 
 // The pitch of a view is whole pixels, which the step need not be.
 inline OSErr viewRegion(const unsigned char* p, int step, IppiSize roi, int type, uint8_t*& first, ptrdiff_t& pitch) {
     cv::Mat view;
-    if (const OSErr err = Tools::CreateAndCutImageMat(const_cast<unsigned char*>(p), step,
-                                                      cv::Rect(0, 0, roi.width, roi.height), type, view))
-        return err;
+    if (const OSErr err = opcv::viewOf(p, step, type, roi, view)) return err;
     first = view.data;
     pitch = static_cast<ptrdiff_t>(view.step[0]);
     return noErr;

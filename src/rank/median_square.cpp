@@ -5,8 +5,8 @@
 
 #include "OPCV_dlib.h"
 #include "core/Tools.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
-#include "rank/window_view.h"
 
 namespace {
 
@@ -19,13 +19,12 @@ OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstS
     if (!pSrc || !isOddSquare(mask)) return paramErr;
     const int m = mask.width;
     cv::Mat source;
-    if (const OSErr err = viewOfWindows(pSrc, srcStep, type, roi, mask, anchor, source)) return err;
+    if (const OSErr err = opcv::Region(pSrc, srcStep, type, roi).underMask(mask, anchor).view(source)) return err;
 
     if (hasKernel(type, m)) {
         cv::Mat target;
-        const cv::Rect region(0, 0, roi.width, roi.height);
-        if (const OSErr err = Tools::CreateAndCutImageMat(pDst, dstStep, region, type, target)) return err;
-        if (!mayOverlap(source, target)) {
+        if (const OSErr err = opcv::viewOf(pDst, dstStep, type, roi, target)) return err;
+        if (!opcv::overlap(source, target)) {
             const int channels = target.channels();
             squareMedian(source.data, static_cast<ptrdiff_t>(source.step), target.data,
                          static_cast<ptrdiff_t>(target.step), ptrdiff_t{roi.width} * channels, roi.height, m, channels);

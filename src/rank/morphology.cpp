@@ -8,8 +8,8 @@
 
 #include "OPCV_dlib.h"
 #include "core/Tools.h"
+#include "core/region.h"
 #include "core/result_matrix.h"
-#include "rank/window_view.h"
 
 namespace {
 
@@ -53,23 +53,20 @@ void filterByOpenCV(const cv::Mat& source, const cv::Mat& mask, Extremum extremu
 
 OSErr filter(const Source& src, const Target& dst, const cv::Mat& mask, IppiPoint anchor, Extremum extremum) {
     cv::Mat source;
-    if (const OSErr err =
-            viewOfWindows(src.pixels, src.step, CV_8UC1, dst.size, {mask.cols, mask.rows}, anchor, source))
-        return err;
-
+    const opcv::Region region(src.pixels, src.step, CV_8UC1, dst.size);
+    if (const OSErr err = region.underMask({mask.cols, mask.rows}, anchor).view(source)) return err;
     cv::Mat target;
-    const cv::Rect region(0, 0, dst.size.width, dst.size.height);
-    if (const OSErr err = Tools::CreateAndCutImageMat(dst.pixels, dst.step, region, CV_8UC1, target)) return err;
+    if (const OSErr err = opcv::viewOf(dst.pixels, dst.step, CV_8UC1, dst.size, target)) return err;
     const WindowRows rows = {source.data,    static_cast<ptrdiff_t>(source.step),
                              target.data,    static_cast<ptrdiff_t>(target.step),
                              dst.size.width, dst.size.height};
-    if (!mayOverlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
+    if (!opcv::overlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
 
     ResultMatrix filtered;
     filterByOpenCV(source, mask, extremum, filtered);
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(mask.cols / 2, mask.rows / 2), dst.pixels, dst.step,
-                                   cv::Point(0, 0), region.size());
+                                   cv::Point(0, 0), target.size());
 }
 
 OSErr filterUnderMask(const Source& src, const Target& dst, const unsigned char* pMask, IppiSize maskSize,
