@@ -5,6 +5,10 @@ target_compile_options(opcv_dlib_house_flags INTERFACE
     -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=    # messages name a file of ours, not where it was compiled
     -ffp-contract=off    # where a multiply and an add are fused, the code says fma
     -fstack-protector-strong)
+# A call between exported functions goes through the exported name, which GCC sees to by itself.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    target_compile_options(opcv_dlib_house_flags INTERFACE -fsemantic-interposition)
+endif()
 # An indirect jump may only land where a function begins.
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
     target_compile_options(opcv_dlib_house_flags INTERFACE -mbranch-protection=standard)

@@ -17,6 +17,11 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(ENV{PKG_CONFIG_SYSROOT_DIR} ${OPCV_DLIB_SYSROOT})
 set(ENV{PKG_CONFIG_LIBDIR} ${OPCV_DLIB_SYSROOT}/usr/lib/${triplet}/pkgconfig:${OPCV_DLIB_SYSROOT}/usr/share/pkgconfig)
 
+file(GLOB python ${OPCV_DLIB_SYSROOT}/usr/include/python3.*)
+if(python)
+    set(Python_INCLUDE_DIR ${python} CACHE PATH "Headers of the tree's Python")
+endif()
+
 # BLAS and LAPACK, which OpenCV's core needs, lie in folders of their own that the loader normally learns of when the
 # packages are configured.
 set(lib ${OPCV_DLIB_SYSROOT}/usr/lib/${triplet})

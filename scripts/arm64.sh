@@ -3,22 +3,25 @@
 
 arm64_packages=(g++-aarch64-linux-gnu mmdebstrap qemu-user-static)
 sysroot=build/sysroot-arm64
-sysroot_packages=libc6-dev,libstdc++-12-dev,libopencv-imgproc-dev,libopencv-imgcodecs-dev,libjpeg62-turbo-dev,libhwy-dev,libgtest-dev
-sysroot_packages+=,libcli11-dev,libleptonica-dev,libpython3-dev,libtiff-dev,pybind11-dev    # of the packages
+
+# The standard library is that of the compiler's version.
+sysroot_packages() {
+    local packages=(libc6-dev "libstdc++-$(g++ -dumpversion)-dev"
+        libopencv-imgproc-dev libopencv-imgcodecs-dev libjpeg62-turbo-dev libhwy-dev libgtest-dev
+        libcli11-dev libleptonica-dev libpython3-dev libtiff-dev pybind11-dev)    # the last row: of the packages
+    (IFS=, && echo "${packages[*]}")
+}
 
 arm64_sysroot() {
+    local wanted
     need "${arm64_packages[@]}"
-    [ "$(cat "$sysroot.packages" 2>/dev/null)" = "$sysroot_packages" ] && return
+    wanted=$(sysroot_packages)
+    [ "$(cat "$sysroot.packages" 2>/dev/null)" = "$wanted" ] && return
     say "Making the arm64 tree"
     mkdir -p build
     as_root rm -rf "$sysroot"
-    as_root mmdebstrap --quiet --variant=extract --architectures=arm64 --include="$sysroot_packages" bookworm "$sysroot"
-    printf '%s\n' "$sysroot_packages" >"$sysroot.packages"
+    as_root mmdebstrap --quiet --variant=extract --architectures=arm64 --include="$wanted" "$(debian_release)" "$sysroot"
+    printf '%s\n' "$wanted" >"$sysroot.packages"
 }
 
-cmd_arm64() {
-    prepare arm64
-    build arm64
-    run_tests arm64
-    [ "$failed" -eq 0 ]
-}
+cmd_arm64() { cmd_suite arm64; }

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # Fuzzing with libFuzzer.
 
-fuzz_packages=(clang libclang-rt-14-dev)
+fuzz_packages=(clang libclang-rt-dev)
 
 # One target: every input that it begins with, every regression, then new ones for so many seconds.
 fuzz_target() {

@@ -3,6 +3,7 @@
 
 lint_packages=(clang-format clang-tidy clang-tools shellcheck)
 library='^src/'
+lint_release=bookworm    # other releases have other versions of clang-format and clang-tidy, which judge otherwise
 
 our_sources() { git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' '*.c'; }
 
@@ -28,12 +29,22 @@ check_tidy() {
     return 1
 }
 
+# lint [PATTERN [OPTION of clang-tidy...]]
+lint() {
+    if [ "$(debian_release)" != "$lint_release" ]; then
+        debian_tree "$lint_release"
+        check "Lint on Debian's $lint_release" in_debian "$lint_release" ./dev lint "$@"
+        return
+    fi
+    check "shellcheck" check_scripts
+    check "clang-format" check_format
+    check "clang-tidy" check_tidy "$@"
+}
+
 cmd_lint() {
     install_packages
     need "${lint_packages[@]}"
-    check "shellcheck" check_scripts
-    check "clang-format" check_format
-    check "clang-tidy" check_tidy
+    lint "$@"
     [ "$failed" -eq 0 ]
 }
 

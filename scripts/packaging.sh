@@ -12,7 +12,7 @@ package() {
 # The packages of this machine's architecture in a fresh Debian tree.
 check_packages() {
     package "$(dpkg --print-architecture)" release
-    tests/system/install/check.sh build/packages
+    tests/system/install/check.sh build/packages "$(debian_release)"
 }
 
 cmd_package() {

@@ -55,3 +55,12 @@ join() {
     cat "build/$1.log"
     return "$status"
 }
+
+# Every test of a preset.
+cmd_suite() {
+    local preset=${1:-release}
+    prepare "$preset"
+    build "$preset"
+    run_tests "$preset" "${@:2}"
+    [ "$failed" -eq 0 ]
+}

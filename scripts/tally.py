@@ -1,7 +1,7 @@
 """Counts what a run of ctest passed and failed: the tests inside each GoogleTest program, and one for each other test.
 
 Prints two numbers. A program that fails without a failed test of its own (it died, or a sanitizer ended it) counts as one
-failure more.
+failure more, and so does a run that left no results.
 """
 import pathlib
 import sys
@@ -16,6 +16,8 @@ def gtest_counts(path):
 
 def tally(results):
     passed = failed = 0
+    if not (results / "ctest.xml").exists():
+        return 0, 1
     for case in ElementTree.parse(results / "ctest.xml").getroot().iter("testcase"):
         good = case.get("status") == "run"
         inner = results / f"{case.get('name')}.xml"

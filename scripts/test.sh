@@ -1,27 +1,44 @@
 # shellcheck shell=bash
-# `./dev test`: everything, in an order that keeps all processors busy.
+# `./dev test`: everything. What waits for the network or uses one processor runs aside.
+
+# How long each stage took, which vector targets ran, and the counts, however the run ends.
+summarize() {
+    local status=$?
+    [ "$status" -eq 0 ] || failed=$((failed + 1))
+    print_stage_times
+    [ ! -x build/release/tests/unit_tests ] || build/release/tests/unit_tests --targets
+    echo
+    echo "$passed passed, $failed failed"
+    exit $((failed > 0))
+}
 
 cmd_test() {
+    local other
+    other=$(other_release)
+    trap summarize EXIT
     need "${packages[@]}" "${arm64_packages[@]}" "${packaging_packages[@]}" "${scale_packages[@]}" "${fuzz_packages[@]}" \
         "${coverage_packages[@]}" "${lint_packages[@]}"
-    aside sysroot arm64_sysroot
+    aside trees make_trees "$other"
     build release
     run_tests release
     build release unit_tests_counted memory_tests_counted
     check "Coverage" check_coverage
     check "A thousand pages by each engine" check_scale
     aside packages check_packages
-    check "shellcheck" check_scripts
-    check "clang-format" check_format
-    check "clang-tidy of the library" check_tidy "$library" --checks='-clang-analyzer-*'
+    join trees
+    lint "$library" --checks='-clang-analyzer-*'
     build asan
     check "Packages in a fresh Debian tree" join packages
     run_tests asan
+    run_debian_tests "$other"
+    aside debian check_debian_packages "$other"
+    build clang
+    run_tests clang
     build fuzz
+    check "Packages in a fresh tree of Debian's $other" join debian
     jobs=1 aside fuzz check_fuzz 30
     build tsan reliability_tests
     aside tsan start_tests tsan -R '^reliability$'
-    join sysroot
     build arm64-asan reliability_tests
     join tsan
     count_tests tsan
@@ -31,7 +48,9 @@ cmd_test() {
     run_tests arm64
     join arm64-asan
     count_tests arm64-asan
-    echo
-    echo "$passed passed, $failed failed"
-    [ "$failed" -eq 0 ]
+}
+
+make_trees() {
+    arm64_sysroot
+    debian_tree "$1"
 }

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
-# tests/system/install/check.sh PACKAGES
+# tests/system/install/check.sh PACKAGES RELEASE
 #
-# Installs the packages of a folder into a fresh Debian 12 tree that has nothing else but what they depend on, a
-# compiler, CMake, pkg-config and man, and uses them there as their users do.
+# Installs the packages of a folder into a fresh tree of a Debian release that has nothing else but what they depend on,
+# a compiler, CMake, pkg-config and man, and uses them there as their users do.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tree=$(cd "$here/../../.." && pwd)
 packages=$(realpath "$1")
+release=$2
 work=$(mktemp -d /tmp/opcv_dlib-install.XXXXXX)
 trap 'as_root rm -rf --one-file-system "$work"' EXIT
 
@@ -32,4 +33,4 @@ as_root mmdebstrap --quiet --variant=apt \
     --setup-hook="mkdir -p \"\$1\"/etc/apt/sources.list.d; echo 'deb [trusted=yes] copy:$work/archive ./' >\"\$1\"/etc/apt/sources.list.d/opcv_dlib.list" \
     --customize-hook="copy-in $work/check /" \
     --customize-hook='chroot "$1" bash /check/inside.sh '"$tree" \
-    bookworm "$work/root"
+    "$release" "$work/root"

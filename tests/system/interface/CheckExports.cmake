@@ -2,6 +2,7 @@
 # Fails unless the library exports exactly the names in the lists, each list with its version of the interface.
 execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX REPLACE " [^\n]*" "" symbols "${symbols}")
+string(REGEX REPLACE "(OPCV_[0-9.]+)@@OPCV_[0-9.]+" "\\1" symbols "${symbols}")    # as LLVM's nm prints a version's mark
 string(REGEX MATCHALL "[^\n]+" exported "${symbols}")
 set(expected "")
 foreach(pair IN ITEMS "exports.txt|OPCV_1.0" "exports_1.1.txt|OPCV_1.1")

@@ -1,0 +1,68 @@
+# shellcheck shell=bash
+# The same sources in a tree of another Debian release, with that release's compiler, OpenCV, Highway and Python.
+
+# The release that `./dev test` tries beside this machine's.
+other_release() { if [ "$(debian_release)" = trixie ]; then echo bookworm; else echo trixie; fi; }
+
+# debian_tree RELEASE: makes its tree in build/debian/RELEASE/root unless there is one of the same packages from this week.
+debian_tree() {
+    local release=$1 folder=build/debian/$1 wanted=("${packages[@]}" "${packaging_packages[@]}")
+    need mmdebstrap
+    [ "$release" != "$lint_release" ] || wanted+=("${lint_packages[@]}")
+    ! command -v ccache >/dev/null || wanted+=(ccache)
+    [ "$(cat "$folder/packages" 2>/dev/null)" = "${wanted[*]}" ] && [ -n "$(find "$folder/packages" -mtime -7)" ] && return
+    say "Making a tree of Debian's $release"
+    as_root rm -rf --one-file-system "$folder/root"
+    mkdir -p "$folder/build"
+    as_root mmdebstrap --quiet --variant=apt --aptopt='APT::Install-Recommends "false"' --dpkgopt='force-unsafe-io' \
+        --dpkgopt='path-exclude=/usr/share/locale/*' --dpkgopt='path-exclude=/usr/share/doc/*' \
+        --include="$(IFS=, && echo "${wanted[*]}")" "$release" "$folder/root"
+    echo "${wanted[*]}" >"$folder/packages"
+}
+
+# in_debian RELEASE COMMAND...: in that tree, with these sources in the same folder as here, but a build folder of its own.
+in_debian() {
+    local folder=$PWD/build/debian/$1 ccache=
+    shift
+    ! command -v ccache >/dev/null || ccache=$(ccache --get-config cache_dir)
+    # shellcheck disable=SC2016
+    as_root unshare --mount --propagation private bash -euc '
+        folder=$1 tree=$2 ccache=$3
+        shift 3
+        root=$folder/root
+        mkdir -p "$root$tree" "$root/ccache"
+        mount --bind "$tree" "$root$tree"
+        mount --bind "$folder/build" "$root$tree/build"
+        [ -z "$ccache" ] || mount --bind "$ccache" "$root/ccache"
+        mount -t proc proc "$root/proc"
+        mount --rbind /dev "$root/dev"
+        cd "$root"
+        exec chroot "$root" env -i HOME=/root LANG=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin CCACHE_DIR=/ccache \
+            GIT_CONFIG_COUNT=1 GIT_CONFIG_KEY_0=safe.directory GIT_CONFIG_VALUE_0="$tree" \
+            bash -c "cd \"\$0\" && exec \"\$@\"" "$tree" "$@"
+    ' in_debian "$folder" "$PWD" "$ccache" "$@"
+}
+
+# Builds and tests there.
+run_debian_tests() {
+    local build=build/debian/$1/build/plain
+    say "Testing on Debian's $1"
+    as_root rm -rf "$build/results"
+    in_debian "$1" ./dev suite plain || true
+    count_tests "${build#build/}"
+}
+
+# The packages of another release in a fresh tree of it.
+check_debian_packages() {
+    in_debian "$1" packaging/build.sh "$(dpkg --print-architecture)" build/plain build/plain/man build/packages || return
+    tests/system/install/check.sh "build/debian/$1/build/packages" "$1"
+}
+
+cmd_debian() {
+    local release=${1:-$(other_release)}
+    install_packages
+    debian_tree "$release"
+    run_debian_tests "$release"
+    check "Packages in a fresh tree of Debian's $release" check_debian_packages "$release"
+    [ "$failed" -eq 0 ]
+}
