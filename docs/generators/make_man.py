@@ -10,7 +10,7 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-# The pages, and the groups of the header that each holds, in their order on the page.
+# The pages, and the groups of the header on each, in order.
 FAMILIES = {
     "opcv_records": ("status codes, records, planes and initialisation", [
         "Status codes", "Value types", "Records", "Initialisation", "Image records", "Planes"]),
@@ -36,12 +36,12 @@ OVERVIEW = "opcv_dlib"
 
 
 def escaped(text):
-    """Text that roff prints as it is."""
+    """Escapes text so that roff prints it unchanged."""
     return text.replace("\\", "\\e").replace("-", "\\-").replace("'", "\\(aq").replace("`", "\\(ga")
 
 
 def inline(element):
-    """The text of an element, with its emphasis in roff."""
+    """Returns the text of an element, with emphasis as roff."""
     parts = [escaped(element.text or "")]
     for child in element:
         if child.tag == "computeroutput":
@@ -53,7 +53,7 @@ def inline(element):
         elif child.tag in ("ref", "ulink"):
             parts.append(inline(child))
         elif child.tag in ("itemizedlist", "table", "parameterlist", "simplesect", "verbatim"):
-            continue    # blocks, see below
+            continue    # blocks, handled by paragraphs()
         else:
             raise ValueError(f"no manual page text for <{child.tag}>")
         parts.append(escaped(child.tail or ""))
@@ -61,14 +61,14 @@ def inline(element):
 
 
 def lines(text):
-    """Filled text: a line a sentence, none of which roff takes for a request."""
+    """Splits text into one line per sentence; none begins like a roff request."""
     text = " ".join(text.split())
     sentences = re.split(r"(?<=[a-z0-9)P][.:]) (?=[A-Z\\])", text)
     return ["\\&" + s if s[:1] in ".'" else s for s in sentences if s]
 
 
 def table(element):
-    """A cell that lists several things takes a line for each."""
+    """Returns a table; a cell that lists several items has one line for each."""
     rows = [[inline(cell.find("para")).replace(", ", ",\n").split("\n") for cell in row] for row in element]
     columns, first = len(rows[0]), max(len(cell) for cell in rows[0])
     out = [".TS"] + ["lB2 " * (columns - 1) + "lB"] * first + ["l2 " * (columns - 1) + "l."]
@@ -92,7 +92,7 @@ def program(element):
 
 
 def paragraphs(description):
-    """The blocks of a description, without its parameters and results. Each begins with its roff request."""
+    """Returns the blocks of a description, without parameters and results. Each begins with a roff request."""
     out = []
     for para in description:
         text = lines(inline(para))
@@ -109,7 +109,7 @@ def paragraphs(description):
 
 
 def entries(function, kind):
-    """The documented parameters, results or exceptions of a function as (name, text)."""
+    """Yields the documented parameters, results or exceptions of a function as (name, text)."""
     for group in function.iter("parameterlist"):
         if group.get("kind") == kind:
             for item in group:
@@ -122,7 +122,7 @@ def returned(function):
 
 
 def parameter(element):
-    """One parameter as it is declared, its name in italics."""
+    """Returns one parameter as declared, with its name in italics."""
     kind = "".join(element.find("type").itertext()).replace(" *", "*").replace(" &", "&")
     name = element.findtext("declname") or ""
     array = element.findtext("array") or ""
@@ -191,7 +191,7 @@ def structure_text(name, folder):
 
 
 def group_text(group, folder):
-    """A group of the header: what holds for all of it, then its types and functions."""
+    """Returns the section of a group of the header: its description, then its types and functions."""
     title = group.findtext("header")
     out = [".SH " + title.upper()]
     if group.find("description") is not None:
@@ -262,7 +262,7 @@ def synopsis(functions, header):
 
 
 def write(folder, section, page, content):
-    # A heading begins a paragraph by itself.
+    # A heading already begins a paragraph.
     content = [line for before, line in zip([""] + content, content)
                if not (line == ".PP" and before.startswith((".SH", ".SS")))]
     path = folder / f"man{section}" / f"{page}.{section}"
@@ -290,7 +290,7 @@ def main(xml, version, date, target, *headers):
         for title in titles:
             if title in header.groups:
                 content += group_text(header.groups[title], xml)
-            else:    # a group of structures alone is none for Doxygen
+            else:    # Doxygen has no section for a group of structures only
                 content += [".SH " + title.upper()]
                 for name in STRUCTURES[title]:
                     content += structure_text(name, xml)

@@ -35,6 +35,6 @@ bool Gallery::finish() {
 }
 
 void Gallery::differ(const std::string& file) {
-    std::fprintf(stderr, "gallery: %s is not what is made now\n", file.c_str());
+    std::fprintf(stderr, "gallery: %s is out of date\n", file.c_str());
     same_ = false;
 }

@@ -1,4 +1,4 @@
-// docs/gallery.md and its pictures: written, or compared with what is there.
+// Writes docs/gallery.md and its pictures, or compares them with the existing files.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -12,7 +12,7 @@ public:
     void text(const std::string& lines) { text_ += lines; }
     void show(const std::string& name, const std::string& caption, const cv::Mat& rgb);
 
-    // Whether all is as it was, if that was asked.
+    // Writes the document; with `check`, returns whether everything is up to date.
     bool finish();
 
 private:

@@ -1,7 +1,7 @@
-// gallery: writes docs/gallery.md and its pictures from a page that is drawn here, and the numbers beside them.
+// gallery: draws a page, runs filters on it and writes docs/gallery.md with pictures and measurements.
 //
-//     gallery DOCS_FOLDER            writes them
-//     gallery DOCS_FOLDER --check    fails if what is there differs from what it would write
+//     gallery DOCS_FOLDER            writes the document and its pictures
+//     gallery DOCS_FOLDER --check    fails if they differ from what it would write
 #include <OPCV_dlib.h>
 
 #include <array>
@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-#include "pagegen/sheet.h"
 #include "document.h"
 #include "measures.h"
+#include "pagegen/sheet.h"
 #include "pictures.h"
 #include "records.h"
 
@@ -44,7 +44,7 @@ void showDeskew(Gallery& gallery) {
     const cv::Mat after = pageOf(*straight);
 
     const cv::Rect detail(1900, 330, 480, 480);
-    gallery.text("## Deskew\n\n`DeskewImageWithIPP` with white corners, by the angle that Leptonica found.\n\n");
+    gallery.text("## Deskew\n\n`DeskewImageWithIPP` with white corners, by the angle that Leptonica measured.\n\n");
     cv::Mat before;
     cv::Mat behind;
     cv::resize(page(detail), before, {kThumbnailHeight, kThumbnailHeight}, 0, 0, cv::INTER_AREA);
@@ -54,11 +54,11 @@ void showDeskew(Gallery& gallery) {
                              {"detail", before},
                              {"after", thumbnail(after, detail)},
                              {"detail", behind}}));
-    gallery.text("| | degrees |\n|---|---|\n| drawn | " + fixed(kSkew, 2) + " |\n| found | " + fixed(found, 2) +
-                 " |\n| left | " + fixed(std::abs(skewOf(after)), 2) + " |\n\n");
+    gallery.text("| | degrees |\n|---|---|\n| drawn | " + fixed(kSkew, 2) + " |\n| measured | " + fixed(found, 2) +
+                 " |\n| remaining | " + fixed(std::abs(skewOf(after)), 2) + " |\n\n");
 }
 
-// Each pixel is replaced with a probability of 2 %: by black or white, or in colour by a colour of full strength.
+// Replaces each pixel with a probability of 2 %: grey by black or white, colour by a fully saturated colour.
 cv::Mat withSpecks(const cv::Mat& clean) {
     cv::Mat page = clean.clone();
     cv::RNG random(5);
@@ -110,8 +110,8 @@ void showGreyMedians(Gallery& gallery, const cv::Mat& clean) {
     const std::vector<Shot> weighted = {
         {"before", page}, {"weight 3", weightedMedian(page, 3)}, {"weight 5", weightedMedian(page, 5)}};
     gallery.text(
-        "## Weighted-centre median\n\n`IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` on the same page: a larger\n"
-        "weight keeps more detail.\n\n");
+        "## Weighted-centre median\n\n`IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R` on the same page. A larger\n"
+        "weight preserves more detail.\n\n");
     gallery.show("weighted_median", "Specks, and the page after each weighted-centre median", picture(kText, weighted));
     errorTable(gallery, clean, weighted);
 }
@@ -123,7 +123,7 @@ void showColourMedian(Gallery& gallery, const cv::Mat& clean) {
     const std::vector<Shot> shots = {{"before", page}, {"after", after}};
     gallery.text(
         "## Colour median\n\n`IPPShare_ippiFilterMedianColor_8u_C3R` on a page with 2 % of its pixels in a wrong "
-        "colour. "
+        "colour.\n"
         "Each pixel of the result is a pixel of the source, so no new colour appears.\n\n");
     gallery.show("colour_median", "Coloured specks, and the page after the colour median", picture(kHorizon, shots));
     errorTable(gallery, clean, shots);
@@ -143,7 +143,7 @@ void showNoiseReduction(Gallery& gallery) {
     }
     gallery.text("## Noise reduction\n\n`DeosNrRGB` in mode 2 (5 x 5 pixels) on a page with noise of " +
                  fixed(kSigma, 0) + " levels standard deviation.\n\n");
-    gallery.show("noise_reduction", "A noisy page, and the page after noise reduction of three strengths",
+    gallery.show("noise_reduction", "A noisy page, and the page after noise reduction at three strengths",
                  picture(kHorizon, shots));
     errorTable(gallery, clean, shots);
 }
@@ -156,9 +156,9 @@ void showBits(Gallery& gallery, const cv::Mat& grey) {
                                           {grey.cols, grey.rows}),
             "expanding");
     gallery.text(
-        "## One bit a pixel\n\n`IPPShare_ippiReduceBits_8u1u_C1R` with the threshold 127, expanded again to be "
-        "shown.\n\n");
-    gallery.show("one_bit", "A grey page and the same page with one bit a pixel",
+        "## One bit per pixel\n\n`IPPShare_ippiReduceBits_8u1u_C1R` with the threshold 127, expanded again for "
+        "display.\n\n");
+    gallery.show("one_bit", "A grey page and the same page with one bit per pixel",
                  picture(kText, {{"8 bits", grey}, {"1 bit", after}}));
     gallery.text("| | bytes |\n|---|---|\n| 8 bits | " + std::to_string(grey.total()) + " |\n| 1 bit, rows of " +
                  std::to_string(step) + " bytes | " + std::to_string(bits.size()) + " |\n\n");
@@ -183,7 +183,7 @@ void showResize(Gallery& gallery, const cv::Mat& clean) {
                  std::to_string(scaled->height) + " | " + std::to_string(scaled->size) + " |\n";
     }
     gallery.text(
-        "## Resize\n\n`ResizeImageWithIPPEx` from 300 dots per inch to fewer, each pixel enlarged to be shown.\n\n");
+        "## Resize\n\n`ResizeImageWithIPPEx` from 300 dots per inch to lower resolutions, enlarged for display.\n\n");
     gallery.show("resize", "A detail at 300, 200, 150 and 100 dots per inch", sideBySide(tiles));
     gallery.text(table + "\n");
 }
@@ -200,7 +200,7 @@ OSErr subsampled(const KVIMG& page, int mode, void** data, unsigned* size) {
     return CompressJPEGEx(&page, &pointer, mode, data, size);
 }
 
-// Compresses and reads back.
+// Compresses a page and reads it back.
 cv::Mat throughJpeg(const KVIMG& page, Compressor compress, int mode, unsigned& size) {
     void* data = nullptr;
     require(compress(page, mode, &data, &size), "compression");
@@ -231,11 +231,12 @@ void showJpeg(Gallery& gallery, const cv::Mat& page) {
                  std::to_string(smallSize) + " | " + errorCells(small, page) + " |\n";
     }
     gallery.text(
-        "## JPEG at each mode\n\nA page with a little noise, compressed and read back; the errors are against what was "
-        "compressed. The pictures are\n`CompressJPEG`'s; `CompressJPEGEx` subsamples the colour. The page has " +
+        "## JPEG quality modes\n\nA page with a little noise, compressed and read back. Errors are relative to the "
+        "page before "
+        "compression. The pictures\nare from `CompressJPEG`; `CompressJPEGEx` subsamples the colour. The page has " +
         std::to_string(record->size) + " bytes.\n\n");
     const cv::Rect detail(560, 1520, 80, 80);
-    gallery.show("jpeg_modes", "A detail after compression with each mode", picture(detail, shots));
+    gallery.show("jpeg_modes", "A detail after compression in each mode", picture(detail, shots));
     gallery.text(table);
 }
 
@@ -244,11 +245,10 @@ int run(int argc, char** argv) {
     if (argc != 2 && !check) throw std::runtime_error("gallery DOCS_FOLDER [--check]");
     Gallery gallery(argv[1], check);
     gallery.text(
-        "# Gallery\n\nBefore and after, on a page that [pagegen](../tools/pagegen) draws: A4 at 300 dots per inch. "
-        "The "
-        "red frame marks the\ndetail that is shown enlarged. `./dev gallery` makes the pictures and writes this text; "
-        "the "
-        "errors are against the page\nwithout the fault, over all pixels.\n\n");
+        "# Gallery\n\nFilters applied to a page that [pagegen](../tools/pagegen) draws, A4 at 300 dots per inch. The "
+        "red "
+        "frame marks the detail\nthat is shown enlarged. Errors are relative to the undisturbed page, over all pixels. "
+        "`./dev gallery` writes this page and\nits pictures.\n\n");
     cv::Mat clean = drawSheet();
     shadeAndAddNoise(clean, 2, 0);
     const cv::Mat grey = greyOf(clean);

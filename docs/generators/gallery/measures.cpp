@@ -45,7 +45,7 @@ double skewOf(const cv::Mat& page) {
     const std::unique_ptr<PIX, void (*)(PIX*)> pix(pixCreate(page.cols, page.rows, 1), [](PIX* p) { pixDestroy(&p); });
     if (!pix) throw std::bad_alloc();
     uint32_t* to = pixGetData(pix.get());
-    // There a set bit is black, and the leftmost pixel is the top bit of a word.
+    // In Leptonica a set bit is black, and the leftmost pixel is the most significant bit of a word.
     for (size_t i = 0; i < bits.size(); i += 4)
         *to++ = ~(uint32_t{bits[i]} << 24 | uint32_t{bits[i + 1]} << 16 | uint32_t{bits[i + 2]} << 8 | bits[i + 3]);
     float turnBack = 0;

@@ -1,4 +1,4 @@
-// What is measured on the pages.
+// Measurements on pages.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +11,8 @@ std::string fixed(double value, int digits);
 // "1.25 | 33.1 dB": the mean absolute error and the PSNR.
 std::string errorCells(const cv::Mat& page, const cv::Mat& clean);
 
-// The page with one bit a pixel, in rows of whole words.
+// The page with one bit per pixel, in rows of whole 32-bit words.
 std::vector<uint8_t> reducedToBits(const cv::Mat& grey, int& step);
 
-// The angle by which a page is turned clockwise, as Leptonica judges it by the rows of text.
+// The angle by which a page is turned clockwise, as measured by Leptonica from its lines of text.
 double skewOf(const cv::Mat& page);

@@ -7,7 +7,7 @@ namespace {
 constexpr int kGap = 10;
 constexpr int kCaption = 22;
 
-// A tile with its caption above, of the height of the picture.
+// A tile with its caption above it.
 cv::Mat captioned(const Shot& shot) {
     cv::Mat tile(kCaption + kThumbnailHeight, shot.second.cols, CV_8UC3, cv::Scalar::all(255));
     shot.second.copyTo(tile(cv::Rect(0, kCaption, shot.second.cols, shot.second.rows)));

@@ -14,11 +14,11 @@ cv::Mat inColour(const cv::Mat& page);
 
 cv::Mat sideBySide(const std::vector<Shot>& shots);
 
-// A page seen from afar, with a red frame around the detail.
+// The whole page, reduced, with a red frame around the detail.
 cv::Mat thumbnail(const cv::Mat& page, const cv::Rect& detail);
 
-// The detail, each pixel as a square.
+// The detail, with each pixel enlarged to a square.
 cv::Mat enlarged(const cv::Mat& page, const cv::Rect& detail);
 
-// The page with the frame, then the detail of every shot.
+// The first page with the frame, then the detail of every shot.
 cv::Mat picture(const cv::Rect& detail, const std::vector<Shot>& shots);

@@ -1,4 +1,4 @@
-// Pages as they pass between OpenCV's functions and ours: red, green, blue, or grey, without padding.
+// Conversion between records and OpenCV matrices. Pages are grey or red, green, blue, without padding.
 #pragma once
 
 #include <OPCV_dlib.h>
