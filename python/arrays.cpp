@@ -16,7 +16,7 @@ std::string described(const py::array& array) {
     return py::str(array.attr("dtype")).cast<std::string>() + " of shape " + shapeOf(array);
 }
 
-// Arrays of the other byte order are none of these.
+// Arrays in the other byte order do not match any of these.
 std::optional<Depth> depthOf(const py::array& array) {
     if (py::isinstance<py::array_t<uint8_t>>(array)) return Depth::k8u;
     if (py::isinstance<py::array_t<int8_t>>(array)) return Depth::k8s;
@@ -30,7 +30,7 @@ std::optional<Depth> depthOf(const py::array& array) {
 
 constexpr py::ssize_t kMostChannels = 4;
 
-// The stride of a dimension with one element has no meaning, and NumPy gives it any value.
+// NumPy gives an arbitrary stride to a dimension of one element, so it is not checked.
 void checkInnerStrides(const Argument& argument, const py::array& array, const Image& image) {
     const int element = bytesOf(image.depth);
     if (array.ndim() == 3 && image.channels > 1 && array.strides(2) != element)
@@ -48,20 +48,19 @@ int stepOf(const Argument& argument, const py::array& array, const Image& image)
                              std::to_string(image.rowBytes()));
     if (stride % image.pixelSize() != 0)
         refuse(argument, "has a row stride of " + std::to_string(stride) +
-                             " bytes, which is no multiple of the pixel size, " + std::to_string(image.pixelSize()));
-    if (stride > INT_MAX) refuse(argument, "has rows that do not fit in 31 bits of bytes");
+                             " bytes, which is not a multiple of the pixel size, " + std::to_string(image.pixelSize()));
+    if (stride > INT_MAX) refuse(argument, "has rows of more than 2147483647 bytes");
     return static_cast<int>(stride);
 }
 
 void checkSides(const Argument& argument, const py::array& array) {
     if (array.size() == 0) refuse(argument, "is empty: its shape is " + shapeOf(array));
-    if (array.shape(0) > INT_MAX || array.shape(1) > INT_MAX)
-        refuse(argument, "has a side that does not fit in 31 bits");
+    if (array.shape(0) > INT_MAX || array.shape(1) > INT_MAX) refuse(argument, "has a side above 2147483647");
 }
 
 int64_t floorDivide(int64_t a, int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
-// Whether the rows that a step of b leads to, seen from a, meet a's.
+// Whether rows of b, whose first row has this offset from a, overlap rows of a.
 bool rowsMeet(const Image& a, const Image& b) {
     const int64_t distance = reinterpret_cast<intptr_t>(b.data) - reinterpret_cast<intptr_t>(a.data);
     const int64_t above = floorDivide(distance, a.step);
@@ -79,7 +78,7 @@ bool rangesMeet(const Image& a, const Image& b) {
     return begin(a) < end(b) && begin(b) < end(a);
 }
 
-// How a call ended that ran without the interpreter's lock.
+// The outcome of a call that ran without the interpreter's lock.
 struct Outcome {
     int status = 0;
     bool outOfMemory = false;
@@ -206,7 +205,8 @@ IppiRect regionOf(const Argument& argument, const Image& image, const Region& re
     int64_t height = image.height - y - std::max<int64_t>(margin.bottom, 0);
     const std::string size = std::to_string(image.width) + " x " + std::to_string(image.height);
     if (!region) {
-        if (width <= 0 || height <= 0) refuse(argument, "has no room: the image of " + size + " needs " + needs);
+        if (width <= 0 || height <= 0)
+            refuse(argument, "does not fit: the image of " + size + " must contain " + needs);
     } else {
         const auto within = [](int64_t start, int64_t count, int64_t before, int64_t behind, int64_t all) {
             return count > 0 && start >= 0 && start <= all - count && start - before >= 0 &&

@@ -1,7 +1,7 @@
-// NumPy arrays as images: their checks, the rectangle that a filter reads, overlap, results, and calls into the library.
+// NumPy arrays as images: checks, the rectangle that a filter reads, overlap, results, and calls into the library.
 //
-// Everything that a function is about to touch is compared with the array's own extent before the library is called.
-// What does not fit raises ValueError, which names the function and the argument.
+// Before the library is called, everything that a function will read or write is compared with the extent of the array.
+// If it does not fit, ValueError is raised with the names of the function and the argument.
 #pragma once
 
 #include <OPCV_dlib.h>
@@ -28,13 +28,13 @@ struct Argument {
 [[noreturn]] void refuse(const Argument& argument, const std::string& why);
 [[noreturn]] void refuse(const char* function, const std::string& why);
 
-// Pixel depths in OpenCV's numbering, which the functions for any pixel type take.
+// Pixel depths in OpenCV's numbering, which the functions for any pixel type use.
 enum class Depth { k8u, k8s, k16u, k16s, k32s, k32f, k64f };
 
 int bytesOf(Depth depth);
 py::dtype dtypeOf(Depth depth);
 
-// What an argument may be.
+// The arrays that an argument accepts.
 struct Form {
     const char* words;
     bool (*takes)(Depth depth, int channels);
@@ -58,7 +58,7 @@ inline constexpr Form kAnyPixels = {"an array of numbers with the shape (height,
 
 enum class Access { kRead, kWrite };
 
-// A rectangle of pixels in an array, or in memory of our own.
+// A rectangle of pixels in an array or in other memory.
 struct Image {
     unsigned char* data = nullptr;
     int step = 0;    // bytes
@@ -75,14 +75,14 @@ struct Image {
     Image part(const IppiRect& r) const;
 };
 
-// The array as an image. Refused are other forms, empty arrays, inner strides with gaps, row strides that are negative,
-// shorter than a row or no multiple of the pixel size, and, for writing, read-only arrays.
+// The array as an image. Rejects other forms, empty arrays, gaps between pixels, row strides that are negative, shorter
+// than a row or not a multiple of the pixel size, and, for writing, read-only arrays.
 Image imageOf(const Argument& argument, const py::array& array, const Form& form, Access access = Access::kRead);
 
 // A whole image without gaps between the rows.
 Image packedImageOf(const Argument& argument, const py::array& array, const Form& form, Access access = Access::kRead);
 
-// Pixels that a filter reads beyond its region; below 0 where it does not even read the region's own edge.
+// Pixels that a filter reads beyond its region; negative where it does not read the edge of the region itself.
 struct Margin {
     int64_t left = 0;
     int64_t top = 0;
@@ -96,10 +96,10 @@ using Region = std::optional<std::tuple<int64_t, int64_t, int64_t, int64_t>>;   
 using Pair = std::tuple<int64_t, int64_t>;                                       // x, y or width, height
 using Output = std::optional<py::array>;
 
-// The region, which must lie in the image together with its margin. Without one, the largest whose margin does.
+// The region, which must lie in the image together with its margin. Without one, the largest such region.
 IppiRect regionOf(const Argument& argument, const Image& image, const Region& region, const Margin& margin = {});
 
-// What a filter reads for a region.
+// The rectangle that a filter reads for a region.
 IppiRect readRect(const IppiRect& region, const Margin& margin);
 
 int intOf(const Argument& argument, int64_t value);
@@ -109,7 +109,7 @@ IppiSize sizeOf(const Argument& argument, const Pair& pair);    // both sides ab
 bool overlap(const Image& a, const Image& b);
 void refuseOverlap(const Argument& argument, const Image& output, const Image& source);
 
-// The array that receives a result: the caller's, or a new one.
+// The array that receives a result: the caller's or a new one.
 struct Result {
     py::array array;
     Image image;
@@ -120,8 +120,8 @@ enum class Fresh { kAsItIs, kZeros };
 Result resultOf(const char* function, const Output& out, int width, int height, int channels, Depth depth,
                 Fresh fresh = Fresh::kAsItIs);
 
-// An image whose rows are `spare` pixels longer than it: itself, if nothing has to be done, or a copy. For functions
-// that look at what stands behind a row as well.
+// An image with at least `spare` readable pixels after each row: the image itself if it has them, otherwise a copy. For
+// functions that also read the pixels after a row.
 class TightRows {
 public:
     explicit TightRows(const Image& image) : TightRows(image, 0) {}
@@ -133,8 +133,8 @@ private:
     Image image_;
 };
 
-// Runs a call of the library without the interpreter's lock. A status other than 0 and C++ exceptions become
-// opcv_dlib.Error, shortage of memory opcv_dlib.OutOfMemoryError; both name the library's function.
+// Calls the library without the interpreter's lock. A status other than 0 and C++ exceptions raise opcv_dlib.Error,
+// out of memory raises opcv_dlib.OutOfMemoryError; both name the library's function.
 void run(const char* libraryFunction, const std::function<int()>& call);
 
 // Raises opcv_dlib.Error for a function that reports failure without a status.

@@ -1,4 +1,4 @@
-// What the module consists of; each of these adds its functions to it.
+// The parts of the module; each adds its functions.
 #pragma once
 
 #include <pybind11/pybind11.h>

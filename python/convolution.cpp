@@ -18,14 +18,14 @@ using namespace py::literals;
 using Integers = py::array_t<int64_t, py::array::c_style | py::array::forcecast>;
 using FloatKernel = py::array_t<float, py::array::c_style | py::array::forcecast>;
 
-// A convolution reads from anchor - 2 half to anchor, which is one more than needed where a side is even.
+// A convolution reads from anchor - 2 half to anchor, one more than it needs if the side is even.
 Margin underKernel(IppiSize kernel, IppiPoint anchor) {
     return {2 * int64_t{kernel.width / 2} - anchor.x, 2 * int64_t{kernel.height / 2} - anchor.y, anchor.x, anchor.y};
 }
 
-// What a convolution reads. From 50 cells on OpenCV also looks at half a kernel's width of pixels behind each row, which
-// an array need not have, and has another way of summing for rows without anything behind them; so those filter a copy
-// with longer rows.
+// The image that a convolution reads. With 50 cells or more, OpenCV also reads half a kernel's width of pixels after
+// each row, which an array need not have, and sums differently if there are none. Such kernels filter a copy with
+// longer rows.
 class Convolved {
 public:
     Convolved(const Task& task, IppiSize kernel) : rows_(task.read(), spareFor(kernel)), first_(rows_.image()) {
@@ -52,10 +52,10 @@ int convolve(const Task& task, IppiSize kernel, Filter filter) {
     return filter(copy.first());
 }
 
-// A table of integers of any type, which must fit in 32 bits.
+// A table of integers of any type; each must fit in 32 bits.
 Integers integersOf(const Argument& argument, const py::object& table) {
     const py::array given = py::array::ensure(table);
-    if (!given) refuse(argument, "is no table");
+    if (!given) refuse(argument, "is not an array");
     const char kind = given.dtype().kind();
     const bool fits = kind == 'b' || kind == 'i' || (kind == 'u' && given.itemsize() < py::ssize_t{sizeof(int64_t)});
     if (!fits) refuse(argument, "must hold integers of at most 32 bits");
@@ -158,7 +158,7 @@ py::array convolution24(const py::array& src, const FloatKernel& kernels, const 
     checkInside(function, from, radius);
     const Result result = ringResultOf(function, from, out);
     const float* cells = kernels.data();
-    // All that it could refuse has been checked: only memory is left.
+    // All arguments have been checked, so it can only fail for lack of memory.
     run("Convolution24", [&] {
         if (!Convolution24(from.data, result.image.data, from.size(), radius, cells)) throw std::bad_alloc();
         return 0;
@@ -174,9 +174,9 @@ void addConvolutions(py::module_& module) {
                R"(Convolution with a table of integers, divided by `divisor`, rounded and saturated.
 
 result(x, y) is the sum over the cells (column i, row j) of kernel[j][i] x src(x + ax - i, y + ay - j), with the anchor
-(ax, ay), which is (width // 2, height // 2) if it is not given. With h = width // 2 the margin is 2 h - ax pixels to the
-left and ax to the right; rows likewise. `out` may overlap `src`. Kernels of 50 cells and more filter a copy of what
-they read.
+(ax, ay), by default (width // 2, height // 2). With h = width // 2, the margin is 2 h - ax pixels to the left and ax to
+the right, and likewise above and below. `out` may overlap `src`. With kernels of 50 cells or more, the source pixels
+are copied first.
 
 Calls `IPPShare_ippiFilter_8u_C1R`, `IPPShare_ippiFilter_8u_C3R`, `IPPShare_ippiFilter_16s_C1R` or, for other pixel
 types, `ippiFilter`.)");
@@ -184,20 +184,20 @@ types, `ippiFilter`.)");
                "region"_a = py::none(), "out"_a = py::none(),
                R"(`convolve` with a table of 32-bit floats and without a divisor.
 
-Calls `IPPMini_ippiFilter32f_8u_C3R` or, for other pixel types than colour, `ippiFilter32f`.)");
+Calls `IPPMini_ippiFilter32f_8u_C3R` or, for pixel types other than colour, `ippiFilter32f`.)");
     module.def("convolution24_mono", convolution24Mono, "src"_a, "kernel"_a, py::kw_only(), "out"_a = py::none(),
-               R"(Convolution of a whole colour image, whose rows must have no gaps, with one square kernel of floats.
+               R"(Convolution of a whole colour image with one square kernel of floats for all channels.
 
-The ring of half the kernel's side along the edges is not written: in a new result it holds the source's pixels. `out`
-may be `src`.
+The rows of the image must have no gaps. Half a kernel side of pixels at each edge is not written; in a new result these
+hold the pixels of the source. `out` may be `src`.
 
 Calls `Convolution24MonoFilter`.)");
-    module.def(
-        "convolution24", convolution24, "src"_a, "kernels"_a, py::kw_only(), "out"_a = py::none(),
-        R"(Convolution of a whole colour image, whose rows must have no gaps, with a square kernel of floats a channel.
+    module.def("convolution24", convolution24, "src"_a, "kernels"_a, py::kw_only(), "out"_a = py::none(),
+               R"(Convolution of a whole colour image with one square kernel of floats per channel.
 
-`kernels` has the shape (3, side, side), in the **reverse** order of the channels: the first is for blue, the third for
-red. The ring of half the kernel's side along the edges holds the source's pixels. `out` may be `src`.
+The rows of the image must have no gaps. `kernels` has the shape (3, side, side), in the **reverse** order of the
+channels: the first is for blue, the third for red. Half a kernel side of pixels at each edge is not filtered and holds
+the pixels of the source. `out` may be `src`.
 
 Calls `Convolution24`.)");
 }

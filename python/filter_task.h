@@ -1,4 +1,4 @@
-// What the filters share: where a filter reads and where its result goes.
+// Shared by the filters: the source, its margin and the destination.
 #pragma once
 
 #include <optional>
@@ -7,7 +7,7 @@
 
 namespace binding {
 
-// A filter's source and where it begins in it, what it reads, and where its result goes.
+// The source of a filter, the region in it, the rectangle that is read, and the destination.
 struct Task {
     Image source;
     IppiRect region;
@@ -21,23 +21,23 @@ struct Task {
 Task taskOf(const char* function, const py::array& src, const Form& form, const Region& region, const Margin& margin,
             const Output& out);
 
-// The same where the result must not overlap what is read.
+// The same for filters whose result must not overlap the pixels that are read.
 Task taskApart(const char* function, const py::array& src, const Form& form, const Region& region, const Margin& margin,
                const Output& out);
 
-// The centre of the mask if none is given.
+// The anchor; by default the centre of the mask.
 IppiPoint anchorOf(const char* function, const std::optional<Pair>& anchor, IppiSize size);
 
-// What a mask with its anchor reads.
+// The margin that a mask with its anchor reads.
 Margin under(IppiSize mask, IppiPoint anchor);
 
-// The same where sides of an even number count as the next odd one.
+// The same, where an even side counts as the next odd one.
 Margin underOdd(IppiSize mask, IppiPoint anchor);
 
-// Of a table with two dimensions.
+// The size of a two-dimensional table.
 IppiSize shapeOf(const Argument& argument, const py::array& table);
 
-// Results of functions that leave the ring along the edges alone: a new one begins as a copy.
+// The result of a function that does not write the outermost pixels: a new one starts as a copy of the source.
 Result ringResultOf(const char* function, const Image& source, const Output& out);
 
 void checkInside(const char* function, const Image& image, int64_t ring);

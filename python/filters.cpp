@@ -35,7 +35,7 @@ py::array filterBilateral(const py::array& src, int64_t size, float colorSquareS
         return OPCV_ippiFilterBilateral_8u_C1R(from.data, from.step, to.data, to.step, to.size(), kernel,
                                                colorSquareSigma, spaceSquareSigma);
     };
-    // A side of 1 looks one pixel behind each row, which need not be there.
+    // With a side of 1, OpenCV reads one pixel after each row, which need not exist.
     run("OPCV_ippiFilterBilateral_8u_C1R",
         [&] { return kernel.width == 1 ? filter(TightRows(task.first()).image()) : filter(task.first()); });
     return task.result.array;
@@ -77,7 +77,7 @@ py::array sgemm(const py::array& a, const py::array& b, const Output& c, float a
     const int columns = transB ? right.height : right.width;
     if (inner != innerOfB)
         refuse(Argument{function, "b"},
-               "does not fit a: " + std::to_string(innerOfB) + " against " + std::to_string(inner));
+               "does not match a: inner sizes " + std::to_string(innerOfB) + " and " + std::to_string(inner));
     if (!c && beta != 0) refuse(Argument{function, "c"}, "must be given if beta is not 0");
 
     const Result result = resultOf(function, c, columns, rows, 1, Depth::k32f);
@@ -115,48 +115,49 @@ py::array ddctInPlace(const py::array& table, bool inverse) {
 void addFilters(py::module_& module) {
     module.def("filter_box", filterBox, "image"_a, "size"_a, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(),
-               R"(Mean over a rectangle of `size` (width, height), in place on a colour image, which is returned.
+               R"(Mean over a rectangle of `size` (width, height), in place on a colour image; the image is returned.
 
-The top left pixel of the rectangle is (x - ax, y - ay) with the anchor (ax, ay), which is (width // 2, height // 2) if
-it is not given. With h = width // 2 the margin is ax pixels to the left and 2 h - ax to the right; rows likewise.
+The top left pixel of the rectangle is (x - ax, y - ay) with the anchor (ax, ay), by default (width // 2, height // 2).
+With h = width // 2, the margin is ax pixels to the left and 2 h - ax to the right, and likewise above and below.
 
 Calls `IPPMini_ippiFilterBox_8u_C3IR`.)");
     module.def("filter_bilateral", filterBilateral, "src"_a, "size"_a, "color_square_sigma"_a, "space_square_sigma"_a,
                py::kw_only(), "region"_a = py::none(), "out"_a = py::none(),
                R"(Bilateral filter of a grey image over size x size pixels, `size` odd.
 
-The sigmas are given as their squares, in grey levels and in pixels. The margin is size // 2 pixels on each side. `out`
-may overlap `src`. A size of 1 filters with 3 x 3 pixels and mirrors the region at its edges.
+The arguments are the squares of the sigmas, in grey levels and in pixels. The margin is size // 2 pixels on each side.
+`out` may overlap `src`. A size of 1 filters over 3 x 3 pixels and mirrors the region at its edges.
 
 Calls `OPCV_ippiFilterBilateral_8u_C1R`.)");
     module.def("reduce_noise", reduceNoise, "src"_a, "mode"_a = 1, "strength"_a = 5, py::kw_only(),
                "out"_a = py::none(),
                R"(Noise reduction of a whole grey image, whose rows must have no gaps.
 
-`mode` 2 looks at 5 x 5 pixels, every other at 3 x 3; `strength` is 0 to 10. The ring of 2 or 1 pixels along the edges is
-not written: in a new result it holds the source's pixels. `out` may be `src`.
+`mode` 2 filters over 5 x 5 pixels, any other mode over 3 x 3; `strength` is 0 to 10. The outermost 2 or 1 pixels are
+not written; in a new result they hold the pixels of the source. `out` may be `src`.
 
 Calls `DeosNr`.)");
     module.def("reduce_noise_rgb", reduceNoiseRGB, "src"_a, "mode"_a = 1, "strength"_a = 5, py::kw_only(),
                "out"_a = py::none(),
                R"(Noise reduction of a whole colour image, whose rows must have no gaps and a multiple of 4 pixels.
 
-`mode` 0 and 1 look at 3 x 3 pixels, 2 at 5 x 5; `strength` is 0 to 10. The status of the error is 1 for another mode, 2
-for another strength, 3 for another width. The ring along the edges holds the source's pixels. `out` may be `src`.
+`mode` 0 and 1 filter over 3 x 3 pixels, 2 over 5 x 5; `strength` is 0 to 10. The status of the error is 1 for another
+mode, 2 for another strength, 3 for another width. The outermost pixels hold those of the source. `out` may be `src`.
 
 Calls `DeosNrRGB`.)");
     module.def("sgemm", sgemm, "a"_a, "b"_a, "c"_a = py::none(), py::kw_only(), "alpha"_a = 1.0F, "beta"_a = 0.0F,
                "trans_a"_a = false, "trans_b"_a = false,
-               R"(Product of two matrices of float32: c = alpha op(a) op(b) + beta c, where op transposes if asked to.
+               R"(Product of two matrices of float32: c = alpha op(a) op(b) + beta c.
 
-`c` receives the result, if it is given, and must not overlap `a` and `b`; it is returned.
+`trans_a` and `trans_b` select whether op transposes. If `c` is given, it receives the result and must not overlap `a`
+or `b`. The result is returned.
 
 Calls `OPCV_cblas_sgemm`, row-major.)");
     module.def("ddct", ddctInPlace, "table"_a, py::kw_only(), "inverse"_a = false,
                R"(Orthonormal cosine transform of a square table of float64, in place; the table is returned.
 
-It is one transform of type II of length n x n over the rows, one behind the other, not one in two dimensions. Odd sides
-take n^4 steps.
+This is one transform (type II) of length n x n over the rows, one after the other, not a two-dimensional transform. Odd
+sides take n^4 steps.
 
 Calls `ddct`.)");
 }

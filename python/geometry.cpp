@@ -32,7 +32,7 @@ cv::Scalar scalarOf(const Argument& argument, const Border& border) {
     return scalar;
 }
 
-// The caller's array whatever its size, or a new one.
+// The caller's array, of any size, or a new one.
 Result resultOfAnySize(const char* function, const Output& out, const Size& size, IppiSize usual, const Image& source,
                        Fresh fresh) {
     if (!out) {
@@ -68,7 +68,7 @@ py::array rotate(const py::array& src, double angle, const Shift& shift, const B
     const Turned t = turnedOf(function, src, kAnyPixels, angle, region, size, out);
     const cv::Scalar level = scalarOf({function, "border"}, border);
     run("ippiRotate", [&] {
-        const TightRows tight(t.source);    // what pads a row would count as image
+        const TightRows tight(t.source);    // padding of rows would count as image
         const Image& from = tight.image();
         const Image& to = t.result.image;
         return ippiRotate(from.data, from.size(), from.step, t.region, to.data, to.step, to.rect(), angle,
@@ -121,7 +121,7 @@ Shift rotateShift(double xCenter, double yCenter, double angle) {
 int scaledSide(const Argument& argument, int side, double factor) {
     const double scaled = std::nearbyint(side * factor);
     if (!(factor > 0)) refuse(argument, "must be above 0");
-    if (scaled > INT_MAX) refuse(argument, "leads to a side that does not fit in 31 bits");
+    if (scaled > INT_MAX) refuse(argument, "gives a side above 2147483647");
     return scaled < 1 ? 1 : static_cast<int>(scaled);
 }
 
@@ -162,10 +162,10 @@ void addGeometry(py::module_& module) {
                "size"_a = py::none(), "region"_a = py::none(), "out"_a = py::none(),
                R"(Turns a region about its top-left pixel and moves it by whole pixels.
 
-`angle` is in degrees, counter-clockwise on screen. `shift` moves the turned region to the right and down and is rounded.
-The result is as large as `out`, `size` (width, height) or the region, whichever is given. Pixels from outside the region
-are what the image holds above, to the left and to the right of it where the result reaches beyond the region, and
-otherwise `border`, one number or one a channel. `out` must not overlap `src`.
+`angle` is in degrees, counter-clockwise on screen. `shift` moves the turned region to the right and down and is
+rounded to whole pixels. The result has the size of `out` or `size` (width, height), by default that of the region.
+Where the result extends beyond the region, it shows the pixels of the image above, to the left and to the right of the
+region, and otherwise `border`, one number or one per channel. `out` must not overlap `src`.
 
 Calls `ippiRotate`.)");
     module.def("rotate_on_black", rotateOnBlack, "src"_a, "angle"_a, "shift"_a = Shift(0, 0), py::kw_only(),
@@ -175,22 +175,22 @@ Calls `ippiRotate`.)");
 Calls `KVMac_ippiRotate_8u_C1R` or `KVMac_ippiRotate_8u_C3R`.)");
     module.def("rotate_center", rotateCenter, "src"_a, "angle"_a, "center"_a = py::none(), py::kw_only(),
                "border"_a = 0.0, "region"_a = py::none(), "out"_a = py::none(),
-               R"(Turns a region about a point (x, y) of it, its exact centre if none is given.
+               R"(Turns a region about a point (x, y) in it, by default its exact centre.
 
-`angle` is in degrees, counter-clockwise on screen. The result is as large as the region; of a larger `out` the rest is
-left as it was. Pixels from outside the region are `border`, one number or one a channel. `out` must not overlap `src`.
+`angle` is in degrees, counter-clockwise on screen. The result has the size of the region; the rest of a larger `out` is
+unchanged. Pixels from outside the region are `border`, one number or one per channel. `out` must not overlap `src`.
 
 Calls `ippiRotateCenter`.)");
     module.def("get_rotate_shift", rotateShift, "x_center"_a, "y_center"_a, "angle"_a,
-               R"(The shift (x, y) that makes `rotate` turn about a point.
+               R"(Returns the shift (x, y) that makes `rotate` turn about a point.
 
 Calls `KVMac_ippiGetRotateShift`.)");
     module.def("resize_sqr_pixel", resizeSqrPixel, "src"_a, "x_factor"_a, "y_factor"_a, "shift"_a = Shift(0, 0),
                py::kw_only(), "size"_a = py::none(), "region"_a = py::none(), "out"_a = py::none(),
                R"(Scales a region of a grey image by two factors and moves the result by whole pixels.
 
-The result is as large as `out`, `size` (width, height) or the scaled region, whichever is given. What the moved image
-does not reach is left as it was in `out`, and 0 in a new result. `out` may overlap `src`.
+The result has the size of `out` or `size` (width, height), by default that of the scaled region. Pixels that the moved
+image does not cover are unchanged in `out` and 0 in a new result. `out` may overlap `src`.
 
 Calls `OPCV_ippiResizeSqrPixel_8u_C1R`.)");
     module.def("resize_color", resizeColor, "src"_a, "size"_a = py::none(), py::kw_only(), "region"_a = py::none(),

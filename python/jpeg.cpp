@@ -1,4 +1,4 @@
-// JPEG streams: their reading into pages, and the compression of pages and arrays.
+// JPEG streams: reading into pages, and compression of pages and arrays.
 #include <pybind11/stl.h>
 
 #include <climits>
@@ -19,7 +19,7 @@ using namespace py::literals;
 
 constexpr int kLongestJpegSide = 65500;
 
-// A stream that the library hands over.
+// A stream that the library has allocated.
 struct Stream {
     void* data = nullptr;
     unsigned size = 0;
@@ -33,14 +33,14 @@ struct Stream {
 
 void checkJpegSides(const Argument& argument, int width, int height) {
     if (width > kLongestJpegSide || height > kLongestJpegSide)
-        refuse(argument, "has a side above 65500 pixels, which JPEG does not hold");
+        refuse(argument, "has a side above 65500 pixels, which JPEG cannot store");
 }
 
 py::bytes compressJpeg(const Page& page, int mode) {
     const Argument argument = {"compress_jpeg", "page"};
     checkJpegSides(argument, page.record().width, page.record().height);
     if (page.dpi().x != page.dpi().y)
-        refuse(argument, "has two resolutions, of which CompressJPEG stores one; see compress_jpeg_ex");
+        refuse(argument, "has different resolutions in x and y, but CompressJPEG stores one; use compress_jpeg_ex");
     Stream stream;
     run("CompressJPEG",
         [&] { return int{CompressJPEG(&page.record(), page.dpi().x, mode, &stream.data, &stream.size)}; });
@@ -120,7 +120,7 @@ py::bytes compressRGB411(const py::array& pixels, int quality, int64_t dpiX, con
     });
 }
 
-// The bytes of an object, which cannot be resized meanwhile.
+// The bytes of an object, which cannot be resized while this exists.
 class Bytes {
 public:
     Bytes(const Argument& argument, const py::object& object) {
@@ -140,7 +140,7 @@ private:
     Py_buffer view_{};
 };
 
-// The record that a stream gave, with the resolution that the stream states.
+// A page of the record that was read and the resolution in the stream.
 PagePtr pageRead(KVIMG* image, const Bytes& stream, int otherwise) {
     PagePtr page = pageOf(image, {});
     const Dpi dpi = resolutionOf(stream.data(), stream.size(), *image, otherwise);
@@ -183,13 +183,13 @@ PagePtr readSplitJpeg(const py::object& data, const Pair& size, int64_t defaultD
 
 void addJpeg(py::module_& module) {
     module.def("read_jpeg", readJpeg, "data"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
-               R"(Reads a JPEG stream (bytes or another buffer): a page of depth 8 if it is grey, otherwise 24.
+               R"(Reads a JPEG stream (bytes or another buffer) into a page of depth 8 if it is grey, otherwise 24.
 
-The resolution is what the JFIF header says, or `default_dpi`.
+The resolution is that of the JFIF header, or `default_dpi` if there is none.
 
 Calls `ReadJPEG`, of which `ReadJPEGWithIPP` is a second name.)");
     module.def("read_split_jpeg", readSplitJpeg, "data"_a, "size"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
-               R"(Reads a JPEG stream of known size (width, height), always into 24 bits; otherwise as `read_jpeg`.
+               R"(Reads a JPEG stream of known size (width, height), always into 24 bits; otherwise like `read_jpeg`.
 
 Calls `ReadSplitJPEG`.)");
     module.def("compress_jpeg", compressJpeg, "page"_a, "mode"_a,
@@ -205,25 +205,25 @@ Calls `CompressJPEG`.)");
 
 Calls `CompressJPEGEx`, of which `CompressJPEGWithIPPEx` is a second name.)");
     module.def("compress_jpeg_with_ipp", compressJpegWithIPP, "page"_a, "mode"_a,
-               R"(`compress_jpeg_ex` with a scale of qualities of its own.
+               R"(`compress_jpeg_ex` with other qualities for the modes.
 
 Calls `CompressJPEGWithIPP`.)");
     module.def("compress_gray", compressGray, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
                "dpi_y"_a = py::none(), "custom_tables"_a = true,
                R"(Compresses a grey array with a quality of 1 to 100.
 
-`custom_tables`: the library's own quantisation table instead of libjpeg's.
+`custom_tables` selects the library's own quantisation table instead of libjpeg's.
 
 Calls `CompressGray2Gray444`.)");
     module.def("compress_rgb_444", compressRGB444, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
                "dpi_y"_a = py::none(), "custom_tables"_a = true,
-               R"(Compresses a colour array without subsampling; otherwise as `compress_gray`.
+               R"(Compresses a colour array without subsampling; otherwise like `compress_gray`.
 
 Calls `CompressRGB2YCbCr444`.)");
     module.def(
         "compress_rgb_411", compressRGB411, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
         "dpi_y"_a = py::none(),
-        R"(Compresses a colour array with chroma subsampled 2 x 2 and libjpeg's tables; otherwise as `compress_gray`.
+        R"(Compresses a colour array with chroma subsampled 2 x 2 and libjpeg's tables; otherwise like `compress_gray`.
 
 Calls `CompressRGB2YCbCr411`.)");
 }

@@ -6,7 +6,7 @@ namespace binding {
 
 namespace {
 
-// What the headers in front of the first scan say.
+// The resolution in the headers before the first scan.
 struct Headers {
     bool known = false;
     Dpi dpi;

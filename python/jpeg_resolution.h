@@ -1,4 +1,4 @@
-// The resolution that a JPEG stream states.
+// The resolution in a JPEG stream.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace binding {
 
-// In the directions of the page, which may have been turned by its orientation; `otherwise` if none is stated.
+// In the directions of the page, which its orientation may have turned; `otherwise` if the stream has none.
 Dpi resolutionOf(const unsigned char* stream, size_t size, const KVIMG& page, int otherwise);
 
 }    // namespace binding

@@ -1,13 +1,13 @@
-// opcv_dlib._native: the library's functions on NumPy arrays. The package around it holds the exceptions and the types.
+// opcv_dlib._native: the library's functions on NumPy arrays. The package adds the exceptions and the types.
 #include <OPCV_dlib.h>
 
 #include "bindings.h"
 
 PYBIND11_MODULE(_native, module) {
-    module.doc() = "The functions of OPCV_dlib on NumPy arrays; import opcv_dlib instead.";
+    module.doc() = "Implementation of opcv_dlib, which should be imported instead.";
     module.def(
         "init", [] { return IppInit() | IPPMini_ippStaticInit() | IPPShare_ippStaticInit(); },
-        "Does nothing and returns 0; there is nothing to initialise.\n\n"
+        "Does nothing and returns 0; no initialisation is needed.\n\n"
         "Calls `IppInit`, `IPPMini_ippStaticInit` and `IPPShare_ippStaticInit`.");
     binding::addRankFilters(module);
     binding::addConvolutions(module);

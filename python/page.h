@@ -1,4 +1,4 @@
-// A page: an image record with its dots per inch.
+// A page: an image record with its resolution in dots per inch.
 #pragma once
 
 #include <cstdint>
@@ -24,10 +24,10 @@ struct Dpi {
 int dpiOf(const Argument& argument, int64_t value);
 Dpi dpiOf(const char* function, int64_t x, const std::optional<int64_t>& y);
 
-// Rounded, within what may be.
+// Rounded and clamped to the valid range.
 int scaledDpi(int dpi, double scale);
 
-// A record and its resolution. The record is never changed once it is made; its pixels belong to Python.
+// A record and its resolution. The record does not change after its creation; its pixels may.
 class Page {
 public:
     Page(RecordPtr record, Dpi dpi) : record_(std::move(record)), dpi_(dpi) {}
@@ -54,7 +54,7 @@ private:
 
 using PagePtr = std::unique_ptr<Page>;
 
-// Takes the record over.
+// Takes ownership of the record.
 PagePtr pageOf(KVIMG* record, Dpi dpi);
 
 }    // namespace binding

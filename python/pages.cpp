@@ -1,4 +1,4 @@
-// Pages, and their deskew, turns and scaling.
+// Pages: deskew, rotation and scaling.
 #include <pybind11/stl.h>
 
 #include <climits>
@@ -45,7 +45,7 @@ PagePtr pageOfPixels(const py::array& pixels, int64_t dpiX, const std::optional<
     return page;
 }
 
-// The array lies in the record and keeps the page alive.
+// The array refers to the pixels of the record and keeps the page alive.
 py::array pixelsOf(const py::object& self) {
     const KVIMG& record = self.cast<const Page&>().record();
     constexpr int kBits = 8;
@@ -67,7 +67,7 @@ std::string wordsOf(const Page& page) {
            " dots per inch>";
 }
 
-// Runs a function that makes a new record from a page and its description.
+// Calls a function that creates a new record from a page and its description.
 template <typename Call>
 PagePtr made(const Page& page, const char* libraryFunction, Dpi dpi, Call call) {
     KVImageDescription description = page.description();
@@ -128,7 +128,7 @@ PagePtr rotatePage(const Page& page, double angle) {
     });
 }
 
-// Rows come as many whole pixels apart as their step holds; the record wants them a step apart.
+// The library writes rows at a distance of step / 3 whole pixels; this moves them to the step of the record.
 void spread(const KVIMG& record, int row, int pitch) {
     for (int y = record.height - 1; y > 0; --y)
         std::memmove(record.data + int64_t{y} * record.rowBytes, record.data + int64_t{y} * pitch,
@@ -177,24 +177,25 @@ void addPageType(py::module_& module) {
                      R"(A page in an image record of the library, with its resolution.
 
 Page(pixels) copies an array of the shape (height, width), (height, width, 3) or (height, width, 4). The record is a
-`KVIMG`, made by `CreateNewKVIMGPtr` and released by `DisposeKVIMG`.)")
+`KVIMG`, created by `CreateNewKVIMGPtr` and released by `DisposeKVIMG`.)")
         .def(py::init(&pageOfPixels), "pixels"_a, "dpi_x"_a = kUsualDpi, "dpi_y"_a = py::none())
-        .def_static("empty", emptyPage, "width"_a, "height"_a, "depth"_a = 8, "dpi_x"_a = kUsualDpi,
-                    "dpi_y"_a = py::none(), py::kw_only(), "for_unite"_a = false,
-                    R"(A page of 1, 8, 24, 32 or 40 bits a pixel (40 is laid out like 8) whose pixels are undefined.
+        .def_static(
+            "empty", emptyPage, "width"_a, "height"_a, "depth"_a = 8, "dpi_x"_a = kUsualDpi, "dpi_y"_a = py::none(),
+            py::kw_only(), "for_unite"_a = false,
+            R"(Creates a page of 1, 8, 24, 32 or 40 bits per pixel (40 is laid out like 8) with undefined pixels.
 
-With `for_unite` rows of 24 bits are padded to a multiple of 4 bytes.
+With `for_unite`, rows of 24 bits are padded to a multiple of 4 bytes.
 
 Calls `KVSetRect` and `CreateNewKVIMGPtr` or `CreateNewKVIMGPtrForUnite`.)")
         .def_property_readonly("pixels", pixelsOf,
-                               "The pixels: an array in the page's own memory, which it keeps alive. At 1 bit its "
-                               "bytes are packed pixels.")
+                               "The pixels: an array that refers to the page's memory and keeps the page alive. At "
+                               "1 bit, its bytes are packed pixels.")
         .def_property_readonly(
-            "width", [](const Page& p) { return p.record().width; }, "Pixels a row.")
+            "width", [](const Page& p) { return p.record().width; }, "Pixels per row.")
         .def_property_readonly(
             "height", [](const Page& p) { return p.record().height; }, "Rows.")
         .def_property_readonly(
-            "depth", [](const Page& p) { return p.record().depth; }, "Bits a pixel.")
+            "depth", [](const Page& p) { return p.record().depth; }, "Bits per pixel.")
         .def_property_readonly(
             "row_bytes", [](const Page& p) { return p.record().rowBytes; }, "Bytes from one row to the next.")
         .def_property(
@@ -206,30 +207,30 @@ Calls `KVSetRect` and `CreateNewKVIMGPtr` or `CreateNewKVIMGPtrForUnite`.)")
 
 void addPageGeometry(py::module_& module) {
     module.def("deskew", deskew, "page"_a, "angle"_a, py::kw_only(), "white_fill"_a = false,
-               R"(Turns a page about its exact centre; the new page has its size and resolution.
+               R"(Turns a page about its exact centre; the new page has the same size and resolution.
 
-`angle` is in degrees, counter-clockwise on screen. Corners from outside the page are black; with `white_fill` they are
-white at 24 bits, and at 32 bits but for the first byte, which is 0.
+`angle` is in degrees, counter-clockwise on screen. Corners from outside the page are black. With `white_fill`, they
+are white at 24 bits; at 32 bits the first byte is 0 and the others are 255; at 8 bits they stay black.
 
 Calls `DeskewImageWithIPP`.)");
     module.def(
         "deskew_crop", deskewCrop, "page"_a, "angle"_a, "crop"_a, py::kw_only(), "white_fill"_a = false,
         R"(Turns a page about its centre and cuts the rectangle `crop` (left, top, width, height) out of the result.
 
-The rectangle may reach outside the page. Otherwise as `deskew`.
+The rectangle may extend outside the page. Otherwise like `deskew`.
 
 Calls `DeskewImageWithIPPEx`.)");
     module.def(
         "deskew_about", deskewAbout, "page"_a, "angle"_a, "point"_a, "size"_a, py::kw_only(), "white_fill"_a = false,
         R"(Turns a page about a point (x, y), which becomes the top-left pixel of a new page of `size` (width, height).
 
-Otherwise as `deskew`.
+Otherwise like `deskew`.
 
 Calls `DeskewImageWithIPPExWithShirftPoint`.)");
     module.def("rotate_page", rotatePage, "page"_a, "angle"_a,
                R"(Turns a page by 90, 180 or 270 degrees, **clockwise** on screen, or by their negatives.
 
-The fraction of the angle is dropped. With quarter turns the two sides and the two resolutions change places.
+The fraction of the angle is dropped. Turns by 90 and 270 degrees swap the two sides and the two resolutions.
 
 Calls `RotateImageWithIPP`.)");
     module.def(
@@ -245,14 +246,14 @@ Calls `RotateImageWithIPP`.)");
                "dpi_y"_a = py::none(),
                R"(Turns an image about its centre and centres it on a new page of `size` (width, height).
 
-`angle` is in degrees, **clockwise** on screen. Uncovered pixels are white at 24 bits and, but for the first byte, at 32;
-black at 8. Rows of 24 bits are padded to a multiple of 4 bytes.
+`angle` is in degrees, **clockwise** on screen. Uncovered pixels are white at 24 bits, 0 255 255 255 at
+32 bits and black at 8. Rows of 24 bits are padded to a multiple of 4 bytes.
 
 Calls `UniteImageIplRotateImage`.)");
     module.def("resize", resize, "page"_a, "numerator"_a, "denominator"_a,
-               R"(Scales a page by numerator / denominator, for instance from one resolution to another.
+               R"(Scales a page by numerator / denominator, for example from one resolution to another.
 
-Both sides are truncated to whole pixels. The resolution is scaled as well: the page's size in inches stays.
+Both sides are truncated to whole pixels. The resolution is scaled as well, so that the size in inches is kept.
 
 Calls `ResizeImageWithIPPEx`.)");
 }

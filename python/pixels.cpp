@@ -1,4 +1,4 @@
-// Bit packing, depth, thresholds, fill, colour space, plane layout and planes of the library's own.
+// Bit packing, depth, thresholds, fill, colour space, plane layout, and planes that the library allocates.
 #include <pybind11/stl.h>
 
 #include <climits>
@@ -29,8 +29,8 @@ void checkOffset(const char* function, int64_t offset) {
 void checkBits(const Argument& argument, const Image& bits, int64_t width, int64_t offset) {
     if (width <= 0) refuse(argument.function, "width must be above 0");
     if (width > INT_MAX || offset + width > int64_t{kBits} * bits.width)
-        refuse(argument, "has rows of " + std::to_string(int64_t{kBits} * bits.width) + " bits, which do not hold " +
-                             std::to_string(offset) + " and " + std::to_string(width));
+        refuse(argument, "has rows of " + std::to_string(int64_t{kBits} * bits.width) + " bits, too few for " +
+                             std::to_string(width) + " pixels at bit offset " + std::to_string(offset));
 }
 
 py::array expandBits(const py::array& src, int64_t width, int64_t bitOffset, const Output& out) {
@@ -137,7 +137,8 @@ py::array convertColour(const char* function, const char* libraryFunction, Colou
     const Result result = resultOf(function, out, from.width, from.height, 3, Depth::k8u);
     const Image& to = result.image;
     const bool inPlace = to.data == from.data && to.step == from.step;
-    if (!inPlace && overlap(to, from)) refuse(Argument{function, "out"}, "overlaps the source without being it");
+    if (!inPlace && overlap(to, from))
+        refuse(Argument{function, "out"}, "overlaps the source but is not the same array");
     run(libraryFunction, [&] { return convert(from.data, from.step, to.data, to.step, from.size()); });
     return result.array;
 }
@@ -268,17 +269,17 @@ void addPixelFunctions(py::module_& module) {
     module.def("expand_bits", expandBits, "src"_a, "width"_a, py::kw_only(), "bit_offset"_a = 0, "out"_a = py::none(),
                R"(Expands 1-bit rows to grey: a clear bit becomes 0, a set bit 255.
 
-`src` holds the rows as packed bytes, the leftmost pixel in the most significant bit; `width` pixels a row are taken,
-behind `bit_offset` (0 to 7) bits. `out` must not overlap `src`.
+`src` holds the rows as packed bytes, the leftmost pixel in the most significant bit. `width` pixels of each row are
+expanded, starting at `bit_offset` (0 to 7). `out` must not overlap `src`.
 
 Calls `IPPShare_ippiConvert_1u8u_C1R`, the checked form of `Convert_1u8u_C1R`.)");
     module.def("reduce_bits", reduceBits, "src"_a, "threshold"_a = 127, py::kw_only(), "bit_offset"_a = 0,
                "out"_a = py::none(),
-               R"(Reduces grey to 1 bit a pixel: a pixel above the threshold becomes a set bit.
+               R"(Reduces grey to 1 bit per pixel: a pixel above the threshold becomes a set bit.
 
-The result holds packed bytes, the leftmost pixel in the most significant bit, behind `bit_offset` (0 to 7) bits. The
-other bits of a row's first and last byte are kept (0 in a new result), except at threshold 255, which clears them. `out`
-may have longer rows than are needed and must not overlap `src`.
+The result holds packed bytes, the leftmost pixel in the most significant bit, starting at `bit_offset` (0 to 7). The
+other bits of the first and last byte of a row are kept (0 in a new result), except at threshold 255, which clears
+them. `out` may have longer rows than needed and must not overlap `src`.
 
 Calls `IPPShare_ippiReduceBits_8u1u_C1R`, the checked form of `Convert_8u1u_C1R`.)");
     module.def("convert_8u16s", convert8u16s, "src"_a, py::kw_only(), "out"_a = py::none(),
@@ -292,54 +293,55 @@ Calls `IPPShare_ippiConvert_16s8u_C1R`.)");
     module.def("threshold_lt", thresholdLT, "image"_a, "threshold"_a, "value"_a,
                R"(Replaces each pixel that is less than **or equal to** the threshold, in place; the image is returned.
 
-Calls `IPPShare_ippiThreshold_LTVal_8u_C1IR` or, for int16, `IPPShare_ippiThreshold_LTVal_16s_C1IR`, the checked forms of
-`Threshold_LTVal_8u_C1IR` and `Threshold_LTVal_16s_C1IR`.)");
+Calls `IPPShare_ippiThreshold_LTVal_8u_C1IR` or, for int16, `IPPShare_ippiThreshold_LTVal_16s_C1IR`, the checked forms
+of `Threshold_LTVal_8u_C1IR` and `Threshold_LTVal_16s_C1IR`.)");
     module.def("fill", fill, "image"_a, "value"_a,
                R"(Sets every pixel of a grey image to one value, in place; the image is returned.
 
 Calls `IPPShare_ippiSet_8u_C1R`.)");
-    module.def(
-        "rgb_to_yuv", rgbToYUV, "src"_a, py::kw_only(), "out"_a = py::none(),
-        R"(Converts RGB to analog YUV of full range, with U and V around 128. `out` may be `src`, or no part of it.
+    module.def("rgb_to_yuv", rgbToYUV, "src"_a, py::kw_only(), "out"_a = py::none(),
+               R"(Converts RGB to full-range analog YUV, with U and V centred on 128.
+
+`out` may be `src` itself, but must not otherwise overlap it.
 
 Calls `IPPShare_ippiRGBToYUV_8u_C3R`.)");
     module.def("yuv_to_rgb", yuvToRGB, "src"_a, py::kw_only(), "out"_a = py::none(),
-               R"(Converts YUV to RGB; otherwise as `rgb_to_yuv`.
+               R"(Converts YUV to RGB; otherwise like `rgb_to_yuv`.
 
 Calls `IPPShare_ippiYUVToRGB_8u_C3R`.)");
     module.def("rgb_to_yuv_planes", rgbToYUVPlanes, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Converts RGB to planes of Y, U and V.
 
-The result is an array of the shape (3, height, width). `out` may be such an array or three arrays with one row stride;
-they may overlap `src`, not each other.
+The result is an array of the shape (3, height, width). `out` may be such an array or three arrays with the same row
+stride. They may overlap `src`, but not each other.
 
 Calls `IPPMini_ippiRGBToYUV_8u_C3P3R`.)");
     module.def("yuv_planes_to_rgb", yuvPlanesToRGB, "src"_a, py::kw_only(), "out"_a = py::none(),
-               R"(Converts planes of Y, U and V, as `rgb_to_yuv_planes` makes them, to RGB. `out` may overlap `src`.
+               R"(Converts planes of Y, U and V, as `rgb_to_yuv_planes` returns them, to RGB. `out` may overlap `src`.
 
 Calls `IPPMini_ippiYUVToRGB_8u_P3C3R`.)");
     module.def("split_planes", splitPlanes, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Copies the channels of a colour image into planes, an array of the shape (3, height, width).
 
-`out` may be such an array or three arrays with one row stride; they must overlap neither `src` nor each other.
+`out` may be such an array or three arrays with the same row stride; they must overlap neither `src` nor each other.
 
 Calls `IPPMini_ippiCopy_8u_C3P3R`.)");
     module.def("merge_planes", mergePlanes, "src"_a, py::kw_only(), "out"_a = py::none(),
-               R"(Copies three planes, an array of three or three arrays with one row stride, into a colour image.
+               R"(Copies three planes, one array or three arrays with the same row stride, into a colour image.
 
 `out` must not overlap `src`.
 
 Calls `IPPMini_ippiCopy_8u_P3C3R`.)");
     module.def("new_plane_16s", newPlane16s, "width"_a, "height"_a,
-               R"(Makes an int16 array whose rows take a multiple of 64 bytes. Its contents are undefined.
+               R"(Creates an int16 array with rows of a multiple of 64 bytes. Its contents are undefined.
 
-Calls `IPPShare_ippiMalloc_16s_C1`, and `IPPShare_ippiFree` when the array is gone.)");
+Calls `IPPShare_ippiMalloc_16s_C1`, and `IPPShare_ippiFree` when the array is deleted.)");
     module.def("new_image_8u_c3", newImage8uC3, "width"_a, "height"_a,
-               R"(Makes a colour array whose rows take a multiple of 64 bytes. Its contents are undefined.
+               R"(Creates a colour array with rows of a multiple of 64 bytes. Its contents are undefined.
 
-The functions take it if its rows are a multiple of 3 bytes as well.
+Other functions accept it only if its row stride is also a multiple of 3 bytes.
 
-Calls `IPPMini_ippiMalloc_8u_C3`, and `IPPMini_ippiFree` when the array is gone.)");
+Calls `IPPMini_ippiMalloc_8u_C3`, and `IPPMini_ippiFree` when the array is deleted.)");
 }
 
 }    // namespace binding

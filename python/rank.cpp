@@ -125,10 +125,10 @@ py::array filterMin(const py::array& src, const Pair& size, const std::optional<
 void addRankFilters(py::module_& module) {
     module.def("filter_median", filterMedian, "src"_a, "size"_a = 3, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(), "out"_a = py::none(),
-               R"(Median over a square of size x size pixels, each channel by itself.
+               R"(Median over a square of size x size pixels, for each channel separately.
 
-`size` is odd. `anchor` is the cell (x, y) of the square that lies over the pixel; the centre if it is not given. The
-margin is what the square covers around the region. `out` may overlap `src`.
+`size` is odd. `anchor` is the cell (x, y) of the square that lies on the pixel, by default the centre. The margin is
+the part of the square that extends beyond the region. `out` may overlap `src`.
 
 Calls `IPPShare_ippiFilterMedian_8u_C1R` (of which `IPPMini_ippiFilterMedian_8u_C1R` is a second name),
 `IPPShare_ippiFilterMedian_8u_C3R` or, for other pixel types, `ippiFilterMedian`.)");
@@ -136,47 +136,47 @@ Calls `IPPShare_ippiFilterMedian_8u_C1R` (of which `IPPMini_ippiFilterMedian_8u_
                "out"_a = py::none(),
                R"(Median over a plus sign: the 5 pixels of a 3 x 3 cross (mask 33) or the 9 of a 5 x 5 cross (mask 55).
 
-The margin is 1 or 2 pixels on each side. `out` must not overlap what is read.
+The margin is 1 or 2 pixels on each side. `out` must not overlap the pixels that are read.
 
 Calls `IPPShare_ippiFilterMedianCross_8u_C1R`, the checked form of `FilterMedianCross3x3_8u_C1R` and
 `FilterMedianCross5x5_8u_C1R`.)");
     module.def("filter_median_weighted_center", filterMedianWeightedCenter, "src"_a, "weight"_a = 3, py::kw_only(),
                "region"_a = py::none(), "out"_a = py::none(),
-               R"(3 x 3 median in which the centre counts 3 or 5 times (`weight`), so that fine detail survives.
+               R"(3 x 3 median that counts the centre 3 or 5 times (`weight`), which preserves fine detail.
 
-The margin is 1 pixel on each side. `out` must not overlap what is read.
+The margin is 1 pixel on each side. `out` must not overlap the pixels that are read.
 
 Calls `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R`, the checked form of `FilterMedianWeightedCenter3x3_3_8u_C1R`
 and `FilterMedianWeightedCenter3x3_5_8u_C1R`.)");
     module.def("filter_median_color", filterMedianColor, "src"_a, "mask"_a = 33, py::kw_only(), "region"_a = py::none(),
                "out"_a = py::none(),
-               R"(3 x 3 vector median of a colour image: the pixel that is closest to all others. `mask` is 33.
+               R"(3 x 3 vector median of a colour image: the pixel closest to all others of its window. `mask` is 33.
 
-The margin is 1 pixel on each side. `out` must not overlap what is read.
+The margin is 1 pixel on each side. `out` must not overlap the pixels that are read.
 
 Calls `IPPShare_ippiFilterMedianColor_8u_C3R`, the checked form of `FilterMedianColor3x3_8u_C3R`.)");
     module.def("dilate", dilate, "src"_a, "mask"_a, py::kw_only(), "anchor"_a = py::none(), "region"_a = py::none(),
                "out"_a = py::none(),
                R"(Largest pixel under a mask.
 
-`mask` is a table whose cells that are not 0 select pixels. `anchor` is the cell (x, y) that lies over the pixel; (width
-// 2, height // 2) if it is not given. The margin is what the mask covers around the region, and one more pixel to the
-right (below) if its width (height) is even. `out` may overlap `src`.
+`mask` is a table; its cells that are not 0 select pixels. `anchor` is the cell (x, y) that lies on the pixel, by
+default (width // 2, height // 2). The margin is the part of the mask that extends beyond the region, and one more
+pixel to the right if its width is even and below if its height is even. `out` may overlap `src`.
 
 Calls `IPPShare_ippiDilate_8u_C1R`.)");
     module.def("erode", erode, "src"_a, "mask"_a, py::kw_only(), "anchor"_a = py::none(), "region"_a = py::none(),
                "out"_a = py::none(),
-               R"(Smallest pixel under a mask; otherwise as `dilate`.
+               R"(Smallest pixel under a mask; otherwise like `dilate`.
 
 Calls `IPPShare_ippiErode_8u_C1R`.)");
     module.def("filter_max", filterMax, "src"_a, "size"_a, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(), "out"_a = py::none(),
-               R"(Largest pixel under a rectangle of `size` (width, height); otherwise as `dilate`.
+               R"(Largest pixel under a rectangle of `size` (width, height); otherwise like `dilate`.
 
 Calls `IPPMini_ippiFilterMax_8u_C1R`.)");
     module.def("filter_min", filterMin, "src"_a, "size"_a, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(), "out"_a = py::none(),
-               R"(Smallest pixel under a rectangle of `size` (width, height); otherwise as `dilate`.
+               R"(Smallest pixel under a rectangle of `size` (width, height); otherwise like `dilate`.
 
 Calls `IPPMini_ippiFilterMin_8u_C1R`.)");
 }

@@ -1,19 +1,20 @@
 """Image primitives for document scanners, on NumPy arrays.
 
-Images are arrays of the shape (height, width) or (height, width, channels), colour in the order red, green, blue. What
-holds for all functions:
+Images are arrays of the shape (height, width) or (height, width, channels); colour is in the order red, green, blue.
+The following holds for all functions:
 
-- Arrays are taken as they are, views of others too, if pixels lie next to each other and the row stride is a multiple
-  of the pixel size. Anything else is refused with ValueError, never converted.
-- A function that reads a neighbourhood reads it from the array, which must hold it: no border is invented. It takes the
-  whole array and `region=(x, y, width, height)`, and its result is as large as the region. Without one, it filters the
-  largest region whose margin lies in the array. Nothing outside an array is ever read or written.
-- `out=` is the array that receives the result, and is returned; without it a new one is made. It must have the result's
-  shape and type and be writable. Where it must not overlap the source, it is refused if it does.
-- A call that the library refuses raises Error, with the function's name and status; shortage of memory raises
-  OutOfMemoryError, which is a MemoryError as well.
-- The interpreter's lock is released while the library works, so threads run in parallel. No two of them may write to
-  the same array.
+- Arrays and views are accepted without a copy if pixels are contiguous within a row and the row stride is a multiple of
+  the pixel size. All others are rejected with ValueError; nothing is converted.
+- A function that uses neighbouring pixels reads them from the array, so the array must contain a margin around the
+  region. Pass the whole array and `region=(x, y, width, height)`; the result has the size of the region. Without
+  `region`, the function filters the largest region whose margin lies in the array. Nothing outside an array is read or
+  written.
+- `out=` is the array that receives the result; it is also returned. Without it, a new array is created. It must be
+  writable and have the shape and type of the result. If it must not overlap the source but does, the call is rejected.
+- If the library rejects a call or fails, Error is raised with the name and status of the function. If it is out of
+  memory, OutOfMemoryError is raised, which is also a MemoryError.
+- The interpreter's lock is released during a call, so threads run in parallel. No two of them may write to the same
+  array.
 """
 
 from ._errors import Error, OutOfMemoryError

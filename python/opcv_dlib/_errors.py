@@ -4,10 +4,10 @@ from __future__ import annotations
 
 
 class Error(Exception):
-    """The library refused a call or failed in it.
+    """The library rejected a call or failed.
 
     function: name of the library's function.
-    status: what it returned, or None if it threw an exception or has no status.
+    status: the status that it returned, or None if it threw an exception or returns no status.
     """
 
     __module__ = "opcv_dlib"
@@ -23,6 +23,6 @@ class Error(Exception):
 
 
 class OutOfMemoryError(Error, MemoryError):
-    """Memory ran out in the library."""
+    """The library is out of memory."""
 
     __module__ = "opcv_dlib"

@@ -192,7 +192,7 @@ def test_regions_and_margins_outside_the_array_are_refused(rng, name, call, kind
             with pytest.raises(ValueError, match=f"{message}.* does not lie in the image .* with a margin of"):
                 call(src, region=region)
         for small in (src[: height - rows, : width - columns], src[: height - rows], src[:, : width - columns]):
-            with pytest.raises(ValueError, match=f"{name.split()[0]}: (region has no room|src is empty)"):
+            with pytest.raises(ValueError, match=f"{name.split()[0]}: (region does not fit|src is empty)"):
                 call(np.ascontiguousarray(small))
 
 
@@ -226,7 +226,7 @@ def test_arrays_of_other_forms_are_refused(rng, name, call, kind, how):
             call(np.ascontiguousarray(np.moveaxis(src, 2, 0)).transpose(1, 2, 0)[:, ::1])
         odd = np.zeros((24, 121), np.uint8)
         view = np.lib.stride_tricks.as_strided(odd, src.shape, (121, 3, 1))
-        with pytest.raises(ValueError, match="is no multiple of the pixel size, 3"):
+        with pytest.raises(ValueError, match="is not a multiple of the pixel size, 3"):
             call(view)
 
 
@@ -291,7 +291,7 @@ def test_overlap_is_refused_where_it_is_not_allowed(rng, name, call, kind, how):
 
 def test_overlap_where_it_is_allowed(rng):
     src = image(rng, 20, 30, 3)
-    with pytest.raises(ValueError, match="rgb_to_yuv: out overlaps the source without being it"):
+    with pytest.raises(ValueError, match="rgb_to_yuv: out overlaps the source but is not the same array"):
         opcv_dlib.rgb_to_yuv(src[:-1], out=src[1:])
     for shift in range(3):
         memory = image(rng, 23, 30)
@@ -374,10 +374,10 @@ def test_arrays_of_one_row_or_column_have_any_stride_there(rng):
 
 def test_sides_and_strides_beyond_31_bits_are_refused():
     one = np.zeros(8, np.uint8)
-    with pytest.raises(ValueError, match="convert_8u16s: src has rows that do not fit in 31 bits of bytes"):
+    with pytest.raises(ValueError, match="convert_8u16s: src has rows of more than 2147483647 bytes"):
         opcv_dlib.convert_8u16s(np.lib.stride_tricks.as_strided(one, (2, 8), (2**31, 1)))
     for shape in ((1, 2**31), (2**31, 1)):
-        with pytest.raises(ValueError, match="convert_8u16s: src has a side that does not fit in 31 bits"):
+        with pytest.raises(ValueError, match="convert_8u16s: src has a side above 2147483647"):
             opcv_dlib.convert_8u16s(np.lib.stride_tricks.as_strided(one, shape, (1, 1)))
 
 
@@ -414,7 +414,7 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
     for cells in ([[0.5]], np.ones((1, 1), np.uint64), [["a"]]):
         with pytest.raises(ValueError, match="convolve: kernel must hold integers"):
             opcv_dlib.convolve(grey, cells)
-    with pytest.raises(ValueError, match="convolve: kernel is no table"):
+    with pytest.raises(ValueError, match="convolve: kernel is not an array"):
         opcv_dlib.convolve(grey, [[1, 2], [3]])
     with pytest.raises(ValueError, match="reduce_noise: src must have sides above 4"):
         opcv_dlib.reduce_noise(grey[:4], 2)
@@ -435,7 +435,7 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
             opcv_dlib.convolution24(colour, np.ones(shape))
     with pytest.raises(ValueError, match="convolution24: src must have sides above 10"):
         opcv_dlib.convolution24(colour, np.ones((3, 11, 11)))
-    with pytest.raises(ValueError, match="sgemm: b does not fit a: 3 against 4"):
+    with pytest.raises(ValueError, match="sgemm: b does not match a: inner sizes 3 and 4"):
         opcv_dlib.sgemm(floats, floats)
     with pytest.raises(ValueError, match="sgemm: c must be given if beta is not 0"):
         opcv_dlib.sgemm(floats, floats.T.copy(), beta=1)

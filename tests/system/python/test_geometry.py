@@ -158,7 +158,7 @@ def test_sizes_that_make_no_sense_are_refused(rng):
     for factor in (0, -1, np.nan):
         with pytest.raises(ValueError, match="x_factor must be above 0"):
             opcv_dlib.resize_sqr_pixel(grey, factor, 1)
-    with pytest.raises(ValueError, match="y_factor leads to a side"):
+    with pytest.raises(ValueError, match="y_factor gives a side above"):
         opcv_dlib.resize_sqr_pixel(grey, 1, 1e9)
     with pytest.raises(ValueError, match="rotate: size does not fit in 32 bits"):
         opcv_dlib.rotate(grey, 0, size=(2**40, 1))

@@ -260,7 +260,7 @@ def test_compression_keeps_pixels_and_resolution(channels, mode):
 
 
 def test_compress_jpeg_stores_one_resolution():
-    with pytest.raises(ValueError, match="compress_jpeg: page has two resolutions"):
+    with pytest.raises(ValueError, match="compress_jpeg: page has different resolutions"):
         opcv_dlib.compress_jpeg(opcv_dlib.Page(smooth(9, 9), 200, 100), 389)
 
 

@@ -166,7 +166,7 @@ def test_planes_of_the_library(rng):
     assert colour.shape == (5, 64, 3) and colour.strides == (192, 3, 1)
     colour[...] = rgb = image(rng, 5, 64, 3)
     assert np.array_equal(opcv_dlib.split_planes(colour), np.moveaxis(rgb, 2, 0))
-    with pytest.raises(ValueError, match="no multiple of the pixel size"):
+    with pytest.raises(ValueError, match="not a multiple of the pixel size"):
         opcv_dlib.split_planes(opcv_dlib.new_image_8u_c3(20, 5))
     with pytest.raises(ValueError, match="new_plane_16s: size must have two sides above 0"):
         opcv_dlib.new_plane_16s(0, 5)
