@@ -8,22 +8,10 @@
 #include <tuple>
 
 #include "core/pixel_memory.h"
-#include "support/random.h"
+#include "support/drawn_page.h"
 
 namespace bench {
 namespace {
-
-// Dark strokes on light paper with slow shading and noise of a few levels.
-void drawPage(uint8_t* bytes, size_t count, int step, int pixelSize) {
-    Random random(7);
-    for (size_t i = 0; i < count; ++i) {
-        const int x = static_cast<int>(i % static_cast<size_t>(step)) / pixelSize;
-        const int y = static_cast<int>(i / static_cast<size_t>(step));
-        const bool ink =
-            y % 48 < 30 && x % 24 < 15 && (x / 24 * 7 + y / 48 * 13) % 5 != 0 && (x % 24 < 4 || y % 12 < 4);
-        bytes[i] = static_cast<uint8_t>((ink ? 40 : 225) + x / 200 + random.byte() % 12);
-    }
-}
 
 Page& pageOf(int which, IppiSize size, int pixelSize) {
     static std::map<std::tuple<int, int, int, int>, std::unique_ptr<Page>> pages;

@@ -1,7 +1,10 @@
 #include "catalogue/case.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+
+#include "support/drawn_page.h"
 
 namespace {
 
@@ -21,8 +24,7 @@ void append(Bytes& bytes, const KVIMG& record) {
     for (int y = 0; y < record.height; ++y) append(bytes, record.data + ptrdiff_t{y} * pitch, rowBytes);
 }
 
-void fill(Random& random, uint8_t* bytes, size_t count, Layout::Content content) {
-    if (content == Layout::Content::kBytes) return random.fill(bytes, count, random.anyValues());
+void fillWithFloats(Random& random, uint8_t* bytes, size_t count) {
     for (size_t i = 0; i < count; i += sizeof(float)) {
         const auto value = static_cast<float>(random.real(-2, 2));
         std::memcpy(bytes + i, &value, sizeof(value));
@@ -40,32 +42,37 @@ Case::Case(const Setting& setting, Memory& memory)
       size(setting.size),
       random(setting.seed),
       memory_(memory),
-      otherPadding_(setting.otherPadding) {}
+      otherPadding_(setting.otherPadding),
+      page_(setting.page) {}
 
-Image Case::image(const Layout& layout, Use use) {
-    const Margin& m = layout.margin;
-    const int columns = m.left + layout.region.width + m.right;
-    const int rows = m.top + layout.region.height + m.bottom;
+void Case::fill(uint8_t* bytes, size_t count, int step, int pixelSize) {
+    if (page_)
+        drawPage(bytes, count, step, pixelSize);
+    else
+        random.fill(bytes, count, random.anyValues());
+}
+
+Image Case::image(const Layout& wanted, Use use) {
     const int padding =
-        layout.padding == Layout::kAnyPadding ? layout.pixelSize * random.between(0, 3) : layout.padding;
-    const int step = columns * layout.pixelSize + padding;
-    const auto bytes = static_cast<size_t>(step) * static_cast<size_t>(rows) - static_cast<size_t>(padding);
-
+        wanted.padding == Layout::kAnyPadding ? wanted.pixelSize * random.between(0, 3) : wanted.padding;
+    const ImageLayout layout = {wanted.region, wanted.pixelSize, wanted.margin, padding};
+    const size_t bytes = layout.bytes();
     uint8_t* first = memory_.take(bytes);
-    fill(random, first, bytes, layout.content);
+    if (wanted.content == Layout::Content::kFloats)
+        fillWithFloats(random, first, bytes);
+    else
+        fill(first, bytes, layout.step(), layout.pixelSize);
     if (otherPadding_)
-        for (int y = 0; y < rows - 1; ++y) flip(first + ptrdiff_t{y} * step + columns * layout.pixelSize, padding);
-    const ptrdiff_t offset = ptrdiff_t{m.top} * step + ptrdiff_t{m.left} * layout.pixelSize;
-    add({first, Bytes(first, first + bytes), use, static_cast<size_t>(offset), static_cast<size_t>(step),
-         static_cast<size_t>(layout.region.width) * static_cast<size_t>(layout.pixelSize),
-         static_cast<size_t>(layout.region.height)});
-    return {first + offset, step};
+        for (int y = 0; y < layout.rows() - 1; ++y)
+            flip(first + ptrdiff_t{y} * layout.step() + layout.usedRow(), padding);
+    add({first, Bytes(first, first + bytes), use, layout});
+    return {first + layout.offsetOf(0, 0), layout.step()};
 }
 
 uint8_t* Case::block(const void* bytes, size_t count, Use use) {
     uint8_t* first = memory_.take(count);
     std::memcpy(first, bytes, count);
-    add({first, Bytes(first, first + count), use, 0, count, count, 1});
+    add({first, Bytes(first, first + count), use, {{static_cast<int>(count), 1}}});
     return first;
 }
 
@@ -96,7 +103,7 @@ Bytes Case::takeOutput() {
     Bytes output;
     for (const Block& block : blocks_)
         if (block.use == Use::kWritten || block.use == Use::kWrittenEvenOnFailure) {
-            const Bytes region = block.region();
+            const Bytes region = block.layout.regionOf(block.bytes);
             append(output, region.data(), region.size());
         }
     if (record) append(output, *record);
@@ -122,20 +129,44 @@ std::string Case::tracesOfFailure() const {
             return "block " + std::to_string(i) + " has changed";
     }
     if (record || plane || stream) return "something has been handed over";
-    return {};
+    return afterFailure ? afterFailure() : std::string();
 }
 
-Bytes Case::Block::region() const {
-    Bytes pixels;
-    for (size_t y = 0; y < rows; ++y) append(pixels, bytes + offset + y * step, rowBytes);
-    return pixels;
+namespace {
+
+int marginOn(Case::Side side, const Margin& margin) {
+    switch (side) {
+        case Case::Side::kLeft: return margin.left;
+        case Case::Side::kAbove: return margin.top;
+        case Case::Side::kRight: return margin.right;
+        default: return margin.bottom;
+    }
 }
 
-bool Case::Block::untouchedOutsideRegion() const {
-    Bytes expected = before;
-    for (size_t y = 0; y < rows; ++y)
-        std::memcpy(expected.data() + offset + y * step, bytes + offset + y * step, rowBytes);
-    return std::memcmp(bytes, expected.data(), expected.size()) == 0;
+}    // namespace
+
+int Case::widestMargin(Side side) const {
+    int widest = 0;
+    for (const Block& block : blocks_) widest = std::max(widest, marginOn(side, block.layout.margin));
+    return widest;
+}
+
+void Case::disturb(Side side, int distance, Change change) {
+    for (const Block& block : blocks_) {
+        const ImageLayout& layout = block.layout;
+        const Margin& m = layout.margin;
+        if (marginOn(side, m) < distance) continue;
+        const bool column = side == Side::kLeft || side == Side::kRight;
+        const int x = side == Side::kLeft ? -distance : column ? layout.region.width - 1 + distance : -m.left;
+        const int y = column ? -m.top : side == Side::kAbove ? -distance : layout.region.height - 1 + distance;
+        const int rows = column ? layout.rows() : 1;
+        const int bytes = column ? layout.pixelSize : layout.usedRow();
+        for (int row = y; row < y + rows; ++row)
+            for (int i = 0; i < bytes; ++i) {
+                uint8_t& b = block.bytes[layout.offsetOf(x, row) + i];
+                b = change == Change::kBlack ? 0 : change == Change::kWhite ? 255 : static_cast<uint8_t>(~b);
+            }
+    }
 }
 
 bool Case::Block::untouched() const { return std::memcmp(bytes, before.data(), before.size()) == 0; }

@@ -11,22 +11,12 @@
 
 #include "OPCV_dlib.h"
 #include "catalogue/memory.h"
+#include "support/image_layout.h"
 #include "support/random.h"
 
 using Bytes = std::vector<uint8_t>;
 
-// Pixels around a region that belong to what a function reads. Negative: the function does not even read all of the
-// region, as with an anchor outside its mask.
-struct Margin {
-    int left = 0;
-    int top = 0;
-    int right = 0;
-    int bottom = 0;
-
-    static Margin all(int pixels) { return {pixels, pixels, pixels, pixels}; }
-};
-
-// How an image lies in memory. Padding is what is behind each row but the last.
+// The image that an entry asks for.
 struct Layout {
     IppiSize region;
     int pixelSize = 1;    // bytes
@@ -40,13 +30,35 @@ struct Layout {
 
 // An image as a function takes it.
 struct Image {
-    uint8_t* data;    // first pixel of the region
-    int step;         // bytes
+    uint8_t* data = nullptr;    // first pixel of the region
+    int step = 0;               // bytes
 
     template <class T>
     T* as() const {
         return reinterpret_cast<T*>(data);
     }
+};
+
+// From where to where most functions work. Without a source: in place.
+struct Regions {
+    Image src;
+    Image dst;
+    IppiSize size;
+};
+
+// What a function that takes regions looks at before it starts.
+struct Checks {
+    int srcStep;    // the shortest that it accepts; 0: it does not look at it
+    int dstStep;
+    int status = ippStsBadArgErr;
+    int statusOfEmptyRegion = ippStsBadArgErr;
+};
+
+// A call with a wrong argument: it must return the status and write nothing.
+struct Refusal {
+    std::string what;
+    int status;
+    std::function<int()> call;
 };
 
 class Case {
@@ -55,7 +67,8 @@ public:
         unsigned seed = 1;
         int variant = 0;    // which mask, anchor, depth, ... of those that the entry knows
         IppiSize size = {52, 40};
-        bool otherPadding = false;    // other bytes behind the rows, of which no function knows
+        bool otherPadding = false;    // other bytes behind the rows, which no function may look at
+        bool page = false;            // images are pages, and no call works in place by chance
     };
 
     Case(const Setting& setting, Memory& memory);
@@ -68,6 +81,12 @@ public:
     const int variant;
     const IppiSize size;
     Random random;
+
+    // One call in eight, for functions that may work in place.
+    bool worksInPlace() { return random.between(1, 8) == 1 && !page_; }
+
+    // Pixels as those of the images, for what is made of them.
+    void fill(uint8_t* bytes, size_t count, int step, int pixelSize);
 
     // Must not change, padding included.
     Image source(const Layout& layout) { return image(layout, Use::kRead); }
@@ -113,8 +132,48 @@ public:
     unsigned streamSize = 0;
     std::vector<unsigned char> vector;
 
-    std::function<void()> before;    // what each run needs anew
-    std::function<int()> call;       // 0 for success
+    std::function<void()> before;                 // what each run needs anew
+    std::function<int()> call;                    // 0 for success
+    std::function<std::string()> afterFailure;    // what is wrong with what a failed call has left, or nothing
+    std::vector<Refusal> refusals;
+
+    void refuse(const std::string& what, int status, const std::function<int()>& wrongCall) {
+        refusals.push_back({what, status, wrongCall});
+    }
+
+    // The call for `function(regions)` that checks nothing.
+    template <class Function>
+    void callOn(const Regions& regions, Function function) {
+        takesRegions = true;
+        call = [function, regions] { return function(regions); };
+    }
+
+    // And for one that checks its pointers, its size and its steps.
+    template <class Function>
+    void callOn(const Regions& regions, const Checks& checks, Function function) {
+        callOn(regions, function);
+        const auto refuseAfter = [&](const std::string& what, int status, auto change) {
+            Regions wrong = regions;
+            change(wrong);
+            refuse(what, status, [function, wrong] { return function(wrong); });
+        };
+        if (regions.src.data) refuseAfter("a null source", checks.status, [](Regions& r) { r.src.data = nullptr; });
+        refuseAfter("a null target", checks.status, [](Regions& r) { r.dst.data = nullptr; });
+        for (const int side : {0, -1}) {
+            refuseAfter("a width of " + std::to_string(side), checks.statusOfEmptyRegion,
+                        [side](Regions& r) { r.size.width = side; });
+            refuseAfter("a height of " + std::to_string(side), checks.statusOfEmptyRegion,
+                        [side](Regions& r) { r.size.height = side; });
+        }
+        if (checks.srcStep > 0)
+            refuseAfter("a short step of the source", checks.status,
+                        [&checks](Regions& r) { r.src.step = checks.srcStep - 1; });
+        if (checks.dstStep > 0)
+            refuseAfter("a short step of the target", checks.status,
+                        [&checks](Regions& r) { r.dst.step = checks.dstStep - 1; });
+    }
+
+    bool takesRegions = false;
 
     // Blocks that OpenCV loses in this call if memory runs out.
     size_t lostByOpenCV = 0;
@@ -125,6 +184,12 @@ public:
     void restore();
 
     int run() { return call(); }
+
+    // Changes a row or column of pixels at this distance from the regions that have so wide a margin.
+    enum class Side { kLeft, kAbove, kRight, kBelow };
+    enum class Change { kBlack, kWhite, kInverted };
+    int widestMargin(Side side) const;
+    void disturb(Side side, int distance, Change change);
 
     // Every byte that the call gave back; releases what it handed over.
     Bytes takeOutput();
@@ -146,14 +211,9 @@ private:
         uint8_t* bytes;
         Bytes before;
         Use use;
-        // The region.
-        size_t offset;
-        size_t step;
-        size_t rowBytes;
-        size_t rows;
+        ImageLayout layout;
 
-        Bytes region() const;
-        bool untouchedOutsideRegion() const;
+        bool untouchedOutsideRegion() const { return layout.sameAroundRegion(bytes, before); }
         bool untouched() const;
     };
 
@@ -164,5 +224,6 @@ private:
 
     Memory& memory_;
     bool otherPadding_;
+    bool page_;
     std::vector<Block> blocks_;
 };

@@ -1,5 +1,6 @@
 #include "catalogue/catalogue.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 
@@ -25,6 +26,21 @@ std::vector<Window> windowsOf(const std::vector<IppiSize>& small, const std::vec
                                        IppiPoint{mask.width - 1, mask.height - 1}, IppiPoint{mask.width + 1, -2}})
             windows.push_back({mask, anchor});
     return windows;
+}
+
+std::vector<Shape> shapesOf(const std::vector<Window>& windows, const std::vector<IppiSize>& masks,
+                            const std::string& suffix, int firstVariant) {
+    std::vector<Shape> shapes;
+    for (const IppiSize& mask : masks) {
+        const auto found = std::find_if(windows.begin(), windows.end(), [&mask](const Window& w) {
+            const IppiPoint centre = centreOf(mask);
+            return w.mask.width == mask.width && w.mask.height == mask.height && w.anchor.x == centre.x &&
+                   w.anchor.y == centre.y;
+        });
+        shapes.push_back({std::to_string(mask.width) + " x " + std::to_string(mask.height) + suffix,
+                          firstVariant + static_cast<int>(found - windows.begin())});
+    }
+    return shapes;
 }
 
 KVImageDescription descriptionOf(IppiSize size, int depth) {

@@ -25,15 +25,29 @@ struct OutOfMemory {
     OutOfMemory as(const char* returned) const { return {allocates, status, throws, silent, returned}; }
 };
 
+// A variant as docs/functions.md names it.
+struct Shape {
+    std::string text;
+    int variant;
+};
+
 struct Entry {
     std::string name;    // without the parameter types
     int variants;        // masks, anchors, depths, ...
     OutOfMemory outOfMemory;
     std::function<void(Case&)> prepare;
 
+    // What docs/functions.md has a row for.
+    std::vector<Shape> shapes = {{"", 0}};
+
+    // What the benchmarks measure in place of this function, which shares its code; or that it does no image work.
+    std::string measuredAs = {};
+
     // The output is the same bytes on every machine, or numbers that differ in their last digits.
     enum class Output { kExact, kFloats, kDoubles } output = Output::kExact;
 };
+
+inline constexpr const char* kNoImageWork = "no image work";
 
 using Entries = std::vector<Entry>;
 
@@ -53,6 +67,12 @@ struct Window {
     IppiSize mask;
     IppiPoint anchor;
 };
+
+inline IppiPoint centreOf(IppiSize mask) { return {mask.width / 2, mask.height / 2}; }
+
+// For docs/functions.md: these masks, with the centre as anchor, in a list of windows.
+std::vector<Shape> shapesOf(const std::vector<Window>& windows, const std::vector<IppiSize>& masks,
+                            const std::string& suffix = "", int firstVariant = 0);
 
 // Small masks with every anchor in them and in a ring around them, others with a few.
 std::vector<Window> windowsOf(const std::vector<IppiSize>& small, const std::vector<IppiSize>& large);

@@ -1,9 +1,10 @@
 // Initialisation, records and planes.
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
 
-#include "core/ownership.h"
 #include "catalogue/catalogue.h"
+#include "core/ownership.h"
 
 namespace {
 
@@ -45,6 +46,20 @@ std::function<void(Case&)> planeAllocation(T* (*allocate)(int, int, int*)) {
             std::memset(c.plane, 0x55, static_cast<size_t>(*step) * static_cast<size_t>(c.size.height));
             return 0;
         };
+        constexpr int kRowAlignment = 64;
+        const int pixelSize = std::is_same_v<T, short> ? 2 : 3;
+        const int whole = (pixelSize * c.size.width + kRowAlignment - 1) / kRowAlignment * kRowAlignment;
+        c.afterFailure = [step, whole] {
+            return *step == whole || *step == 0 ? "" : "the step is neither the row's nor untouched";
+        };
+        const auto statusOf = [](const T* none) { return none ? 0 : int{ippStsBadArgErr}; };
+        c.refuse("no place for the step", ippStsBadArgErr,
+                 [=, &c] { return statusOf(allocate(c.size.width, c.size.height, nullptr)); });
+        for (const int side : {0, -1}) {
+            c.refuse("an empty row", ippStsBadArgErr,
+                     [=, &c] { return statusOf(allocate(side, c.size.height, step)); });
+            c.refuse("no rows", ippStsBadArgErr, [=, &c] { return statusOf(allocate(c.size.width, side, step)); });
+        }
     };
 }
 
@@ -75,19 +90,22 @@ void rectangle(Case& c) {
 
 Entries coreEntries() {
     constexpr int kDepths = 5;
+    const OutOfMemory never = OutOfMemory::never();
+    const std::vector<Shape> any = {{"", 0}};
+    const std::vector<Shape> colour = {{"24 bits", 2}};
+    const OutOfMemory records = OutOfMemory::answers(memFullErr);
+    const OutOfMemory planes = OutOfMemory::answers(ippStsNoMemErr).as("null");
     return {
-        {"IppInit", 1, OutOfMemory::never(), initialisation(IppInit)},
-        {"IPPMini_ippStaticInit", 1, OutOfMemory::never(), initialisation(IPPMini_ippStaticInit)},
-        {"IPPShare_ippStaticInit", 1, OutOfMemory::never(), initialisation(IPPShare_ippStaticInit)},
-        {"KVSetRect", 1, OutOfMemory::never(), rectangle},
-        {"CreateNewKVIMGPtr", kDepths, OutOfMemory::answers(memFullErr), creation(CreateNewKVIMGPtr)},
-        {"CreateNewKVIMGPtrForUnite", kDepths, OutOfMemory::answers(memFullErr), creation(CreateNewKVIMGPtrForUnite)},
-        {"DisposeKVIMG", 1, OutOfMemory::never(), disposal},
-        {"IPPShare_ippiMalloc_16s_C1", 1, OutOfMemory::answers(ippStsNoMemErr).as("null"),
-         planeAllocation(IPPShare_ippiMalloc_16s_C1)},
-        {"IPPMini_ippiMalloc_8u_C3", 1, OutOfMemory::answers(ippStsNoMemErr).as("null"),
-         planeAllocation(IPPMini_ippiMalloc_8u_C3)},
-        {"IPPMini_ippiFree", 1, OutOfMemory::never(), planeRelease(IPPMini_ippiFree)},
-        {"IPPShare_ippiFree", 1, OutOfMemory::never(), planeRelease(IPPShare_ippiFree)},
+        {"IppInit", 1, never, initialisation(IppInit), any, kNoImageWork},
+        {"IPPMini_ippStaticInit", 1, never, initialisation(IPPMini_ippStaticInit), any, kNoImageWork},
+        {"IPPShare_ippStaticInit", 1, never, initialisation(IPPShare_ippStaticInit), any, kNoImageWork},
+        {"KVSetRect", 1, never, rectangle, any, kNoImageWork},
+        {"CreateNewKVIMGPtr", kDepths, records, creation(CreateNewKVIMGPtr), colour, kNoImageWork},
+        {"CreateNewKVIMGPtrForUnite", kDepths, records, creation(CreateNewKVIMGPtrForUnite), colour, kNoImageWork},
+        {"DisposeKVIMG", 1, never, disposal, any, kNoImageWork},
+        {"IPPShare_ippiMalloc_16s_C1", 1, planes, planeAllocation(IPPShare_ippiMalloc_16s_C1), any, kNoImageWork},
+        {"IPPMini_ippiMalloc_8u_C3", 1, planes, planeAllocation(IPPMini_ippiMalloc_8u_C3), any, kNoImageWork},
+        {"IPPMini_ippiFree", 1, never, planeRelease(IPPMini_ippiFree), any, kNoImageWork},
+        {"IPPShare_ippiFree", 1, never, planeRelease(IPPShare_ippiFree), any, kNoImageWork},
     };
 }

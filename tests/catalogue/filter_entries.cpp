@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <opencv2/core.hpp>
+#include <type_traits>
 
 #include "catalogue/catalogue.h"
 
@@ -36,9 +37,8 @@ struct Images {
     Image dst;
 };
 
-// One call in eight is in place.
 Images imagesUnder(Case& c, int pixelSize, const Margin& margin) {
-    if (c.random.between(1, 8) == 1) {
+    if (c.worksInPlace()) {
         const Image both = c.sourceAndTarget({c.size, pixelSize, withRegion(margin)});
         c.lostByOpenCV = 1;
         return {both, both};
@@ -60,6 +60,34 @@ const float* floats(Case& c, size_t count) {
     return c.sourceOf(cells);
 }
 
+// The kernel and the divisor, of which a wrong one is refused.
+template <class Cell>
+struct Kernel {
+    const Cell* cells;
+    Window window;
+    int divisor = 1;
+};
+
+// `filter` makes a function of regions from a kernel.
+template <class Cell, class Filter>
+void convolve(Case& c, const Images& images, int pixelSize, const Kernel<Cell>& good, Filter filter) {
+    const Regions regions = {images.src, images.dst, c.size};
+    const int row = pixelSize * c.size.width;
+    const int srcRow = row + pixelSize * (good.window.mask.width / 2 * 2);
+    c.callOn(regions, {srcRow, row}, filter(good));
+    const auto refuse = [&](const char* what, auto change) {
+        Kernel<Cell> wrong = good;
+        change(wrong);
+        c.refuse(what, ippStsBadArgErr, [=] { return filter(wrong)(regions); });
+    };
+    refuse("a null kernel", [](Kernel<Cell>& k) { k.cells = nullptr; });
+    for (const int side : {0, -1}) {
+        refuse("a kernel without columns", [side](Kernel<Cell>& k) { k.window.mask.width = side; });
+        refuse("a kernel without rows", [side](Kernel<Cell>& k) { k.window.mask.height = side; });
+    }
+    if (std::is_same_v<Cell, int>) refuse("a divisor of 0", [](Kernel<Cell>& k) { k.divisor = 0; });
+}
+
 template <class T>
 using Convolution = IppStatus (*)(const T*, int, T*, int, IppiSize, const int*, IppiSize, IppiPoint, int);
 
@@ -67,23 +95,27 @@ template <class T>
 std::function<void(Case&)> convolution(Convolution<T> filter, int pixelSize) {
     return [filter, pixelSize](Case& c) {
         const Window& w = pick(kernelWindows(), c.variant);
-        const auto [src, dst] = imagesUnder(c, pixelSize, marginOf(w));
-        const int* kernel = integers(c, cellsOf(w.mask));
+        const Images images = imagesUnder(c, pixelSize, marginOf(w));
+        const int* cells = integers(c, cellsOf(w.mask));
         const int divisor = pick<int>({1, -7, 9}, c.random.between(0, 2));
-        c.call = [&c, &w, filter, kernel, divisor, src = src, dst = dst] {
-            return filter(src.template as<T>(), src.step, dst.template as<T>(), dst.step, c.size, kernel, w.mask,
-                          w.anchor, divisor);
-        };
+        convolve<int>(c, images, pixelSize, {cells, w, divisor}, [filter](const Kernel<int>& k) {
+            return [filter, k](const Regions& r) {
+                return filter(r.src.template as<T>(), r.src.step, r.dst.template as<T>(), r.dst.step, r.size, k.cells,
+                              k.window.mask, k.window.anchor, k.divisor);
+            };
+        });
     };
 }
 
 void convolution32f(Case& c) {
     const Window& w = pick(kernelWindows(), c.variant);
-    const auto [src, dst] = imagesUnder(c, 3, marginOf(w));
-    const float* kernel = floats(c, cellsOf(w.mask));
-    c.call = [&c, &w, kernel, src = src, dst = dst] {
-        return IPPMini_ippiFilter32f_8u_C3R(src.data, src.step, dst.data, dst.step, c.size, kernel, w.mask, w.anchor);
-    };
+    const Images images = imagesUnder(c, 3, marginOf(w));
+    convolve<float>(c, images, 3, {floats(c, cellsOf(w.mask)), w}, [](const Kernel<float>& k) {
+        return [k](const Regions& r) {
+            return IPPMini_ippiFilter32f_8u_C3R(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size, k.cells,
+                                                k.window.mask, k.window.anchor);
+        };
+    });
 }
 
 const std::vector<int> kTypes = {CV_8UC1, CV_8UC3, CV_16SC1, CV_8UC4};
@@ -93,30 +125,44 @@ int typeOf(const Case& c) { return pick(kTypes, c.variant / static_cast<int>(ker
 void convolutionOfAnyType(Case& c) {
     const Window& w = pick(kernelWindows(), c.variant);
     const int type = typeOf(c);
-    const auto [src, dst] = imagesUnder(c, static_cast<int>(CV_ELEM_SIZE(type)), marginOf(w));
-    const int* kernel = integers(c, cellsOf(w.mask));
-    c.call = [&c, &w, type, kernel, src = src, dst = dst] {
-        return ippiFilter(src.data, src.step, type, dst.data, dst.step, c.size, kernel, w.mask, w.anchor, 4);
-    };
+    const int pixelSize = static_cast<int>(CV_ELEM_SIZE(type));
+    const Images images = imagesUnder(c, pixelSize, marginOf(w));
+    convolve<int>(c, images, pixelSize, {integers(c, cellsOf(w.mask)), w, 4}, [type](const Kernel<int>& k) {
+        return [type, k](const Regions& r) {
+            return ippiFilter(r.src.data, r.src.step, type, r.dst.data, r.dst.step, r.size, k.cells, k.window.mask,
+                              k.window.anchor, k.divisor);
+        };
+    });
 }
 
 void convolution32fOfAnyType(Case& c) {
     const Window& w = pick(kernelWindows(), c.variant);
     const int type = typeOf(c);
-    const auto [src, dst] = imagesUnder(c, static_cast<int>(CV_ELEM_SIZE(type)), marginOf(w));
-    const float* kernel = floats(c, cellsOf(w.mask));
-    c.call = [&c, &w, type, kernel, src = src, dst = dst] {
-        return ippiFilter32f(src.data, src.step, type, dst.data, dst.step, c.size, kernel, w.mask, w.anchor);
-    };
+    const int pixelSize = static_cast<int>(CV_ELEM_SIZE(type));
+    const Images images = imagesUnder(c, pixelSize, marginOf(w));
+    convolve<float>(c, images, pixelSize, {floats(c, cellsOf(w.mask)), w}, [type](const Kernel<float>& k) {
+        return [type, k](const Regions& r) {
+            return ippiFilter32f(r.src.data, r.src.step, type, r.dst.data, r.dst.step, r.size, k.cells, k.window.mask,
+                                 k.window.anchor);
+        };
+    });
 }
 
 // The mask's cells from minus the anchor on, and one column and row more if its sides are even.
 void box(Case& c) {
-    const Window& w = pick(kernelWindows(), c.variant);
-    const Margin margin = {w.anchor.x, w.anchor.y, w.mask.width / 2 * 2 - w.anchor.x,
-                           w.mask.height / 2 * 2 - w.anchor.y};
+    const Window& good = pick(kernelWindows(), c.variant);
+    const IppiSize even = {good.mask.width / 2 * 2, good.mask.height / 2 * 2};
+    const Margin margin = {good.anchor.x, good.anchor.y, even.width - good.anchor.x, even.height - good.anchor.y};
     const Image both = c.sourceAndTarget({c.size, 3, withRegion(margin)});
-    c.call = [&c, &w, both] { return IPPMini_ippiFilterBox_8u_C3IR(both.data, both.step, c.size, w.mask, w.anchor); };
+    const auto under = [](const Window& w) {
+        return [w](const Regions& r) {
+            return IPPMini_ippiFilterBox_8u_C3IR(r.dst.data, r.dst.step, r.size, w.mask, w.anchor);
+        };
+    };
+    const Regions regions = {{}, both, c.size};
+    c.callOn(regions, {0, 3 * (c.size.width + even.width)}, under(good));
+    for (const IppiSize mask : {IppiSize{0, 3}, IppiSize{3, 0}, IppiSize{-1, 3}, IppiSize{3, -1}})
+        c.refuse("an empty mask", ippStsBadArgErr, [=] { return under({mask, {0, 0}})(regions); });
 }
 
 const std::vector<int> kBilateralSides = {3, 5, 1, 7, 9};
@@ -130,10 +176,16 @@ void bilateral(Case& c) {
     const float space = pick<float>({400, 1, 0, 30}, c.variant / 5);
     const bool direct = (side == 3 || side == 5) && colour > 0 && space > 0;
     if (!direct) c.lostByOpenCV = 1;
-    c.call = [&c, side, colour, space, src = src, dst = dst] {
-        return OPCV_ippiFilterBilateral_8u_C1R(src.data, src.step, dst.data, dst.step, c.size, {side, side}, colour,
-                                               space);
+    const auto under = [colour, space](IppiSize kernel) {
+        return [=](const Regions& r) {
+            return OPCV_ippiFilterBilateral_8u_C1R(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size, kernel,
+                                                   colour, space);
+        };
     };
+    const Regions regions = {src, dst, c.size};
+    c.callOn(regions, {c.size.width + side / 2 * 2, c.size.width}, under({side, side}));
+    for (const IppiSize kernel : {IppiSize{4, 4}, IppiSize{3, 5}, IppiSize{0, 0}, IppiSize{-1, -1}})
+        c.refuse("a kernel that is no odd square", ippStsBadArgErr, [=] { return under(kernel)(regions); });
 }
 
 // Whole packed images, of which a ring may be left out of the result.
@@ -184,10 +236,20 @@ void monoConvolution(Case& c) {
     const float* kernel = floats(c, cellsOf({2 * radius + 1, 2 * radius + 1}));
     if (inPlace) c.lostByOpenCV = 1;
     if (radius > kLargestDirectRadius) c.lostByOpenCV = kLostInTransforms;
-    c.call = [=] {
-        Convolution24MonoFilter(images.src.data, images.dst, images.whole, radius, kernel);
-        return 0;
+    const auto filter = [=](const unsigned char* src, unsigned char* dst, IppiSize size, int reach,
+                            const float* cells) {
+        return [=] {
+            Convolution24MonoFilter(src, dst, size, reach, cells);
+            return 0;
+        };
     };
+    c.call = filter(images.src.data, images.dst, images.whole, radius, kernel);
+    c.refuse("a null source", 0, filter(nullptr, images.dst, images.whole, radius, kernel));
+    c.refuse("a null target", 0, filter(images.src.data, nullptr, images.whole, radius, kernel));
+    c.refuse("a null kernel", 0, filter(images.src.data, images.dst, images.whole, radius, nullptr));
+    c.refuse("no radius", 0, filter(images.src.data, images.dst, images.whole, -1, kernel));
+    c.refuse("an image within the ring", 0,
+             filter(images.src.data, images.dst, {2 * radius, images.whole.height}, radius, kernel));
 }
 
 void colourConvolution(Case& c) {
@@ -196,9 +258,15 @@ void colourConvolution(Case& c) {
     const auto [src, dst] = wholeImages(c, whole, isInPlace(c, kRadii));
     const float* kernels = floats(c, 3 * cellsOf({2 * radius + 1, 2 * radius + 1}));
     if (radius > kLargestDirectRadius) c.lostByOpenCV = kLostInTransforms;
-    c.call = [=, src = src, dst = dst] {
-        return Convolution24(src.data, dst.data, whole, radius, kernels) ? 0 : ippStsNoMemErr;
+    const auto filter = [](const unsigned char* from, unsigned char* to, IppiSize size, int reach, const float* cells) {
+        return [=] { return Convolution24(from, to, size, reach, cells) ? 0 : ippStsNoMemErr; };
     };
+    c.call = filter(src.data, dst.data, whole, radius, kernels);
+    c.refuse("a null source", ippStsNoMemErr, filter(nullptr, dst.data, whole, radius, kernels));
+    c.refuse("a null target", ippStsNoMemErr, filter(src.data, nullptr, whole, radius, kernels));
+    c.refuse("null kernels", ippStsNoMemErr, filter(src.data, dst.data, whole, radius, nullptr));
+    c.refuse("no radius", ippStsNoMemErr, filter(src.data, dst.data, whole, -1, kernels));
+    c.refuse("an empty image", ippStsNoMemErr, filter(src.data, dst.data, {0, whole.height}, radius, kernels));
 }
 
 constexpr int kNoises = 6;    // modes at two strengths
@@ -210,18 +278,36 @@ void reduceNoise(Case& c) {
     const bool inPlace = isInPlace(c, kNoises);
     const Ringed images = ringedImages(c, 1, modeOf(c) == 2 ? 2 : 1, inPlace);
     if (inPlace) c.lostByOpenCV = 1;
-    c.call = [&c, images] {
-        DeosNr(images.src.data, images.dst, images.whole, modeOf(c), strengthOf(c));
-        return 0;
+    const auto reduce = [](const unsigned char* src, unsigned char* dst, IppiSize size, int mode, int strength) {
+        return [=] {
+            DeosNr(src, dst, size, mode, strength);
+            return 0;
+        };
     };
+    const int mode = modeOf(c);
+    const int strength = strengthOf(c);
+    c.call = reduce(images.src.data, images.dst, images.whole, mode, strength);
+    c.refuse("a null source", 0, reduce(nullptr, images.dst, images.whole, mode, strength));
+    c.refuse("a null target", 0, reduce(images.src.data, nullptr, images.whole, mode, strength));
+    c.refuse("an image within the ring", 0, reduce(images.src.data, images.dst, {2, 2}, mode, strength));
 }
 
 void reduceColourNoise(Case& c) {
     const IppiSize whole = {(c.size.width + 3) / 4 * 4, c.size.height};
     const auto [src, dst] = wholeImages(c, whole, isInPlace(c, kNoises));
-    c.call = [&c, whole, src = src, dst = dst] {
-        return DeosNrRGB(src.data, dst.data, whole.width, whole.height, modeOf(c), strengthOf(c));
+    const auto reduce = [](const unsigned char* from, unsigned char* to, IppiSize size, int mode, int strength) {
+        return [=] { return DeosNrRGB(from, to, size.width, size.height, mode, strength); };
     };
+    const int mode = modeOf(c);
+    const int strength = strengthOf(c);
+    c.call = reduce(src.data, dst.data, whole, mode, strength);
+    c.refuse("a null source", 0, reduce(nullptr, dst.data, whole, mode, strength));
+    c.refuse("a null target", 0, reduce(src.data, nullptr, whole, mode, strength));
+    c.refuse("no rows", 0, reduce(src.data, dst.data, {whole.width, 0}, mode, strength));
+    for (const int none : {-1, 3}) c.refuse("an unknown mode", 1, reduce(src.data, dst.data, whole, none, strength));
+    for (const int none : {-1, 11}) c.refuse("an unknown strength", 2, reduce(src.data, dst.data, whole, mode, none));
+    c.refuse("a width that is no multiple of 4", 3,
+             reduce(src.data, dst.data, {whole.width - 1, whole.height}, mode, strength));
 }
 
 constexpr int kProductVariants = 8;    // orders and transpositions
@@ -253,7 +339,8 @@ void product(Case& c) {
 
 void cosineTransform(Case& c) {
     constexpr int kLongest = 12;    // odd sides take time
-    const int n = 1 + (c.size.width - 1) % kLongest;
+    constexpr int kPageSide = 256;
+    const int n = c.size.width > 1000 ? kPageSide : 1 + (c.size.width - 1) % kLongest;
     const bool inverse = c.variant % 2 != 0;
     const bool inOneBlock = c.variant >= 2;
     const auto values = [&c](int count) {
@@ -279,20 +366,32 @@ Entries filterEntries() {
     const OutOfMemory silent = OutOfMemory::saysNothing();
     const auto windows = static_cast<int>(kernelWindows().size());
     const int ofAllTypes = windows * static_cast<int>(kTypes.size());
+    const std::vector<IppiSize> shown = {{3, 3}, {4, 4}, {9, 9}};
+    const std::vector<Shape> kernels = shapesOf(kernelWindows(), shown);
+    const std::vector<Shape> colourKernels = shapesOf(kernelWindows(), shown, ", C3", windows);
+    const std::vector<Shape> radii = {{"radius 1", 1}, {"radius 4", 4}};
+    const std::vector<Shape> modes = {{"mode 1, strength 5", 4}, {"mode 2, strength 5", 5}};
+    const std::string colour32f = "IPPMini_ippiFilter32f_8u_C3R";
     return {
-        {"IPPShare_ippiFilter_8u_C1R", windows, framed, convolution<unsigned char>(IPPShare_ippiFilter_8u_C1R, 1)},
-        {"IPPShare_ippiFilter_8u_C3R", windows, framed, convolution<unsigned char>(IPPShare_ippiFilter_8u_C3R, 3)},
-        {"IPPShare_ippiFilter_16s_C1R", windows, framed, convolution<short>(IPPShare_ippiFilter_16s_C1R, 2)},
-        {"IPPMini_ippiFilter32f_8u_C3R", windows, framed, convolution32f},
-        {"ippiFilter", ofAllTypes, framed, convolutionOfAnyType},
-        {"ippiFilter32f", ofAllTypes, framed, convolution32fOfAnyType},
-        {"IPPMini_ippiFilterBox_8u_C3IR", windows, framed, box},
-        {"Convolution24MonoFilter", 2 * kRadii, silent, monoConvolution},
-        {"Convolution24", 2 * kRadii, framed.as("false"), colourConvolution},
-        {"OPCV_ippiFilterBilateral_8u_C1R", kBilateralVariants, framed, bilateral},
-        {"DeosNr", 2 * kNoises, silent, reduceNoise},
-        {"DeosNrRGB", 2 * kNoises, silent, reduceColourNoise},
-        {"OPCV_cblas_sgemm", kProductVariants, silent, product, Entry::Output::kFloats},
-        {"ddct", 4, silent, cosineTransform, Entry::Output::kDoubles},
+        {"IPPShare_ippiFilter_8u_C1R", windows, framed, convolution<unsigned char>(IPPShare_ippiFilter_8u_C1R, 1),
+         kernels},
+        {"IPPShare_ippiFilter_8u_C3R", windows, framed, convolution<unsigned char>(IPPShare_ippiFilter_8u_C3R, 3),
+         kernels},
+        {"IPPShare_ippiFilter_16s_C1R", windows, framed, convolution<short>(IPPShare_ippiFilter_16s_C1R, 2), kernels},
+        {colour32f, windows, framed, convolution32f, kernels},
+        {"ippiFilter", ofAllTypes, framed, convolutionOfAnyType, colourKernels, "IPPShare_ippiFilter_8u_C3R"},
+        {"ippiFilter32f", ofAllTypes, framed, convolution32fOfAnyType, colourKernels, colour32f},
+        {"IPPMini_ippiFilterBox_8u_C3IR", windows, framed, box, shapesOf(kernelWindows(), {{3, 3}, {9, 9}})},
+        {"Convolution24MonoFilter", 2 * kRadii, silent, monoConvolution, radii},
+        {"Convolution24", 2 * kRadii, framed.as("false"), colourConvolution, radii},
+        {"OPCV_ippiFilterBilateral_8u_C1R",
+         kBilateralVariants,
+         framed,
+         bilateral,
+         {{"3 x 3", 0}, {"5 x 5", 1}, {"9 x 9", 4}}},
+        {"DeosNr", 2 * kNoises, silent, reduceNoise, modes},
+        {"DeosNrRGB", 2 * kNoises, silent, reduceColourNoise, modes},
+        {"OPCV_cblas_sgemm", kProductVariants, silent, product, {{"K up to 9", 0}}, {}, Entry::Output::kFloats},
+        {"ddct", 4, silent, cosineTransform, {{"256 x 256", 2}}, {}, Entry::Output::kDoubles},
     };
 }

@@ -1,9 +1,10 @@
 // JPEG compression and reading.
 #include <algorithm>
 #include <array>
+#include <memory>
 
-#include "oracle/jpeg.h"
 #include "catalogue/catalogue.h"
+#include "oracle/jpeg.h"
 
 namespace {
 
@@ -13,20 +14,72 @@ constexpr int kCompressVariants = 10;    // modes of both depths
 int depthOf(const Case& c) { return c.variant % 2 == 0 ? 8 : 24; }
 int modeOf(const Case& c) { return pick(kModes, c.variant / 2); }
 
-void compress(Case& c) {
-    const Page page = pageOf(c, depthOf(c), Rows::kPixelsOnly);
-    c.call = [&c, page] { return CompressJPEG(page.record, 300, modeOf(c), &c.stream, &c.streamSize); };
+// Where a stream and its length are put. After a failure they are untouched; or, where only the block for the stream was
+// missing, null and the length of the stream.
+struct StreamSlot {
+    static constexpr unsigned kUnset = 0xABCDEF01;
+
+    void* data = nullptr;
+    unsigned size = kUnset;
+    unsigned wholeSize = 0;    // of the last call that succeeded
+
+    void reset() {
+        data = &size;
+        size = kUnset;
+    }
+    std::string fault() const {
+        const bool untouched = data == &size && size == kUnset;
+        const bool onlyBlockMissing = !data && size == wholeSize;
+        return untouched || onlyBlockMissing ? "" : "the stream's slot is neither untouched nor null";
+    }
+};
+
+// `function(image, description, mode, data, size)`, in which the description may count or not.
+using Compressor = std::function<OSErr(const KVIMG*, KVImageDescriptionHandle, int, void**, unsigned*)>;
+
+std::function<void(Case&)> compressWith(const Compressor& compressor, bool takesDescription) {
+    return [=](Case& c) {
+        const Page page = pageOf(c, depthOf(c), Rows::kPixelsOnly);
+        const int goodMode = modeOf(c);
+        const auto slot = std::make_shared<StreamSlot>();
+        c.before = [slot] { slot->reset(); };
+        c.afterFailure = [slot] { return slot->fault(); };
+        c.call = [=, &c] {
+            const OSErr err = compressor(page.record, page.description, goodMode, &slot->data, &slot->size);
+            if (err == noErr) {
+                c.stream = slot->data;
+                c.streamSize = slot->wholeSize = slot->size;
+            }
+            return err;
+        };
+        const auto refuse = [&](const char* what, const KVIMG* image, KVImageDescriptionHandle description, int mode) {
+            c.refuse(what, paramErr, [=] { return compressor(image, description, mode, &slot->data, &slot->size); });
+        };
+        refuse("a null image", nullptr, page.description, goodMode);
+        for (const int mode : {1, -1, 100}) refuse("an unknown mode", page.record, page.description, mode);
+        const auto changed = [&](auto change) {
+            KVIMG image = *page.record;
+            change(image);
+            return c.sourceOf(image);
+        };
+        for (const int depth : {1, 32})
+            refuse("a depth that no stream has", changed([depth](KVIMG& image) { image.depth = depth; }),
+                   page.description, goodMode);
+        refuse("no pixels", changed([](KVIMG& image) { image.data = nullptr; }), page.description, goodMode);
+        refuse("no columns", changed([](KVIMG& image) { image.width = 0; }), page.description, goodMode);
+        refuse("no rows", changed([](KVIMG& image) { image.height = 0; }), page.description, goodMode);
+        c.refuse("no place for the stream", paramErr,
+                 [=] { return compressor(page.record, page.description, goodMode, nullptr, &slot->size); });
+        c.refuse("no place for the length", paramErr,
+                 [=] { return compressor(page.record, page.description, goodMode, &slot->data, nullptr); });
+        if (!takesDescription) return;
+        refuse("a null handle", page.record, nullptr, goodMode);
+        refuse("a null description", page.record, c.sourceOf<KVImageDescription*>(nullptr), goodMode);
+    };
 }
 
-using Compressor = OSErr (*)(const KVIMG*, KVImageDescriptionHandle, int, void**, unsigned*);
-
-std::function<void(Case&)> compressWith(Compressor compressor) {
-    return [compressor](Case& c) {
-        const Page page = pageOf(c, depthOf(c), Rows::kPixelsOnly);
-        c.call = [&c, compressor, page] {
-            return compressor(page.record, page.description, modeOf(c), &c.stream, &c.streamSize);
-        };
-    };
+OSErr compressPlain(const KVIMG* image, KVImageDescriptionHandle /*none*/, int mode, void** data, unsigned* size) {
+    return CompressJPEG(image, 300, mode, data, size);
 }
 
 int statusOf(bool complete) { return complete ? 0 : ippStsNoMemErr; }
@@ -54,8 +107,21 @@ void compressSubsampled(Case& c) {
     };
 }
 
-// Grey, colour, colour with subsampled chroma, the same cut, progressive.
-constexpr int kStreamVariants = 5;
+// Grey, colour, colour with subsampled chroma, the same cut, progressive, turned by an EXIF orientation in grey and colour.
+constexpr int kStreamVariants = 7;
+constexpr int kFirstTurned = 5;
+
+bool isTurned(const Case& c) { return c.variant >= kFirstTurned; }
+
+// Turns by 90 degrees.
+void addOrientation(Bytes& stream) {
+    const Bytes exif = {0xFF, 0xE1, 0, 34, 'E', 'x', 'i', 'f', 0, 0, 'M', 'M', 0, 42, 0, 0, 0, 8,
+                        0,    1,    1, 18, 0,   3,   0,   0,   0, 1, 0,   6,   0, 0,  0, 0, 0, 0};
+    stream.insert(stream.begin() + 2, exif.begin(), exif.end());
+}
+
+// As the reader finds it.
+IppiSize sizeOfPage(const Case& c) { return isTurned(c) ? IppiSize{c.size.height, c.size.width} : c.size; }
 
 // Without the last third of the coded bytes, where that leaves whole rows.
 void cut(Bytes& stream, int height) {
@@ -75,7 +141,7 @@ Bytes progressive(const Bytes& pixels, IppiSize size) {
 
 Bytes streamOf(Case& c) {
     Bytes pixels(static_cast<size_t>(c.size.width) * static_cast<size_t>(c.size.height) * 3);
-    c.random.fill(pixels.data(), pixels.size());
+    c.fill(pixels.data(), pixels.size(), 3 * c.size.width, 3);
     const int w = c.size.width;
     const int h = c.size.height;
     Bytes stream;
@@ -87,10 +153,15 @@ Bytes streamOf(Case& c) {
             CompressRGB2YCbCr411(pixels.data(), 3 * w, w, h, stream, 80, 300, 300);
             cut(stream, h);
             break;
-        default: stream = progressive(pixels, c.size);
+        case 4: stream = progressive(pixels, c.size); break;
+        case kFirstTurned: CompressGray2Gray444(pixels.data(), w, w, h, stream, 80, 300, 300, true); break;
+        default: CompressRGB2YCbCr411(pixels.data(), 3 * w, w, h, stream, 80, 300, 300);
     }
+    if (isTurned(c)) addOrientation(stream);
     return stream;
 }
+
+bool isGrey(const Case& c) { return c.variant == 0 || c.variant == kFirstTurned; }
 
 using Reader = OSErr (*)(const void*, unsigned, KVImageDescriptionHandle*, KVIMG**);
 
@@ -103,6 +174,26 @@ std::function<void(Case&)> readWith(Reader reader) {
         KVImageDescriptionHandle handle = c.sourceOf(where);
         auto* description = c.sourceOf(handle);
         c.call = [&c, reader, stream, length, description] { return reader(stream, length, description, &c.record); };
+        // The markers give the size, which is written before anything is allocated; a refused call writes nothing.
+        c.afterFailure = [where, whole = sizeOfPage(c), depth = isGrey(c) ? 8 : 24] {
+            const auto is = [where](IppiSize size, int bits) {
+                return where->width == size.width && where->height == size.height && where->depth == bits;
+            };
+            return is(whole, depth) || is({7, 8}, -1) ? "" : "the description is neither the page's nor untouched";
+        };
+        c.refuse("a null stream", paramErr, [=, &c] { return reader(nullptr, length, description, &c.record); });
+        c.refuse("an empty stream", paramErr, [=, &c] { return reader(stream, 0, description, &c.record); });
+        c.refuse("a stream that is not JPEG", paramErr,
+                 [=, &c] { return reader(stream + 2, length - 2, description, &c.record); });
+        c.refuse("headers alone", paramErr, [=, &c] { return reader(stream, 20, description, &c.record); });
+        c.refuse("a null pointer to the handle", paramErr,
+                 [=, &c] { return reader(stream, length, nullptr, &c.record); });
+        c.refuse("no slot", paramErr, [=] { return reader(stream, length, description, nullptr); });
+        auto* noHandle = c.sourceOf<KVImageDescriptionHandle>(nullptr);
+        c.refuse("a null handle", paramErr, [=, &c] { return reader(stream, length, noHandle, &c.record); });
+        auto* noRecord = c.sourceOf<KVImageDescription*>(nullptr);
+        auto* empty = c.sourceOf<KVImageDescriptionHandle>(noRecord);
+        c.refuse("a null description", paramErr, [=, &c] { return reader(stream, length, empty, &c.record); });
     };
 }
 
@@ -110,9 +201,20 @@ void readPiece(Case& c) {
     const Bytes bytes = streamOf(c);
     const unsigned char* stream = c.sourceOf(bytes);
     const auto length = static_cast<unsigned>(bytes.size());
-    KVImageDescription* where = c.targetOf(descriptionOf(c.size, -1));
+    const IppiSize size = sizeOfPage(c);
+    KVImageDescription* where = c.targetOf(descriptionOf(size, -1));
     KVImageDescriptionHandle description = c.sourceOf(where);
-    c.call = [&c, stream, length, description] { return ReadSplitJPEG(stream, length, description, &c.record); };
+    const auto read = [length](const unsigned char* data, KVImageDescriptionHandle handle, KVIMG** slot) {
+        return [=] { return ReadSplitJPEG(data, length, handle, slot); };
+    };
+    c.call = read(stream, description, &c.record);
+    c.refuse("a null stream", paramErr, read(nullptr, description, &c.record));
+    c.refuse("a null handle", paramErr, read(stream, nullptr, &c.record));
+    c.refuse("a null description", paramErr, read(stream, c.sourceOf<KVImageDescription*>(nullptr), &c.record));
+    c.refuse("no slot", paramErr, read(stream, description, nullptr));
+    c.refuse("headers alone", paramErr, [=, &c] { return ReadSplitJPEG(stream, 20, description, &c.record); });
+    KVImageDescription* other = c.targetOf(descriptionOf({size.width + 1, size.height}, -1));
+    c.refuse("another size", paramErr, read(stream, c.sourceOf(other), &c.record));
 }
 
 }    // namespace
@@ -120,16 +222,22 @@ void readPiece(Case& c) {
 Entries jpegEntries() {
     const OutOfMemory records = OutOfMemory::answers(memFullErr);
     const OutOfMemory buffers = OutOfMemory::answersOrThrows(ippStsNoMemErr).as("false");
+    const std::vector<Shape> modes = {{"8 bits, mode 450", 6}, {"24 bits, mode 450", 7}};
+    const std::vector<Shape> qualities = {{"quality 80", 0}};
+    const std::vector<Shape> pages = {{"8 bits", 0}, {"24 bits", 2}};
+    const std::vector<Shape> pieces = {{"24 bits", 2}};
+    const std::string ex = "CompressJPEGEx";
+    const std::string reading = "ReadJPEG";
     return {
-        {"CompressJPEG", kCompressVariants, records, compress},
-        {"CompressJPEGEx", kCompressVariants, records, compressWith(CompressJPEGEx)},
-        {"CompressJPEGWithIPP", kCompressVariants, records, compressWith(CompressJPEGWithIPP)},
-        {"CompressJPEGWithIPPEx", kCompressVariants, records, compressWith(CompressJPEGWithIPPEx)},
-        {"CompressGray2Gray444", 2, buffers, compressGrey},
-        {"CompressRGB2YCbCr444", 2, buffers, compressColour},
-        {"CompressRGB2YCbCr411", 1, buffers, compressSubsampled},
-        {"ReadJPEG", kStreamVariants, records, readWith(ReadJPEG)},
-        {"ReadJPEGWithIPP", kStreamVariants, records, readWith(ReadJPEGWithIPP)},
-        {"ReadSplitJPEG", kStreamVariants, records, readPiece},
+        {"CompressJPEG", kCompressVariants, records, compressWith(compressPlain, false), modes},
+        {ex, kCompressVariants, records, compressWith(CompressJPEGEx, true), modes},
+        {"CompressJPEGWithIPP", kCompressVariants, records, compressWith(CompressJPEGWithIPP, true), modes, ex},
+        {"CompressJPEGWithIPPEx", kCompressVariants, records, compressWith(CompressJPEGWithIPPEx, true), modes, ex},
+        {"CompressGray2Gray444", 2, buffers, compressGrey, qualities},
+        {"CompressRGB2YCbCr444", 2, buffers, compressColour, qualities},
+        {"CompressRGB2YCbCr411", 1, buffers, compressSubsampled, qualities},
+        {reading, kStreamVariants, records, readWith(ReadJPEG), pages},
+        {"ReadJPEGWithIPP", kStreamVariants, records, readWith(ReadJPEGWithIPP), pages, reading},
+        {"ReadSplitJPEG", kStreamVariants, records, readPiece, pieces},
     };
 }

@@ -20,11 +20,10 @@ struct Images {
     Image dst;
 };
 
-// One call in eight is in place.
 Images imagesUnder(Case& c, int pixelSize, const Margin& margin, const Margin& marginOfCopy) {
     // Rows are long enough for the larger of the two, whichever is read.
     const int padding = pixelSize * (marginOfCopy.right - margin.right + c.random.between(0, 3));
-    if (c.random.between(1, 8) == 1) {
+    if (c.worksInPlace()) {
         const Image both = c.sourceAndTarget({c.size, pixelSize, marginInPlace(marginOfCopy), padding});
         c.lostByOpenCV = 1;
         return {both, both};
@@ -43,6 +42,13 @@ void noteLostBlock(Case& c, const Window& w) {
     if (w.mask.width > kLargestOwn) c.lostByOpenCV = 1;
 }
 
+// The checks of a median of an odd square.
+Checks checksUnder(const Case& c, int pixelSize, const Window& w) {
+    return {pixelSize * (c.size.width + w.mask.width - 1), pixelSize * c.size.width};
+}
+
+const std::vector<IppiSize> kNoMedianMasks = {{2, 2}, {3, 5}, {0, 0}, {-1, -1}};
+
 using Median = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, IppiSize, IppiPoint);
 
 std::function<void(Case&)> median(Median filter, int pixelSize) {
@@ -50,9 +56,15 @@ std::function<void(Case&)> median(Median filter, int pixelSize) {
         const Window& w = pick(medianWindows(), c.variant);
         const auto [src, dst] = imagesUnder(c, pixelSize, marginOf(w), marginOf(w));
         noteLostBlock(c, w);
-        c.call = [&c, &w, filter, src = src, dst = dst] {
-            return filter(src.data, src.step, dst.data, dst.step, c.size, w.mask, w.anchor);
+        const auto under = [filter](const Window& window) {
+            return [filter, window](const Regions& r) {
+                return filter(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size, window.mask, window.anchor);
+            };
         };
+        const Regions regions = {src, dst, c.size};
+        c.callOn(regions, checksUnder(c, pixelSize, w), under(w));
+        for (const IppiSize mask : kNoMedianMasks)
+            c.refuse("a mask that is no odd square", ippStsBadArgErr, [=] { return under({mask, {0, 0}})(regions); });
     };
 }
 
@@ -62,13 +74,21 @@ void medianOfAnyType(Case& c) {
     const int windows = static_cast<int>(medianWindows().size());
     const bool wide = c.variant >= 2 * windows;
     const int type = wide ? CV_16UC1 : c.variant >= windows ? CV_8UC4 : CV_8UC1;
+    const int pixelSize = static_cast<int>(CV_ELEM_SIZE(type));
     const Window& w = pick(medianWindows(), wide ? (c.variant - 2 * windows) % kWindowsOfAnyType : c.variant);
-    const auto [src, dst] = imagesUnder(c, static_cast<int>(CV_ELEM_SIZE(type)), marginOf(w), marginOf(w));
+    const auto [src, dst] = imagesUnder(c, pixelSize, marginOf(w), marginOf(w));
     if (type != CV_8UC1) c.lostByOpenCV = 1;
     noteLostBlock(c, w);
-    c.call = [&c, &w, type, src = src, dst = dst] {
-        return ippiFilterMedian(src.data, src.step, type, dst.data, dst.step, c.size, w.mask, w.anchor);
+    const auto under = [type](const Window& window) {
+        return [type, window](const Regions& r) {
+            return ippiFilterMedian(r.src.data, r.src.step, type, r.dst.data, r.dst.step, r.size, window.mask,
+                                    window.anchor);
+        };
     };
+    const Regions regions = {src, dst, c.size};
+    c.callOn(regions, checksUnder(c, pixelSize, w), under(w));
+    for (const IppiSize mask : kNoMedianMasks)
+        c.refuse("a mask that is no odd square", ippStsBadArgErr, [=] { return under({mask, {0, 0}})(regions); });
 }
 
 using CodedMedian = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, int);
@@ -76,10 +96,18 @@ using CodedMedian = IppStatus (*)(const unsigned char*, int, unsigned char*, int
 // A fixed window; the code is a mask or a weight.
 std::function<void(Case&)> codedMedian(CodedMedian filter, const std::vector<int>& codes, int pixelSize) {
     return [=](Case& c) {
-        const int code = pick(codes, c.variant);
-        const Image src = c.source({c.size, pixelSize, Margin::all(code == 55 ? 2 : 1)});
+        const int good = pick(codes, c.variant);
+        const Image src = c.source({c.size, pixelSize, Margin::all(good == 55 ? 2 : 1)});
         const Image dst = c.target({c.size, pixelSize});
-        c.call = [&c, filter, src, dst, code] { return filter(src.data, src.step, dst.data, dst.step, c.size, code); };
+        const auto coded = [filter](int code) {
+            return [filter, code](const Regions& r) {
+                return filter(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size, code);
+            };
+        };
+        const Regions regions = {src, dst, c.size};
+        c.callOn(regions, {0, pixelSize * c.size.width}, coded(good));
+        for (const int code : {0, 4, 34, -33, good + 1})
+            c.refuse("a code that is none", ippStsBadArgErr, [=] { return coded(code)(regions); });
     };
 }
 
@@ -89,10 +117,10 @@ std::function<void(Case&)> uncheckedMedian(UncheckedMedian filter, int reach, in
     return [=](Case& c) {
         const Image src = c.source({c.size, pixelSize, Margin::all(reach)});
         const Image dst = c.target({c.size, pixelSize});
-        c.call = [&c, filter, src, dst] {
-            filter(src.data, src.step, dst.data, dst.step, c.size.width, c.size.height);
+        c.callOn({src, dst, c.size}, [filter](const Regions& r) {
+            filter(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size.width, r.size.height);
             return 0;
-        };
+        });
     };
 }
 
@@ -114,15 +142,25 @@ Images imagesUnderMask(Case& c, const Window& w, bool large) {
     return imagesUnder(c, 1, large ? marginOfOpenCV(w) : marginOf(w), marginOfOpenCV(w));
 }
 
+Checks checksUnderMask(const Case& c, const Window& w) { return {c.size.width + w.mask.width / 2 * 2, c.size.width}; }
+
+const std::vector<IppiSize> kEmptyMasks = {{0, 3}, {3, 0}, {-1, 3}, {3, -1}};
+
 using Rectangle = IppStatus (*)(const unsigned char*, int, unsigned char*, int, IppiSize, IppiSize, IppiPoint);
 
 std::function<void(Case&)> underRectangle(Rectangle filter) {
     return [filter](Case& c) {
         const Window& w = pick(morphologyWindows(), c.variant);
         const auto [src, dst] = imagesUnderMask(c, w, w.mask.width > 64);
-        c.call = [&c, &w, filter, src = src, dst = dst] {
-            return filter(src.data, src.step, dst.data, dst.step, c.size, w.mask, w.anchor);
+        const auto under = [filter](const Window& window) {
+            return [filter, window](const Regions& r) {
+                return filter(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size, window.mask, window.anchor);
+            };
         };
+        const Regions regions = {src, dst, c.size};
+        c.callOn(regions, checksUnderMask(c, w), under(w));
+        for (const IppiSize mask : kEmptyMasks)
+            c.refuse("an empty mask", ippStsBadArgErr, [=] { return under({mask, {0, 0}})(regions); });
     };
 }
 
@@ -138,9 +176,17 @@ std::function<void(Case&)> underMask(Masked filter) {
         cells[cells.size() / 2] = 1;
         const unsigned char* mask = c.sourceOf(cells);
         const auto [src, dst] = imagesUnderMask(c, w, cells.size() > 256);
-        c.call = [&c, &w, filter, mask, src = src, dst = dst] {
-            return filter(src.data, src.step, dst.data, dst.step, c.size, mask, w.mask, w.anchor);
+        const auto under = [filter](const unsigned char* table, const Window& window) {
+            return [filter, table, window](const Regions& r) {
+                return filter(r.src.data, r.src.step, r.dst.data, r.dst.step, r.size, table, window.mask,
+                              window.anchor);
+            };
         };
+        const Regions regions = {src, dst, c.size};
+        c.callOn(regions, checksUnderMask(c, w), under(mask, w));
+        c.refuse("a null mask", ippStsBadArgErr, [=] { return under(nullptr, w)(regions); });
+        for (const IppiSize empty : kEmptyMasks)
+            c.refuse("an empty mask", ippStsBadArgErr, [=] { return under(mask, {empty, {0, 0}})(regions); });
     };
 }
 
@@ -151,27 +197,35 @@ Entries rankEntries() {
     const auto masks = static_cast<int>(morphologyWindows().size());
     const OutOfMemory framed = OutOfMemory::answersOrThrows(ippStsNoMemErr);
     const OutOfMemory never = OutOfMemory::never();
+    const std::vector<Shape> squares = shapesOf(medianWindows(), {{3, 3}, {9, 9}, {11, 11}});
+    const std::vector<Shape> rectangles = shapesOf(morphologyWindows(), {{3, 3}, {9, 17}, {66, 66}});
+    const std::vector<Shape> crosses = {{"mask 33", 0}, {"mask 55", 1}};
+    const std::vector<Shape> weights = {{"weight 3", 0}, {"weight 5", 1}};
+    const std::vector<Shape> any = {{"", 0}};
+    const std::string grey = "IPPShare_ippiFilterMedian_8u_C1R";
+    const std::string cross = "IPPShare_ippiFilterMedianCross_8u_C1R";
+    const std::string weighted = "IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R";
+    const std::string colour = "IPPShare_ippiFilterMedianColor_8u_C3R";
     return {
-        {"IPPShare_ippiFilterMedian_8u_C1R", medians, framed, median(IPPShare_ippiFilterMedian_8u_C1R, 1)},
-        {"IPPShare_ippiFilterMedian_8u_C3R", medians, framed, median(IPPShare_ippiFilterMedian_8u_C3R, 3)},
-        {"IPPMini_ippiFilterMedian_8u_C1R", medians, framed, median(IPPMini_ippiFilterMedian_8u_C1R, 1)},
-        {"ippiFilterMedian", 3 * medians, framed, medianOfAnyType},
-        {"IPPShare_ippiFilterMedianCross_8u_C1R", 2, never,
-         codedMedian(IPPShare_ippiFilterMedianCross_8u_C1R, {33, 55}, 1)},
-        {"IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R", 2, never,
-         codedMedian(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, {3, 5}, 1)},
-        {"IPPShare_ippiFilterMedianColor_8u_C3R", 1, never,
-         codedMedian(IPPShare_ippiFilterMedianColor_8u_C3R, {33}, 3)},
-        {"FilterMedianCross3x3_8u_C1R", 1, never, uncheckedMedian(FilterMedianCross3x3_8u_C1R, 1, 1)},
-        {"FilterMedianCross5x5_8u_C1R", 1, never, uncheckedMedian(FilterMedianCross5x5_8u_C1R, 2, 1)},
+        {grey, medians, framed, median(IPPShare_ippiFilterMedian_8u_C1R, 1), squares},
+        {"IPPShare_ippiFilterMedian_8u_C3R", medians, framed, median(IPPShare_ippiFilterMedian_8u_C3R, 3), squares},
+        {"IPPMini_ippiFilterMedian_8u_C1R", medians, framed, median(IPPMini_ippiFilterMedian_8u_C1R, 1), squares, grey},
+        {"ippiFilterMedian", 3 * medians, framed, medianOfAnyType, squares, grey},
+        {cross, 2, never, codedMedian(IPPShare_ippiFilterMedianCross_8u_C1R, {33, 55}, 1), crosses},
+        {weighted, 2, never, codedMedian(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, {3, 5}, 1), weights},
+        {colour, 1, never, codedMedian(IPPShare_ippiFilterMedianColor_8u_C3R, {33}, 3)},
+        {"FilterMedianCross3x3_8u_C1R", 1, never, uncheckedMedian(FilterMedianCross3x3_8u_C1R, 1, 1), any, cross},
+        {"FilterMedianCross5x5_8u_C1R", 1, never, uncheckedMedian(FilterMedianCross5x5_8u_C1R, 2, 1), any, cross},
         {"FilterMedianWeightedCenter3x3_3_8u_C1R", 1, never,
-         uncheckedMedian(FilterMedianWeightedCenter3x3_3_8u_C1R, 1, 1)},
+         uncheckedMedian(FilterMedianWeightedCenter3x3_3_8u_C1R, 1, 1), any, weighted},
         {"FilterMedianWeightedCenter3x3_5_8u_C1R", 1, never,
-         uncheckedMedian(FilterMedianWeightedCenter3x3_5_8u_C1R, 1, 1)},
-        {"FilterMedianColor3x3_8u_C3R", 1, never, uncheckedMedian(FilterMedianColor3x3_8u_C3R, 1, 3)},
-        {"IPPShare_ippiDilate_8u_C1R", masks, framed, underMask(IPPShare_ippiDilate_8u_C1R)},
-        {"IPPShare_ippiErode_8u_C1R", masks, framed, underMask(IPPShare_ippiErode_8u_C1R)},
-        {"IPPMini_ippiFilterMax_8u_C1R", masks, framed, underRectangle(IPPMini_ippiFilterMax_8u_C1R)},
-        {"IPPMini_ippiFilterMin_8u_C1R", masks, framed, underRectangle(IPPMini_ippiFilterMin_8u_C1R)},
+         uncheckedMedian(FilterMedianWeightedCenter3x3_5_8u_C1R, 1, 1), any, weighted},
+        {"FilterMedianColor3x3_8u_C3R", 1, never, uncheckedMedian(FilterMedianColor3x3_8u_C3R, 1, 3), any, colour},
+        {"IPPShare_ippiDilate_8u_C1R", masks, framed, underMask(IPPShare_ippiDilate_8u_C1R),
+         shapesOf(morphologyWindows(), {{3, 3}, {9, 17}})},
+        {"IPPShare_ippiErode_8u_C1R", masks, framed, underMask(IPPShare_ippiErode_8u_C1R),
+         shapesOf(morphologyWindows(), {{3, 3}, {9, 17}})},
+        {"IPPMini_ippiFilterMax_8u_C1R", masks, framed, underRectangle(IPPMini_ippiFilterMax_8u_C1R), rectangles},
+        {"IPPMini_ippiFilterMin_8u_C1R", masks, framed, underRectangle(IPPMini_ippiFilterMin_8u_C1R), rectangles},
     };
 }

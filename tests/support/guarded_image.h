@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "support/image_layout.h"
 #include "support/random.h"
 
 class GuardedImage {
@@ -19,11 +20,9 @@ public:
     };
 
     GuardedImage(Random& random, IppiSize size, Layout layout, Random::Values values = Random::Values::kAny)
-        : size_(size),
-          layout_(layout),
-          step_((size.width + 2 * layout.margin) * layout.pixelSize + layout.padding),
-          bytes_(static_cast<size_t>(step_) * static_cast<size_t>(size.height + 2 * layout.margin) + 2 * kGuard +
-                 static_cast<size_t>(layout.misalignment)) {
+        : layout_{size, layout.pixelSize, Margin::all(layout.margin), layout.padding},
+          first_(kGuard + static_cast<size_t>(layout.misalignment)),
+          bytes_(first_ + layout_.bytes() + static_cast<size_t>(layout.padding) + kGuard) {
         random.fill(bytes_.data(), bytes_.size(), values);
         remember();
     }
@@ -35,9 +34,9 @@ public:
 
     uint8_t* data() { return at(0, 0); }
     const uint8_t* data() const { return at(0, 0); }
-    int step() const { return step_; }
-    IppiSize size() const { return size_; }
-    int rowBytes() const { return size_.width * layout_.pixelSize; }
+    int step() const { return layout_.step(); }
+    IppiSize size() const { return layout_.region; }
+    int rowBytes() const { return layout_.rowBytes(); }
 
     // First byte of a pixel; the margin's pixels have negative or large coordinates.
     uint8_t* at(int x, int y) { return bytes_.data() + offsetOf(x, y); }
@@ -59,20 +58,17 @@ public:
             }
         return expected == bytes_;
     }
-    bool untouchedOutsideRegion() const { return untouchedOutside(0, 0, rowBytes(), size_.height); }
+    bool untouchedOutsideRegion() const { return untouchedOutside(0, 0, rowBytes(), size().height); }
 
 private:
     static constexpr size_t kGuard = 64;
 
     size_t offsetOf(int x, int y) const {
-        const ptrdiff_t inside = ptrdiff_t{step_} * (y + layout_.margin) +
-                                 ptrdiff_t{layout_.pixelSize} * (x + layout_.margin) + layout_.misalignment;
-        return kGuard + static_cast<size_t>(inside);
+        return static_cast<size_t>(static_cast<ptrdiff_t>(first_) + layout_.offsetOf(x, y));
     }
 
-    IppiSize size_;
-    Layout layout_;
-    int step_;
+    ImageLayout layout_;
+    size_t first_;    // byte of the margin
     std::vector<uint8_t> bytes_;
     std::vector<uint8_t> before_;
 };
