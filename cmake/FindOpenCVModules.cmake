@@ -1,5 +1,5 @@
-# The OpenCV modules that are used. The library calls core and imgproc, as OpenCVModules::OpenCVModules; tests,
-# benchmarks and examples read and write image files by imgcodecs as well, OpenCVModules::ImageFiles.
+# The OpenCV modules. The library uses core and imgproc (OpenCVModules::OpenCVModules). Tests, benchmarks and examples
+# also use imgcodecs, to read and write image files (OpenCVModules::ImageFiles).
 #
 # Some distributions ship the module packages without OpenCVConfig.cmake, so the header folder and the libraries are
 # then looked up by name.

@@ -1,15 +1,15 @@
-# Compiler settings for our own code, as an interface target.
+# Compiler settings for this project's code, as an interface target.
 add_library(opcv_dlib_house_flags INTERFACE)
 target_compile_options(opcv_dlib_house_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion
-    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=    # messages name a file of ours, not where it was compiled
-    -ffp-contract=off    # where a multiply and an add are fused, the code says fma
+    -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=    # __FILE__ is relative to the source tree
+    -ffp-contract=off    # multiply and add are fused only where the code calls fma
     -fstack-protector-strong)
-# A call between exported functions goes through the exported name, which GCC sees to by itself.
+# Calls between exported functions go through the exported symbol, so that it can be interposed. GCC does so by default.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     target_compile_options(opcv_dlib_house_flags INTERFACE -fsemantic-interposition)
 endif()
-# An indirect jump may only land where a function begins.
+# Indirect jumps may only land at the start of a function.
 if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
     target_compile_options(opcv_dlib_house_flags INTERFACE -mbranch-protection=standard)
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
@@ -21,7 +21,7 @@ if(OPCV_DLIB_SANITIZE)
     target_compile_options(opcv_dlib_house_flags INTERFACE ${sanitize})
     target_link_options(opcv_dlib_house_flags INTERFACE ${sanitize})
     if(CMAKE_CROSSCOMPILING)
-        # The tree in which the programs run has no sanitizer libraries.
+        # The system root has no sanitizer libraries.
         target_link_options(opcv_dlib_house_flags INTERFACE -static-libasan -static-libubsan)
     endif()
 else()

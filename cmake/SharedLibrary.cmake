@@ -10,8 +10,8 @@ target_include_directories(OPCV_dlib INTERFACE
 target_link_libraries(OPCV_dlib
     PRIVATE $<BUILD_INTERFACE:opcv_dlib_house_flags> OpenCVModules::OpenCVModules JPEG::JPEG Highway::Highway)
 
-# Visibility alone would let out the standard library's templates, so the linker is told the names as well. The version
-# of the names lets a later library keep an old one beside a new one.
+# Hidden visibility alone would still export templates of the standard library, so the linker gets a list of names too.
+# With versioned names, a later library can provide an old and a new version of a function.
 set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.txt ${PROJECT_SOURCE_DIR}/cmake/exports_1.1.txt)
 list(GET exports 0 first_list)
 list(GET exports 1 second_list)

@@ -1,4 +1,4 @@
-# Cross build for 64-bit Arm against a Debian tree in OPCV_DLIB_SYSROOT; programs run under qemu-user.
+# Cross-compiles for 64-bit Arm with the Debian system root in OPCV_DLIB_SYSROOT. Programs run under qemu-user.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(triplet aarch64-linux-gnu)
@@ -22,8 +22,8 @@ if(python)
     set(Python_INCLUDE_DIR ${python} CACHE PATH "Headers of the tree's Python")
 endif()
 
-# BLAS and LAPACK, which OpenCV's core needs, lie in folders of their own that the loader normally learns of when the
-# packages are configured.
+# BLAS and LAPACK, which OpenCV's core needs, are in separate folders. The loader finds them only after the packages
+# have been configured, which does not happen in the system root.
 set(lib ${OPCV_DLIB_SYSROOT}/usr/lib/${triplet})
 set(rpath_link "-Wl,-rpath-link,${lib}/blas:${lib}/lapack")
 set(CMAKE_EXE_LINKER_FLAGS_INIT ${rpath_link})

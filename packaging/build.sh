@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # packaging/build.sh ARCHITECTURE BUILD MAN DESTINATION [SYSROOT]
 #
-# Makes Debian packages of what lies in a build folder, with the manual pages in MAN. SYSROOT: where the libraries of
-# another architecture lie.
+# Makes Debian packages of the contents of a build folder, with the manual pages in MAN. SYSROOT is the system root of
+# another architecture.
 set -euo pipefail
 tree=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 architecture=$1
@@ -21,7 +21,7 @@ cd "$work"
 version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' "$tree/CMakeLists.txt")
 packaged=$(dpkg-parsechangelog -S Version)
 if [ "${packaged%-*}" != "$version" ]; then
-    echo "packaging/debian/changelog begins with $packaged, CMakeLists.txt says $version" >&2
+    echo "packaging/debian/changelog begins with $packaged, but the version in CMakeLists.txt is $version" >&2
     exit 1
 fi
 
@@ -33,7 +33,8 @@ fi
     sed 's/.*/ &@OPCV_1.1 1.0.0/' "$tree/cmake/exports_1.1.txt"
 } >debian/libopcv-dlib1.symbols
 
-# Libraries in a tree belong to no installed package; the packages of this machine's architecture have the same names.
+# No installed package contains the libraries of a system root, so their package names are taken from this machine's
+# packages.
 if [ -n "$sysroot" ]; then
     cat /var/lib/dpkg/info/*:"$(dpkg --print-architecture)".shlibs >shlibs
     sed -n 's/^ld-linux-x86-64 2 /ld-linux-aarch64 1 /p' shlibs | cat shlibs - >debian/shlibs.local

@@ -1,9 +1,9 @@
-"""Writes the manual pages from what Doxygen has read in the public header.
+"""Writes the manual pages from Doxygen's XML of the public headers.
 
     make_man.py XML_FOLDER VERSION DATE MAN_FOLDER HEADER...
 
-One page a family of functions in man3, opcv_dlib in man7, and for each function a page that leads to its family. A
-function whose family is not known here, or a manual page that would be empty, is an error.
+Writes one page per family of functions in man3, opcv_dlib in man7, and for each function a page that refers to its
+family. A function without a family below, or an empty manual page, is an error.
 """
 import pathlib
 import re

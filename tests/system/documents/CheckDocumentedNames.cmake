@@ -1,12 +1,12 @@
-# Every exported function stands in a header behind a Doxygen comment, and in a table of docs/functions.md that says what it does.
+# Checks that every exported function has a Doxygen comment in a header and a row with its purpose in docs/functions.md.
 execute_process(COMMAND ${NM} -D -C --defined-only --format=posix ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "[^\n]+" symbols "${symbols}")
-list(FILTER symbols EXCLUDE REGEX "^OPCV_1")    # the version of the names, not one of them
+list(FILTER symbols EXCLUDE REGEX "^OPCV_1")    # the symbol version
 file(STRINGS ${ROOT}/include/OPCV_dlib.h header)
 file(STRINGS ${ROOT}/include/OPCV_dlib_read.h second_header)
 list(APPEND header ${second_header})
 file(READ ${ROOT}/docs/functions.md table)
-string(FIND "${table}" "<!-- made by function_table -->" end)    # the rows that are written by hand stand before it
+string(FIND "${table}" "<!-- made by function_table -->" end)    # the rows before it are written by hand
 string(SUBSTRING "${table}" 0 ${end} table)
 
 set(faults "")

@@ -1,7 +1,7 @@
-"""Programs in the documents are files that the tests build and run.
+"""Checks that the programs in the documents are files that the tests build and run.
 
-Every fenced block of a programming language in README.md and docs/*.md is the whole of a file in examples/readme or
-examples/guide, and every file there is shown in a document.
+Every fenced block of a programming language in README.md and docs/*.md must equal a file in examples/readme or
+examples/guide, and every file there must be shown in a document.
 """
 import pathlib
 import re
@@ -20,7 +20,7 @@ for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
         same = [p for p, text in programs.items() if p.suffix == LANGUAGES.get(language) and text == code]
         shown.update(same)
         if not same:
-            faults.append(f"{document.name}: the block that begins '{code.splitlines()[0]}' is no file in examples/")
-faults += [f"{path.name} is shown in no document" for path in programs if path not in shown]
+            faults.append(f"{document.name}: the block that begins '{code.splitlines()[0]}' is not a file in examples/")
+faults += [f"no document shows {path.name}" for path in programs if path not in shown]
 if faults:
     sys.exit("\n".join(faults))

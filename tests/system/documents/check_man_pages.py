@@ -3,8 +3,8 @@
     check_man_pages.py NM LIBRARY MAN_FOLDER
 
 `man FUNCTION` shows the page of a family. That page lists the function in its name line, so that `apropos` finds it,
-declares it, and has a section about it, which describes each parameter and, unless the function returns nothing or takes
-no argument, its result. No function that is not exported has a page.
+declares it, and has a section about it. The section describes each parameter and, unless the function returns nothing or
+takes no argument, its result. No function that is not exported has a page.
 """
 import pathlib
 import re
@@ -15,7 +15,7 @@ nm, library, folder = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3])
 symbols = subprocess.run([nm, "-D", "-C", "--defined-only", "--format=posix", library], check=True,
                          capture_output=True, text=True).stdout
 names = {re.match(r"\w+", line).group() for line in symbols.splitlines()
-         if not line.startswith("OPCV_1.")}    # the version of the names
+         if not line.startswith("OPCV_1.")}    # the symbol version
 if not names:
     sys.exit(f"{library} exports nothing")
 
@@ -37,7 +37,7 @@ for name in sorted(names):
     match = re.fullmatch(r"\.so (man3/\w+\.3)\n", link.read_text()) if link.exists() else None
     family = folder / match.group(1) if match else None
     if not family or not family.exists():
-        faults.append(f"man {name} leads nowhere")
+        faults.append(f"man {name} finds no page")
         continue
     text = family.read_text()
     head = text[text.index(".SH NAME\n"):text.index(".SH SYNOPSIS\n")]
@@ -51,6 +51,6 @@ for name in sorted(names):
     if section:
         faults += [f"{family.name}: {name} does not describe {part}" for part in incomplete(section.group(1), name)]
 pages = {path.stem for path in (folder / "man3").glob("*.3") if path.read_text().startswith(".so ")}
-faults += [f"{name} has a manual page and is not exported" for name in sorted(pages - names)]
+faults += [f"{name} has a manual page but is not exported" for name in sorted(pages - names)]
 if faults:
     sys.exit("\n".join(faults))
