@@ -6,6 +6,7 @@
 #include "core/Tools.h"
 #include "core/region.h"
 #include "core/result_matrix.h"
+#include "core/row_bands.h"
 #include "filters/bilateral_kernels.h"
 #include "filters/fused_sums.h"
 
@@ -37,7 +38,7 @@ OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst,
     // still filters with 3x3 pixels: that result is the plain mode's.
     const int border = kernel.width == 1 ? cv::BORDER_REFLECT_101 : cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED;
     ResultMatrix filtered;
-    cv::bilateralFilter(view, filtered, kernel.width, sigmaColor, sigmaSpace, border);
+    opcv::withOpenCVThreads([&] { cv::bilateralFilter(view, filtered, kernel.width, sigmaColor, sigmaSpace, border); });
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), dst, dstStep, cv::Point(0, 0),
                                    cv::Size(roi.width, roi.height));

@@ -17,7 +17,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <opencv2/core/utility.hpp>
+
+#include "core/row_bands.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/bilateral_kernels.cpp"
@@ -272,18 +273,9 @@ filters::BilateralWeights::BilateralWeights(double sigmaColor, double sigmaSpace
 }
 
 void filters::filterBilateral(const BilateralRegion& region, const BilateralWeights& weights) {
-    constexpr double kElementsOfABand = 1 << 16;
     const double elements = double{1} * region.width * region.channels * region.height;
-    if (elements <= kElementsOfABand) {
-        HWY_DYNAMIC_DISPATCH(filterBand)(region, weights, 0, region.height);
-        return;
-    }
-    cv::parallel_for_(
-        cv::Range(0, region.height),
-        [&](const cv::Range& rows) {
-            HWY_DYNAMIC_DISPATCH(filterBand)
-            (region, weights, rows.start, rows.end);
-        },
-        elements / kElementsOfABand);
+    opcv::forEachBand(region.height, elements, [&](int firstRow, int endRow) {
+        HWY_DYNAMIC_DISPATCH(filterBand)(region, weights, firstRow, endRow);
+    });
 }
 #endif    // HWY_ONCE

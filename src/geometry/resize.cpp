@@ -11,6 +11,7 @@
 #include "core/ownership.h"
 #include "core/region.h"
 #include "core/result_matrix.h"
+#include "core/row_bands.h"
 #include "geometry/page_format.h"
 #include "geometry/resize_kernels.h"
 
@@ -53,11 +54,10 @@ bool isDirect(const BilinearJob& job, const cv::Size& scaled) {
            BilinearResize::canDo(job);
 }
 
-// Bands of rows go to OpenCV's threads where its own resize would.
 void resizeDirectly(const BilinearJob& job) {
     const BilinearResize resize(job);
-    const auto band = [&](const cv::Range& rows) { resize.run(rows.start, rows.size()); };
-    cv::parallel_for_(cv::Range(0, job.height), band, static_cast<double>(job.width) * job.height / (1 << 16));
+    opcv::forEachBand(job.height, double{1} * job.width * job.height,
+                      [&](int firstRow, int endRow) { resize.run(firstRow, endRow - firstRow); });
 }
 
 // The scale is that of the two sizes.
@@ -68,7 +68,7 @@ void resizeInto(const cv::Mat& from, cv::Mat& to) {
     if (isDirect(job, to.size()))
         resizeDirectly(job);
     else
-        cv::resize(from, to, to.size(), 0, 0, cv::INTER_LINEAR);
+        opcv::withOpenCVThreads([&] { cv::resize(from, to, to.size(), 0, 0, cv::INTER_LINEAR); });
 }
 
 OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
@@ -148,7 +148,7 @@ OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcS
     if (placed && placeDirectly(from, factors, at, dst, dstStep)) return noErr;
 
     ResultMatrix scaled;
-    cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR);
+    opcv::withOpenCVThreads([&] { cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR); });
     if (!scaled.data) return memFullErr;
     if (!placed) return paramErr;
     return Tools::CopyImageMatData(scaled, cv::Point(at.columns.from, at.rows.from), dst, dstStep,

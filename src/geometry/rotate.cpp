@@ -9,6 +9,7 @@
 #include "core/Tools.h"
 #include "core/region.h"
 #include "core/result_matrix.h"
+#include "core/row_bands.h"
 #include "geometry/rotate_kernel.h"
 
 namespace {
@@ -87,7 +88,8 @@ OSErr turnByOpenCV(const Turn& turn) {
 
     const cv::Matx23d matrix = cv::getRotationMatrix2D_(turn.centre, turn.angle, 1.0);
     ResultMatrix turned;
-    cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, turn.border);
+    opcv::withOpenCVThreads(
+        [&] { cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, turn.border); });
     if (!turned.data) return memFullErr;
 
     const IppiRect& r = turn.target.roi;
@@ -99,14 +101,6 @@ OSErr turnByOpenCV(const Turn& turn) {
 bool isDirect(int type, cv::Size work, const AffineMap& map) {
     const bool knownType = type == CV_8UC1 || type == CV_8UC3 || type == CV_8UC4;
     return knownType && work.width < SHRT_MAX && work.height < SHRT_MAX && map.isTame();
-}
-
-void rotateInBands(const RotationJob& job, int rows) {
-    constexpr double kPixelsOfBand = 1 << 16;
-    const double bands = static_cast<double>(job.targetWidth) * rows / kPixelsOfBand;
-    if (bands < 1) return rotateRows(job, 0, rows);
-    cv::parallel_for_(
-        cv::Range(0, rows), [&job](const cv::Range& band) { rotateRows(job, band.start, band.end); }, bands);
 }
 
 // The padding is never made: what counts as image is a larger view, and all around it lies the border.
@@ -144,7 +138,8 @@ OSErr turnDirectly(const Turn& turn, AffineMap map) {
     job.channels = from.channels();
     for (int i = 0; i < RotationJob::kMaxChannels; ++i)
         job.border[static_cast<size_t>(i)] = cv::saturate_cast<uint8_t>(turn.border[i]);
-    rotateInBands(job, to.rows);
+    opcv::forEachBand(to.rows, double{1} * to.cols * to.rows,
+                      [&](int firstRow, int endRow) { rotateRows(job, firstRow, endRow); });
     return noErr;
 }
 

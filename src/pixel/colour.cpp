@@ -7,6 +7,7 @@
 #include "OPCV_dlib.h"
 #include "core/pixel_memory.h"
 #include "core/region.h"
+#include "core/row_bands.h"
 #include "pixel/views.h"
 
 namespace {
@@ -14,13 +15,11 @@ namespace {
 template <class From, class To>
 using Conversion = void (*)(const From&, const To&, int width, int height);
 
-// Works on bands of rows, on OpenCV's threads where its own conversion would.
 template <class From, class To>
 void runInBands(Conversion<From, To> convert, const From& from, const To& to, IppiSize roi) {
-    const auto band = [&](const cv::Range& rows) {
-        convert(from.below(rows.start), to.below(rows.start), roi.width, rows.size());
-    };
-    cv::parallel_for_(cv::Range(0, roi.height), band, static_cast<double>(roi.width) * roi.height / (1 << 16));
+    opcv::forEachBand(roi.height, double{1} * roi.width * roi.height, [&](int firstRow, int endRow) {
+        convert(from.below(firstRow), to.below(firstRow), roi.width, endRow - firstRow);
+    });
 }
 
 OSErr convertPacked(Conversion<PackedImage, PackedImage> convert, const unsigned char* pSrc, int srcStep,

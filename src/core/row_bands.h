@@ -1,0 +1,32 @@
+// Work on OpenCV's threads. Nothing else in the library distributes work.
+#pragma once
+
+namespace opcv {
+
+// A reference to a function object, valid for the call that it is passed to. Unlike std::function it never allocates.
+template <class... Arguments>
+class FunctionRef {
+public:
+    template <class Function>
+    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor): stands for the function
+        : object_(&function), call_([](const void* object, Arguments... arguments) {
+              (*static_cast<const Function*>(object))(arguments...);
+          }) {}
+
+    void operator()(Arguments... arguments) const { call_(object_, arguments...); }
+
+private:
+    const void* object_;
+    void (*call_)(const void*, Arguments...);
+};
+
+// Calls `run(firstRow, endRow)` for bands of rows, so that each row from 0 to rows - 1 comes once. Few elements are one
+// band. More are distributed over OpenCV's threads; if one cannot be started, the caller's thread does what is left.
+// `run` may throw anything but a std::runtime_error.
+void forEachBand(int rows, double elements, FunctionRef<int, int> run);
+
+// Runs calls of OpenCV that distribute their work themselves. If a thread cannot be started, they run again, on the
+// caller's thread alone, so they must not change what they read.
+void withOpenCVThreads(FunctionRef<> calls);
+
+}    // namespace opcv
