@@ -67,13 +67,16 @@ template <typename T, unsigned D>
 OSErr CreateKernelMatReverse(const T* kernel, const IppiSize& size, cv::Mat& out) {
     if (!kernel || size.width <= 0 || size.height <= 0) return paramErr;
     const auto odd = [](int side) { return (side & ~1) + 1; };
-    out = cv::Mat::zeros(odd(size.height), odd(size.width), CV_MAKETYPE(D, 1));
-    if (!out.data) return memFullErr;
+    cv::Mat turned;    // not `out`: zeros assigned to a view of the same shape would go to what it views
+    turned.allocator = out.allocator;
+    turned = cv::Mat::zeros(odd(size.height), odd(size.width), CV_MAKETYPE(D, 1));
+    if (!turned.data) return memFullErr;
     for (int j = 0; j < size.height; ++j) {
         const T* from = kernel + static_cast<ptrdiff_t>(j) * size.width;
-        T* to = out.ptr<T>(out.rows - 1 - j);
-        std::reverse_copy(from, from + size.width, to + (out.cols - size.width));
+        T* to = turned.ptr<T>(turned.rows - 1 - j);
+        std::reverse_copy(from, from + size.width, to + (turned.cols - size.width));
     }
+    out = turned;
     return noErr;
 }
 

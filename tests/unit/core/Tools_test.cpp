@@ -199,4 +199,27 @@ TEST(Tools, ReversedKernelsOfEverySize) {
     checkReversal<float, 5U>(CV_32FC1);
 }
 
+template <typename T, unsigned D>
+void checkThatAViewIsLeftAlone(int type) {
+    std::vector<T> cells(9);
+    std::iota(cells.begin(), cells.end(), T{1});
+    std::vector<T> viewed(9, T{7});
+    cv::Mat kernel(3, 3, type, viewed.data());
+    ASSERT_EQ((Tools::CreateKernelMatReverse<T, D>(cells.data(), {3, 3}, kernel)), noErr);
+    EXPECT_EQ(viewed, std::vector<T>(9, T{7}));
+    EXPECT_NE(kernel.data, reinterpret_cast<uint8_t*>(viewed.data()));
+    EXPECT_EQ(valuesOf<T>(kernel), std::vector<T>(cells.rbegin(), cells.rend()));
+
+    // Another header of an earlier result keeps its values, and those may be the kernel.
+    const cv::Mat earlier = kernel;
+    ASSERT_EQ((Tools::CreateKernelMatReverse<T, D>(earlier.ptr<T>(), {3, 3}, kernel)), noErr);
+    EXPECT_EQ(valuesOf<T>(earlier), std::vector<T>(cells.rbegin(), cells.rend()));
+    EXPECT_EQ(valuesOf<T>(kernel), cells);
+}
+
+TEST(Tools, ReversedKernelsAreNewMatrices) {
+    checkThatAViewIsLeftAlone<int, 4U>(CV_32SC1);
+    checkThatAViewIsLeftAlone<float, 5U>(CV_32FC1);
+}
+
 }    // namespace
