@@ -7,7 +7,7 @@
 // subtracted. A run processes the page twice and times the second. Each round runs all tools in turn. All use one
 // thread.
 #include <OPCV_dlib.h>
-#include <allheaders.h>
+#include <leptonica/allheaders.h>
 #include <magick/api.h>
 
 #include <algorithm>
