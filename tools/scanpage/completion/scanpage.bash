@@ -1,0 +1,33 @@
+# Completion of scanpage for bash.
+_scanpage() {
+    local word=${COMP_WORDS[COMP_CWORD]} words=
+    COMPREPLY=()
+    case ${COMP_WORDS[COMP_CWORD - 1]} in
+        --format) words='jpeg pbm g4' ;;
+        --median) words='none cross weighted colour' ;;
+        --mode) words='0 286 389 450 788' ;;
+        -o | --output)
+            mapfile -t COMPREPLY < <(compgen -d -- "$word")
+            return
+            ;;
+        --from | --contact-sheet)
+            mapfile -t COMPREPLY < <(compgen -f -- "$word")
+            return
+            ;;
+        -j | --jobs | --angle | --denoise | --dpi | --threshold) return ;;    # a number
+        *)
+            if [[ $word != -* ]]; then
+                mapfile -t COMPREPLY < <(
+                    compgen -d -- "$word"
+                    compgen -f -X '!*.[Jj][Pp][Gg]' -- "$word"
+                    compgen -f -X '!*.[Jj][Pp][Ee][Gg]' -- "$word"
+                )
+                return
+            fi
+            words='-h --help --from -0 --null -o --output --format --resume -j --jobs --angle --denoise --median
+                --dpi --mode --threshold --contact-sheet -v --verbose'
+            ;;
+    esac
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+}
+complete -o filenames -F _scanpage scanpage
