@@ -7,7 +7,7 @@ import re
 import subprocess
 import sys
 
-root = pathlib.Path(sys.argv[1])
+root = pathlib.Path(sys.argv[1]).resolve()
 document = (root / "CONTRIBUTING.md").read_text()
 errors = []
 
