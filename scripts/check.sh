@@ -32,7 +32,11 @@ affected_tests() {
         -e 's,.*\.md$|^(dev|scripts/.*)$|^examples/.*,^(documented_|map$),p' <<<"$1" | sort -u | paste -s -d'|'
 }
 
-check_changed_format() { sed -n '/\.\(cpp\|h\|c\)$/p' <<<"$1" | xargs -r clang-format --dry-run --Werror; }
+check_changed_format() {
+    local sources
+    mapfile -t sources < <(sed -n '/\.\(cpp\|h\|c\)$/p' <<<"$1")
+    [ ${#sources[@]} -eq 0 ] || on_lint_release clang-format --dry-run --Werror "${sources[@]}"
+}
 
 run_affected() {
     local suites tests

@@ -5,6 +5,17 @@ lint_packages=(clang-format clang-tidy clang-tools shellcheck)
 library='^src/'
 lint_release=bookworm    # other releases have other versions of clang-format and clang-tidy, which judge otherwise
 
+# on_lint_release COMMAND...: here if this is the release, in a tree of it otherwise.
+on_lint_release() {
+    if [ "$(debian_release)" = "$lint_release" ]; then
+        need "${lint_packages[@]}"
+        "$@"
+    else
+        debian_tree "$lint_release"
+        in_debian "$lint_release" "$@"
+    fi
+}
+
 our_sources() { git ls-files --cached --others --exclude-standard -- '*.cpp' '*.h' '*.c'; }
 
 our_scripts() { git ls-files --cached --others --exclude-standard -- .ci/run .githooks '*.sh' | grep -v '^scripts/'; }
@@ -13,8 +24,7 @@ check_format() { our_sources | xargs clang-format --dry-run --Werror; }
 
 # `dev` names the files of scripts/, which are checked as its parts.
 check_scripts() {
-    shellcheck -x -a dev
-    our_scripts | xargs shellcheck --exclude=SC2016    # another shell expands what is quoted
+    shellcheck -x -a dev && our_scripts | xargs shellcheck --exclude=SC2016    # another shell expands what is quoted
 }
 
 # check_tidy [PATTERN [OPTION of clang-tidy...]]: the sources whose names match, all by default, the largest first.
@@ -32,8 +42,7 @@ check_tidy() {
 # lint [PATTERN [OPTION of clang-tidy...]]
 lint() {
     if [ "$(debian_release)" != "$lint_release" ]; then
-        debian_tree "$lint_release"
-        check "Lint on Debian's $lint_release" in_debian "$lint_release" ./dev lint "$@"
+        check "Lint on Debian's $lint_release" on_lint_release ./dev lint "$@"
         return
     fi
     check "shellcheck" check_scripts
@@ -43,12 +52,13 @@ lint() {
 
 cmd_lint() {
     install_packages
-    need "${lint_packages[@]}"
+    [ "$(debian_release)" != "$lint_release" ] || need "${lint_packages[@]}"
     lint "$@"
     [ "$failed" -eq 0 ]
 }
 
 cmd_format() {
-    need "${lint_packages[@]}"
-    our_sources | xargs clang-format -i
+    local sources
+    mapfile -t sources < <(our_sources)
+    on_lint_release clang-format -i "${sources[@]}"
 }

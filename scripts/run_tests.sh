@@ -11,7 +11,7 @@ start_tests() {
     say "Testing $preset"
     rm -rf "$results"
     mkdir -p "$results"
-    ctest --preset "$preset" -j "$jobs" --output-junit "$PWD/$results/ctest.xml" "$@" || true
+    GTEST_BRIEF=1 ctest --preset "$preset" -j "$jobs" --output-junit "$PWD/$results/ctest.xml" "$@" || true
 }
 
 count_tests() {
