@@ -1,6 +1,7 @@
 // Image records: one block for the record, one for its pixels.
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 
 #include "OPCV_dlib.h"
 #include "core/pixel_memory.h"
@@ -14,29 +15,30 @@ int64_t packedRow24(int64_t width) { return 3 * width; }
 // Joined images keep their 24-bit rows on four-byte boundaries.
 int64_t paddedRow24(int64_t width) { return (24 * width + 31) / 32 * 4; }
 
-// False for a depth that has no row rule.
-bool bytesOfRow(int64_t width, unsigned char depth, int64_t (*row24)(int64_t), int64_t& rowBytes) {
+// Nothing for a depth that has no row rule.
+std::optional<int64_t> bytesOfRow(int64_t width, unsigned char depth, int64_t (*row24)(int64_t)) {
     switch (depth) {
-        case 1: rowBytes = roundUpTo16((width + 7) >> 3); return true;
+        case 1: return roundUpTo16((width + 7) >> 3);
         case 8:
-        case 40: rowBytes = roundUpTo16(width); return true;
-        case 24: rowBytes = row24(width); return true;
-        case 32: rowBytes = roundUpTo16(4 * width); return true;
-        default: return false;
+        case 40: return roundUpTo16(width);
+        case 24: return row24(width);
+        case 32: return roundUpTo16(4 * width);
+        default: return std::nullopt;
     }
 }
 
 bool fitsInt32(int64_t value) { return value >= INT32_MIN && value <= INT32_MAX; }
 
-OSErr createRecord(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*row24)(int64_t)) {
+OSErr createInSlot(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*row24)(int64_t)) {
     if (!r || !out) return noErr;
     const int64_t width = int64_t{r->right} - r->left;
     const int64_t height = int64_t{r->bottom} - r->top;
-    int64_t rowBytes = 0;
-    if (!bytesOfRow(width, depth, row24, rowBytes)) return noErr;
+    const std::optional<int64_t> bytes = bytesOfRow(width, depth, row24);
+    if (!bytes) return noErr;
+    const int64_t rowBytes = *bytes;
 
     // Width, height and row are below 2^35 each, so only the last product needs the guard of the tests before it. A
-    // negative size is memory that cannot be had.
+    // negative size counts as too large.
     void* pixels = nullptr;
     if (fitsInt32(width) && fitsInt32(height) && fitsInt32(rowBytes) && rowBytes * height >= 0 &&
         rowBytes * height <= INT32_MAX)
@@ -61,11 +63,11 @@ OSErr createRecord(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*
 void KVSetRect(KVRect* r, int left, int top, int right, int bottom) { *r = {top, left, bottom, right}; }
 
 OSErr CreateNewKVIMGPtr(KVIMG** out, const KVRect* r, unsigned char depth) {
-    return createRecord(out, r, depth, packedRow24);
+    return createInSlot(out, r, depth, packedRow24);
 }
 
 OSErr CreateNewKVIMGPtrForUnite(KVIMG** out, const KVRect* r, unsigned char depth) {
-    return createRecord(out, r, depth, paddedRow24);
+    return createInSlot(out, r, depth, paddedRow24);
 }
 
 void DisposeKVIMG(KVIMG* img) {

@@ -40,10 +40,12 @@ private:
     bool handedOver_ = false;
 };
 
-// CreateNewKVIMGPtr into an owner. A depth that has no row rule leaves the owner empty, with noErr.
-inline OSErr createRecord(const KVRect& r, unsigned char depth, RecordPtr& record) {
+// A new record in an owner, from CreateNewKVIMGPtr or its sibling. A depth that has no row rule leaves the owner empty,
+// with noErr.
+inline OSErr createRecord(const KVRect& r, unsigned char depth, RecordPtr& record,
+                          decltype(CreateNewKVIMGPtr)* create = CreateNewKVIMGPtr) {
     KVIMG* made = nullptr;
-    const OSErr err = CreateNewKVIMGPtr(&made, &r, depth);
+    const OSErr err = create(&made, &r, depth);
     record.reset(made);
     return err;
 }

@@ -25,11 +25,10 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
     if (const OSErr err = opcv::viewOf(srcDst, step, CV_8UC3, roi, region)) return err;
 
     constexpr int kWidestDirect = 16;    // OpenCV's running sums do not grow with the width
-    filters::MeanRule rule;
-    if (mask.width <= kWidestDirect && canFilterInPlace(step, mask, anchor) &&
-        filters::findMeanRule(int64_t{mask.width} * mask.height, rule))
-        return filters::filterBox24({view.data, srcDst, step, 3 * roi.width, roi.height}, mask, rule) ? noErr
-                                                                                                      : memFullErr;
+    const std::optional<filters::MeanRule> rule = filters::meanRuleOf(int64_t{mask.width} * mask.height);
+    if (mask.width <= kWidestDirect && canFilterInPlace(step, mask, anchor) && rule)
+        return filters::filterBox24({view.data, srcDst, step, 3 * roi.width, roi.height}, mask, *rule) ? noErr
+                                                                                                       : memFullErr;
 
     // Isolated: OpenCV must not read the pixels around the view. They reach none of the region.
     ResultMatrix filtered;

@@ -122,19 +122,20 @@ bool agree(const filters::MeanRule& rule, const Reciprocal& reciprocal, int64_t 
 
 }    // namespace
 
-bool filters::findMeanRule(int64_t area, MeanRule& rule) {
-    if (area < 3 || area > 256) return false;
+std::optional<filters::MeanRule> filters::meanRuleOf(int64_t area) {
+    if (area < 3 || area > 256) return std::nullopt;
     const Reciprocal reciprocal(area);
     int dropped = 0;
     while (reciprocal.multiplier >> dropped > UINT16_MAX) ++dropped;
+    MeanRule rule;
     rule.addend = static_cast<uint16_t>(reciprocal.addend);
     rule.shift = 23 - 16 - dropped;
     // Either the multiplier rounded up or the one rounded down does for every area.
     for (const int64_t multiplier : {-(-reciprocal.multiplier >> dropped), reciprocal.multiplier >> dropped}) {
         rule.multiplier = static_cast<uint16_t>(multiplier);
-        if (multiplier <= UINT16_MAX && agree(rule, reciprocal, area)) return true;
+        if (multiplier <= UINT16_MAX && agree(rule, reciprocal, area)) return rule;
     }
-    return false;
+    return std::nullopt;
 }
 
 bool filters::filterBox24(const BoxRegion& region, IppiSize mask, const MeanRule& rule) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "OPCV_dlib.h"
 
@@ -15,8 +16,8 @@ struct MeanRule {
     int shift = 0;              // is shifted
 };
 
-// False if no 16-bit multiplier gives OpenCV's means for masks of this many pixels; so for 1, 2 and more than 256.
-bool findMeanRule(int64_t area, MeanRule& rule);
+// Nothing if no 16-bit multiplier gives OpenCV's means for masks of this many pixels; so for 1, 2 and more than 256.
+std::optional<MeanRule> meanRuleOf(int64_t area);
 
 struct BoxRegion {
     const uint8_t* window;    // first element of the first row under the mask

@@ -4,6 +4,7 @@
 // Three kernels run over the packed pixels in one pass. Large ones, which OpenCV may transform, filter channel by channel.
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "core/Tools.h"
 #include "filters/colour_image.h"
@@ -21,14 +22,11 @@ struct Inside {
     size_t cells() const { return static_cast<size_t>(kernel.width) * static_cast<size_t>(kernel.height); }
 };
 
-// False if there is no such part.
-bool findInside(IppiSize size, int radius, Inside& inside) {
+std::optional<Inside> insideOf(IppiSize size, int radius) {
     const int64_t side = 2 * int64_t{radius};
-    if (radius < 0 || size.width <= side || size.height <= side) return false;
-    inside.roi = {size.width - 2 * radius, size.height - 2 * radius};
-    inside.kernel = {2 * radius + 1, 2 * radius + 1};
-    inside.anchor = {radius, radius};
-    return true;
+    if (radius < 0 || size.width <= side || size.height <= side) return std::nullopt;
+    return Inside{
+        {size.width - 2 * radius, size.height - 2 * radius}, {2 * radius + 1, 2 * radius + 1}, {radius, radius}};
 }
 
 constexpr int kLargestDirectRadius = 3;    // 49 cells; from 50 on OpenCV may take a Fourier transform
@@ -63,18 +61,18 @@ OSErr filterChannelByChannel(const unsigned char* src, unsigned char* dst, IppiS
 
 void Convolution24MonoFilter(const unsigned char* src, unsigned char* dst, IppiSize size, int radius,
                              const float* kernel) {
-    Inside inside{};
-    if (!src || !dst || !findInside(size, radius, inside)) return;
+    const std::optional<Inside> inside = insideOf(size, radius);
+    if (!src || !dst || !inside) return;
     const int64_t step = 3 * int64_t{size.width};
     if (step > INT32_MAX) return;
     const ptrdiff_t offset = radius * (step + 3);
-    IPPMini_ippiFilter32f_8u_C3R(src + offset, static_cast<int>(step), dst + offset, static_cast<int>(step), inside.roi,
-                                 kernel, inside.kernel, inside.anchor);
+    IPPMini_ippiFilter32f_8u_C3R(src + offset, static_cast<int>(step), dst + offset, static_cast<int>(step),
+                                 inside->roi, kernel, inside->kernel, inside->anchor);
 }
 
 bool Convolution24(const unsigned char* src, unsigned char* dst, IppiSize size, int radius, const float* kernels) {
-    Inside inside{};
-    if (!src || !dst || !kernels || !filters::isColourImage(size) || !findInside(size, radius, inside)) return false;
+    const std::optional<Inside> inside = insideOf(size, radius);
+    if (!src || !dst || !kernels || !inside || !filters::isColourImage(size)) return false;
 
     const ptrdiff_t step = 3 * ptrdiff_t{size.width};
     PixelBlock copy;
@@ -82,9 +80,9 @@ bool Convolution24(const unsigned char* src, unsigned char* dst, IppiSize size, 
     if (!source) return false;
 
     if (radius > kLargestDirectRadius || !filters::sumsAsOpenCVDoes())
-        return filterChannelByChannel(source, dst, size, kernels, inside) == noErr;
+        return filterChannelByChannel(source, dst, size, kernels, *inside) == noErr;
     filters::copyRing(source, dst, size, radius);
-    filters::convolve8u(source, step, dst + radius * (step + 3), step, {3 * inside.roi.width, inside.roi.height},
-                        tapsOf(kernels, inside));
+    filters::convolve8u(source, step, dst + radius * (step + 3), step, {3 * inside->roi.width, inside->roi.height},
+                        tapsOf(kernels, *inside));
     return true;
 }

@@ -41,11 +41,11 @@ public:
     }
 
     // Whether all positions of an image with sides up to 32767 are finite and far inside the range of int.
-    bool isTame() const {
+    bool isWellConditioned() const {
         constexpr double kFar = 1 << 19;
-        const auto tame = [](double part) { return std::abs(part) <= kFar; };
-        return tame(x0_) && tame(y0_) && tame(xx_ * kLongest) && tame(xy_ * kLongest) && tame(yx_ * kLongest) &&
-               tame(yy_ * kLongest);
+        const auto isNear = [](double part) { return std::abs(part) <= kFar; };
+        return isNear(x0_) && isNear(y0_) && isNear(xx_ * kLongest) && isNear(xy_ * kLongest) &&
+               isNear(yx_ * kLongest) && isNear(yy_ * kLongest);
     }
 
     MapPosition column(int x) const {

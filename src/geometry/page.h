@@ -19,7 +19,9 @@ struct Page {
 inline OSErr describePage(const KVIMG* src, KVImageDescriptionHandle description, Page& page) {
     if (!src || !description || !*description) return paramErr;
     const KVImageDescription& d = **description;
-    if (!pageFormatOf(d.depth, page.format)) return rotateFailedErr;
+    const std::optional<PageFormat> format = pageFormatOf(d.depth);
+    if (!format) return rotateFailedErr;
+    page.format = *format;
     page.record = src;
     page.width = d.width;
     page.height = d.height;

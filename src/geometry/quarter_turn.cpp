@@ -1,6 +1,7 @@
 // Turns of a page record by multiples of 90 degrees.
 #include <cmath>
 #include <opencv2/core.hpp>
+#include <optional>
 
 #include "core/ownership.h"
 #include "core/region.h"
@@ -12,16 +13,16 @@ namespace {
 enum class Turn { kQuarterClockwise, kHalf, kQuarterCounterClockwise };
 
 // A positive angle turns clockwise here, against the deskew functions. The fraction is dropped, so that 90.9 is 90.
-bool turnOf(double angle, Turn& turn) {
-    if (!(std::abs(angle) < 360)) return false;
+std::optional<Turn> turnOf(double angle) {
+    if (!(std::abs(angle) < 360)) return std::nullopt;
     switch (static_cast<int>(angle)) {
         case 90:
-        case -270: turn = Turn::kQuarterClockwise; return true;
+        case -270: return Turn::kQuarterClockwise;
         case 180:
-        case -180: turn = Turn::kHalf; return true;
+        case -180: return Turn::kHalf;
         case 270:
-        case -90: turn = Turn::kQuarterCounterClockwise; return true;
-        default: return false;
+        case -90: return Turn::kQuarterCounterClockwise;
+        default: return std::nullopt;
     }
 }
 
@@ -57,14 +58,14 @@ OSErr RotateImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description,
     RecordSlot slot(dst);
     Page page;
     if (const OSErr err = describePage(src, description, page)) return err;
-    Turn turn = Turn::kHalf;
-    if (!turnOf(angle, turn)) return badAngleErr;
+    const std::optional<Turn> turn = turnOf(angle);
+    if (!turn) return badAngleErr;
 
     const KVRect upright = page.bounds();
     const KVRect onItsSide = {0, 0, page.width, page.height};
     RecordPtr turned;
-    if (const OSErr err = createRecord(turn == Turn::kHalf ? upright : onItsSide, page.depth, turned)) return err;
-    if (const OSErr err = turnPage(page, *turned, turn)) return err;
+    if (const OSErr err = createRecord(*turn == Turn::kHalf ? upright : onItsSide, page.depth, turned)) return err;
+    if (const OSErr err = turnPage(page, *turned, *turn)) return err;
     slot.handOver(std::move(turned));
     return noErr;
 }

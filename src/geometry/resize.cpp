@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <opencv2/imgproc.hpp>
+#include <optional>
 #include <utility>
 
 #include "core/Tools.h"
@@ -19,11 +20,10 @@ namespace {
 
 bool fitsInt(int64_t value) { return value >= INT_MIN && value <= INT_MAX; }
 
-// A conversion that would leave the type differs between processors, so the range comes first.
-bool truncateToInt(double value, int& truncated) {
-    if (value <= double{INT_MIN} - 1 || value >= double{INT_MAX} + 1) return false;
-    truncated = std::isnan(value) ? 0 : static_cast<int>(value);
-    return true;
+// A conversion that would leave the type differs between processors, so the range comes first. Not a number becomes 0.
+std::optional<int> truncatedToInt(double value) {
+    if (value <= double{INT_MIN} - 1 || value >= double{INT_MAX} + 1) return std::nullopt;
+    return std::isnan(value) ? 0 : static_cast<int>(value);
 }
 
 OSErr viewOf(const KVIMG& record, int type, cv::Mat& view) {
@@ -72,20 +72,18 @@ void resizeInto(const cv::Mat& from, cv::Mat& to) {
 }
 
 OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
-    int width = 0;
-    int height = 0;
-    if (!truncateToInt(scale * src.width, width) || !truncateToInt(scale * src.height, height))
-        width = height = INT_MAX;    // as little a record's size
-    KVRect bounds;
-    KVSetRect(&bounds, 0, 0, width, height);
+    const std::optional<int> width = truncatedToInt(scale * src.width);
+    const std::optional<int> height = truncatedToInt(scale * src.height);
+    KVRect bounds = {0, 0, INT_MAX, INT_MAX};    // larger than any record
+    if (width && height) bounds = {0, 0, *height, *width};
     if (const OSErr err = createRecord(bounds, static_cast<unsigned char>(src.depth), scaled)) return err;
 
-    PageFormat format;
-    if (!pageFormatOf(src.depth, format)) return rotateFailedErr;
+    const std::optional<PageFormat> format = pageFormatOf(src.depth);
+    if (!format) return rotateFailedErr;
     cv::Mat from;
-    if (const OSErr err = viewOf(src, format.type, from)) return err;
+    if (const OSErr err = viewOf(src, format->type, from)) return err;
     cv::Mat to;
-    if (const OSErr err = viewOf(*scaled, format.type, to)) return err;
+    if (const OSErr err = viewOf(*scaled, format->type, to)) return err;
     resizeInto(from, to);
     return noErr;
 }
@@ -97,15 +95,13 @@ struct Span {
     int count;    // how many the rectangle takes
 };
 
-bool place(double shift, int start, int count, Span& span) {
-    int by = 0;
-    const double rounded = std::round(shift);
-    if (std::isnan(rounded) || !truncateToInt(rounded, by)) return false;
-    const int64_t skipped = by < 0 ? -int64_t{by} : 0;
-    const int64_t moved = by < 0 ? 0 : by;
-    if (!fitsInt(skipped) || !fitsInt(start + moved) || !fitsInt(count - moved)) return false;
-    span = {static_cast<int>(skipped), static_cast<int>(start + moved), static_cast<int>(count - moved)};
-    return true;
+std::optional<Span> spanOf(double shift, int start, int count) {
+    const std::optional<int> by = truncatedToInt(std::round(shift));
+    if (std::isnan(shift) || !by) return std::nullopt;
+    const int64_t skipped = *by < 0 ? -int64_t{*by} : 0;
+    const int64_t moved = *by < 0 ? 0 : *by;
+    if (!fitsInt(skipped) || !fitsInt(start + moved) || !fitsInt(count - moved)) return std::nullopt;
+    return Span{static_cast<int>(skipped), static_cast<int>(start + moved), static_cast<int>(count - moved)};
 }
 
 struct Factors {
@@ -113,14 +109,14 @@ struct Factors {
     double y;
 };
 
-struct Placement {
+struct Spans {
     Span columns;
     Span rows;
 };
 
 // Computes only what is placed, straight to where it goes. False, with nothing written, where that cannot be done or
 // the arguments are refused.
-bool placeDirectly(const cv::Mat& from, Factors factors, const Placement& at, unsigned char* dst, int dstStep) {
+bool placeDirectly(const cv::Mat& from, Factors factors, const Spans& at, unsigned char* dst, int dstStep) {
     const double width = from.cols * factors.x;
     const double height = from.rows * factors.y;
     if (!(width > 0 && width < INT_MAX && height > 0 && height < INT_MAX)) return false;
@@ -142,17 +138,16 @@ OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcS
     if (!opcv::fitsIn(srcSize, srcRoi)) return paramErr;
     cv::Mat from;
     if (const OSErr err = opcv::viewOf(src, srcStep, CV_8UC1, srcRoi, from)) return err;
-    Placement at{};
-    const bool placed =
-        place(xShift, dstRoi.x, dstRoi.width, at.columns) && place(yShift, dstRoi.y, dstRoi.height, at.rows);
-    if (placed && placeDirectly(from, factors, at, dst, dstStep)) return noErr;
+    const std::optional<Span> columns = spanOf(xShift, dstRoi.x, dstRoi.width);
+    const std::optional<Span> rows = spanOf(yShift, dstRoi.y, dstRoi.height);
+    if (columns && rows && placeDirectly(from, factors, {*columns, *rows}, dst, dstStep)) return noErr;
 
     ResultMatrix scaled;
     opcv::withOpenCVThreads([&] { cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR); });
     if (!scaled.data) return memFullErr;
-    if (!placed) return paramErr;
-    return Tools::CopyImageMatData(scaled, cv::Point(at.columns.from, at.rows.from), dst, dstStep,
-                                   cv::Point(at.columns.to, at.rows.to), cv::Size(at.columns.count, at.rows.count));
+    if (!columns || !rows) return paramErr;
+    return Tools::CopyImageMatData(scaled, cv::Point(columns->from, rows->from), dst, dstStep,
+                                   cv::Point(columns->to, rows->to), cv::Size(columns->count, rows->count));
 }
 
 OSErr resizeToFit(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,

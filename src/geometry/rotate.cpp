@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <opencv2/imgproc.hpp>
+#include <optional>
 
 #include "core/Tools.h"
 #include "core/region.h"
@@ -29,7 +30,7 @@ struct Target {
 };
 
 // Where the read-out rectangle lies in the work image, and how far the source region is padded so that it does.
-struct Placement {
+struct WorkArea {
     int64_t x = 0, y = 0;
     int64_t left = 0, top = 0, right = 0, bottom = 0;
 
@@ -44,46 +45,48 @@ bool isShift(float rounded) { return rounded >= static_cast<float>(INT_MIN) && r
 
 // The point that lands on the target's first pixel is minus the shift; the fraction of the shift is dropped on purpose,
 // as sub-pixel placement would blur a page that is only moved.
-bool place(float xShift, float yShift, const IppiRect& src, const IppiRect& dst, Placement& p) {
+std::optional<WorkArea> workAreaOf(float xShift, float yShift, const IppiRect& src, const IppiRect& dst) {
     const float x = std::round(xShift);
     const float y = std::round(yShift);
-    if (!isShift(x) || !isShift(y)) return false;
-    p.x = -static_cast<int64_t>(x);
-    p.y = -static_cast<int64_t>(y);
-    p.left = std::max<int64_t>(-p.x, 0);
-    p.top = std::max<int64_t>(-p.y, 0);
-    p.x = std::max<int64_t>(p.x, 0);
-    p.y = std::max<int64_t>(p.y, 0);
-    p.right = std::max<int64_t>(p.x + dst.width - p.left - src.width, 0);
-    p.bottom = std::max<int64_t>(p.y + dst.height - p.top - src.height, 0);
-    return p.fitsInt(src);
+    if (!isShift(x) || !isShift(y)) return std::nullopt;
+    WorkArea area;
+    area.x = -static_cast<int64_t>(x);
+    area.y = -static_cast<int64_t>(y);
+    area.left = std::max<int64_t>(-area.x, 0);
+    area.top = std::max<int64_t>(-area.y, 0);
+    area.x = std::max<int64_t>(area.x, 0);
+    area.y = std::max<int64_t>(area.y, 0);
+    area.right = std::max<int64_t>(area.x + dst.width - area.left - src.width, 0);
+    area.bottom = std::max<int64_t>(area.y + dst.height - area.top - src.height, 0);
+    if (!area.fitsInt(src)) return std::nullopt;
+    return area;
 }
 
 // Turns the region where it lies in the work image and takes the target out of the result.
 struct Turn {
     cv::Mat region;
-    Placement place;
+    WorkArea area;
     cv::Point2f centre;
     double angle;
     const cv::Scalar& border;
     const Target& target;
 
     cv::Size workSize() const {
-        return {region.cols + static_cast<int>(place.left + place.right),
-                region.rows + static_cast<int>(place.top + place.bottom)};
+        return {region.cols + static_cast<int>(area.left + area.right),
+                region.rows + static_cast<int>(area.top + area.bottom)};
     }
-    cv::Point origin() const { return {static_cast<int>(place.x), static_cast<int>(place.y)}; }
+    cv::Point origin() const { return {static_cast<int>(area.x), static_cast<int>(area.y)}; }
 };
 
 OSErr turnByOpenCV(const Turn& turn) {
     // The border is not isolated: where the source image goes on around the region, its pixels come before the value.
-    const Placement& p = turn.place;
+    const WorkArea& area = turn.area;
     ResultMatrix work;
-    if (!p.padded())
+    if (!area.padded())
         work = turn.region;
     else
-        cv::copyMakeBorder(turn.region, work, static_cast<int>(p.top), static_cast<int>(p.bottom),
-                           static_cast<int>(p.left), static_cast<int>(p.right), cv::BORDER_CONSTANT, turn.border);
+        cv::copyMakeBorder(turn.region, work, static_cast<int>(area.top), static_cast<int>(area.bottom),
+                           static_cast<int>(area.left), static_cast<int>(area.right), cv::BORDER_CONSTANT, turn.border);
     if (!work.data) return memFullErr;
 
     const cv::Matx23d matrix = cv::getRotationMatrix2D_(turn.centre, turn.angle, 1.0);
@@ -100,7 +103,7 @@ OSErr turnByOpenCV(const Turn& turn) {
 // What the kernel covers. OpenCV refuses longer images by an exception, which callers get from it.
 bool isDirect(int type, cv::Size work, const AffineMap& map) {
     const bool knownType = type == CV_8UC1 || type == CV_8UC3 || type == CV_8UC4;
-    return knownType && work.width < SHRT_MAX && work.height < SHRT_MAX && map.isTame();
+    return knownType && work.width < SHRT_MAX && work.height < SHRT_MAX && map.isWellConditioned();
 }
 
 // The padding is never made: what counts as image is a larger view, and all around it lies the border.
@@ -112,21 +115,21 @@ OSErr turnDirectly(const Turn& turn, AffineMap map) {
     if (const OSErr err = opcv::viewOf(turn.target.pixels, turn.target.step, turn.region.type(), covered, to))
         return err;
 
-    const Placement& p = turn.place;
+    const WorkArea& area = turn.area;
     cv::Size whole;
     cv::Point regionAt;
     turn.region.locateROI(whole, regionAt);
     cv::Mat from = turn.region;
-    if (p.padded())
-        from.adjustROI(static_cast<int>(p.top), static_cast<int>(p.bottom), static_cast<int>(p.left),
-                       static_cast<int>(p.right));
+    if (area.padded())
+        from.adjustROI(static_cast<int>(area.top), static_cast<int>(area.bottom), static_cast<int>(area.left),
+                       static_cast<int>(area.right));
     if (opcv::overlap(from, to)) return turnByOpenCV(turn);
     cv::Point fromAt;
     from.locateROI(whole, fromAt);
 
     RotationJob job;
-    map.moveOrigins(turn.origin().x, turn.origin().y, static_cast<int>(p.left) - (regionAt.x - fromAt.x),
-                    static_cast<int>(p.top) - (regionAt.y - fromAt.y));
+    map.moveOrigins(turn.origin().x, turn.origin().y, static_cast<int>(area.left) - (regionAt.x - fromAt.x),
+                    static_cast<int>(area.top) - (regionAt.y - fromAt.y));
     job.map = map;
     job.source = from.data;
     job.sourceStep = static_cast<ptrdiff_t>(from.step[0]);
@@ -151,11 +154,12 @@ OSErr run(const Turn& turn) {
 OSErr rotate(const Image& source, const Target& target, double angle, float xShift, float yShift,
              const cv::Scalar& border) {
     if (!opcv::fitsIn(source.size, source.roi)) return paramErr;
-    Placement p;
-    if (!place(xShift, yShift, source.roi, target.roi, p)) return paramErr;
+    const std::optional<WorkArea> area = workAreaOf(xShift, yShift, source.roi, target.roi);
+    if (!area) return paramErr;
     cv::Mat region;
     if (const OSErr err = opcv::viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
-    return run({region, p, cv::Point2f(static_cast<float>(p.left), static_cast<float>(p.top)), angle, border, target});
+    const cv::Point2f centre(static_cast<float>(area->left), static_cast<float>(area->top));
+    return run({region, *area, centre, angle, border, target});
 }
 
 OSErr rotateAbout(const Image& source, const Target& target, double angle, cv::Point2f centre,
@@ -163,7 +167,7 @@ OSErr rotateAbout(const Image& source, const Target& target, double angle, cv::P
     if (!opcv::fitsIn(source.size, source.roi)) return paramErr;
     cv::Mat region;
     if (const OSErr err = opcv::viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
-    return run({region, Placement(), centre, angle, border, target});
+    return run({region, WorkArea(), centre, angle, border, target});
 }
 
 OSErr rotateOnBlack(const Image& source, const Target& target, double angle, double xShift, double yShift,

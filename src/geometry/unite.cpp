@@ -33,11 +33,9 @@ OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* sr
     if (!dstHeader || !srcHeader || !unitedRecord) return uniteFailedErr;
     const unsigned char depth = firstByteOfDepth(*dstHeader);
     const KVRect canvas = {0, 0, dstHeader->height, dstHeader->width};
-    KVIMG* made = nullptr;
-    const OSErr err = CreateNewKVIMGPtrForUnite(&made, &canvas, depth);
-    RecordPtr united(made);
-    PageFormat format;
-    if (err != noErr || !pageFormatOf(depth, format)) return uniteFailedErr;
+    const std::optional<PageFormat> format = pageFormatOf(depth);
+    RecordPtr united;
+    if (!format || createRecord(canvas, depth, united, CreateNewKVIMGPtrForUnite) != noErr) return uniteFailedErr;
     dstHeader->pixels = united->data;
     if (!staysWithin(*united, dstHeader->rowStep)) return uniteFailedErr;
 
@@ -55,7 +53,7 @@ OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* sr
     const IppiRect target = {0, 0, dstHeader->width, dstHeader->height};
     const IppStatus status = ippiRotate(srcHeader->pixels, size, srcHeader->rowStep, all, dstHeader->pixels,
                                         dstHeader->rowStep, target, turn, static_cast<float>(xShift),
-                                        static_cast<float>(yShift), kLinearSmoothEdge, format.type, format.white);
+                                        static_cast<float>(yShift), kLinearSmoothEdge, format->type, format->white);
     if (status != ippStsNoErr) return uniteFailedErr;
     *unitedRecord = united.release();
     return noErr;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "OPCV_dlib.h"
@@ -93,13 +94,10 @@ struct Mode {
 };
 constexpr Mode kModes[] = {{0, 15, 14, 15}, {286, 50, 35, 45}, {389, 67, 55, 67}, {450, 80, 70, 80}, {788, 95, 95, 95}};
 
-bool qualityOf(int code, int Mode::*column, int& quality) {
+std::optional<int> qualityOf(int code, int Mode::*column) {
     for (const Mode& mode : kModes)
-        if (mode.code == code) {
-            quality = mode.*column;
-            return true;
-        }
-    return false;
+        if (mode.code == code) return mode.*column;
+    return std::nullopt;
 }
 
 Style withOwnTables(int depth, int quality) {
@@ -113,13 +111,13 @@ using StyleOfDepth = Style (*)(int depth, int quality);
 OSErr compressRecord(const KVIMG* image, Resolution resolution, int mode, int Mode::*column, StyleOfDepth styleOfDepth,
                      void** outData, unsigned* outSize) {
     if (!outData || !outSize || !image || !image->data || image->width <= 0 || image->height <= 0) return paramErr;
-    int quality = 0;
-    if (!qualityOf(mode, column, quality)) return paramErr;
+    const std::optional<int> quality = qualityOf(mode, column);
+    if (!quality) return paramErr;
     if (image->depth != 8 && image->depth != 24) return paramErr;
 
     const Raster raster = {image->data, image->rowBytes, image->width, image->height};
     BlockDestination stream;
-    if (!encode(raster, styleOfDepth(image->depth, quality), resolution, stream)) return memFullErr;
+    if (!encode(raster, styleOfDepth(image->depth, *quality), resolution, stream)) return memFullErr;
     if (stream.length() > UINT_MAX) return memFullErr;
     *outSize = static_cast<unsigned>(stream.length());
     *outData = stream.take().release();

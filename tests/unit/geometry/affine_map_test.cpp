@@ -52,7 +52,7 @@ TEST(AffineMap, OfASingularMatrixLeadsToTheOrigin) {
     const MapPosition at = map.column(100) + map.row(90);
     EXPECT_EQ(at.x, 16);
     EXPECT_EQ(at.y, 16);
-    EXPECT_TRUE(map.isTame());
+    EXPECT_TRUE(map.isWellConditioned());
 }
 
 TEST(AffineMap, MovedOriginsShiftBothImages) {
@@ -78,19 +78,19 @@ TEST(AffineMap, IsTameUpToItsLimitInEachPart) {
     constexpr double kFar = 1 << 19;
     const double beyond = std::nextafter(kFar, 2 * kFar);
     for (const double sign : {1.0, -1.0}) {
-        EXPECT_TRUE(scaled(1, 1, sign * kFar, 0).isTame());
-        EXPECT_FALSE(scaled(1, 1, sign * beyond, 0).isTame());
-        EXPECT_TRUE(scaled(1, 1, 0, sign * kFar).isTame());
-        EXPECT_FALSE(scaled(1, 1, 0, sign * beyond).isTame());
+        EXPECT_TRUE(scaled(1, 1, sign * kFar, 0).isWellConditioned());
+        EXPECT_FALSE(scaled(1, 1, sign * beyond, 0).isWellConditioned());
+        EXPECT_TRUE(scaled(1, 1, 0, sign * kFar).isWellConditioned());
+        EXPECT_FALSE(scaled(1, 1, 0, sign * beyond).isWellConditioned());
         // 16 times 32767 is below 2^19, 32 times is not.
-        EXPECT_TRUE(scaled(sign * 16, 1, 0, 0).isTame());
-        EXPECT_FALSE(scaled(sign * 32, 1, 0, 0).isTame());
-        EXPECT_TRUE(scaled(1, sign * 16, 0, 0).isTame());
-        EXPECT_FALSE(scaled(1, sign * 32, 0, 0).isTame());
-        EXPECT_TRUE(crossed(sign * 16, 1).isTame());
-        EXPECT_FALSE(crossed(sign * 32, 1).isTame());
-        EXPECT_TRUE(crossed(1, sign * 16).isTame());
-        EXPECT_FALSE(crossed(1, sign * 32).isTame());
+        EXPECT_TRUE(scaled(sign * 16, 1, 0, 0).isWellConditioned());
+        EXPECT_FALSE(scaled(sign * 32, 1, 0, 0).isWellConditioned());
+        EXPECT_TRUE(scaled(1, sign * 16, 0, 0).isWellConditioned());
+        EXPECT_FALSE(scaled(1, sign * 32, 0, 0).isWellConditioned());
+        EXPECT_TRUE(crossed(sign * 16, 1).isWellConditioned());
+        EXPECT_FALSE(crossed(sign * 32, 1).isWellConditioned());
+        EXPECT_TRUE(crossed(1, sign * 16).isWellConditioned());
+        EXPECT_FALSE(crossed(1, sign * 32).isWellConditioned());
     }
     constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -98,7 +98,7 @@ TEST(AffineMap, IsTameUpToItsLimitInEachPart) {
         for (size_t part = 0; part < 6; ++part) {
             Matrix m = {1, 0, 0, 0, 1, 0};
             m.at(part) = bad;
-            EXPECT_FALSE(mapOf(m).isTame()) << part << ' ' << bad;
+            EXPECT_FALSE(mapOf(m).isWellConditioned()) << part << ' ' << bad;
         }
 }
 
