@@ -6,8 +6,6 @@
 #include <climits>
 #include <vector>
 
-#include "core/pixel_memory.h"
-
 namespace {
 
 constexpr int kStep = 60;
@@ -103,18 +101,6 @@ TEST(Region, RangesOverlapIfTheyShareAByte) {
     const cv::Mat below(3, 4, CV_8UC1, const_cast<uint8_t*>(&bytes[24]), 10);
     EXPECT_TRUE(opcv::overlap(rows, beside));
     EXPECT_FALSE(opcv::overlap(rows, below));
-}
-
-TEST(Planes, RowsAreMultiplesOf64Bytes) {
-    EXPECT_EQ(planeStep(1, 1), 64);
-    EXPECT_EQ(planeStep(64, 1), 64);
-    EXPECT_EQ(planeStep(65, 1), 128);
-    EXPECT_EQ(planeStep(22, 3), 128);
-    EXPECT_TRUE(planeFits(1, (INT_MAX / 64), 3));
-    EXPECT_FALSE(planeFits(1, (INT_MAX / 64) + 1, 3));
-    EXPECT_FALSE(planeFits(INT_MAX, 1, 3));
-    EXPECT_FALSE(planeFits(INT_MAX, 1, 1));
-    EXPECT_TRUE(planeFits(INT_MAX - 63, 1, 1));
 }
 
 }    // namespace
