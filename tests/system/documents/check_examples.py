@@ -1,7 +1,7 @@
 """Checks that the programs in the documents are files that the tests build and run.
 
 Every fenced block of a programming language in README.md and docs/*.md must equal a file in examples/readme or
-examples/guide, and every file there must be shown in a document.
+examples/guide without its licence, and every file there must be shown in a document.
 """
 import pathlib
 import re
@@ -10,7 +10,13 @@ import sys
 LANGUAGES = {"c": ".c", "cpp": ".cpp", "python": ".py"}
 
 root = pathlib.Path(sys.argv[1])
-programs = {path: path.read_text(encoding="utf-8")
+
+
+def without_licence(text):
+    return re.sub(r"\A(#!.*\n)?((//|#) SPDX-.*\n)+\n", r"\1", text)
+
+
+programs = {path: without_licence(path.read_text(encoding="utf-8"))
             for folder in ("readme", "guide") for path in sorted((root / "examples" / folder).iterdir())}
 shown, faults = set(), []
 for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
