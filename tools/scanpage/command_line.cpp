@@ -3,28 +3,55 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <map>
 
+#include "escape.h"
 #include "filter.h"
+
+namespace {
+
+// The name of a page must not be taken for the name of the sheet, as in "--contact-sheet scans/*.jpg".
+std::string checkSheetName(const std::string& file) {
+    std::string ending = file.size() > 4 ? file.substr(file.size() - 4) : "";
+    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
+    return ending == ".png" ? "" : file + " does not end in .png; the option needs the name of the sheet";
+}
+
+int reportUsage(const CLI::App& app, const CLI::ParseError& e) {
+    if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        std::fputs(app.help().c_str(), stdout);
+        return kAllDone;
+    }
+    std::fprintf(stderr, "scanpage: %s\nscanpage --help prints the options.\n", escaped(e.what()).c_str());
+    return kUsage;
+}
+
+}    // namespace
 
 bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus) {
     Options& page = settings.page;
     std::vector<std::string> formats = {"jpeg"};
+    std::string damaged = "keep";
     bool nul = false;
 
     CLI::App app("Straightens scanned pages.", "scanpage");
     app.add_option("pages", settings.pages, "JPEG files")->type_name("PAGE.jpg");
     auto* list =
-        app.add_option("--from", settings.list, "File with the names of more pages, one a line; - is standard input")
+        app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
             ->type_name("LIST");
     app.add_flag("-0,--null", nul, "Names in the list end with a NUL character instead of a line feed");
-    app.add_option("-o,--output", page.directory, "Folder for the results")->required()->check(CLI::ExistingDirectory);
+    app.add_option("-o,--output", settings.folder, "Folder for the results")->required()->check(CLI::ExistingDirectory);
     app.add_option("--format", formats, "Results to write: jpeg, pbm, g4 (TIFF, CCITT group 4)")
         ->check(CLI::IsMember({"jpeg", "pbm", "g4"}))
         ->delimiter(',')
         ->allow_extra_args(false)
         ->capture_default_str();
-    app.add_flag("--resume", page.resume, "Leave pages alone whose results are all there");
+    app.add_flag("--resume", page.resume, "Keep results that are complete and made with the same options");
+    app.add_flag("--overwrite", settings.overwrite, "Replace files that scanpage did not make");
+    app.add_option("--damaged", damaged, "Damaged pages: keep what is left of them, or refuse them")
+        ->check(CLI::IsMember({"keep", "refuse"}))
+        ->capture_default_str();
     app.add_option("-j,--jobs", settings.jobs, "Pages at once")->check(CLI::Range(1, 256))->capture_default_str();
     auto* angle = app.add_option("--angle", page.angle,
                                  "Turn by this many degrees, counter-clockwise, instead of finding the skew");
@@ -43,29 +70,29 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
                    "Largest grey value that is black at 1 bit; chosen by histogram if not given")
         ->check(CLI::Range(0, 255));
     app.add_option("--contact-sheet", settings.contactSheet, "PNG with the first 50 pages before and after")
-        ->type_name("OUT.png");
-    app.add_flag("-v,--verbose", settings.verbose, "Say size, resolution and skew of each page on standard error");
+        ->type_name("OUT.png")
+        ->check(checkSheetName);
+    app.add_flag("-v,--verbose", settings.verbose, "Print size, resolution and skew of each page on standard error");
     app.footer(
-        "A line a page goes to standard output as the page is finished: file, status (done, kept, failed), skew in\n"
-        "degrees, milliseconds, bytes written, separated by tabs.\n"
-        "Exit status: 0 all pages are done or kept, 1 some failed, 2 wrong usage, 3 stopped before the last page.");
+        "Standard output gets a line for each page when the page is finished: file, status (done, kept, damaged,\n"
+        "failed), skew in degrees, milliseconds, bytes written, separated by tabs.\n"
+        "Exit status: 0 all pages are done or kept, 1 some are damaged or failed, 2 wrong usage, 3 stopped before the\n"
+        "last page.");
     try {
         app.parse(argc, argv);
         if (settings.pages.empty() && list->count() == 0) throw CLI::RequiredError("PAGE.jpg or --from");
         if (list->count() > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
         if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
     } catch (const CLI::ParseError& e) {
-        exitStatus = app.exit(e) == 0 ? kAllDone : kUsage;
+        exitStatus = reportUsage(app, e);
         return false;
     }
 
-    const auto asked = [&](const char* format) {
-        return std::find(formats.begin(), formats.end(), format) != formats.end();
-    };
+    static const std::map<std::string, Format> kFormats = {
+        {"jpeg", Format::kJpeg}, {"pbm", Format::kPbm}, {"g4", Format::kG4}};
+    for (const std::string& format : formats) page.formats.insert(kFormats.at(format));
     page.skewGiven = angle->count() > 0;
-    page.jpeg = asked("jpeg");
-    page.pbm = asked("pbm");
-    page.g4 = asked("g4");
+    page.refuseDamaged = damaged == "refuse";
     settings.separator = nul ? '\0' : '\n';
     return true;
 }

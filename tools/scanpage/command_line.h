@@ -6,14 +6,16 @@
 struct Settings {
     Options page;
     std::vector<std::string> pages;
-    std::string list;    // file with more of them; "-": standard input
+    std::string list;      // file with more of them; "-": standard input
+    std::string folder;    // for the results
+    bool overwrite = false;
     char separator = '\n';
     std::string contactSheet;
     int jobs = 1;
     bool verbose = false;
 };
 
-enum ExitStatus { kAllDone = 0, kSomeFailed = 1, kUsage = 2, kStopped = 3 };
+enum ExitStatus { kAllDone = 0, kSomeBad = 1, kUsage = 2, kStopped = 3 };
 
-// False if there is nothing to do: help was asked for, or the arguments are wrong. Then `exitStatus` is set.
+// False if there is nothing to do: help was asked for, or the arguments are wrong. `exitStatus` is set then.
 bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus);

@@ -6,19 +6,25 @@
 #include <string>
 #include <utility>
 
-#include "page.h"
 #include "pix.h"
+#include "results.h"
 
 class ContactSheet {
 public:
     static constexpr size_t kMostPages = 50;
 
+    // Throws if the file may not be written.
+    ContactSheet(const std::string& file, const Rules& rules);
+
     // Page number `index`, from any thread. Only small copies are kept.
     void add(size_t index, const KVIMG& before, const KVIMG& after);
 
-    void write(const std::string& file) const;
+    void write() const;
 
 private:
+    OutputFolder folder_;
+    std::string name_;
+    Rules rules_;
     std::mutex mutex_;
     std::map<size_t, std::pair<PixPtr, PixPtr>> rows_;
 };

@@ -6,11 +6,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "result_file.h"
-
 namespace {
 
-// PBM and fax mean black by a set bit, the library's packing means white.
+// A set bit is black in PBM and fax, and white in the library's packing.
 std::vector<uint8_t> invertedRow(const Bits& bits, int y) {
     const uint8_t* row = bits.bytes.data() + ptrdiff_t{y} * bits.step;
     std::vector<uint8_t> inverted(row, row + (bits.width + 7) / 8);
@@ -18,11 +16,15 @@ std::vector<uint8_t> invertedRow(const Bits& bits, int y) {
     return inverted;
 }
 
-// What libtiff takes for a file. Its fax coder passes over writes that fail, so they are made when it is done.
+void append(std::vector<uint8_t>& bytes, const std::string& text) {
+    bytes.insert(bytes.end(), text.begin(), text.end());
+}
+
+// The file that libtiff writes to.
 struct MemoryFile {
     std::vector<uint8_t> bytes;
     size_t position = 0;
-    bool lost = false;    // there was no memory for some of it
+    bool outOfMemory = false;
 };
 
 MemoryFile& fileOf(thandle_t handle) { return *static_cast<MemoryFile*>(handle); }
@@ -35,7 +37,7 @@ tmsize_t writeFile(thandle_t handle, void* data, tmsize_t size) {
     try {
         file.bytes.resize(std::max(end, file.bytes.size()));
     } catch (const std::bad_alloc&) {    // must not pass through libtiff
-        file.lost = true;
+        file.outOfMemory = true;
         return 0;
     }
     std::memcpy(file.bytes.data() + file.position, data, static_cast<size_t>(size));
@@ -54,57 +56,69 @@ int closeFile(thandle_t) { return 0; }
 
 toff_t sizeOfFile(thandle_t handle) { return fileOf(handle).bytes.size(); }
 
+// Where the first segment of a JPEG stream ends: the JFIF header must stay the first.
+size_t endOfFirstSegment(const uint8_t* stream) { return 4U + (static_cast<size_t>(stream[4]) << 8 | stream[5]); }
+
+std::string commentSegment(const std::string& text) {
+    const size_t length = text.size() + 2;
+    return std::string("\xFF\xFE") + static_cast<char>(length >> 8) + static_cast<char>(length & 255) + text;
+}
+
+void setTags(TIFF* tiff, const Bits& bits, const KVImageDescription& description, const std::string& mark) {
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, bits.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, bits.height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 1);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
+    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, bits.height);
+    TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
+    TIFFSetField(tiff, TIFFTAG_XRESOLUTION, static_cast<double>(description.horizontalResolution));
+    TIFFSetField(tiff, TIFFTAG_YRESOLUTION, static_cast<double>(description.verticalResolution));
+    TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, mark.c_str());
+}
+
 }    // namespace
 
-size_t writeJpeg(const KVIMG& page, KVImageDescriptionHandle description, int mode, const std::string& file) {
+std::vector<uint8_t> jpegFile(const KVIMG& page, KVImageDescriptionHandle description, int mode,
+                              const std::string& mark) {
     void* data = nullptr;
     unsigned size = 0;
     require(CompressJPEGEx(&page, description, mode, &data, &size), "compressing");
     const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
-    ResultFile out(file);
-    out.write(data, size);
-    return out.commit();
+    const auto* stream = static_cast<const uint8_t*>(data);
+    const size_t start = endOfFirstSegment(stream);
+    std::vector<uint8_t> file;
+    file.reserve(size + mark.size() + 4);
+    file.assign(stream, stream + start);
+    append(file, commentSegment(mark));
+    file.insert(file.end(), stream + start, stream + size);
+    return file;
 }
 
-size_t writePbm(const Bits& bits, const std::string& file) {
-    ResultFile out(file);
-    std::vector<uint8_t> bytes;
-    for (const char c : "P4\n" + std::to_string(bits.width) + ' ' + std::to_string(bits.height) + '\n')
-        bytes.push_back(static_cast<uint8_t>(c));
+std::vector<uint8_t> pbmFile(const Bits& bits, const std::string& mark) {
+    std::vector<uint8_t> file;
+    append(file, "P4\n# " + mark + "\n" + std::to_string(bits.width) + ' ' + std::to_string(bits.height) + '\n');
     for (int y = 0; y < bits.height; ++y) {
         const std::vector<uint8_t> row = invertedRow(bits, y);
-        bytes.insert(bytes.end(), row.begin(), row.end());
+        file.insert(file.end(), row.begin(), row.end());
     }
-    out.write(bytes.data(), bytes.size());
-    return out.commit();
+    return file;
 }
 
-size_t writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file) {
+std::vector<uint8_t> tiffFile(const Bits& bits, const KVImageDescription& description, const std::string& mark) {
     MemoryFile memory;
-    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(TIFFClientOpen(file.c_str(), "w", &memory, readFile, writeFile,
-                                                               seekFile, closeFile, sizeOfFile, nullptr, nullptr),
-                                                TIFFClose);
+    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(
+        TIFFClientOpen("", "w", &memory, readFile, writeFile, seekFile, closeFile, sizeOfFile, nullptr, nullptr),
+        TIFFClose);
     bool good = tiff != nullptr;
-    if (good) {
-        TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, bits.width);
-        TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, bits.height);
-        TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 1);
-        TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 1);
-        TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4);
-        TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISWHITE);
-        TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, bits.height);
-        TIFFSetField(tiff.get(), TIFFTAG_RESOLUTIONUNIT, RESUNIT_INCH);
-        TIFFSetField(tiff.get(), TIFFTAG_XRESOLUTION, static_cast<double>(description.horizontalResolution));
-        TIFFSetField(tiff.get(), TIFFTAG_YRESOLUTION, static_cast<double>(description.verticalResolution));
-    }
+    if (good) setTags(tiff.get(), bits, description, mark);
     for (int y = 0; good && y < bits.height; ++y) {
         std::vector<uint8_t> row = invertedRow(bits, y);
         good = TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) >= 0;
     }
     good = good && TIFFWriteDirectory(tiff.get()) != 0;
     tiff.reset();
-    if (!good || memory.lost) throw std::runtime_error(file + " cannot be made: no memory");
-    ResultFile out(file);
-    out.write(memory.bytes.data(), memory.bytes.size());
-    return out.commit();
+    if (!good || memory.outOfMemory) throw std::bad_alloc();
+    return std::move(memory.bytes);
 }

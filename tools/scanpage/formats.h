@@ -1,10 +1,12 @@
-// The formats that scanpage writes. Each returns the size of the file in bytes.
+// The files that scanpage writes, as bytes. Each holds `mark` in a comment.
 #pragma once
 
 #include "page.h"
 
-size_t writeJpeg(const KVIMG& page, KVImageDescriptionHandle description, int mode, const std::string& file);
+std::vector<uint8_t> jpegFile(const KVIMG& page, KVImageDescriptionHandle description, int mode,
+                              const std::string& mark);
 
-size_t writePbm(const Bits& bits, const std::string& file);
+std::vector<uint8_t> pbmFile(const Bits& bits, const std::string& mark);
 
-size_t writeG4(const Bits& bits, const KVImageDescription& description, const std::string& file);
+// CCITT group 4.
+std::vector<uint8_t> tiffFile(const Bits& bits, const KVImageDescription& description, const std::string& mark);

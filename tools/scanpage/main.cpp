@@ -6,19 +6,23 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <optional>
 #include <unordered_set>
 
 #include "command_line.h"
 #include "contact_sheet.h"
-#include "thread_pool.h"
-#include "page_report.h"
+#include "escape.h"
+#include "input_file.h"
 #include "page_list.h"
+#include "page_report.h"
+#include "pipeline.h"
 #include "stop.h"
+#include "thread_pool.h"
 
 namespace {
 
-// A file that is opened takes the lowest number that is free: that of a standard stream, if scanpage is started without
-// it, and messages would land in a result. So something takes the place that fails as the closed stream does.
+// A file that is opened gets the lowest free number. If scanpage is started without a standard stream, that would be
+// the stream's number, and messages would end up in a result. A placeholder fails like the closed stream.
 void occupyClosedStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -29,15 +33,15 @@ PageResult sharedName(const std::string& file) {
     PageResult result;
     result.file = file;
     result.status = Status::kFailed;
-    result.fault = "another page has given its results the name " + resultName(file);
+    result.fault = "another page has already used the name " + resultName(file) + " for its results";
     return result;
 }
 
-// The library may be called from any number of threads, so each page is one job of any thread. Only the pages in hand
-// are in memory, and of the others the names of their results. False if pages were left over.
-bool straightenAll(const Settings& settings, PageList& pages, PageReport& report, ContactSheet& sheet) {
+// Each page is a job of any thread. Only the pages in hand are in memory, and the names of the results of the others.
+// False if pages are left over.
+bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report, std::optional<ContactSheet>& sheet) {
     std::unordered_set<std::string> names;
-    ThreadPool pool(settings.jobs);
+    ThreadPool pool(jobs);
     std::string file;
     for (size_t index = 0; pages.next(file); ++index) {
         pool.waitForFreeThread();
@@ -46,14 +50,20 @@ bool straightenAll(const Settings& settings, PageList& pages, PageReport& report
             report.add(sharedName(file));
             continue;
         }
-        const bool keepImages = !settings.contactSheet.empty() && index < ContactSheet::kMostPages;
+        const bool keepImages = sheet && index < ContactSheet::kMostPages;
         pool.start([&, file, index, keepImages] {
-            const PageResult result = processPage(file, settings.page, keepImages);
+            const PageResult result = processPage(file, run, keepImages);
             report.add(result);
-            if (result.before && result.after) sheet.add(index, *result.before, *result.after);
+            if (result.before && result.after) sheet->add(index, *result.before, *result.after);
         });
     }
     return !stopRequested();    // a list may have gone on
+}
+
+void silenceLibraries() {
+    setMsgSeverity(L_SEVERITY_NONE);    // Leptonica would report pages without text
+    TIFFSetErrorHandler(nullptr);
+    signal(SIGPIPE, SIG_IGN);
 }
 
 int run(int argc, char** argv) {
@@ -61,21 +71,24 @@ int run(int argc, char** argv) {
     Settings settings;
     int exitStatus = 0;
     if (!parseCommandLine(argc, argv, settings, exitStatus)) return exitStatus;
-
-    setMsgSeverity(L_SEVERITY_NONE);    // Leptonica would report pages without text
-    TIFFSetErrorHandler(nullptr);
-    signal(SIGPIPE, SIG_IGN);
+    silenceLibraries();
     catchStopSignals();
 
+    InputIds inputs;
+    for (const std::string& file : settings.pages) addInput(file, inputs);
+    const OutputFolder folder(settings.folder);
+    std::optional<ContactSheet> sheet;
+    if (!settings.contactSheet.empty()) sheet.emplace(settings.contactSheet, Rules{inputs, settings.overwrite});
     PageList pages(settings.pages, settings.list, settings.separator);
     PageReport report(pages.count(), settings.verbose);
-    ContactSheet sheet;
-    const bool complete = straightenAll(settings, pages, report, sheet);
+
+    const Run run{settings.page, folder, inputs, settings.overwrite};
+    const bool complete = straightenAll(run, settings.jobs, pages, report, sheet);
     report.summarise();
-    if (!settings.contactSheet.empty()) sheet.write(settings.contactSheet);
+    if (sheet) sheet->write();
     if (!complete) std::fputs("scanpage: stopped before the last page\n", stderr);
     if (!complete || report.anyLineLost()) return kStopped;
-    return report.anyFailed() ? kSomeFailed : kAllDone;
+    return report.anyBad() ? kSomeBad : kAllDone;
 }
 
 }    // namespace

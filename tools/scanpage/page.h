@@ -6,6 +6,8 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <new>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -25,6 +27,9 @@ struct Bits {
 
 enum class Median;
 
+// In the order of writing.
+enum class Format { kPbm, kG4, kJpeg };
+
 struct Options {
     bool skewGiven = false;
     double angle = 0;
@@ -33,11 +38,9 @@ struct Options {
     int dpi = 0;         // to scale to; 0: as it is
     int mode = 450;
     int threshold = -1;    // below 0: chosen for each page
-    bool jpeg = true;
-    bool pbm = false;
-    bool g4 = false;
-    bool resume = false;    // leave pages alone whose results are there
-    std::string directory;
+    std::set<Format> formats;
+    bool resume = false;           // keep results that are complete
+    bool refuseDamaged = false;    // a damaged page fails
 };
 
 struct Stage {
@@ -46,13 +49,14 @@ struct Stage {
     size_t bytes;    // of its result
 };
 
-enum class Status { kDone, kKept, kFailed };
+// kDamaged: its results are there, but the file of the page is damaged.
+enum class Status { kDone, kKept, kDamaged, kFailed };
 
-// What was done to a page. `skew` is the angle that straightens it, counter-clockwise.
+// What became of a page. `skew` is the angle that straightens it, counter-clockwise.
 struct PageResult {
     std::string file;
     Status status = Status::kDone;
-    std::string fault;    // why it failed
+    std::string fault;    // why it failed, or how it is damaged
     bool skewKnown = false;
     double skew = 0;
     int width = 0, height = 0, depth = 0;
@@ -63,13 +67,8 @@ struct PageResult {
     Record before, after;    // kept only if asked for
 };
 
-// Turns a status into an exception that names the step.
+// Turns the status of a call into an exception that names the step.
 inline void require(int status, const char* step) {
-    if (status != 0) throw std::runtime_error(std::string(step) + " failed with status " + std::to_string(status));
+    if (status == memFullErr || status == ippStsNoMemErr) throw std::bad_alloc();
+    if (status != noErr) throw std::runtime_error(std::string(step) + " failed with status " + std::to_string(status));
 }
-
-// Reads, straightens, filters and writes a page. Does not throw: a fault is reported.
-PageResult processPage(const std::string& file, const Options& options, bool keepImages);
-
-// Name of the results of a page, without folder and ending. Pages that share it would overwrite each other's results.
-std::string resultName(const std::string& file);

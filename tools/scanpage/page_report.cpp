@@ -1,11 +1,16 @@
 #include "page_report.h"
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
+#include "descriptor.h"
+#include "escape.h"
 #include "stop.h"
 
 namespace {
@@ -16,6 +21,7 @@ const char* nameOf(Status status) {
     switch (status) {
         case Status::kDone: return "done";
         case Status::kKept: return "kept";
+        case Status::kDamaged: return "damaged";
         case Status::kFailed: break;
     }
     return "failed";
@@ -33,59 +39,75 @@ std::string lineOf(const PageResult& r) {
            number("%.1f", r.milliseconds) + '\t' + std::to_string(r.bytes) + '\n';
 }
 
-}    // namespace
-
-std::string escaped(const std::string& name) {
-    std::string text;
-    for (const char c : name) {
-        const auto code = static_cast<unsigned char>(c);
-        if (c == '\\')
-            text += "\\\\";
-        else if (c == '\t')
-            text += "\\t";
-        else if (c == '\n')
-            text += "\\n";
-        else if (c == '\r')
-            text += "\\r";
-        else if (code < 0x20 || code == 0x7F)
-            text += "\\x" + std::string(1, "0123456789abcdef"[code >> 4]) + "0123456789abcdef"[code & 15];
-        else
-            text += c;
+// Writes all of the text, in one piece if the system takes it so. Returns how much it took.
+size_t writeText(int stream, const std::string& text) {
+    size_t written = 0;
+    while (written < text.size()) {
+        const ssize_t count = write(stream, text.data() + written, text.size() - written);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        written += static_cast<size_t>(count);
     }
-    return text;
+    return written;
 }
 
+// Lines are added to the end of a report in a file. If a crash has cut the last line there, it is ended first.
+void beginOnFreshLine() {
+    struct stat status {};
+    if (fstat(STDOUT_FILENO, &status) != 0 || !S_ISREG(status.st_mode)) return;
+    fcntl(STDOUT_FILENO, F_SETFL, fcntl(STDOUT_FILENO, F_GETFL) | O_APPEND);
+    const Descriptor report(open("/proc/self/fd/1", O_RDONLY | O_CLOEXEC));
+    char last = '\n';
+    if (report.isOpen() && pread(report.get(), &last, 1, status.st_size - 1) == 1 && last != '\n')
+        writeText(STDOUT_FILENO, "\n");
+}
+
+}    // namespace
+
 PageReport::PageReport(size_t pages, bool verbose)
-    : progress_(pages), verbose_(verbose), linesOnTerminal_(isatty(STDOUT_FILENO) != 0) {}
+    : progress_(pages), verbose_(verbose), linesOnTerminal_(isatty(STDOUT_FILENO) != 0) {
+    beginOnFreshLine();
+}
 
 void PageReport::add(const PageResult& result) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (linesOnTerminal_ || verbose_ || result.status == Status::kFailed) progress_.clear();
+    if (linesOnTerminal_ || verbose_ || !result.fault.empty()) progress_.clear();
+    writeLine(result);
     print(result);
     count(result);
-    progress_.show(done_ + kept_ + failed_, done_ + failed_);
+    progress_.show(done_ + kept_ + damaged_ + failed_, worked_);
 }
 
-// Each line leaves in one piece, so that a log holds whole lines whatever happens to the program.
+void PageReport::writeLine(const PageResult& result) {
+    const std::string line = (lineCut_ ? "\n" : "") + lineOf(result);
+    const size_t written = writeText(STDOUT_FILENO, line);
+    lineCut_ = written < line.size() && (written > 0 || lineCut_);
+    if (written == line.size()) return;
+    lineLost_ = true;
+    requestStop();
+}
+
 void PageReport::print(const PageResult& r) {
-    const std::string line = lineOf(r);
-    if (std::fwrite(line.data(), 1, line.size(), stdout) != line.size() || std::fflush(stdout) != 0) {
-        lineLost_ = true;
-        requestStop();
+    const std::string file = escaped(r.file);
+    if (!r.fault.empty()) std::fprintf(stderr, "scanpage: %s: %s\n", file.c_str(), escaped(r.fault).c_str());
+    if (!verbose_ || r.status == Status::kFailed) return;
+    if (r.stages.empty()) {
+        std::fprintf(stderr, "%s: its results are complete\n", file.c_str());
+        return;
     }
-    if (r.status == Status::kFailed) {
-        std::fprintf(stderr, "scanpage: %s: %s\n", escaped(r.file).c_str(), escaped(r.fault).c_str());
-    } else if (verbose_ && r.status == Status::kKept) {
-        std::fprintf(stderr, "%s: its results are there\n", escaped(r.file).c_str());
-    } else if (verbose_) {
-        std::fprintf(stderr, "%s: %d x %d, %d bits, %d x %d dpi, %s\n", escaped(r.file).c_str(), r.width, r.height,
-                     r.depth, r.dpiX, r.dpiY,
-                     r.skewKnown ? number("skew %.2f degrees", r.skew).c_str() : "no text lines to tell the skew by");
-    }
+    std::fprintf(stderr, "%s: %d x %d, %d bits, %d x %d dpi, %s\n", file.c_str(), r.width, r.height, r.depth, r.dpiX,
+                 r.dpiY,
+                 r.skewKnown ? number("skew %.2f degrees", r.skew).c_str() : "no lines of text to find the skew by");
 }
 
 void PageReport::count(const PageResult& r) {
-    ++(r.status == Status::kDone ? done_ : r.status == Status::kKept ? kept_ : failed_);
+    switch (r.status) {
+        case Status::kDone: ++done_; break;
+        case Status::kKept: ++kept_; break;
+        case Status::kDamaged: ++damaged_; break;
+        case Status::kFailed: ++failed_; break;
+    }
+    if (!r.stages.empty() || r.status == Status::kFailed) ++worked_;
     largest_ = std::max(largest_, static_cast<double>(r.width) * r.height * r.depth / 8);
     for (const Stage& stage : r.stages) {
         const auto it =
@@ -102,10 +124,11 @@ void PageReport::count(const PageResult& r) {
 void PageReport::summarise() {
     progress_.clear();
     if (lineLost_) std::fputs("scanpage: standard output cannot be written\n", stderr);
+    const std::string damaged = damaged_ > 0 ? std::to_string(damaged_) + " damaged, " : "";
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    std::fprintf(stderr, "%zu done, %zu kept, %zu failed in %.1f s: %.1f pages/s\n", done_, kept_, failed_, seconds,
-                 static_cast<double>(done_ + failed_) / std::max(seconds, 1e-9));
-    if (done_ + failed_ == 0) return;
+    std::fprintf(stderr, "%zu done, %zu kept, %s%zu failed in %.1f s: %.1f pages/s\n", done_, kept_, damaged.c_str(),
+                 failed_, seconds, static_cast<double>(worked_) / std::max(seconds, 1e-9));
+    if (worked_ == 0) return;
     std::fprintf(stderr, "\n%-16s %12s %12s\n", "stage", "ms", "result, MB");
     double sum = 0;
     for (const Stage& stage : stages_) {

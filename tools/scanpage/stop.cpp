@@ -10,31 +10,52 @@
 
 namespace {
 
+constexpr unsigned kSecondsToFinish = 10;
+
 std::atomic<bool> stop{false};
+std::atomic<int> stopSignal{0};    // the first that came
 int emptyFile = -1;
+
+// As the signal would have done without this program's handler.
+void endBy(int number) {
+    signal(number, SIG_DFL);
+    raise(number);
+}
 
 // Standard input becomes an empty file, so that a list of pages that is being read ends here too, even if whoever
 // writes it has fallen silent.
-extern "C" void onStopSignal(int) {
+extern "C" void onStopSignal(int number) {
     const int saved = errno;
+    int none = 0;
+    if (!stopSignal.compare_exchange_strong(none, number)) endBy(number);
     stop = true;
+    alarm(kSecondsToFinish);
     dup2(emptyFile, STDIN_FILENO);
     errno = saved;
+}
+
+extern "C" void onAlarm(int) { endBy(stopSignal); }
+
+// Without SA_RESTART, so that a read that waits gives up.
+void handle(int number, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigaction(number, &action, nullptr);
+}
+
+bool isIgnored(int number) {
+    struct sigaction action {};
+    sigaction(number, nullptr, &action);
+    return action.sa_handler == SIG_IGN;    // as a shell does for what it runs in the background
 }
 
 }    // namespace
 
 void catchStopSignals() {
     emptyFile = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    for (const int number : {SIGTERM, SIGINT}) {
-        struct sigaction action {};
-        sigaction(number, nullptr, &action);
-        if (action.sa_handler == SIG_IGN) continue;    // as a shell does for what it runs in the background
-        action = {};
-        action.sa_handler = onStopSignal;
-        action.sa_flags = static_cast<int>(SA_RESETHAND);    // no SA_RESTART: a read that waits gives up
-        sigaction(number, &action, nullptr);
-    }
+    handle(SIGALRM, onAlarm);
+    for (const int number : {SIGTERM, SIGINT})
+        if (!isIgnored(number)) handle(number, onStopSignal);
 }
 
 void requestStop() { stop = true; }

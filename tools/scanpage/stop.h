@@ -1,7 +1,8 @@
-// SIGTERM and SIGINT as a request to stop: pages in hand are finished, no further one is begun.
+// SIGTERM and SIGINT as a request to stop: pages in hand are finished, and no other page is started.
 #pragma once
 
-// To be called before any thread is started. A second signal of the same kind ends the program at once.
+// Must be called before any thread is started. A second signal ends the program at once, and so does the tenth second
+// after the first.
 void catchStopSignals();
 
 void requestStop();

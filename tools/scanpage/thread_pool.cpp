@@ -12,9 +12,9 @@ ThreadPool::ThreadPool(int size) {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     try {
+        threads_.reserve(static_cast<size_t>(size));
         for (int i = 0; i < size; ++i) threads_.emplace_back([this] { work(); });
-    } catch (const std::system_error&) {
-        if (threads_.empty()) throw;
+    } catch (const std::exception&) {    // no thread or no memory for one: those that run are enough
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
@@ -24,33 +24,35 @@ ThreadPool::~ThreadPool() {
         const std::lock_guard<std::mutex> lock(mutex_);
         closed_ = true;
     }
-    jobGiven_.notify_all();
+    jobIsThere_.notify_all();
     for (std::thread& thread : threads_) thread.join();
 }
 
 void ThreadPool::waitForFreeThread() {
+    if (threads_.empty()) return;
     std::unique_lock<std::mutex> lock(mutex_);
-    threadFreed_.wait(lock, [this] { return free_ > 0 && !job_; });
+    threadIsFree_.wait(lock, [this] { return free_ > 0 && !job_; });
 }
 
 void ThreadPool::start(std::function<void()> job) {
+    if (threads_.empty()) return job();
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         job_ = std::move(job);
     }
-    jobGiven_.notify_one();
+    jobIsThere_.notify_one();
 }
 
 void ThreadPool::work() {
     std::unique_lock<std::mutex> lock(mutex_);
     for (;;) {
         ++free_;
-        threadFreed_.notify_one();
-        jobGiven_.wait(lock, [this] { return job_ || closed_; });
+        threadIsFree_.notify_one();
+        jobIsThere_.wait(lock, [this] { return job_ || closed_; });
         if (!job_) return;
         --free_;
         const std::function<void()> job = std::exchange(job_, nullptr);
-        threadFreed_.notify_one();    // who waits for the job to be taken; another thread may be free
+        threadIsFree_.notify_one();    // waitForFreeThread also waits for the job to be taken
         lock.unlock();
         job();
         lock.lock();

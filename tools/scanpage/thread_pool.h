@@ -7,25 +7,25 @@
 #include <thread>
 #include <vector>
 
-// A job is handed over only to a thread that is free, so that nothing ever waits in a queue. Signals are left to the
-// thread that makes the pool.
+// A job is handed only to a free thread, so nothing ever waits in a queue. Signals are left to the thread that creates
+// the pool.
 class ThreadPool {
 public:
-    explicit ThreadPool(int size);    // fewer, if the system gives no more threads
+    explicit ThreadPool(int size);    // fewer if the system refuses threads; none: jobs run in the caller's thread
     ~ThreadPool();                    // finishes the jobs in hand
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
     void waitForFreeThread();
 
-    // One thread at a time may give jobs, each after waitForFreeThread. A job must not throw.
+    // Only one thread may call this, each time after waitForFreeThread. A job must not throw.
     void start(std::function<void()> job);
 
 private:
     void work();
 
     std::mutex mutex_;
-    std::condition_variable threadFreed_, jobGiven_;
+    std::condition_variable threadIsFree_, jobIsThere_;
     std::function<void()> job_;
     int free_ = 0;
     bool closed_ = false;

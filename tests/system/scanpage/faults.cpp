@@ -1,30 +1,142 @@
-// Preloaded into scanpage, makes the system fail it, or another program come between. FAULT says how.
-#undef _FORTIFY_SOURCE    // its read is inline, and could not be had here
+// Preloaded into scanpage: makes system calls fail, raises signals, holds reads up, and records what reaches the disk.
+//
+// Only files below FOLDER are looked at. FAULT is "CALL N", "CALL N lasting" or "hold":
+//
+//     open, read, write, fsync, name, close, thread, memory   the Nth call of this kind fails, or all from it on
+//     short                                                   the Nth write writes a single byte
+//     stop, kill                                              at the Nth call of any kind, SIGTERM comes, or comes twice
+//     taken                                                   at the Nth call of any kind, another program takes the
+//                                                             name THEIRS
+//     unnameable                                              from the Nth open on, files need a name (no O_TMPFILE)
+//     hold                                                    slow.jpg cannot be read before the file "go" is beside it
+//
+// "name" stands for linkat, renameat and renameat2; "memory" for blocks so large that they are mapped. The file "fired"
+// in FOLDER says that the Nth call came. JOURNAL is the file for the record.
+#undef _FORTIFY_SOURCE    // it makes read an inline function, which cannot be replaced
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
-#include <sys/file.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <atomic>
 #include <cerrno>
+#include <climits>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <cstring>
 #include <string>
 
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_calloc(size_t count, size_t size);
+void* __libc_realloc(void* block, size_t size);
+void* __libc_memalign(size_t alignment, size_t size);
+}
+
 namespace {
+
+constexpr size_t kMapped = 65536;    // blocks from this size on
 
 template <class Function>
 Function* real(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-bool chosen(const std::string& fault) {
-    const char* given = std::getenv("FAULT");
-    return given && given == fault;
+int realOpen(const char* path, int flags, mode_t mode = 0666) {
+    return real<int(int, const char*, int, ...)>("openat")(AT_FDCWD, path, flags, mode);
+}
+
+ssize_t realWrite(int descriptor, const void* data, size_t size) {
+    return real<ssize_t(int, const void*, size_t)>("write")(descriptor, data, size);
+}
+
+void realClose(int descriptor) { real<int(int)>("close")(descriptor); }
+
+const char* variable(const char* name) {
+    const char* value = std::getenv(name);
+    return value ? value : "";
+}
+
+// ---- which files --------------------------------------------------------------------------------------------------
+
+std::string nameOf(int descriptor) {
+    char name[PATH_MAX];
+    const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(descriptor)).c_str(), name, sizeof(name));
+    return std::string(name, static_cast<size_t>(length > 0 ? length : 0));
+}
+
+std::string pathOf(int folder, const char* name) {
+    return name[0] == '/' || folder == AT_FDCWD ? name : nameOf(folder) + "/" + name;
+}
+
+bool isOurs(const std::string& path) {
+    const std::string folder = variable("FOLDER");
+    return !folder.empty() && path.compare(0, folder.size(), folder) == 0;
+}
+
+// ---- when to fail -------------------------------------------------------------------------------------------------
+
+struct Fault {
+    char call[16] = "";
+    int number = 0;
+    bool lasting = false;
+};
+
+Fault readFault() {
+    Fault fault;
+    char lasting[16] = "";
+    const int fields = std::sscanf(variable("FAULT"), "%15s %d %15s", fault.call, &fault.number, lasting);
+    fault.lasting = fields == 3;
+    return fault;
+}
+
+const Fault& theFault() {
+    static const Fault fault = readFault();
+    return fault;
+}
+
+std::atomic<bool> started{false};    // scanpage has opened one of the files
+
+void fire() {
+    const int fired = realOpen((std::string(variable("FOLDER")) + "/fired").c_str(), O_CREAT | O_WRONLY);
+    realClose(fired);
+}
+
+bool isTheTime(std::atomic<int>& count) {
+    const int now = ++count;
+    if (now == theFault().number) fire();
+    return now == theFault().number || (theFault().lasting && now > theFault().number);
+}
+
+void putTheirs() {
+    const int file = realOpen(variable("THEIRS"), O_CREAT | O_EXCL | O_WRONLY);
+    realWrite(file, "theirs", 6);
+    realClose(file);
+}
+
+// A call of this kind on one of the files. Must it fail?
+bool fails(const char* call) {
+    static std::atomic<int> steps{0};
+    static std::atomic<int> calls{0};
+    const std::string chosen = theFault().call;
+    if (chosen == "stop" || chosen == "kill" || chosen == "taken") {
+        if (!isTheTime(steps)) return false;
+        if (chosen == "taken") {
+            putTheirs();
+            return false;
+        }
+        kill(getpid(), SIGTERM);
+        if (chosen == "kill") {
+            usleep(2000);    // two signals at once would be one
+            kill(getpid(), SIGTERM);
+        }
+        return false;
+    }
+    return chosen == call && isTheTime(calls);
 }
 
 int failure(int error) {
@@ -32,81 +144,151 @@ int failure(int error) {
     return -1;
 }
 
-std::string nameOf(int descriptor) {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(descriptor), error).string();
+bool memoryFails(size_t size) { return size >= kMapped && started && fails("memory"); }
+
+// ---- the record ---------------------------------------------------------------------------------------------------
+
+void record(const std::string& head, const void* data = nullptr, size_t size = 0) {
+    static const int journal = *variable("JOURNAL") ? realOpen(variable("JOURNAL"), O_CREAT | O_APPEND | O_WRONLY) : -1;
+    if (journal < 0) return;
+    const std::string line = head + " " + std::to_string(size) + "\n";
+    const iovec parts[] = {{const_cast<char*>(line.data()), line.size()}, {const_cast<void*>(data), size}};
+    if (writev(journal, parts, 2) < 0) std::_Exit(70);
 }
 
-bool endsWith(const std::string& text, const std::string& ending) {
-    return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+std::string inodeOf(const char* path) {
+    struct stat status {};
+    stat(path, &status);
+    return std::to_string(status.st_ino);
 }
 
-bool isPart(const std::string& name) { return endsWith(name, ".part"); }
+std::string inodeOf(int descriptor) {
+    struct stat status {};
+    fstat(descriptor, &status);
+    return (S_ISDIR(status.st_mode) ? "folder " : "file ") + std::to_string(status.st_ino);
+}
 
-bool isResult(const std::string& name) { return name.find("/out/") != std::string::npos; }
+bool isHeld(const std::string& path) {
+    const std::string ending = "/slow.jpg";
+    if (path.size() < ending.size() || path.compare(path.size() - ending.size(), ending.size(), ending) != 0)
+        return false;
+    return access((path.substr(0, path.rfind('/')) + "/go").c_str(), F_OK) != 0;
+}
+
+int openAt(int folder, const char* name, int flags, mode_t mode) {
+    if (isOurs(pathOf(folder, name))) {
+        started = true;
+        const bool unnamed = (flags & O_TMPFILE) == O_TMPFILE;
+        if (unnamed && fails("unnameable")) return failure(EOPNOTSUPP);
+        if (fails("open")) return failure(EMFILE);
+    }
+    return real<int(int, const char*, int, ...)>("openat")(folder, name, flags, mode);
+}
 
 }    // namespace
 
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the system's names are reserved
-// "short writes": a few bytes at a time. "write N": the disk is full at the Nth write, and only there. What has its
-// name already is complete.
-extern "C" ssize_t write(int descriptor, const void* data, size_t size) {
-    static int writes = 0;
-    const std::string name = nameOf(descriptor);
-    if (isResult(name)) {
-        if (!isPart(name)) std::_Exit(70);
-        if (chosen("short writes")) size = std::min<size_t>(size, 1000);
-        if (chosen("write " + std::to_string(++writes))) return failure(ENOSPC);
-    }
-    return real<ssize_t(int, const void*, size_t)>("write")(descriptor, data, size);
+extern "C" int openat(int folder, const char* name, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+    return openAt(folder, name, flags, mode);
 }
 
-// "read": a bad sector in a page.
+extern "C" int open(const char* name, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = va_arg(arguments, mode_t);
+    va_end(arguments);
+    return openAt(AT_FDCWD, name, flags, mode);
+}
+
 extern "C" ssize_t read(int descriptor, void* data, size_t size) {
-    if (chosen("read") && endsWith(nameOf(descriptor), ".jpg")) return failure(EIO);
+    const std::string path = nameOf(descriptor);
+    if (isOurs(path) && fails("read")) return failure(EIO);
+    if (std::string(theFault().call) == "hold")
+        while (isHeld(path)) usleep(10000);
     return real<ssize_t(int, void*, size_t)>("read")(descriptor, data, size);
 }
 
-// "close": the server finds that there is no room when the result has its name already. It says so once.
-extern "C" int close(int descriptor) {
-    static bool said = false;
-    const bool fails = !said && chosen("close") && isResult(nameOf(descriptor));
-    said = said || fails;
-    const int status = real<int(int)>("close")(descriptor);
-    return fails ? failure(EDQUOT) : status;
+extern "C" ssize_t write(int descriptor, const void* data, size_t size) {
+    if (!isOurs(nameOf(descriptor))) return realWrite(descriptor, data, size);
+    if (fails("write")) return failure(ENOSPC);
+    if (size > 1 && fails("short")) size = 1;
+    const ssize_t written = realWrite(descriptor, data, size);
+    if (written > 0) record("write " + inodeOf(descriptor), data, static_cast<size_t>(written));
+    return written;
 }
 
-// "few threads": two, and no more.
+extern "C" int fsync(int descriptor) {
+    if (isOurs(nameOf(descriptor))) {
+        if (fails("fsync")) return failure(EIO);
+        record("fsync " + inodeOf(descriptor));
+    }
+    return 0;    // the record says it; a disk would take its time
+}
+
+extern "C" int close(int descriptor) {
+    const bool fail = isOurs(nameOf(descriptor)) && fails("close");
+    const int status = real<int(int)>("close")(descriptor);
+    return fail ? failure(EIO) : status;
+}
+
+extern "C" int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
+    if (fails("name")) return failure(EIO);
+    const std::string inode = inodeOf(pathOf(fromFolder, from).c_str());
+    const int status =
+        real<int(int, const char*, int, const char*, int)>("linkat")(fromFolder, from, toFolder, to, flags);
+    if (status == 0) record("link " + inode + " " + pathOf(toFolder, to));
+    return status;
+}
+
+extern "C" int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
+    if (fails("name")) return failure(EIO);
+    using Rename = int(int, const char*, int, const char*, unsigned);
+    const int status = real<Rename>("renameat2")(fromFolder, from, toFolder, to, flags);
+    if (status == 0) record("rename " + pathOf(fromFolder, from) + " " + pathOf(toFolder, to));
+    return status;
+}
+
+extern "C" int renameat(int fromFolder, const char* from, int toFolder, const char* to) noexcept {
+    return renameat2(fromFolder, from, toFolder, to, 0);
+}
+
+extern "C" int unlinkat(int folder, const char* name, int flags) noexcept {
+    record("unlink " + pathOf(folder, name));
+    return real<int(int, const char*, int)>("unlinkat")(folder, name, flags);
+}
+
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
                               void* argument) noexcept {
-    static int threads = 0;
-    if (chosen("few threads") && ++threads > 2) return EAGAIN;
+    if (started && fails("thread")) return EAGAIN;
     using Create = int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
     return real<Create>("pthread_create")(thread, attributes, function, argument);
 }
 
-// "no locks": a file system without them. "renamed before the lock": another program ends its page just then.
-extern "C" int flock(int descriptor, int operation) noexcept {
-    if (chosen("no locks")) return failure(ENOLCK);
-    if (chosen("renamed before the lock")) {
-        const std::string part = nameOf(descriptor);
-        std::ofstream(part) << "theirs";
-        const std::string name = part.substr(0, part.rfind('.'));
-        real<int(const char*, const char*)>("rename")(part.c_str(), name.c_str());
-        std::ofstream(part) << "the next";
-    }
-    return real<int(int, int)>("flock")(descriptor, operation);
+extern "C" void* malloc(size_t size) {
+    if (!memoryFails(size)) return __libc_malloc(size);
+    errno = ENOMEM;
+    return nullptr;
 }
 
-// The lock must be there until the result has its name. "begun after the name": another program begins the page anew.
-extern "C" int rename(const char* from, const char* to) noexcept {
-    if (isPart(from) && !chosen("no locks")) {
-        const int descriptor = open(from, O_RDONLY | O_CLOEXEC);
-        if (real<int(int, int)>("flock")(descriptor, LOCK_SH | LOCK_NB) == 0) std::_Exit(70);
-        real<int(int)>("close")(descriptor);
-    }
-    const int status = real<int(const char*, const char*)>("rename")(from, to);
-    if (chosen("begun after the name")) std::ofstream(from) << "theirs";
-    return status;
+extern "C" void* calloc(size_t count, size_t size) {
+    if (!memoryFails(count * size)) return __libc_calloc(count, size);
+    errno = ENOMEM;
+    return nullptr;
+}
+
+extern "C" void* realloc(void* block, size_t size) {
+    if (!memoryFails(size)) return __libc_realloc(block, size);
+    errno = ENOMEM;
+    return nullptr;
+}
+
+extern "C" int posix_memalign(void** block, size_t alignment, size_t size) {
+    if (memoryFails(size)) return ENOMEM;
+    *block = __libc_memalign(alignment, size);
+    return *block ? 0 : ENOMEM;
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -4,7 +4,7 @@ import ctypes
 import ctypes.util
 import os
 
-lept = ctypes.CDLL(ctypes.util.find_library("lept"))
+lept = ctypes.CDLL(ctypes.util.find_library("leptonica") or ctypes.util.find_library("lept"))    # by distribution
 lept.pixRead.restype = ctypes.c_void_p
 lept.pixRead.argtypes = [ctypes.c_char_p]
 lept.pixGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int, ctypes.POINTER(ctypes.c_uint32)]

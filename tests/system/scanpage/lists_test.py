@@ -87,7 +87,7 @@ class SharedNames(PageTest):
             run = scanpage(*options, self.pages[0], self.twin, *self.pages[2:], "-o", self.out)
             self.assertEqual(1, run.status)
             self.assertEqual([str(self.twin)], [line.file for line in run.lines if line.status == "failed"])
-            self.assertIn("another page has given its results the name page-000000", run.stderr)
+            self.assertIn("another page has already used the name page-000000 for its results", run.stderr)
             self.assertEqual(right, (self.out / self.pages[0].name).read_bytes())
 
     def test_names_that_differ_only_in_their_ending(self):
@@ -102,7 +102,7 @@ class SharedNames(PageTest):
             run = scanpage(*options, self.pages[0], "-o", self.folder)
             self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
             self.assertEqual(before, self.pages[0].read_bytes())
-            self.assertIn("its result would replace it", run.stderr)
+            self.assertIn("page-000000.jpg is an input and is not replaced", run.stderr)
         page = self.folder / "named.tif"
         os.link(self.pages[0], page)
         run = scanpage("--format", "jpeg,pbm,g4", page, "-o", self.folder)

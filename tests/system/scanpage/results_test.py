@@ -1,6 +1,7 @@
 """What is in the results: pixels, formats, filters, resolution, and the contact sheet."""
 
 import random
+import re
 import struct
 import subprocess
 import unittest
@@ -46,8 +47,8 @@ class OneBit(PageTest):
         run = scanpage("--angle", "0", "--format", "pbm,g4", page, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         expected = [[int(p == 20) for p in row] for row in rows]
-        self.assertEqual(b"P4\n37 20\n", (self.out / "drawn.pbm").read_bytes()[:9])
-        self.assertEqual(9 + 20 * 5, (self.out / "drawn.pbm").stat().st_size)
+        header, comment, size, bits = (self.out / "drawn.pbm").read_bytes().split(b"\n", 3)
+        self.assertEqual((b"P4", b"# scanpage", b"37 20", 20 * 5), (header, comment[:10], size, len(bits)))
         self.assertEqual(expected, Image(self.out / "drawn.pbm").rows())
         self.assertEqual(expected, Image(self.out / "drawn.tif").rows())
 
@@ -55,7 +56,7 @@ class OneBit(PageTest):
         for width, row in ((1, 1), (8, 1), (9, 2), (16, 2)):
             page = jpeg_of(self.folder / "drawn.jpg", plain(width, 7, 20))
             scanpage("--angle", "0", "--format", "pbm", "--threshold", "99", page, "-o", self.out)
-            stream = (self.out / "drawn.pbm").read_bytes()
+            stream = re.sub(rb"#.*\n", b"", (self.out / "drawn.pbm").read_bytes(), count=1)
             black = bytes([0xFF] * (width // 8) + [0x80] * (width % 8))
             self.assertEqual((row, b"P4\n%d 7\n" % width + black * 7), (len(black), stream))
 
@@ -274,9 +275,9 @@ class ContactSheet(PageTest):
 
     def test_a_sheet_that_cannot_be_written(self):
         run = scanpage(self.pages[0], "-o", self.out, "--contact-sheet", self.root / "nowhere" / "sheet.png")
-        self.assertEqual(2, run.status)
-        self.assertRegex(run.stderr, r"(?s)^1 done, .*sheet.png cannot be written\n\Z")
-        self.assertEqual([self.pages[0].name], self.results())
+        self.assertEqual((2, []), (run.status, run.lines))
+        self.assertRegex(run.stderr, r"/nowhere cannot be opened: No such file or directory\n\Z")
+        self.assertEqual([], self.results())
 
 
 class CommandLine(PageTest):

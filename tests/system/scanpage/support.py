@@ -7,15 +7,17 @@ import re
 import shutil
 import subprocess
 import tempfile
+import time
 import unittest
 
 SCANPAGE = os.environ["SCANPAGE"]
 PAGEGEN = os.environ["PAGEGEN"]
+HOLD = {**os.environ, "LD_PRELOAD": os.environ["FAULTS"], "FAULT": "hold"}    # for pages that are held up
 
 Line = collections.namedtuple("Line", "file status skew milliseconds bytes")
 Run = collections.namedtuple("Run", "status lines stderr")
 
-LINE = re.compile(r"([^\t]+)\t(done|kept|failed)\t(-|-?\d+\.\d\d)\t(\d+\.\d)\t(\d+)")
+LINE = re.compile(r"([^\t]+)\t(done|kept|damaged|failed)\t(-|-?\d+\.\d\d)\t(\d+\.\d)\t(\d+)")
 
 
 def parse(stdout):
@@ -48,6 +50,25 @@ def link_pages(sources, folder, count):
     return pages
 
 
+def wait_until(condition, seconds=20):
+    late = time.monotonic() + seconds
+    while not condition():
+        assert time.monotonic() < late, "it does not happen"
+        time.sleep(0.005)
+
+
+def open_files(process):
+    """What the descriptors of a running program lead to."""
+    folder = f"/proc/{process.pid}/fd"
+    files = {}
+    for number in os.listdir(folder):
+        try:
+            files[int(number)] = os.readlink(f"{folder}/{number}")
+        except FileNotFoundError:
+            pass    # it has just been closed
+    return files
+
+
 def names(pages, end="\n"):
     return "".join(f"{page}{end}" for page in pages).encode()
 
@@ -73,11 +94,23 @@ class PageTest(unittest.TestCase):
         self.out.mkdir()
         self.pages = link_pages(self.drawn, self.folder, 6)
 
+    def held_page(self):
+        """A page that is no JPEG file, which scanpage finds out after `let_go`. It must run with HOLD."""
+        page = self.folder / "slow.jpg"
+        page.write_bytes(b"This is no page.")
+        return page
+
+    def let_go(self):
+        (self.folder / "go").touch()
+
+    def wait_for_held_page(self, process):
+        wait_until(lambda: str(self.folder / "slow.jpg") in open_files(process).values())
+
     def results(self):
         return sorted(path.name for path in self.out.iterdir())
 
-    def assert_no_parts(self):
-        self.assertEqual([], [name for name in self.results() if name.endswith(".part")])
+    def contents(self):
+        return {path.name: path.read_bytes() for path in self.out.iterdir() if path.is_file()}
 
     def assert_whole(self, files):
         """Every file is a JPEG stream to its end, and can be read."""

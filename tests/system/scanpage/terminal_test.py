@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from support import SCANPAGE, PageTest, link_pages, names, scanpage
+from support import HOLD, SCANPAGE, PageTest, link_pages, names, scanpage
 
 
 class Bar(PageTest):
@@ -19,6 +19,7 @@ class Bar(PageTest):
             stdin=subprocess.PIPE,
             stdout=theirs if lines_too else subprocess.DEVNULL,
             stderr=theirs,
+            env=HOLD,
         )
         self.addCleanup(scan.kill)
         os.close(theirs)
@@ -72,7 +73,7 @@ class Bar(PageTest):
 
     def test_a_fault_takes_its_place(self):
         shown = self.on_terminal(self.pages[0], self.folder / "missing.jpg", self.pages[1], status=1)
-        self.assertRegex(shown, r"1/3.*\r\033\[Kscanpage: .*missing.jpg: cannot be opened\r\n\r\[=* *\] 2/3")
+        self.assertRegex(shown, r"1/3.*\r\033\[Kscanpage: .*missing.jpg: cannot be opened: No such file or directory\r\n\r\[=* *\] 2/3")
 
     def test_so_do_the_lines_about_pages(self):
         shown = self.on_terminal("-v", *self.pages)
@@ -94,15 +95,14 @@ class Bar(PageTest):
         self.assertGreaterEqual(999_999 / (rate - 0.05) + 1, 3600 * hours + 60 * minutes + seconds)
 
     def test_a_list_that_grows(self):
-        slow = self.folder / "slow.jpg"
-        os.mkfifo(slow)
+        slow = self.held_page()
         listed = self.root / "list"
         listed.write_bytes(names([self.pages[0], slow, self.pages[1]]))
 
         def grow(_):
             with open(listed, "ab") as more:
                 more.write(names([*self.pages[2:], self.folder / "missing.jpg"]))
-            slow.write_bytes(b"")
+            self.let_go()
 
         shown = self.on_terminal("--from", listed, status=1, until=b"1/3", then=grow)
         self.assertRegex(shown, r"\r\[={30}\] 8/3, \d+\.\d pages/s, 0:00:00 left")

@@ -1,0 +1,72 @@
+#include "output_folder.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+
+#include "unnamed_file.h"
+
+namespace {
+
+std::string reason() { return std::string(": ") + std::strerror(errno); }
+
+}    // namespace
+
+OutputFolder::OutputFolder(const std::string& path)
+    : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (!descriptor_.isOpen()) throw std::runtime_error("the folder " + path + " cannot be opened" + reason());
+}
+
+std::optional<struct stat> OutputFolder::find(const std::string& name) const {
+    struct stat status {};
+    if (fstatat(descriptor_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
+    if (errno == ENOENT) return std::nullopt;
+    throw std::runtime_error(pathOf(name) + " cannot be written" + reason());
+}
+
+std::optional<std::vector<uint8_t>> OutputFolder::contents(const std::string& name) const {
+    const Descriptor file(
+        openat(descriptor_.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status {};
+    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    if (status.st_size > std::numeric_limits<int>::max()) return std::nullopt;
+    std::vector<uint8_t> bytes(static_cast<size_t>(status.st_size));
+    for (size_t filled = 0; filled < bytes.size();) {
+        const ssize_t got = read(file.get(), bytes.data() + filled, bytes.size() - filled);
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) return std::nullopt;
+        filled += static_cast<size_t>(got);
+    }
+    return bytes;
+}
+
+void OutputFolder::write(const std::string& name, const std::vector<uint8_t>& bytes,
+                         const std::optional<FileId>& replaced) const {
+    try {
+        UnnamedFile file(descriptor_.get());
+        file.write(bytes);
+        file.sync();
+        if (replaced) {
+            checkStillThere(name, *replaced);
+            file.replace(name);
+        } else {
+            file.giveName(name);
+        }
+        sync();
+    } catch (const std::system_error& e) {
+        throw std::runtime_error(pathOf(name) + " cannot be written: " + std::strerror(e.code().value()));
+    }
+}
+
+void OutputFolder::checkStillThere(const std::string& name, const FileId& replaced) const {
+    const std::optional<struct stat> there = find(name);
+    if (!there || idOf(*there) != replaced) throw std::system_error(EEXIST, std::generic_category());
+}
+
+// The name is on disk after this. Some file systems keep names without being asked, and cannot be asked.
+void OutputFolder::sync() const {
+    if (fsync(descriptor_.get()) != 0 && errno != EINVAL) throw std::system_error(errno, std::generic_category());
+}

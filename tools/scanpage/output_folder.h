@@ -1,0 +1,36 @@
+// The folder that results are written to.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "descriptor.h"
+#include "file_id.h"
+
+// It is opened once, and every file is reached through it: it stays the same folder even if its name is given to
+// another.
+class OutputFolder {
+public:
+    explicit OutputFolder(const std::string& path);
+
+    // Of whatever has this name; a link is not followed.
+    std::optional<struct stat> find(const std::string& name) const;
+
+    // Of a regular file; nothing if it cannot be read.
+    std::optional<std::vector<uint8_t>> contents(const std::string& name) const;
+
+    // Writes a file that has its name only once it is complete and on disk. No other file than `replaced` is replaced.
+    void write(const std::string& name, const std::vector<uint8_t>& bytes, const std::optional<FileId>& replaced) const;
+
+    // The path of a file, for messages.
+    std::string pathOf(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    void checkStillThere(const std::string& name, const FileId& replaced) const;
+    void sync() const;
+
+    std::string path_;
+    Descriptor descriptor_;
+};

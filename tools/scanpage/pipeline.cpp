@@ -1,0 +1,204 @@
+#include "pipeline.h"
+
+#include <opencv2/core.hpp>
+
+#include "decode.h"
+#include "filter.h"
+#include "formats.h"
+#include "grey.h"
+#include "input_file.h"
+#include "result_mark.h"
+#include "skew.h"
+#include "turn.h"
+
+namespace {
+
+double millisecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Times one stage after the other.
+class Stopwatch {
+public:
+    explicit Stopwatch(std::vector<Stage>& stages) : stages_(stages) {}
+
+    void lap(const char* name, size_t bytes) {
+        stages_.push_back({name, millisecondsSince(start_), bytes});
+        start_ = std::chrono::steady_clock::now();
+    }
+
+private:
+    std::vector<Stage>& stages_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+// One page, step by step.
+class Pipeline {
+public:
+    Pipeline(const Options& options, PageResult& result) : options_(options), result_(result), watch_(result.stages) {}
+
+    std::vector<uint8_t> read() {
+        std::vector<uint8_t> stream = readJpegFile(result_.file);
+        watch_.lap("open", stream.size());
+        return stream;
+    }
+
+    void straighten(const std::vector<uint8_t>& stream, bool keepImages) {
+        decodePage(stream);
+        findAngle();
+        turn(keepImages);
+        filter();
+    }
+
+    void write(const Results& results, bool keepImages) {
+        const bool damaged = result_.status == Status::kDamaged;
+        if (options_.formats.count(Format::kPbm) + options_.formats.count(Format::kG4) > 0) writeBits(results, damaged);
+        if (options_.formats.count(Format::kJpeg) > 0) {
+            result_.bytes += results.write(
+                Format::kJpeg, jpegFile(*page_, &handle_, options_.mode, results.markFor(Format::kJpeg, damaged)));
+            watch_.lap("write JPEG", result_.bytes - bitBytes_);
+        }
+        if (keepImages) result_.after = std::move(page_);
+    }
+
+private:
+    void decodePage(const std::vector<uint8_t>& stream) {
+        DecodedPage decoded = decode(stream);
+        if (!decoded.damage.empty()) {
+            result_.status = Status::kDamaged;
+            result_.fault = decoded.damage;
+            if (options_.refuseDamaged) throw std::runtime_error(decoded.damage);
+        }
+        page_ = std::move(decoded.record);
+        description_ = decoded.description;
+        result_.width = description_.width;
+        result_.height = description_.height;
+        result_.depth = description_.depth;
+        result_.dpiX = description_.horizontalResolution;
+        result_.dpiY = description_.verticalResolution;
+        watch_.lap("read", pageBytes());
+    }
+
+    void findAngle() {
+        if (options_.skewGiven) {
+            result_.skew = options_.angle;
+            result_.skewKnown = true;
+            return;
+        }
+        const Grey grey = greyOf(*page_);
+        const Bits bits = reduced(grey, otsuThreshold(grey));
+        result_.skewKnown = findSkew(bits, result_.skew);
+        watch_.lap("find skew", bits.bytes.size());
+    }
+
+    void turn(bool keepImages) {
+        Record straight = turned(*page_, description_, result_.skew);
+        if (keepImages) result_.before = std::move(page_);
+        page_ = std::move(straight);
+        watch_.lap("deskew", pageBytes());
+    }
+
+    void filter() {
+        if (options_.denoise >= 0) {
+            reduceNoise(*page_, options_.denoise);
+            watch_.lap("reduce noise", pageBytes());
+        }
+        if (options_.median != Median::kNone) {
+            filterMedian(*page_, options_.median);
+            watch_.lap("median", pageBytes());
+        }
+        if (options_.dpi > 0 && options_.dpi != description_.horizontalResolution) {
+            scale();
+            watch_.lap("scale", pageBytes());
+        }
+    }
+
+    // To another resolution, which the description then states.
+    void scale() {
+        KVIMG* record = nullptr;
+        const int before = description_.horizontalResolution;
+        require(ResizeImageWithIPPEx(page_.get(), &record, before, options_.dpi), "scaling");
+        page_.reset(record);
+        description_.verticalResolution =
+            static_cast<int32_t>((int64_t{description_.verticalResolution} * options_.dpi + before / 2) / before);
+        description_.horizontalResolution = options_.dpi;
+    }
+
+    void writeBits(const Results& results, bool damaged) {
+        const Grey grey = greyOf(*page_);
+        const Bits bits = reduced(grey, options_.threshold >= 0 ? options_.threshold : otsuThreshold(grey));
+        watch_.lap("reduce to 1 bit", bits.bytes.size());
+        if (options_.formats.count(Format::kPbm) > 0)
+            bitBytes_ += results.write(Format::kPbm, pbmFile(bits, results.markFor(Format::kPbm, damaged)));
+        if (options_.formats.count(Format::kG4) > 0)
+            bitBytes_ +=
+                results.write(Format::kG4, tiffFile(bits, description_, results.markFor(Format::kG4, damaged)));
+        result_.bytes += bitBytes_;
+        watch_.lap("write 1 bit", bitBytes_);
+    }
+
+    size_t pageBytes() const { return static_cast<size_t>(page_->size); }
+
+    const Options& options_;
+    PageResult& result_;
+    Stopwatch watch_;
+    Record page_;
+    KVImageDescription description_{};
+    KVImageDescription* handle_ = &description_;
+    size_t bitBytes_ = 0;
+};
+
+// True if the results of an earlier run stay.
+bool keepResults(const Results& results, const Options& options, PageResult& result) {
+    if (!options.resume) return false;
+    const bool ofDamagedPage = !options.refuseDamaged && results.areComplete(true);
+    if (!ofDamagedPage && !results.areComplete(false)) return false;
+    result.status = ofDamagedPage ? Status::kDamaged : Status::kKept;
+    if (ofDamagedPage) result.fault = "is damaged; its results were written by an earlier run";
+    result.bytes = results.bytes();
+    result.stages.clear();    // nothing was done
+    return true;
+}
+
+void process(const Run& run, bool keepImages, PageResult& result) {
+    Pipeline pipeline(run.options, result);
+    addInput(result.file, run.inputs);
+    std::vector<uint8_t> stream = pipeline.read();
+    const Results results(result.file, sumOf(stream), run.options, run.folder);
+    if (keepResults(results, run.options, result)) return;
+    results.requireReplaceable({run.inputs, run.overwrite});
+    pipeline.straighten(stream, keepImages);
+    stream = {};
+    pipeline.write(results, keepImages);
+}
+
+std::string explain(const cv::Exception& e) {
+    if (e.code == cv::Error::StsNoMem) return "out of memory";
+    return "cannot be processed: OpenCV error " + std::to_string(e.code) + " in " + e.func;
+}
+
+void fail(PageResult& result, const std::string& fault) {
+    result.status = Status::kFailed;
+    result.bytes = 0;
+    result.skewKnown = false;
+    result.fault = fault;
+}
+
+}    // namespace
+
+PageResult processPage(const std::string& file, const Run& run, bool keepImages) {
+    const auto start = std::chrono::steady_clock::now();
+    PageResult result;
+    result.file = file;
+    try {
+        process(run, keepImages, result);
+    } catch (const cv::Exception& e) {
+        fail(result, explain(e));
+    } catch (const std::bad_alloc&) {
+        fail(result, "out of memory");
+    } catch (const std::exception& e) {
+        fail(result, e.what());
+    }
+    result.milliseconds = millisecondsSince(start);
+    return result;
+}

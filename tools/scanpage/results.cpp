@@ -1,0 +1,94 @@
+#include "results.h"
+
+#include <cstdio>
+#include <filesystem>
+
+#include "filter.h"
+#include "result_mark.h"
+
+namespace {
+
+const char* endingOf(Format format) {
+    switch (format) {
+        case Format::kPbm: return ".pbm";
+        case Format::kG4: return ".tif";
+        case Format::kJpeg: break;
+    }
+    return ".jpg";
+}
+
+// The options that decide about the bytes of a result, as one would give them.
+std::string optionsText(const Options& options, Format format) {
+    static const std::map<Median, const char*> kMedians = {
+        {Median::kCross, "cross"}, {Median::kWeighted, "weighted"}, {Median::kColour, "colour"}};
+    char angle[64];
+    std::snprintf(angle, sizeof(angle), " --angle %.17g", options.angle);
+    std::string text;
+    if (options.skewGiven) text += angle;
+    if (options.denoise >= 0) text += " --denoise " + std::to_string(options.denoise);
+    if (options.median != Median::kNone) text += std::string(" --median ") + kMedians.at(options.median);
+    if (options.dpi > 0) text += " --dpi " + std::to_string(options.dpi);
+    if (format == Format::kJpeg) text += " --mode " + std::to_string(options.mode);
+    if (format != Format::kJpeg && options.threshold >= 0) text += " --threshold " + std::to_string(options.threshold);
+    return text.empty() ? "none" : text.substr(1);
+}
+
+}    // namespace
+
+Existing examine(const OutputFolder& folder, const std::string& name) {
+    const std::optional<struct stat> there = folder.find(name);
+    if (!there) return {};
+    Existing existing;
+    existing.id = idOf(*there);
+    existing.isFolder = S_ISDIR(there->st_mode);
+    if (!S_ISREG(there->st_mode)) return existing;
+    existing.size = static_cast<size_t>(there->st_size);
+    existing.isEmptyFile = existing.size == 0;
+    if (const auto contents = folder.contents(name)) existing.mark = markOf(*contents, name);
+    return existing;
+}
+
+void requireReplaceable(const Existing& existing, const std::string& path, const Rules& rules) {
+    if (!existing.id) return;
+    if (existing.isFolder) throw std::runtime_error(path + " cannot be written: Is a directory");
+    if (rules.inputs.contains(*existing.id)) throw std::runtime_error(path + " is an input and is not replaced");
+    if (!rules.overwrite && existing.mark.empty() && !existing.isEmptyFile)
+        throw std::runtime_error(path + " exists and is not a whole result of scanpage; --overwrite replaces it");
+}
+
+std::string resultName(const std::string& file) { return std::filesystem::path(file).stem().string(); }
+
+Results::Results(const std::string& file, uint64_t pageSum, const Options& options, const OutputFolder& folder)
+    : name_(resultName(file)), pageSum_(pageSum), options_(options), folder_(folder) {
+    for (const Format format : options.formats) existing_[format] = examine(folder, nameOf(format));
+}
+
+void Results::requireReplaceable(const Rules& rules) const {
+    for (const auto& [format, existing] : existing_)
+        ::requireReplaceable(existing, folder_.pathOf(nameOf(format)), rules);
+}
+
+bool Results::areComplete(bool ofDamagedPage) const {
+    for (const auto& [format, existing] : existing_)
+        if (existing.mark != markFor(format, ofDamagedPage)) return false;
+    return true;
+}
+
+size_t Results::bytes() const {
+    size_t sum = 0;
+    for (const auto& [format, existing] : existing_) sum += existing.size;
+    return sum;
+}
+
+std::string Results::markFor(Format format, bool pageIsDamaged) const {
+    return resultMark(pageSum_, optionsText(options_, format) + (pageIsDamaged ? ", page damaged" : ""));
+}
+
+size_t Results::write(Format format, std::vector<uint8_t> file) const {
+    const std::string name = nameOf(format);
+    seal(file, name);
+    folder_.write(name, file, existing_.at(format).id);
+    return file.size();
+}
+
+std::string Results::nameOf(Format format) const { return name_ + endingOf(format); }

@@ -1,0 +1,55 @@
+// The results of one page in the output folder, and which files may be replaced.
+#pragma once
+
+#include <map>
+
+#include "output_folder.h"
+#include "page.h"
+
+struct Rules {
+    const InputIds& inputs;    // are never replaced
+    bool overwrite;            // files that scanpage did not make may be replaced
+};
+
+// What a name in the output folder stands for. A member that is not known is empty.
+struct Existing {
+    std::optional<FileId> id;
+    bool isFolder = false;
+    bool isEmptyFile = false;    // holds nothing, so it may be replaced
+    size_t size = 0;
+    std::string mark;    // only of a whole file that scanpage made
+};
+Existing examine(const OutputFolder& folder, const std::string& name);
+
+// Throws if the rules forbid to replace what is there.
+void requireReplaceable(const Existing& existing, const std::string& path, const Rules& rules);
+
+// Name of the results of a page, without folder and ending. Pages that share it would overwrite each other's results.
+std::string resultName(const std::string& file);
+
+// The results of a page that were there before it is worked on.
+class Results {
+public:
+    Results(const std::string& file, uint64_t pageSum, const Options& options, const OutputFolder& folder);
+
+    void requireReplaceable(const Rules& rules) const;
+
+    // All are there, whole, and made from the same page with the same options.
+    bool areComplete(bool ofDamagedPage) const;
+
+    size_t bytes() const;
+
+    std::string markFor(Format format, bool pageIsDamaged) const;
+
+    // Seals and writes a result in place of what was there. Returns its size.
+    size_t write(Format format, std::vector<uint8_t> file) const;
+
+private:
+    std::string nameOf(Format format) const;
+
+    std::string name_;    // without ending
+    uint64_t pageSum_;
+    const Options& options_;
+    const OutputFolder& folder_;
+    std::map<Format, Existing> existing_;
+};
