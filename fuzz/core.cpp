@@ -4,7 +4,6 @@
 #include <climits>
 
 #include "core/Tools.h"
-#include "core/ownership.h"
 #include "support.h"
 
 namespace {
@@ -38,7 +37,6 @@ void makeRecord(Draw& draw) {
         draw.chance(4) ? draw.byte() : std::array{1, 8, 24, 32, 40}[static_cast<size_t>(draw.between(0, 4))];
     KVIMG* made = nullptr;
     const OSErr status = function(&made, &r, static_cast<unsigned char>(depth));
-    const RecordPtr owner(made);
     require(status == noErr || (status == memFullErr && !made), "0, or no memory and no record");
     require(hasRowRule(depth) ? (status == noErr) == (made != nullptr) : status == noErr && !made, "depths");
     const int64_t width = int64_t{r.right} - r.left;
@@ -56,6 +54,7 @@ void makeRecord(Draw& draw) {
     if (width >= 0) require(made->rowBytes == rowOf(width, depth, forUnite), "the row's rule");
     for (int64_t i = 0; i < made->size; i += 61) made->data[i] = 1;
     if (made->size > 0) made->data[made->size - 1] = 1;
+    DisposeKVIMG(made);
 }
 
 template <typename T, typename Allocator>

@@ -83,10 +83,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     requireAsOpenCV(r, stream, cv::IMREAD_ANYCOLOR);
 
     if (!r.image) {
-        requireWhole(readSplit(stream, r.description.width, r.description.height));
+        requireWhole(readSplit(stream, r.description.width, r.description.height, ReadSplitJPEG));
         return 0;
     }
-    const Reading piece = readSplit(stream, r.image->width, r.image->height);
+    const Reading piece = readSplit(stream, r.image->width, r.image->height, ReadSplitJPEG);
     requireWhole(piece);
     if (piece.image) {
         require(piece.image->depth == 24, "a page of the stated size is read in colour");
@@ -94,7 +94,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } else {
         require(piece.status == memFullErr && !colourCanBeHad(*r.image), "a page of the stated size is read");
     }
-    require(readSplit(stream, r.image->width + 1, r.image->height).status == paramErr, "another width is refused");
-    require(readSplit(stream, r.image->width, r.image->height - 1).status == paramErr, "another height is refused");
+    require(readSplit(stream, r.image->width + 1, r.image->height, ReadSplitJPEG).status == paramErr,
+            "another width is refused");
+    require(readSplit(stream, r.image->width, r.image->height - 1, ReadSplitJPEG).status == paramErr,
+            "another height is refused");
     return 0;
 }

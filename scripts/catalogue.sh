@@ -4,6 +4,6 @@
 cmd_reliability() {
     local preset=${1:-release}
     prepare "$preset"
-    build "$preset" reliability_tests
-    ctest --preset "$preset" -R '^reliability$' --verbose
+    build "$preset" catalogue_tests
+    ctest --preset "$preset" -R '^catalogue$' --verbose
 }

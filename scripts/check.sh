@@ -28,7 +28,7 @@ affected_suites() {
 # The other tests of ctest that a list of files can affect, as a regular expression.
 affected_tests() {
     sed -nE -e 's,^(tools|tests/system)/scanpage/.*,^scanpage,p' -e 's,^(python|tests/system/python)/.*,^python,p' \
-        -e 's,^tests/catalogue/.*,^(reliability|function_table)$,p' -e 's,^include/.*,^(reference|interface|documented_names)$,p' \
+        -e 's,^tests/catalogue/.*,^(catalogue|function_document)$,p' -e 's,^include/.*,^(reference|interface|function_document)$,p' \
         -e 's,.*\.md$|^(dev|scripts/.*)$|^examples/.*,^(documented_|map$),p' <<<"$1" | sort -u | paste -s -d'|'
 }
 

@@ -14,7 +14,7 @@ cmd_docs() {
 # The gallery with its pictures, and the table of the functions.
 cmd_gallery() {
     install_packages
-    build release gallery function_table_update
+    build release gallery function_document_update
     ./build/release/docs/generators/gallery docs
     echo "Gallery: $PWD/docs/gallery.md"
 }

@@ -19,9 +19,9 @@ not_under_valgrind+=':Rotate.IsTheFrameOfOpenCVCallsOnLargeImages:ReadJPEG.*OrAr
 cmd_memcheck() {
     install_packages
     need valgrind
-    build release reliability_tests unit_tests
+    build release catalogue_tests unit_tests
     say "The catalogue"
-    under_valgrind ./build/release/tests/catalogue/reliability_tests --gtest_filter='Catalogue.*'
+    under_valgrind ./build/release/tests/catalogue/catalogue_tests --gtest_filter='Catalogue.*'
     say "The unit tests"
     export -f under_valgrind
     export JSIMD_FORCENONE=1 GTEST_TOTAL_SHARDS=$jobs GTEST_BRIEF=1

@@ -21,7 +21,7 @@ cmd_test() {
     aside trees make_trees "$other"
     build release
     run_tests release
-    build release unit_tests_counted memory_tests_counted
+    build release unit_tests_counted catalogue_memory_tests_counted
     check "Coverage" check_coverage
     check "A thousand pages by each engine" check_scale
     aside packages check_packages
@@ -37,12 +37,12 @@ cmd_test() {
     build fuzz
     check "Packages in a fresh tree of Debian's $other" join debian
     jobs=1 aside fuzz check_fuzz 30
-    build tsan reliability_tests
-    aside tsan start_tests tsan -R '^reliability$'
-    build arm64-asan reliability_tests
+    build tsan catalogue_tests
+    aside tsan start_tests tsan -R '^catalogue$'
+    build arm64-asan catalogue_tests
     join tsan
     count_tests tsan
-    aside arm64-asan start_tests arm64-asan -R '^reliability$'
+    aside arm64-asan start_tests arm64-asan -R '^catalogue$'
     build arm64
     check "Fuzzing" join fuzz
     run_tests arm64

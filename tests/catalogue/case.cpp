@@ -1,8 +1,10 @@
 #include "catalogue/case.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 #include "support/drawn_page.h"
 
@@ -31,6 +33,17 @@ void fillWithFloats(Random& random, uint8_t* bytes, size_t count) {
     }
 }
 
+// Pages are drawn once.
+void copyPage(uint8_t* bytes, size_t count, int step, int pixelSize) {
+    static std::map<std::array<int, 2>, Bytes> pages;
+    Bytes& page = pages[{step, pixelSize}];
+    if (page.size() < count) {
+        page.resize(count);
+        drawPage(page.data(), count, step, pixelSize);
+    }
+    std::copy_n(page.begin(), count, bytes);
+}
+
 void flip(uint8_t* bytes, int count) {
     for (int i = 0; i < count; ++i) bytes[i] = static_cast<uint8_t>(~bytes[i]);
 }
@@ -47,7 +60,7 @@ Case::Case(const Setting& setting, Memory& memory)
 
 void Case::fill(uint8_t* bytes, size_t count, int step, int pixelSize) {
     if (page_)
-        drawPage(bytes, count, step, pixelSize);
+        copyPage(bytes, count, step, pixelSize);
     else
         random.fill(bytes, count, random.anyValues());
 }

@@ -82,6 +82,9 @@ public:
     const IppiSize size;
     Random random;
 
+    // Whether the images are pages. Then the call is one that docs/functions.md shows.
+    bool isPage() const { return page_; }
+
     // One call in eight, for functions that may work in place.
     bool worksInPlace() { return random.between(1, 8) == 1 && !page_; }
 

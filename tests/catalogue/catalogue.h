@@ -19,6 +19,7 @@ struct OutOfMemory {
     static OutOfMemory never() { return {false, 0, false, false, ""}; }
     static OutOfMemory answers(int status) { return {true, status, false, false, std::to_string(status)}; }
     static OutOfMemory answersOrThrows(int status) { return {true, status, true, false, std::to_string(status)}; }
+    static OutOfMemory throwsOnly() { return {true, 0, true, false, ""}; }
     static OutOfMemory saysNothing() { return {true, 0, true, true, ""}; }
 
     // For a function whose failure the case's call turns into the status.

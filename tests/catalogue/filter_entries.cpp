@@ -48,15 +48,20 @@ Images imagesUnder(Case& c, int pixelSize, const Margin& margin) {
 
 size_t cellsOf(IppiSize s) { return static_cast<size_t>(s.width) * static_cast<size_t>(s.height); }
 
+// On a page a blur, so that every cell counts.
 const int* integers(Case& c, size_t count) {
-    std::vector<int> cells(count);
-    for (int& cell : cells) cell = c.random.between(-3, 5);
+    std::vector<int> cells(count, 1);
+    if (!c.isPage())
+        for (int& cell : cells) cell = c.random.between(-3, 5);
     return c.sourceOf(cells);
 }
 
+int divisorFor(const Case& c, size_t cells, int otherwise) { return c.isPage() ? static_cast<int>(cells) : otherwise; }
+
 const float* floats(Case& c, size_t count) {
-    std::vector<float> cells(count);
-    for (float& cell : cells) cell = static_cast<float>(c.random.real(-0.5, 1));
+    std::vector<float> cells(count, 1 / static_cast<float>(count));
+    if (!c.isPage())
+        for (float& cell : cells) cell = static_cast<float>(c.random.real(-0.5, 1));
     return c.sourceOf(cells);
 }
 
@@ -97,7 +102,7 @@ std::function<void(Case&)> convolution(Convolution<T> filter, int pixelSize) {
         const Window& w = pick(kernelWindows(), c.variant);
         const Images images = imagesUnder(c, pixelSize, marginOf(w));
         const int* cells = integers(c, cellsOf(w.mask));
-        const int divisor = pick<int>({1, -7, 9}, c.random.between(0, 2));
+        const int divisor = divisorFor(c, cellsOf(w.mask), pick<int>({1, -7, 9}, c.random.between(0, 2)));
         convolve<int>(c, images, pixelSize, {cells, w, divisor}, [filter](const Kernel<int>& k) {
             return [filter, k](const Regions& r) {
                 return filter(r.src.template as<T>(), r.src.step, r.dst.template as<T>(), r.dst.step, r.size, k.cells,
@@ -127,7 +132,8 @@ void convolutionOfAnyType(Case& c) {
     const int type = typeOf(c);
     const int pixelSize = static_cast<int>(CV_ELEM_SIZE(type));
     const Images images = imagesUnder(c, pixelSize, marginOf(w));
-    convolve<int>(c, images, pixelSize, {integers(c, cellsOf(w.mask)), w, 4}, [type](const Kernel<int>& k) {
+    const int divisor = divisorFor(c, cellsOf(w.mask), 4);
+    convolve<int>(c, images, pixelSize, {integers(c, cellsOf(w.mask)), w, divisor}, [type](const Kernel<int>& k) {
         return [type, k](const Regions& r) {
             return ippiFilter(r.src.data, r.src.step, type, r.dst.data, r.dst.step, r.size, k.cells, k.window.mask,
                               k.window.anchor, k.divisor);

@@ -28,13 +28,14 @@ inline Reading read(const std::vector<uint8_t>& stream, decltype(&ReadJPEG) read
     return r;
 }
 
-inline Reading readSplit(const std::vector<uint8_t>& stream, int width, int height) {
+inline Reading readSplit(const std::vector<uint8_t>& stream, int width, int height,
+                         decltype(&ReadSplitJPEG) reader = ReadSplitJPEG) {
     Reading r;
     r.description.width = width;
     r.description.height = height;
     KVImageDescription* record = &r.description;
     KVIMG* image = nullptr;
-    r.status = ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
+    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
     r.image.reset(image);
     return r;
 }

@@ -8,6 +8,8 @@ class FailingHeap {
 public:
     enum class Failure { kOnce, kLasting };
 
+    static constexpr long kNever = 1 << 30;
+
     // From now on, in this thread: the n-th allocation fails (counted from 1), and with kLasting all after it.
     static void arm(long n, Failure failure);
 

@@ -1,4 +1,4 @@
-// "memory_tests --table" writes the table of docs/reliability.md instead of testing.
+// "catalogue_memory_tests --table" writes the table of docs/reliability.md instead of testing.
 #include <gtest/gtest.h>
 
 #include <cstring>

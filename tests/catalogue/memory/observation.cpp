@@ -45,7 +45,7 @@ std::string faultOf(const OutOfMemory& stated, Case& c, Ending ending, int statu
     return stated.throws && ending == Ending::kOutOfMemoryException ? "" : "another exception";
 }
 
-void observe(const Entry& entry, const Case::Setting& setting, FailingHeap::Failure failure, Observation& seen) {
+void observeOne(const Entry& entry, const Case::Setting& setting, FailingHeap::Failure failure, Observation& seen) {
     Heap heap;
     Case c(setting, heap);
     entry.prepare(c);
@@ -91,19 +91,23 @@ Observation observeFailures(const Entry& entry) {
     Observation seen;
     // Long rows outgrow what OpenCV and libjpeg keep on the stack.
     for (const IppiSize size : {IppiSize{52, 40}, IppiSize{1500, 9}})
-        for (int variant = 0; variant < entry.variants; variant += strideOf(entry))
-            for (const auto failure : {FailingHeap::Failure::kOnce, FailingHeap::Failure::kLasting}) {
-                Case::Setting setting;
-                setting.seed = 500 + static_cast<unsigned>(variant);
-                setting.variant = variant;
-                setting.size = size;
-                observe(entry, setting, failure, seen);
-            }
+        for (int variant = 0; variant < entry.variants; variant += strideOf(entry)) {
+            Case::Setting setting;
+            setting.seed = 500 + static_cast<unsigned>(variant);
+            setting.variant = variant;
+            setting.size = size;
+            observe(entry, setting, seen);
+        }
     if (seen.mostAllocations > 0 && !entry.outOfMemory.allocates) seen.fault = "allocates";
     return seen;
 }
 
 }    // namespace
+
+void observe(const Entry& entry, const Case::Setting& setting, Observation& seen) {
+    for (const auto failure : {FailingHeap::Failure::kOnce, FailingHeap::Failure::kLasting})
+        observeOne(entry, setting, failure, seen);
+}
 
 int strideOf(const Entry& entry) {
 #if defined(__aarch64__)

@@ -18,6 +18,9 @@ struct Observation {
     std::string fault;           // what is not as documented; empty if all is
 };
 
+// Each allocation of one call fails once, one after the other; then all from it on.
+void observe(const Entry& entry, const Case::Setting& setting, Observation& seen);
+
 // From one shape of an entry to the next that is tried. Emulation takes its time: there it is half a dozen
 // of them.
 int strideOf(const Entry& entry);

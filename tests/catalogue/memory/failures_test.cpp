@@ -5,24 +5,24 @@
 #include <fstream>
 #include <sstream>
 
+#include "catalogue/catalogue.h"
 #include "failing_heap.h"
 #include "observation.h"
-#include "catalogue/catalogue.h"
 
 namespace {
 
-TEST(OutOfMemory, EveryFunctionSaysSoAndKeepsNothing) {
+TEST(OutOfMemory, EveryFunctionReportsItAndKeepsNothing) {
     for (size_t i = 0; i < catalogue().size(); ++i) EXPECT_EQ(observations()[i].fault, "") << catalogue()[i].name;
 }
 
 // The counts are those of Debian's OpenCV and libjpeg on x86-64.
 #if defined(__x86_64__)
-TEST(OutOfMemory, TheDocumentHoldsTheTable) {
+TEST(OutOfMemory, TheDocumentHasTheTable) {
     std::ifstream file(RELIABILITY_DOCUMENT);
     std::stringstream document;
     document << file.rdbuf();
     EXPECT_NE(document.str().find(failureTable()), std::string::npos)
-        << "docs/reliability.md needs what \"memory_tests --table\" prints";
+        << "docs/reliability.md needs what \"catalogue_memory_tests --table\" prints";
 }
 #endif
 
