@@ -176,13 +176,16 @@ bool isHeld(const std::string& path) {
 }
 
 int openAt(int folder, const char* name, int flags, mode_t mode) {
-    if (isOurs(pathOf(folder, name))) {
-        started = true;
-        const bool unnamed = (flags & O_TMPFILE) == O_TMPFILE;
-        if (unnamed && fails("unnameable")) return failure(EOPNOTSUPP);
-        if (fails("open")) return failure(EMFILE);
-    }
-    return real<int(int, const char*, int, ...)>("openat")(folder, name, flags, mode);
+    const auto realOpenAt = real<int(int, const char*, int, ...)>("openat");
+    if (!isOurs(pathOf(folder, name))) return realOpenAt(folder, name, flags, mode);
+    started = true;
+    const bool unnamed = (flags & O_TMPFILE) == O_TMPFILE;
+    if (unnamed && fails("unnameable")) return failure(EOPNOTSUPP);
+    if (fails("open")) return failure(EMFILE);
+    const int descriptor = realOpenAt(folder, name, flags, mode);
+    if (descriptor >= 0 && unnamed) record("create " + inodeOf(descriptor));
+    if (descriptor >= 0 && (flags & O_CREAT) != 0) record("create " + inodeOf(descriptor) + " " + pathOf(folder, name));
+    return descriptor;
 }
 
 }    // namespace

@@ -38,11 +38,11 @@ def ppm(file, rows):
     file.write_bytes(b"P%d\n%d %d\n255\n" % (6 if colour else 5, len(rows[0]), len(rows)) + data)
 
 
-def jpeg_of(file, rows):
+def jpeg_of(file, rows, progressive=False):
     """The drawing as a JPEG file of the best quality, without subsampling."""
     drawn = file.with_suffix(".pnm")
     ppm(drawn, rows)
     pix = lept.pixRead(os.fspath(drawn).encode())
     lept.pixSetChromaSampling(ctypes.c_void_p(pix), 0)
-    assert lept.pixWriteJpeg(os.fspath(file).encode(), ctypes.c_void_p(pix), 100, 0) == 0
+    assert lept.pixWriteJpeg(os.fspath(file).encode(), ctypes.c_void_p(pix), 100, int(progressive)) == 0
     return file

@@ -4,6 +4,7 @@ _scanpage() {
     COMPREPLY=()
     case ${COMP_WORDS[COMP_CWORD - 1]} in
         --format) words='jpeg pbm g4' ;;
+        --damaged) words='keep refuse' ;;
         --median) words='none cross weighted colour' ;;
         --mode) words='0 286 389 450 788' ;;
         -o | --output)
@@ -24,8 +25,8 @@ _scanpage() {
                 )
                 return
             fi
-            words='-h --help --from -0 --null -o --output --format --resume -j --jobs --angle --denoise --median
-                --dpi --mode --threshold --contact-sheet -v --verbose'
+            words='-h --help --from -0 --null -o --output --format --resume --overwrite --damaged -j --jobs
+                --angle --denoise --median --dpi --mode --threshold --contact-sheet -v --verbose'
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
