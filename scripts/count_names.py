@@ -1,0 +1,46 @@
+#!/usr/bin/env python3
+"""Counts the files in which each exported name appears.
+
+Usage: count_names.py
+
+Documents, examples, tools and golden files do not count, and neither do the mangled names in the lists of symbols.
+"""
+import collections
+import pathlib
+import re
+import subprocess
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+NOT_COUNTED = re.compile(r"(docs|examples|tools)/|.*\.(md|abi)$|tests/catalogue/hashes\.txt$")
+
+
+def exported_names():
+    mangled = (ROOT / "cmake" / "exports.txt").read_text()
+    plain = subprocess.run(["c++filt"], input=mangled, capture_output=True, text=True, check=True).stdout
+    return [line.split("(")[0] for line in plain.splitlines() if line]
+
+
+def files_of(names):
+    files = collections.defaultdict(list)
+    listed = subprocess.run(["git", "ls-files"], cwd=ROOT, capture_output=True, text=True, check=True).stdout
+    for name in listed.splitlines():
+        path = ROOT / name
+        if NOT_COUNTED.match(name) or not path.is_file():
+            continue
+        words = set(re.findall(r"\w+", path.read_text(errors="ignore")))
+        for exported in words.intersection(names):
+            files[exported].append(name)
+    return files
+
+
+def main():
+    names = exported_names()
+    files = files_of(set(names))
+    for name in sorted(names, key=lambda n: (-len(files[n]), n)):
+        print(f"{len(files[name]):3} {name}")
+    counts = [len(files[name]) for name in names]
+    print(f"{len(names)} names in {sum(counts) / len(counts):.2f} files on average, in {max(counts)} at most")
+
+
+if __name__ == "__main__":
+    main()
