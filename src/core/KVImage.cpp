@@ -12,7 +12,7 @@ constexpr int64_t roundUpTo16(int64_t bytes) { return (bytes + 15) & ~int64_t{15
 
 int64_t packedRow24(int64_t width) { return 3 * width; }
 
-// Joined images keep their 24-bit rows on four-byte boundaries.
+// Records of CreateNewKVIMGPtrForUnite have 24-bit rows of a multiple of four bytes.
 int64_t paddedRow24(int64_t width) { return (24 * width + 31) / 32 * 4; }
 
 // Nothing for a depth that has no row rule.

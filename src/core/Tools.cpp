@@ -67,7 +67,7 @@ template <typename T, unsigned D>
 OSErr CreateKernelMatReverse(const T* kernel, const IppiSize& size, cv::Mat& out) {
     if (!kernel || size.width <= 0 || size.height <= 0) return paramErr;
     const auto odd = [](int side) { return (side & ~1) + 1; };
-    cv::Mat turned;    // not `out`: zeros assigned to a view of the same shape would go to what it views
+    cv::Mat turned;    // not `out`: assigning zeros to a view of the same shape would write to the viewed memory
     turned.allocator = out.allocator;
     turned = cv::Mat::zeros(odd(size.height), odd(size.width), CV_MAKETYPE(D, 1));
     if (!turned.data) return memFullErr;

@@ -1,4 +1,4 @@
-// Entry points of an initialisation that the library does not need.
+// Initialisation functions, which do nothing.
 #include "OPCV_dlib.h"
 
 int IppInit() { return 0; }

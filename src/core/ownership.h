@@ -1,4 +1,4 @@
-// Owners of what the heap gives, and the guard of a record-creating function's output slot.
+// Owners of heap blocks, and the guard of the output slot of functions that create records.
 #pragma once
 
 #include <cstdlib>
@@ -16,8 +16,8 @@ struct RecordDeleter {
 };
 using RecordPtr = std::unique_ptr<KVIMG, RecordDeleter>;
 
-// The caller's output slot. Unless a record is handed over, the slot is emptied: whatever it held, even before the
-// call, is released and it is set to null.
+// The caller's output slot. Unless a record is handed over, the destructor releases the record in the slot, even one
+// from before the call, and sets the slot to null.
 class RecordSlot {
 public:
     explicit RecordSlot(KVIMG** slot) : slot_(slot) {}

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr size_t kLargeBlock = size_t{4} << 20;    // below it hardly a huge page fits in
+constexpr size_t kLargeBlock = size_t{4} << 20;    // smaller blocks hardly contain a whole huge page
 
-// A wish: a kernel that does not grant it answers with an error, which changes nothing.
+// Only a hint: a kernel that does not grant it returns an error, which has no effect.
 void askForHugePages(void* block, size_t bytes) {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const size_t skipped = -reinterpret_cast<uintptr_t>(block) & (page - 1);

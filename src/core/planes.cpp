@@ -1,4 +1,4 @@
-// Plane allocators of the image functions: rows of a multiple of 64 bytes.
+// Plane allocators. The length of a row is a multiple of 64 bytes.
 #include <climits>
 #include <cstdint>
 #include <cstdlib>

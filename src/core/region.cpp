@@ -45,7 +45,7 @@ OSErr viewOf(const void* pixels, int step, int type, const IppiSize& size, cv::M
 }
 
 bool overlap(const ByteSpan& a, const ByteSpan& b) {
-    const std::less<> before;    // of pointers into different blocks as well
+    const std::less<> before;    // also orders pointers into different blocks
     return before(a.begin, b.end) && before(b.begin, a.end);
 }
 

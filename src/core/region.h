@@ -1,4 +1,4 @@
-// Regions of the caller's images: the margin around them, the views over them, and the bytes that they share.
+// Regions of the caller's images: margins, views and overlap.
 #pragma once
 
 #include <cstddef>
@@ -9,8 +9,8 @@
 
 namespace opcv {
 
-// A rectangle of pixels in the caller's memory, of which nothing is checked before it is viewed. Its sides have 64 bits,
-// so that no margin overflows.
+// A rectangle of pixels in the caller's memory. It is checked when a view is created. Its sides have 64 bits, so that
+// adding margins cannot overflow.
 struct Region {
     Region(const void* first, int step, int type, const IppiSize& size)
         : first_(first), step_(step), type_(type), width_(size.width), height_(size.height) {}
@@ -18,11 +18,11 @@ struct Region {
     Region movedBy(int64_t columns, int64_t rows) const;
     Region withMargin(const IppiSize& margin) const;    // on each side
 
-    // The rectangles that masks around the region's pixels cover together. The anchor is the cell of the mask that lies on
-    // the pixel; an even mask counts as the next larger odd one.
+    // The rectangle that a mask covers when it is placed on every pixel of the region. The anchor is the cell of the
+    // mask that lies on the pixel; an even mask counts as the next larger odd one.
     Region underMask(const IppiSize& mask, const IppiPoint& anchor) const;
 
-    // paramErr for a null pointer, an empty side, one that is longer than the step or than 31 bits.
+    // paramErr for a null pointer, an empty side, or a side that exceeds the step or 2^31 - 1.
     OSErr view(cv::Mat& out) const;
 
 private:
@@ -35,7 +35,7 @@ private:
     int64_t height_;
 };
 
-// A view of a rectangle in an image that begins at `pixels`: OpenCV knows of the image around it.
+// A view of a rectangle in an image that begins at `pixels`; its header includes the image around the rectangle.
 OSErr viewOf(const void* pixels, int step, int type, const IppiRect& rect, cv::Mat& view);
 OSErr viewOf(const void* pixels, int step, int type, const IppiSize& size, cv::Mat& view);
 
@@ -43,12 +43,12 @@ inline IppiSize halfOf(const IppiSize& mask) { return {mask.width / 2, mask.heig
 
 inline bool isEmpty(const IppiSize& size) { return size.width <= 0 || size.height <= 0; }
 
-// Whether a rectangle is no larger than an image. Where it lies is not looked at.
+// Whether a rectangle is no larger than an image. Its position is not considered.
 inline bool fitsIn(const IppiSize& image, const IppiRect& rect) {
     return rect.width <= image.width && rect.height <= image.height;
 }
 
-// What lies between the first and the last byte of some rows.
+// The bytes from the first to the last byte of some rows.
 struct ByteSpan {
     ByteSpan(const uint8_t* first, const uint8_t* last) : begin(first), end(last) {}
     ByteSpan(const uint8_t* first, ptrdiff_t step, ptrdiff_t rowBytes, ptrdiff_t rows)
@@ -61,7 +61,7 @@ struct ByteSpan {
     const uint8_t* end;
 };
 
-// Views side by side in the rows of one image overlap as well.
+// Views next to each other in the same rows also count as overlapping.
 bool overlap(const ByteSpan& a, const ByteSpan& b);
 inline bool overlap(const cv::Mat& a, const cv::Mat& b) { return overlap(ByteSpan(a), ByteSpan(b)); }
 

@@ -10,7 +10,7 @@ struct FastFree {
 
 }    // namespace
 
-// Memory that is there already is never given to it.
+// OpenCV never passes existing memory to this allocator.
 cv::UMatData* SafeAllocator::allocate(int dims, const int* sizes, int type, void* /*given*/, size_t* step,
                                       cv::AccessFlag /*flags*/, cv::UMatUsageFlags /*usage*/) const {
     size_t total = CV_ELEM_SIZE(type);

@@ -1,10 +1,10 @@
-// Matrices for OpenCV to fill.
+// Matrices that OpenCV fills.
 #pragma once
 
 #include <opencv2/core.hpp>
 
-// Dense matrices on the heap, as OpenCV's allocator makes them, and nothing lost when memory runs out. OpenCV's own takes
-// the pixels first and the block that keeps count of them second, and forgets the first when it cannot have the second.
+// An allocator of dense matrices, like OpenCV's, but without its leak: OpenCV allocates the pixels first and the block
+// with the reference count second, and leaks the first if allocating the second fails.
 class SafeAllocator : public cv::MatAllocator {
 public:
     cv::UMatData* allocate(int dims, const int* sizes, int type, void* given, size_t* step, cv::AccessFlag flags,
@@ -13,8 +13,8 @@ public:
     void deallocate(cv::UMatData* data) const override;
 };
 
-// An empty matrix with an allocator of its own, so that none is kept in the library's data. No other matrix may share its
-// pixels and outlive it.
+// An empty matrix that contains its allocator, so that the library has no writable data. No matrix that shares its
+// pixels may outlive it.
 class ResultMatrix : private SafeAllocator, public cv::Mat {
 public:
     ResultMatrix() { cv::Mat::allocator = static_cast<SafeAllocator*>(this); }

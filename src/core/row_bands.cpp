@@ -60,14 +60,14 @@ void forEachBand(int rows, double elements, FunctionRef<int, int> run) {
     try {
         cv::parallel_for_(cv::Range(0, count), bands, count);
     } catch (const std::runtime_error&) {
-        // TBB throws it when a thread cannot be started, after the bands that have begun are done.
+        // TBB throws this if a thread cannot be started, after the bands in progress are complete.
         bands.runTheRest();
     }
 }
 
-// Within one parallel loop OpenCV starts no other one. The loop around the calls has a single band, which OpenCV leaves
-// to the caller's thread. Should another caller's loop just end meanwhile, the inner loops may be distributed once more,
-// but OpenCV's pool gives up on each thread that fails.
+// OpenCV does not start a parallel loop inside another one. The outer loop here has a single band, which OpenCV runs on
+// the caller's thread. If another caller's loop ends in the meantime, the inner loops may be distributed again, but
+// OpenCV's pool no longer uses a thread that has failed.
 void withOpenCVThreads(FunctionRef<> calls) {
     constexpr int kMostThreads = 1024;
     for (int attempt = 0; attempt < kMostThreads; ++attempt) {

@@ -20,13 +20,13 @@ private:
     void (*call_)(const void*, Arguments...);
 };
 
-// Calls `run(firstRow, endRow)` for bands of rows, so that each row from 0 to rows - 1 comes once. Few elements are one
-// band. More are distributed over OpenCV's threads; if one cannot be started, the caller's thread does what is left.
-// `run` may throw anything but a std::runtime_error.
+// Calls `run(firstRow, endRow)` for bands of rows that cover each row from 0 to rows - 1 once. Few elements are one
+// band; more are distributed over OpenCV's threads. If a thread cannot be started, the caller's thread runs the
+// remaining bands. `run` may throw anything but std::runtime_error.
 void forEachBand(int rows, double elements, FunctionRef<int, int> run);
 
-// Runs calls of OpenCV that distribute their work themselves. If a thread cannot be started, they run again, on the
-// caller's thread alone, so they must not change what they read.
+// Runs OpenCV calls that distribute their work themselves. If a thread cannot be started, they run again on the
+// caller's thread only, so they must not change their input.
 void withOpenCVThreads(FunctionRef<> calls);
 
 }    // namespace opcv

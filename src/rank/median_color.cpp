@@ -1,18 +1,18 @@
-// 3x3 vector median of colour pixels: the pixel of the window whose colour distances to the other eight sum up to the
-// least; the first in raster order among equals.
+// 3x3 vector median of colour pixels: the pixel of the window with the smallest sum of colour distances to the other
+// eight; of equal sums, the first in raster order.
 //
-// A pair of pixels meets in up to six windows, so each distance is computed once. Per pixel there are twelve: to its
-// neighbours 1 and 2 to the right, to five pixels of the next row and to five of the row after that. The image goes
-// through in strips of columns, from top to bottom, three rows at a time; all that is kept of them is on the stack.
+// A pair of pixels is in up to six windows, so each distance is computed once. Per pixel there are twelve: to its
+// neighbours 1 and 2 to the right, to five pixels of the next row and to five of the row after that. The image is
+// processed in strips of columns, from top to bottom, three rows at a time; all intermediate rows are on the stack.
 //
 // Instead of |a - b| summed over the channels, a pair has M(p, q) = max r + max g + max b. With T = r + g + b the
 // distance is 2 M(p, q) - T(p) - T(q), so over the eight others of a window
 //
 //     distances(p) = 2 sum of M(p, q) - 7 T(p) - (sum of T over the nine pixels),
 //
-// and as the last term is the same for all nine candidates they are ranked by the first two, the score. The sum over the
-// three pixels of one row depends on whether p is in the left, middle or right column of the window, and serves three
-// windows.
+// and as the last term is the same for all nine candidates they are ranked by the first two, the score. The sum over
+// the three pixels of one row depends on whether p is in the left, middle or right column of the window, and serves
+// three windows.
 //
 // The least of the nine scores is at most their mean, which is convex in each sample and hence largest when samples are
 // 0 or 255: 255 (2 k (9 - k) / 9 + k) for k samples of 255 in a channel, at most 2578.4 a channel and 7735 in all. So
@@ -89,7 +89,7 @@ class Strip {
 public:
     explicit Strip(ptrdiff_t width) : width_(width) {}
 
-    // Makes the next row of the source the row below. `row` is the first pixel that is written; one more is read on
+    // Advances by one row: `row` becomes the row below. It points to the first pixel to be written; one more is read on
     // either side.
     void enter(const uint8_t* row) {
         std::rotate(pixels_, pixels_ + 1, pixels_ + 3);
@@ -215,8 +215,8 @@ private:
         }
     }
 
-    // The ninth candidate has no place of its own in three bits. It wins if even with the place 7 its key is below all
-    // others, which is when its score is.
+    // Three bits cannot hold the index of the ninth candidate. It wins if its key with index 7 is below all others,
+    // that is, if its score is.
     HWY_INLINE void storeKey(int place, V16 twoRows, V16 oneRow, ptrdiff_t p) {
         const auto bits = static_cast<uint16_t>(std::min(place, 7));
         hn::StoreU(hn::SaturatedAdd(twoRows, hn::Add(oneRow, hn::Set(d16, bits))), d16, keys_[place].at(p));

@@ -1,7 +1,7 @@
 // Medians over a plus sign: the 5 pixels of a 3x3 cross or the 9 pixels of a 5x5 cross.
 //
-// Branch-free networks of minimum and maximum, straight from the source rows. Two rows go at a time, as their crosses
-// share the two or four pixels between them. No byte is read that no window holds.
+// Branch-free networks of minimum and maximum, directly from the source rows. Two rows are computed at a time, because
+// their crosses share the two or four pixels between them. Only bytes of the windows are read.
 #include <cstddef>
 #include <cstdint>
 
@@ -39,7 +39,7 @@ HWY_INLINE Pair<V> sorted(V a, V b) {
     return {hn::Min(a, b), hn::Max(a, b)};
 }
 
-// The median of five is that of the fifth value and the two middle ones of the other four.
+// The median of five values is the median of the fifth and the two middle ones of the other four.
 template <class V>
 HWY_INLINE V medianOf5(const Pair<V>& s, const Pair<V>& t, V fifth) {
     return medianOf3(hn::Min(s.high, t.high), hn::Max(s.low, t.low), fifth);
@@ -64,8 +64,8 @@ HWY_INLINE V medianOf9(const Triple<V>& s, const Triple<V>& t, const Triple<V>& 
                      hn::Min(hn::Min(s.high, t.high), u.high));
 }
 
-// Where the two crosses lie. A row without a partner stands for the lower one where that would need more of the source;
-// the lower result is then of no use.
+// The positions of the two crosses. For a last row without a partner, the lower cross is not read where it would need
+// more of the source; the lower result is then meaningless.
 struct Crosses {
     Crosses(const RowPair& pair, ptrdiff_t srcStep, ptrdiff_t reach)
         : step(srcStep),

@@ -7,7 +7,7 @@ namespace {
 
 using Kernel = void (*)(const unsigned char*, int, unsigned char*, int, int, int);
 
-// No source step is refused: a kernel reads what the window needs, wherever the caller's rows are.
+// Any source step is accepted: a kernel reads the pixels of the windows, wherever the caller's rows are.
 IppStatus filter(Kernel kernel, const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, IppiSize size,
                  int pixelSize) {
     if (!kernel || !pSrc || !pDst || size.width <= 0 || size.height <= 0) return ippStsBadArgErr;

@@ -1,4 +1,4 @@
-// Square medians of any odd size: the small ones by kernels of our own, the others by OpenCV.
+// Square medians of any odd size: small masks by the library's kernels, others by OpenCV.
 #include "rank/median_square.h"
 
 #include <opencv2/imgproc.hpp>

@@ -1,4 +1,4 @@
-// Square medians straight from the caller's rows.
+// Square medians, directly from the caller's rows.
 #pragma once
 
 #include <cstddef>
@@ -8,6 +8,6 @@
 bool hasSquareMedian(int m);
 
 // Medians of `height` rows of `width` bytes; `src` is the corner of the first window. A window's columns lie `channels`
-// bytes apart. Reads no byte that no window holds. Source and destination must not overlap.
+// bytes apart. Reads only bytes of the windows. Source and destination must not overlap.
 void squareMedian(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
                   ptrdiff_t height, int m, int channels);

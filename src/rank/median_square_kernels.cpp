@@ -1,10 +1,10 @@
-// Medians of m x m windows by merging sorted columns, from minimum and maximum alone.
+// Medians of m x m windows by merging sorted columns, with minimum and maximum only.
 //
-// The image goes through in strips of columns, two rows at a time. The m - 1 source rows that the two have in common are
-// sorted vertically once, and each row's own is merged in: every column of the strip is now a sorted list of m, held in m
-// row buffers. Adjacent columns are merged into pairs (m >= 5), pairs into fours (m >= 9), each of which several windows
-// use. A window is then two or three such lists and a single column. At each merge only the ranks go on that can still be
-// the median.
+// The image is processed in strips of columns, two rows at a time. The m - 1 source rows that the two have in common
+// are sorted vertically once, and the remaining row of each is merged in: every column of the strip is now a sorted
+// list of m values, stored in m row buffers. Adjacent columns are merged into pairs (m >= 5), pairs into fours (m >=
+// 9), each of which several windows use. A window is then two or three such lists and a single column. Each merge keeps
+// only the ranks that can still be the median.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -76,7 +76,7 @@ struct Sorted {
     V v[Ranks::kCount];
 };
 
-// The list whose values `valueOf` gives.
+// The list with the values of `valueOf`.
 template <class List, int... i, class ValueOf>
 HWY_INLINE List listOf(std::integer_sequence<int, i...> /*indices*/, const ValueOf& valueOf) {
     return {{valueOf(std::integral_constant<int, i>())...}};
@@ -114,8 +114,8 @@ HWY_INLINE V medianOf(const Sorted<m, kA>& a, const Sorted<m, kB>& b) {
 
 HWY_INLINE V middleOf(V a, V b, V c) { return hn::Max(hn::Min(a, b), hn::Min(hn::Max(a, b), c)); }
 
-// Of three sorted columns the greatest low, the middle of the middles and the least high are left, and their middle is
-// the median.
+// Of three sorted columns only the greatest low, the median of the middles and the least high remain; their median is
+// the median of the window.
 HWY_INLINE V medianOfColumns(const Sorted<3, 3>& a, const Sorted<3, 3>& b, const Sorted<3, 3>& c) {
     return middleOf(hn::Max(hn::Max(a.v[0], b.v[0]), c.v[0]), middleOf(a.v[1], b.v[1], c.v[1]),
                     hn::Min(hn::Min(a.v[2], b.v[2]), c.v[2]));
@@ -125,8 +125,8 @@ HWY_INLINE V medianOfColumns(const Sorted<3, 3>& a, const Sorted<3, 3>& b, const
 
 constexpr ptrdiff_t kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(d));
 
-// Rows of sorted lists, one a column: row i holds rank kFirst + i of each. Vectors run on past the strip's end; what lies
-// there is anything, and no result depends on it.
+// Rows of sorted lists, one list per column: row i holds rank kFirst + i of each. Vectors run past the end of the
+// strip; the values there are arbitrary, and no result depends on them.
 template <int m, int kSubset, ptrdiff_t kBytes>
 class ListRows {
 public:
@@ -145,15 +145,15 @@ private:
 template <int m>
 class Strip {
 public:
-    // Of a row that is written. The buffers stay in the first-level cache beside the source rows; the six of m = 3 are so
-    // few that whole rows of a page, which the processor reads ahead, are better.
+    // Columns of a strip. The buffers fit in the first-level cache together with the source rows. For m = 3 there are
+    // only six, so strips as wide as a page are faster, because the processor prefetches whole rows.
     static constexpr ptrdiff_t kBytes = m == 3 ? 8192 : 512;
 
     Strip(ptrdiff_t width, int channels) : width_(width), channels_(channels) {}
 
     // Filters two rows, or one if `dst[1]` is null. `src` are the m + 1 rows of their windows, from the first window's
-    // left edge on. What the next two use lies `srcAhead` behind the last two of them, and `dstAhead` behind `dst`; it is
-    // fetched on the way.
+    // left edge on. What the next two use lies `srcAhead` behind the last two of them, and `dstAhead` behind `dst`; it
+    // is fetched on the way.
     void filter(const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2], ptrdiff_t srcAhead, ptrdiff_t dstAhead) {
         srcAhead_ = srcAhead;
         dstAhead_ = dstAhead;
@@ -180,7 +180,7 @@ private:
     using Pairs = std::conditional_t<kLargestGroup >= 2, ListRows<m, 2 * m, kBuffer>, Nothing>;
     using Fours = std::conditional_t<kLargestGroup >= 4, ListRows<m, 4 * m, kBuffer>, Nothing>;
 
-    // The last vector is pulled back to end where the windows end; rows shorter than a vector are copied first.
+    // The last vector is pulled back to the end of the windows; rows shorter than a vector are copied first.
     void sortColumns(const uint8_t* const (&src)[m + 1]) {
         const ptrdiff_t width = width_ + (m - 1) * channels_;
         coverPulledBack(

@@ -4,12 +4,12 @@
 // the centre unless fewer than 3 neighbours lie on one side of it, so the bounds are the 3rd and the 6th neighbour;
 // with weight 5 they are the 2nd and the 7th.
 //
-// Two rows go at a time. The four pixels beside the two centres are neighbours of both and are sorted once:
+// Two rows are computed at a time. The four pixels beside the two centres are neighbours of both and are sorted once:
 //
-//     a a a        a: the upper centre's own, with the lower centre below it
+//     a a a        a: neighbours of the upper centre only; so is the lower centre
 //     s 0 s        s: shared
 //     s 1 s
-//     b b b        b: the lower centre's own, with the upper centre above it
+//     b b b        b: neighbours of the lower centre only; so is the upper centre
 #include <cstddef>
 #include <cstdint>
 

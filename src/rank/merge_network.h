@@ -1,12 +1,12 @@
-// Networks of comparators that sort, and that merge two sorted lists, made at compile time by Batcher's odd-even merge
-// (Knuth, The Art of Computer Programming, 5.3.4). What the wanted outputs do not depend on is left out.
+// Networks of comparators that sort, and that merge two sorted lists, generated at compile time by Batcher's odd-even
+// merge (Knuth, The Art of Computer Programming, 5.3.4). Comparators that no wanted output depends on are removed.
 #pragma once
 
 #include <algorithm>
 
 namespace rank_network {
 
-// Puts the smaller of two wires on `low` and the larger on `high`; a result that nobody reads is not computed.
+// Puts the smaller of two wires on `low` and the larger on `high`; a result that is not used is not computed.
 struct Comparator {
     int low;
     int high;
@@ -66,7 +66,7 @@ public:
         return merged;
     }
 
-    // Keeps `count` outputs from rank `first` on, and what they depend on.
+    // Keeps `count` outputs starting at rank `first`, and the comparators they depend on.
     constexpr void select(const List& sorted, int first, int count) {
         bool needed[kWires] = {};
         for (int i = 0; i < count; ++i) {
@@ -117,8 +117,8 @@ constexpr Network<kA + kB> merger() {
     return network;
 }
 
-// Of the values of an m x m window, the ranks (from 0) of a sorted subset that can be the window's median: those with no
-// more than half of the window below and no more than half above them.
+// Of the values of an m x m window, the ranks (from 0) of a sorted subset that can be the window's median: those with
+// no more than half of the window below and no more than half above them.
 template <int m, int kSubset>
 struct MedianRanks {
     static constexpr int kHalf = m * m / 2;

@@ -1,4 +1,4 @@
-// Dilation, erosion, maximum and minimum: small masks by kernels of our own, the others by OpenCV.
+// Dilation, erosion, maximum and minimum: small masks by the library's kernels, others by OpenCV.
 #include "rank/morphology.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ struct Target {
     IppiSize size;
 };
 
-// Filters by a kernel where there is one; says whether it did.
+// Filters with a kernel if there is one; returns whether it did.
 bool filterDirectly(const WindowRows& rows, const cv::Mat& mask, Extremum extremum) {
     if (std::max(mask.rows, mask.cols) <= kLargestRectangleSide && cv::countNonZero(mask) == mask.rows * mask.cols) {
         filterUnderRectangle(rows, {mask.cols, mask.rows}, extremum);
@@ -43,8 +43,8 @@ bool filterDirectly(const WindowRows& rows, const cv::Mat& mask, Extremum extrem
     return true;
 }
 
-// The view's header reaches further than the view; isolated, OpenCV does not look there. Its neutral border never comes
-// into the interior.
+// The view's header extends beyond the view; with BORDER_ISOLATED, OpenCV does not read there. Its neutral border does
+// not reach the interior.
 void filterByOpenCV(const cv::Mat& source, const cv::Mat& mask, Extremum extremum, cv::Mat& filtered) {
     const auto morph = extremum == Extremum::kMax ? cv::dilate : cv::erode;
     morph(source, filtered, mask, cv::Point(-1, -1), 1, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,

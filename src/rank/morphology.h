@@ -1,4 +1,4 @@
-// Largest and smallest pixels under a mask, straight from the caller's rows.
+// Largest and smallest pixels under a mask, directly from the caller's rows.
 #pragma once
 
 #include <cstddef>
@@ -21,9 +21,9 @@ struct WindowRows {
 constexpr int kLargestRectangleSide = 64;
 constexpr int kMostMaskCells = 256;
 
-// Under a rectangle with sides up to kLargestRectangleSide. Reads no byte that no window holds.
+// Under a rectangle with sides up to kLargestRectangleSide. Reads only bytes of the windows.
 void filterUnderRectangle(const WindowRows& rows, IppiSize rectangle, Extremum extremum);
 
-// Under up to kMostMaskCells cells, given by their distance in bytes from the window's corner; at least one. Reads no
-// byte that no cell selects.
+// Under up to kMostMaskCells cells, given by their distance in bytes from the window's corner; at least one. Reads only
+// bytes that cells select.
 void filterUnderCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extremum extremum);

@@ -1,15 +1,15 @@
 // Largest and smallest pixels under a rectangle or under any set of cells.
 //
-// A rectangle is a column of pixels, then a row of such columns. Columns go by van Herk's method, in blocks of as many
-// rows as the rectangle is high: the extremes of the rows from each one to the end of the block are kept, and each window
-// is one of those and the extreme of the rows from the block's end on:
+// A rectangle is computed as a column of pixels, then a row of such columns. Columns use van Herk's method, in blocks
+// of as many rows as the rectangle is high. The extremes from each row to the end of the block are stored; each window
+// combines one of these with the extreme of its rows in the next block:
 //
 //     rows of a block of 4    | 0 1 2 3 | 4 5 6 ...
-//     window of row 2             |---| |---|          3 operations a pixel, whatever the height
+//     window of row 2             |---| |---|          3 operations per pixel, for any height
 //
-// Rows of columns go by doubling: extremes of 2, 4, 8, ... neighbours, at last of two such groups that overlap.
+// Rows of columns use doubling: extremes of 2, 4, 8, ... neighbours, and finally of two such groups that overlap.
 //
-// The 3x3 square, the one that most callers ask for, goes straight from the source rows, without a row of its own.
+// The 3x3 square, which most callers use, is computed directly from the source rows, without intermediate rows.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -86,7 +86,7 @@ private:
 
     ptrdiff_t columnsWidth() const { return width_ + side_.width - 1; }
 
-    // The block of rows from y on, as far as the region goes.
+    // The block of rows from y, up to the end of the region.
     void filterBlock(ptrdiff_t y) {
         const ptrdiff_t height = side_.height;
         const uint8_t* toEnd = source(y + height - 1);    // of the block's last row: that row
@@ -107,7 +107,7 @@ private:
         }
     }
 
-    // `to` may be `b`: a byte that is combined twice stays as it is.
+    // `to` may be `b`: combining a byte twice does not change it.
     void combine(const uint8_t* a, const uint8_t* b, uint8_t* to) const {
         coverRow(dFull, columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR {
             hn::StoreU(Op::of(hn::LoadU(d, a + x), hn::LoadU(d, b + x)), d, to + x);
@@ -126,7 +126,7 @@ private:
             const auto column = [=](ptrdiff_t i) HWY_ATTR { return Op::of(hn::LoadU(d, a + i), hn::LoadU(d, b + i)); };
             hn::StoreU(Op::of(column(x), column(x + 1)), d, line + x);
         });
-        // Doubling in place must not meet a byte twice, so it runs on, past the row's end, in whole vectors.
+        // Doubling in place must process each byte once, so it runs past the end of the row in whole vectors.
         ptrdiff_t group = 2;
         for (; 2 * group <= side_.width; group *= 2)
             coverBeyond(columnsWidth() - group, lanesOf(dFull), [=](ptrdiff_t x) HWY_ATTR {
@@ -146,7 +146,7 @@ private:
     HWY_ALIGN uint8_t scratch_[kScratch];
 };
 
-// Two rows at a time: their columns share the two rows in the middle.
+// Computes two rows at a time: their columns share the two rows in the middle.
 template <class Op>
 void filterSquare3x3(const WindowRows& rows) {
     const ptrdiff_t step = rows.srcStep;

@@ -1,4 +1,4 @@
-// Rows that are filtered two at a time; included once a target by the kernel files.
+// Rows that are filtered two at a time. Kernel files include this once per target.
 #if defined(OPCV_DLIB_RANK_ROW_PAIR_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef OPCV_DLIB_RANK_ROW_PAIR_INL_H
 #undef OPCV_DLIB_RANK_ROW_PAIR_INL_H
@@ -12,14 +12,14 @@ HWY_BEFORE_NAMESPACE();
 namespace opcv {
 namespace HWY_NAMESPACE {
 
-// Two rows that are filtered together, because their windows share pixels. A last row without a partner is its own: both
-// results then go to the same place, so the upper one must be stored last.
+// Two rows that are filtered together, because their windows share pixels. A last row without a partner is paired with
+// itself: both results go to the same place, so the upper one must be stored last.
 struct RowPair {
     const uint8_t* upper;    // first source pixel
     bool hasLower;
     uint8_t* upperDst;
     uint8_t* lowerDst;
-    const uint8_t* next[4];    // rows that the next pair is the first to use: two it reads, two it writes
+    const uint8_t* next[4];    // rows first used by the next pair: two to read, two to write
 };
 
 template <class FilterPair>
@@ -36,8 +36,8 @@ HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* d
     }
 }
 
-// coverRow for both rows of a pair. On the way it fetches the next pair's pixels: rows are too short for the processor to
-// see that another one follows a step later, and fetched at once they would keep the arithmetic waiting.
+// coverRow for both rows of a pair. It also prefetches the pixels of the next pair, one vector at a time: rows are too
+// short for the hardware prefetcher, and prefetching them all at once would stall the arithmetic.
 template <class FilterAt>
 HWY_INLINE void coverPair(const RowPair& pair, ptrdiff_t width, const FilterAt& filterAt) {
     coverRow(hn::ScalableTag<uint8_t>(), width, [&](auto d, ptrdiff_t x) HWY_ATTR {

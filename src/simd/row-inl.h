@@ -1,15 +1,15 @@
-// The cover of a row: every column is reached by whole vectors, or blocks of vectors, and what is left by the rule that
-// the kernel names. Included once a target by the kernel files.
+// Covers a row with whole vectors, or blocks of vectors, and the remaining columns by the rule that the kernel selects.
+// Kernel files include this once per target.
 //
 //     rule            last part of a row                               for
 //     coverRow        the last vector is pulled back to end with       results that may be stored twice: apart from the
-//     coverPulledBack the row, so that some columns come twice         source, or the same when computed again
+//     coverPulledBack the row, so some columns are done twice         source, or the same when computed again
 //     coverRowOnce    the rest goes one lane at a time                 sums and other changes in place
 //     coverWithRest   the caller takes the rest in one call            vectors that go through a block on the stack
 //     coverBeyond     the last vector runs on past the end             buffers with room for it
 //
-// A row shorter than a vector cannot hold one that is pulled back: coverRow takes it one lane at a time, and with
-// coverPulledBack the caller takes it in one call.
+// In a row shorter than a vector, no vector can be pulled back: coverRow processes it one lane at a time, and
+// coverPulledBack passes it to the caller in one call.
 #if defined(OPCV_DLIB_SIMD_ROW_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef OPCV_DLIB_SIMD_ROW_INL_H
 #undef OPCV_DLIB_SIMD_ROW_INL_H
@@ -29,8 +29,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Calls `blockAt(x)` for the first column of each block. A row shorter than a block is one call of `shortRow()`. Blocks
-// are long formulas: one place of the code calls them, whereas coverRow has a second one for the last vector.
+// Calls `blockAt(x)` for the first column of each block. A row shorter than a block is one call of `shortRow()`.
+// `blockAt` is instantiated once because blocks are long formulas; coverRow instantiates its formula twice.
 template <class BlockAt, class ShortRow>
 HWY_INLINE void coverPulledBack(ptrdiff_t width, ptrdiff_t block, const BlockAt& blockAt, const ShortRow& shortRow) {
     if (width < block) {
@@ -40,8 +40,8 @@ HWY_INLINE void coverPulledBack(ptrdiff_t width, ptrdiff_t block, const BlockAt&
     for (ptrdiff_t x = 0; x < width; x += block) blockAt(HWY_MIN(x, width - block));
 }
 
-// Calls `blockAt(x)` for the first column of each block that the row holds whole, then `restAt(x, count)` for the columns
-// behind them, if there are any.
+// Calls `blockAt(x)` for the first column of each block that lies completely in the row, then `restAt(x, count)` for
+// the remaining columns, if any.
 template <class BlockAt, class RestAt>
 HWY_INLINE void coverWithRest(ptrdiff_t width, ptrdiff_t block, const BlockAt& blockAt, const RestAt& restAt) {
     ptrdiff_t x = 0;
@@ -73,7 +73,7 @@ HWY_INLINE void coverRow(D d, ptrdiff_t width, const At& at) {
     at(d, last);
 }
 
-// Calls `at(tag, x)` so that each column comes once.
+// Calls `at(tag, x)` so that each column is processed once.
 template <class D, class At>
 HWY_INLINE void coverRowOnce(D d, ptrdiff_t width, const At& at) {
     const hn::CappedTag<hn::TFromD<D>, 1> one;
@@ -84,7 +84,7 @@ HWY_INLINE void coverRowOnce(D d, ptrdiff_t width, const At& at) {
         });
 }
 
-// Rows are too short for the processor to see that the next one follows a step later.
+// Rows are too short for the hardware prefetcher to recognise that the next one follows a step later.
 HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
     constexpr ptrdiff_t kCacheLine = 64;
     for (ptrdiff_t i = 0; i < width; i += kCacheLine) hwy::Prefetch(row + i);
