@@ -1,5 +1,5 @@
-// Bilateral filter of one 8-bit channel. Neighbourhoods of 3x3 and 5x5 pixels run directly from the source to the
-// destination; everything else is OpenCV's. Both give the same bytes.
+// Bilateral filter of one 8-bit channel. The library's kernels filter 3x3 and 5x5 pixels directly from source to
+// destination; OpenCV filters everything else. Both give the same bytes.
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
@@ -34,8 +34,8 @@ OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst,
         return noErr;
     }
 
-    // Isolated: OpenCV must not read the pixels around the view. They reach none of the region, except that a side of 1
-    // still filters with 3x3 pixels: that result is the plain mode's.
+    // BORDER_ISOLATED: OpenCV must not read the pixels around the view, which do not affect the region. A side of 1 is
+    // the exception: it filters over 3x3 pixels, with the result of the plain border mode.
     const int border = kernel.width == 1 ? cv::BORDER_REFLECT_101 : cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED;
     ResultMatrix filtered;
     opcv::withOpenCVThreads([&] { cv::bilateralFilter(view, filtered, kernel.width, sigmaColor, sigmaSpace, border); });

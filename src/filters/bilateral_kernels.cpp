@@ -1,17 +1,17 @@
-// Bilateral filter over the pixels within a radius of 1 or 2. The weight of two pixels is the same for either, so it is
-// looked up once, for the pair, and kept for the pixel that comes later:
+// Bilateral filter over the pixels within a radius of 1 or 2. The weight of a pair of pixels is the same for both, so
+// it is looked up once and kept for the later pixel:
 //
 //     radius 1:   . u .        radius 2:   . . u . .       u, l, v: cells before the centre o, whose weights are known
-//                 l o r                    . v u v .       r, d, e: cells behind it; their weights are looked up now
+//                 l o r                    . v u v .       r, d, e: cells after it; their weights are looked up now
 //                 . d .                    l l o r r
 //                                          . e d e .
 //                                          . . d . .
 //
-// Sums are formed as OpenCV forms them, to the last bit: float sums in raster order, products added fused; but in the
-// columns that fill no vector of the view, four cells at a time are added across.
+// Sums equal OpenCV's to the last bit: float sums in raster order with fused multiply-add. In the last columns of the
+// view, which do not fill a vector, four cells at a time are added across.
 //
-// The region is filtered in strips, from a copy of the source rows under the window. Read are the pixels within the
-// radius only.
+// The region is filtered in strips, from a copy of the source rows under the window. Only pixels within the radius are
+// read.
 #include "filters/bilateral_kernels.h"
 
 #include <algorithm>
@@ -39,8 +39,8 @@ using Bytes = hn::ScalableTag<uint8_t>;
 constexpr ptrdiff_t kLanes = hn::MaxLanes(D());
 constexpr ptrdiff_t kByteLanes = hn::MaxLanes(Bytes());
 
-// A cell behind the centre, and by symmetry the one opposite to it. The weights of as many rows are kept as lie from one
-// of the pair to the other.
+// A cell after the centre and, by symmetry, the opposite cell. The weights are kept for as many rows as there are
+// between the two.
 struct Pair {
     int dx;
     int dy;
@@ -74,7 +74,7 @@ struct Window<2> {
 template <int kRadius>
 class Strip {
 public:
-    static constexpr ptrdiff_t kWidth = kRadius == 1 ? 2560 : 480;    // the weights about fill a first-level cache
+    static constexpr ptrdiff_t kWidth = kRadius == 1 ? 2560 : 480;    // the weights roughly fill a first-level cache
 
     Strip(const BilateralRegion& region, const BilateralWeights& weights, ptrdiff_t left, ptrdiff_t width)
         : region_(region), weights_(weights), left_(left), width_(width) {}
@@ -97,14 +97,14 @@ private:
     using W = Window<kRadius>;
     static constexpr int kRows = 2 * kRadius + 1;
     static constexpr ptrdiff_t kMargin = 3 * kRadius;
-    static constexpr ptrdiff_t kPitch = kMargin + kWidth + kMargin + kByteLanes;    // vectors run over the end
+    static constexpr ptrdiff_t kPitch = kMargin + kWidth + kMargin + kByteLanes;    // vectors run past the end
 
     uint8_t* row(int y) { return rows_[(y + kRows) % kRows] + kMargin; }
     float* weightsOf(const Pair& pair, int y) {
         return pairWeights_[pair.firstRow + (y + kRadius) % (pair.dy + 1)] + kMargin;
     }
 
-    // What vectors read behind the row is cleared, as it selects weights too.
+    // Bytes that vectors read after the row are cleared, because they also select weights.
     void copyRow(int y) {
         const ptrdiff_t margin = ptrdiff_t{kRadius} * region_.channels;
         uint8_t* first = row(y) - margin;
@@ -113,7 +113,7 @@ private:
         std::memset(first + count, 0, kByteLanes);
     }
 
-    // Weights of the pixels of a row and their partners, as far as the strip's pixels are one of them.
+    // Weights of the pixels of a row and their partners, where at least one of them is in the strip.
     void lookUp(const Pair& pair, int y) {
         const Bytes bytes;
         const ptrdiff_t shift = ptrdiff_t{pair.dx} * region_.channels;
@@ -134,7 +134,7 @@ private:
     void filterRow(int y) {
         const D d;
         const hn::Rebind<uint8_t, D> bytes;
-        // Cells before the centre: the pairs from the last to the first, seen from the other side.
+        // Cells before the centre: the same pairs in reverse order, from the other pixel.
         const uint8_t* pixels[2 * W::kPairs];
         const float* weights[2 * W::kPairs];
         for (int i = 0; i < W::kPairs; ++i) {
@@ -187,7 +187,7 @@ private:
     float pairWeights_[W::kWeightRows][kPitch];
 };
 
-// One pixel of the columns that fill no vector.
+// One pixel of the last columns, which do not fill a vector.
 template <int kRadius>
 uint8_t meanInFours(const BilateralRegion& region, const BilateralWeights& weights, const uint8_t* centre) {
     using W = Window<kRadius>;
@@ -257,7 +257,7 @@ namespace {
 HWY_EXPORT(filterBand);
 }    // namespace
 
-// Every step as OpenCV takes it, as the weights must be the same to the last bit.
+// The same steps as in OpenCV, so that the weights are equal to the last bit.
 filters::BilateralWeights::BilateralWeights(double sigmaColor, double sigmaSpace) {
     const double colorCoefficient = -0.5 / (sigmaColor * sigmaColor);
     const double spaceCoefficient = -0.5 / (sigmaSpace * sigmaSpace);

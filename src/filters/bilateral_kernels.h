@@ -1,4 +1,4 @@
-// Bilateral filter over 3x3 or 5x5 pixels, straight from the caller's rows into the caller's rows.
+// Bilateral filter over 3x3 or 5x5 pixels, directly between the caller's rows.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace filters {
 
-// Weight of a neighbour by its difference in grey, for the three distances that occur in 5x5 pixels.
+// Weight of a neighbour by its grey difference, for the three distances in 5x5 pixels.
 struct BilateralWeights {
     enum Distance { kOne, kRootOfTwo, kTwo, kDistances };
 
@@ -19,7 +19,7 @@ struct BilateralWeights {
 struct BilateralRegion {
     const uint8_t* src;    // first pixel; `radius` pixels around the region are read
     ptrdiff_t srcStep;     // bytes
-    uint8_t* dst;          // shares no byte with the source
+    uint8_t* dst;          // must not overlap the source
     ptrdiff_t dstStep;
     int width;       // pixels
     int height;      // rows

@@ -1,4 +1,4 @@
-// Box filter in place: each pixel becomes the mean of the mask's pixels.
+// Box filter in place: each pixel becomes the mean of the pixels under the mask.
 #include <opencv2/imgproc.hpp>
 
 #include "core/Tools.h"
@@ -8,8 +8,8 @@
 
 namespace {
 
-// Rows are read from the top down, each as a whole, before they are overwritten. A mask that ends above or to the left of
-// its pixel would come too late, and rows must not shift against each other.
+// Each row is read completely before it is overwritten, from the top down. This does not work for a mask that ends
+// above or to the left of its pixel, nor for a step that is not a multiple of the pixel size.
 bool canFilterInPlace(int step, const IppiSize& mask, const IppiPoint& anchor) {
     return anchor.x < mask.width && anchor.y < mask.height && step % 3 == 0;
 }
@@ -17,7 +17,7 @@ bool canFilterInPlace(int step, const IppiSize& mask, const IppiPoint& anchor) {
 OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const IppiSize& mask, const IppiPoint& anchor) {
     if (mask.width < 1 || mask.height < 1 || !srcDst) return paramErr;
 
-    // Unlike a convolution's, the view begins at minus the anchor.
+    // Unlike in a convolution, the view begins at minus the anchor.
     const IppiSize half = opcv::halfOf(mask);
     cv::Mat view;
     if (const OSErr err = opcv::Region(srcDst, step, CV_8UC3, roi).underMask(mask, anchor).view(view)) return err;
@@ -30,7 +30,7 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
         return filters::filterBox24({view.data, srcDst, step, 3 * roi.width, roi.height}, mask, *rule) ? noErr
                                                                                                        : memFullErr;
 
-    // Isolated: OpenCV must not read the pixels around the view. They reach none of the region.
+    // BORDER_ISOLATED: OpenCV must not read the pixels around the view, which do not affect the region.
     ResultMatrix filtered;
     const cv::Point centre(-1, -1);
     const bool mean = true;

@@ -1,12 +1,12 @@
-// Box filter of three interleaved 8-bit channels, in place. Each column of the mask has a sum; a new row is added and the
-// one that leaves the mask, kept in a ring as it may have been overwritten, is subtracted:
+// Box filter of three interleaved 8-bit channels, in place. Each column of the mask has a sum: the new row is added and
+// the row that leaves the mask is subtracted. A ring keeps these rows, because the image may have been overwritten:
 //
 //     ring:     row y | y + 1 | ... | y + mask height - 1      rows under the mask, as they were
 //     columns:  their sum for each element, in 16 bits (hence masks of up to 256 pixels)
 //     result:   mean of columns[x], [x + 3], ... , one for each column of the mask
 //
 // OpenCV's mean of a sum s over d pixels is ((s + e) q) >> 23 with a reciprocal q of 23 bits. One 16-bit high multiply
-// gives the same for all sums; its constant is checked once a call.
+// gives the same result for all sums; its constant is checked once per call.
 #include "filters/box_kernels.h"
 
 #include <algorithm>
@@ -33,7 +33,7 @@ using D = hn::ScalableTag<uint16_t>;
 using Bytes = hn::Rebind<uint8_t, D>;
 using One = hn::CappedTag<uint16_t, 1>;    // the tail reads and writes no byte too many
 
-// Replaces a row of the ring by a new one and keeps the columns' sums.
+// Replaces a row of the ring by a new one and updates the column sums.
 template <class Sums>
 HWY_INLINE void exchangeAt(Sums d, const uint8_t* src, size_t x, uint8_t* ring, uint16_t* columns) {
     const hn::Rebind<uint8_t, Sums> bytes;
@@ -108,7 +108,7 @@ int64_t meanOf(int64_t sum, const filters::MeanRule& rule) {
     return ((sum + rule.addend) * rule.multiplier) >> (16 + rule.shift);
 }
 
-// Both rules grow with the sum, so they agree if they step from each mean to the next at the same sum.
+// Both rules are monotonic in the sum, so they agree if each mean begins at the same sum.
 bool agree(const filters::MeanRule& rule, const Reciprocal& reciprocal, int64_t area) {
     const int64_t largest = 255 * area;
     if (meanOf(0, rule) != reciprocal.meanOf(0) || meanOf(largest, rule) != reciprocal.meanOf(largest)) return false;
@@ -130,7 +130,7 @@ std::optional<filters::MeanRule> filters::meanRuleOf(int64_t area) {
     MeanRule rule;
     rule.addend = static_cast<uint16_t>(reciprocal.addend);
     rule.shift = 23 - 16 - dropped;
-    // Either the multiplier rounded up or the one rounded down does for every area.
+    // For every area, either the multiplier rounded up or the one rounded down works.
     for (const int64_t multiplier : {-(-reciprocal.multiplier >> dropped), reciprocal.multiplier >> dropped}) {
         rule.multiplier = static_cast<uint16_t>(multiplier);
         if (multiplier <= UINT16_MAX && agree(rule, reciprocal, area)) return rule;

@@ -1,4 +1,4 @@
-// Box filter in place, straight on the caller's rows.
+// Box filter in place, directly on the caller's rows.
 #pragma once
 
 #include <cstddef>
@@ -23,11 +23,11 @@ struct BoxRegion {
     const uint8_t* window;    // first element of the first row under the mask
     uint8_t* pixels;          // first element of the region; no row below a window is written before it is read
     ptrdiff_t step;           // bytes
-    int elements;             // a row, three a pixel
+    int elements;             // per row, three per pixel
     int rows;
 };
 
-// False if there is no memory for the rows of a mask; nothing is written then.
+// False, with nothing written, if allocating the rows of a mask fails.
 bool filterBox24(const BoxRegion& region, IppiSize mask, const MeanRule& rule);
 
 }    // namespace filters

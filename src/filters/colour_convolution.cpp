@@ -1,7 +1,8 @@
-// Convolution of a whole packed 24-bit image with a square float kernel, one for all channels or one for each. The ring
-// along the edges, where the kernel would leave the image, is left out.
+// Convolution of a whole packed 24-bit image with a square float kernel, one for all channels or one for each. The
+// outermost pixels, where the kernel would extend beyond the image, are not filtered.
 //
-// Three kernels run over the packed pixels in one pass. Large ones, which OpenCV may transform, filter channel by channel.
+// Three kernels are applied to the packed pixels in one pass. Large ones, for which OpenCV may use a Fourier transform,
+// are applied channel by channel.
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -31,7 +32,7 @@ std::optional<Inside> insideOf(IppiSize size, int radius) {
 
 constexpr int kLargestDirectRadius = 3;    // 49 cells; from 50 on OpenCV may take a Fourier transform
 
-// The kernels turned by 180 degrees. They come in the reverse order of the channels.
+// The kernels, turned by 180 degrees. They are in the reverse order of the channels.
 filters::Taps tapsOf(const float* kernels, const Inside& inside) {
     const size_t cells = inside.cells();
     filters::Taps taps;

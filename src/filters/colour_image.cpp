@@ -38,7 +38,7 @@ OSErr filterChannels(const unsigned char* src, unsigned char* dst, IppiSize size
         return err;
     if (const OSErr err = Tools::CreateImageMat(dst, 3 * size.width, size.height, CV_8UC3, target)) return err;
 
-    // Joined only when all channels are there, so that a failure leaves the target as it was.
+    // Merged after all channels are complete, so that a failure leaves the target unchanged.
     const size_t planeBytes = source.total();
     const PixelBlock from(static_cast<unsigned char*>(std::malloc(planeBytes)));
     const PixelBlock to(static_cast<unsigned char*>(std::malloc(3 * planeBytes)));

@@ -1,13 +1,13 @@
 // Convolution of a region with a caller's kernel.
 //
-// OpenCV correlates, so the kernel is turned by 180 degrees first. A turned kernel has odd sides and its centre as the
-// anchor; the caller's anchor only says where the source region begins:
+// OpenCV computes correlations, so the kernel is turned by 180 degrees first. A turned kernel has odd sides and its
+// centre as the anchor; the caller's anchor only determines where the source region begins:
 //
 //     first column of the view = anchor.x - 2 * half    (half = kernel width / 2, rows likewise)
 //     first column of the region in the result = half
 //
-// Kernels of moderate size on 8-bit and 16-bit signed pixels run directly from the source to the destination; everything
-// else is OpenCV's. Both give the same bytes.
+// The library's kernels filter 8-bit and 16-bit signed pixels with kernels of moderate size directly from source to
+// destination; OpenCV filters everything else. Both give the same bytes.
 #include <climits>
 #include <opencv2/imgproc.hpp>
 
@@ -41,8 +41,8 @@ OSErr viewUnderKernel(const Source& source, const IppiSize& roi, const cv::Mat& 
         .view(view);
 }
 
-// From this number of cells on, OpenCV may take a Fourier transform, which rounds differently, if a view is as wide as
-// its rows.
+// With this number of cells or more, OpenCV may use a Fourier transform, which rounds differently, if a view is as wide
+// as its rows.
 constexpr size_t kFewestTransformed = 50;
 
 bool mayBeTransformed(const cv::Mat& view, const cv::Mat& kernel) {
@@ -76,16 +76,16 @@ void filterDirectly(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& region)
         filters::convolve16s(view.ptr<int16_t>(), srcStep, region.ptr<int16_t>(), dstStep, shape, taps);
 }
 
-// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, past the caller's last row as well. With it, OpenCV
-// takes a large view for one that is as wide as its rows, and its transform; so that is kept to the small kernels. The
-// border itself never reaches the region.
+// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, even past the caller's last row. With it, OpenCV
+// treats every view as one that is as wide as its rows and may use its Fourier transform, so only small kernels set it.
+// The border itself never affects the region.
 int borderFor(const cv::Mat& kernel) {
     return kernel.total() < kFewestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED : cv::BORDER_REFLECT_101;
 }
 
 bool hasIntegers(const cv::Mat& m) { return m.depth() == CV_8U || m.depth() == CV_16U || m.depth() == CV_16S; }
 
-// OpenCV rounds a sum to an int, and what becomes of one that is none depends on the processor. Here it saturates.
+// OpenCV converts sums to int; if one is out of range, its result depends on the processor. Here it saturates.
 void saturateBeyondInts(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& filtered) {
     constexpr double kFirstBeyond = 2147483648.0;
     constexpr double kLargestPixel = 65535;
@@ -102,8 +102,8 @@ void saturateBeyondInts(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& fil
 }
 
 OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
-    // OpenCV has no filter for halves. It says so under a small kernel; under a large one several channels make it call
-    // through a null pointer.
+    // OpenCV has no filter for 16-bit floats. With small kernels it throws; with large ones and several channels it
+    // calls through a null pointer.
     if (view.depth() == CV_16F && view.channels() > 1)
         CV_Error(cv::Error::StsNotImplemented, "no convolution of several channels of 16-bit floats");
     ResultMatrix filtered;
@@ -116,7 +116,7 @@ OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSiz
                                    cv::Point(0, 0), cv::Size(roi.width, roi.height));
 }
 
-// `kernel` is turned and of floats.
+// `kernel` is a turned float kernel.
 OSErr convolve(const Source& source, const Target& target, const IppiSize& roi, const cv::Mat& kernel,
                const IppiPoint& anchor) {
     cv::Mat view;

@@ -1,13 +1,13 @@
 // Convolution by the definition: each result is the rounded, saturated sum of pixel x weight over the kernel's cells in
-// raster order. Products are added fused, in 32-bit floats, from a sum of 0 on: to the last bit what OpenCV does.
+// raster order. Sums are 32-bit floats with fused multiply-add, starting from 0: equal to OpenCV's to the last bit.
 //
-// The region is filtered in as few strips of columns as the stack has room for. The source rows of a window are converted
+// The region is filtered in strips of columns, as wide as fits on the stack. The source rows of a window are converted
 // to floats once, into a ring of rows:
 //
 //     ring row (y + j) mod rows:  | element 0 | 1 | 2 | ... | strip | reach |     j = 0 .. rows - 1
 //                                       |<-- tap -->| read at element + tap.element
 //
-// Read are the window's own pixels only.
+// Only pixels of the windows are read.
 #include "filters/convolution_kernels.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ using filters::Taps;
 using D = hn::ScalableTag<float>;
 using V = hn::Vec<D>;
 constexpr size_t kLanes = hn::MaxLanes(D());
-constexpr size_t kVectors = 6;    // summed up together: two turns of the three places that a vector has in pixels
+constexpr size_t kVectors = 6;    // summed together: two periods of the three alignments of a vector to pixels
 constexpr size_t kBlock = kVectors * kLanes;
 constexpr size_t kRingFloats = 24576;    // holds whole rows of an A4 page for most kernels; narrower strips cost time
 
@@ -42,7 +42,7 @@ struct EqualWeights {
     const Taps& taps;
 };
 
-// A weight for each element of a pixel: vectors with period 3, at three places.
+// A weight for each element of a pixel: vectors with period 3, in three alignments.
 struct PixelWeights {
     explicit PixelWeights(const Taps& all) {
         for (size_t tap = 0; tap < static_cast<size_t>(all.count); ++tap)
@@ -62,10 +62,10 @@ void convertRow(const Pixel* HWY_RESTRICT src, size_t count, float* HWY_RESTRICT
     for (; x + kLanes <= count; x += kLanes)
         hn::StoreU(hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(dPixel, src + x))), d, dst + x);
     for (; x < count; ++x) dst[x] = static_cast<float>(src[x]);
-    hn::StoreU(hn::Zero(d), d, dst + x);    // the last vector of a strip reads on
+    hn::StoreU(hn::Zero(d), d, dst + x);    // the last vector of a strip reads past it
 }
 
-// Sums of N vectors whose taps read at `x`; the first one stands at a place of its own in the pixels.
+// Sums of N vectors whose taps read at `x`; the first one has its own alignment to pixels.
 template <size_t N, class Weights>
 HWY_INLINE void sumTaps(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t x,
                         size_t place, V* sums) {
@@ -95,7 +95,7 @@ void convolveNarrowRow(const Weights& weights, const float* const* HWY_RESTRICT 
     for (size_t x = 0; x < width; x += kLanes) {
         V sum[1];
         sumTaps<1>(weights, taps, count, x, x / kLanes % 3, sum);
-        // The ring has room for a whole vector, the destination has not.
+        // The ring has room for a whole vector, the destination does not.
         Pixel results[kLanes];
         storeRounded(sum[0], results);
         std::memcpy(dst + x, results, std::min(kLanes, width - x) * sizeof(Pixel));
@@ -126,7 +126,7 @@ Pixel* behind(Pixel* row, ptrdiff_t bytes) {
     return reinterpret_cast<Pixel*>(reinterpret_cast<uint8_t*>(row) + bytes);
 }
 
-// Elements of a strip: as even a share of a row as may be, whole pixels of three and whole vectors.
+// Elements of a strip: an equal share of a row, rounded to whole pixels of three and whole vectors.
 size_t stripOf(size_t elements, size_t most) {
     constexpr size_t kUnit = 3 * kLanes;
     const size_t strips = (elements - 1) / (most / kUnit * kUnit) + 1;

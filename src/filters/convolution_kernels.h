@@ -1,4 +1,4 @@
-// Convolution straight from the caller's rows into the caller's rows.
+// Convolution directly between the caller's rows.
 #pragma once
 
 #include <array>
@@ -7,8 +7,8 @@
 
 namespace filters {
 
-// One cell of a turned kernel: what it reads, counted from the window's first row and element, and its weight for the
-// three elements of a pixel (or of any three in a row, if all elements are weighed alike).
+// One cell of a turned kernel: the row and element that it reads, counted from the first of the window, and its weight
+// for the three elements of a pixel (or for any three adjacent elements, if all have the same weight).
 struct Tap {
     int row = 0;
     int element = 0;
@@ -20,9 +20,9 @@ struct Taps {
     static constexpr int kMost = 129;
 
     int rows = 1;     // of the window
-    int reach = 0;    // elements of a window's row behind its first
+    int reach = 0;    // elements of a window's row after its first
     int count = 0;
-    bool alike = true;    // all elements are weighed alike; otherwise they are pixels of three
+    bool alike = true;    // all elements have the same weight; otherwise three per pixel
     std::array<Tap, kMost> taps;
 };
 
@@ -31,7 +31,7 @@ struct Shape {
     int rows;
 };
 
-// Steps are in bytes; source and destination share no byte.
+// Steps are in bytes. Source and destination must not overlap.
 void convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region, const Taps& taps);
 void convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
                  const Taps& taps);

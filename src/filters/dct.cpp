@@ -15,7 +15,7 @@ struct Line {
     int count;
 };
 
-// OpenCV transforms even lengths only. For odd ones the definition is summed up: with N values,
+// OpenCV transforms even lengths only. Odd ones are computed by the definition. With N values:
 //     forward:  X[k] = s(k) * sum over j of x[j] * cos(pi * k * (2j + 1) / 2N),    s(0) = sqrt(1/N), s(k) = sqrt(2/N)
 //     inverse:  x[j] = sum over k of s(k) * X[k] * cos(pi * k * (2j + 1) / 2N)
 void transformOddLength(Line line, bool inverse) {
@@ -43,7 +43,7 @@ void transform(Line line, bool inverse) {
     cv::dct(view, view, cv::DCT_ROWS | (inverse ? cv::DCT_INVERSE : 0));
 }
 
-// The table's rows stand one behind the other already.
+// Whether the rows of the table are already contiguous.
 bool isOneLine(double* const* rows, int n) {
     for (int row = 1; row < n; ++row)
         if (rows[row] != rows[row - 1] + n) return false;

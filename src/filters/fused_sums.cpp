@@ -21,7 +21,7 @@ HWY_AFTER_NAMESPACE();
 namespace {
 HWY_EXPORT(targetFuses);
 
-// OpenCV's own choice, which `cv::setUseOptimized` governs.
+// OpenCV's own choice, which `cv::setUseOptimized` controls.
 bool openCVFuses() {
     return cv::checkHardwareSupport(CV_CPU_NEON) ||
            (cv::checkHardwareSupport(CV_CPU_AVX2) && cv::checkHardwareSupport(CV_CPU_FMA3));

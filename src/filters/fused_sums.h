@@ -2,8 +2,8 @@
 
 namespace filters {
 
-// Whether OpenCV's float sums are of fused products on this processor and ours can be the same. On x86-64 without AVX2,
-// OpenCV rounds each product; then the filters are left to it.
+// Whether OpenCV's float sums use fused multiply-add on this processor, so that the kernels give the same bytes. On
+// x86-64 without AVX2, OpenCV rounds each product; OpenCV then does the filtering.
 bool sumsAsOpenCVDoes();
 
 }    // namespace filters

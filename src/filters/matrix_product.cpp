@@ -24,7 +24,7 @@ struct Operand {
     bool transposed;
 };
 
-// The operand as a `height` x `width` matrix, its transpose formed if need be.
+// The operand as a `height` x `width` matrix, transposed if necessary.
 OSErr matrixOf(const Operand& operand, int width, int height, cv::Mat& matrix) {
     if (!operand.transposed) return viewOf(operand.elements, operand.leadingDimension, width, height, matrix);
     cv::Mat stored;
@@ -47,7 +47,7 @@ void OPCV_cblas_sgemm(int order, int transA, int transB, int M, int N, int K, fl
     if (order == kRowMajor) {
         if (viewOf(C, ldc, N, M, product) || matrixOf(a, K, M, left) || matrixOf(b, N, K, right)) return;
     } else {
-        // Column-major storage seen as rows is the transpose: C' = B' x A'.
+        // Column-major storage read as rows is the transpose: C' = B' x A'.
         if (viewOf(C, ldc, M, N, product) || matrixOf(a, M, K, right) || matrixOf(b, K, N, left)) return;
     }
     cv::gemm(left, right, alpha, product, beta, product);

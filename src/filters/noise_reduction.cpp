@@ -13,10 +13,10 @@ namespace {
 constexpr int kLargestMode = 2;    // 5x5; 0 and 1 are 3x3
 constexpr int kStrongest = 10;
 
-// Pixels along each edge that the neighbourhood of a mode leaves out.
+// Pixels at each edge that are not filtered in this mode.
 int insetOf(int mode) { return mode == 2 ? 2 : 1; }
 
-// Of both the grey levels and the distance.
+// The squared sigma of both the grey levels and the distance.
 float squareSigmaOf(int strength) {
     constexpr int64_t kSquareSigmaPerStrength = 96;
     const auto squareSigma = static_cast<float>(strength * kSquareSigmaPerStrength);
@@ -53,7 +53,7 @@ int DeosNrRGB(const unsigned char* src, unsigned char* dst, int width, int heigh
     if (strength < 0 || strength > kStrongest) return 2;
     if (width % 4 != 0) return 3;
 
-    // From here on the result is 0, done or not.
+    // From here on the function returns 0, even on failure.
     const IppiSize size = {width, height};
     if (!src || !dst || !filters::isColourImage(size)) return 0;
     const ptrdiff_t step = 3 * ptrdiff_t{width};

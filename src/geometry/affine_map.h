@@ -1,4 +1,4 @@
-// Where the pixels of a turned image come from, in the fixed-point form in which OpenCV's affine warp has them.
+// Maps pixels of a turned image to source positions, in the fixed-point form of OpenCV's affine warp.
 #pragma once
 
 #include <algorithm>
@@ -15,11 +15,11 @@ struct MapPosition {
 constexpr int kMapBits = 10;
 constexpr double kMapScale = 1 << kMapBits;
 
-// Pixel (x, y) of the target comes from column(x) + row(y) of the source; both parts are rounded to nearest, ties to
-// even. Interpolation knows 32 positions a pixel: 16 units are added once, so that cutting the last five bits rounds.
+// Pixel (x, y) of the target is read at column(x) + row(y) of the source; both parts are rounded to nearest, ties to
+// even. Interpolation has 32 positions per pixel: 16 units are added once, so that dropping the last five bits rounds.
 class AffineMap {
 public:
-    // The inverse of a 2 x 3 matrix that takes points of one image to points of another.
+    // The inverse of a 2 x 3 matrix that maps points of one image to points of another.
     static AffineMap inverseOf(const double (&m)[6]) {
         const double determinant = multiplyAdd(m[0], m[4], -(m[1] * m[3]));
         const double scale = determinant != 0 ? 1.0 / determinant : 0.0;
@@ -33,7 +33,7 @@ public:
         return map;
     }
 
-    // The same map for images of which only the parts from these first pixels on are looked at.
+    // The same map for parts of the two images that begin at these pixels.
     void moveOrigins(int targetX, int targetY, int sourceX, int sourceY) {
         targetX_ = targetX;
         targetY_ = targetY;
@@ -60,15 +60,15 @@ public:
         return inImage + source_;
     }
 
-    // How far the source position moves for one pixel to the right.
+    // The movement of the source position for one pixel to the right.
     double xPerColumn() const { return xx_; }
     double yPerColumn() const { return yx_; }
 
 private:
     static constexpr double kLongest = 32767;
 
-    // OpenCV leaves it to the compiler to round once here, which it does where every processor has an instruction for it.
-    // One position in some millions lies so close to a tie that it shows.
+    // In OpenCV the compiler fuses this into one rounding where every processor has an instruction for it. It affects
+    // one position in some millions, which is close enough to a tie.
     static double multiplyAdd(double a, double b, double c) {
 #ifdef __aarch64__
         return std::fma(a, b, c);

@@ -1,4 +1,4 @@
-// Deskew of a page record: turned about its centre, whole or cropped, or about a given point.
+// Deskew of a page record: a turn about its centre, whole or cropped, or about a given point.
 #include "core/ownership.h"
 #include "geometry/page.h"
 
@@ -13,7 +13,7 @@ IppiRect wholeOf(const KVIMG& record) { return {0, 0, record.width, record.heigh
 double centreColumn(const Page& page) { return (page.width - 1.0) * 0.5; }
 double centreRow(const Page& page) { return (page.height - 1.0) * 0.5; }
 
-// The page turned about its first pixel and moved by the shift, into the whole new record.
+// Turns the page about its first pixel and moves it by the shift, into the whole new record.
 OSErr turnAndShift(const Page& page, const KVIMG& turned, int interpolation, const cv::Scalar& fill, double angle,
                    double xShift, double yShift) {
     const IppStatus status = ippiRotate(page.record->data, page.size(), page.record->rowBytes, page.rect(), turned.data,

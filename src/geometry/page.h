@@ -1,11 +1,11 @@
-// The checked arguments that the page routines share.
+// The checked arguments that the page functions share.
 #pragma once
 
 #include "OPCV_dlib.h"
 #include "geometry/page_format.h"
 
 struct Page {
-    const KVIMG* record = nullptr;    // only its pixels and bytes a row count
+    const KVIMG* record = nullptr;    // only its pixels and bytes per row are used
     int width = 0;
     int height = 0;
     unsigned char depth = 0;

@@ -12,7 +12,7 @@ namespace {
 
 enum class Turn { kQuarterClockwise, kHalf, kQuarterCounterClockwise };
 
-// A positive angle turns clockwise here, against the deskew functions. The fraction is dropped, so that 90.9 is 90.
+// A positive angle turns clockwise, unlike in the deskew functions. The fraction is dropped, so that 90.9 is 90.
 std::optional<Turn> turnOf(double angle) {
     if (!(std::abs(angle) < 360)) return std::nullopt;
     switch (static_cast<int>(angle)) {

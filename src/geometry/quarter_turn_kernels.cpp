@@ -1,11 +1,11 @@
-// Quarter turns as transpositions: the mirror that makes a turn of one lies in the order in which the caller's steps
-// lead through the rows.
+// Quarter turns as transpositions. A turn is a transposition and a mirror, and the caller mirrors by the sign of a
+// step.
 //
-// Blocks of 16 x 16 pixels are transposed in registers. Interleaving the lanes of rows i and i + n/2 of n rows into rows
-// 2i and 2i + 1 moves the highest bit of a row's number to the lowest bit of a lane's, and that of the lane's to the
-// row's; after log2(n) such rounds rows and lanes have changed places. Pixels of 3 bytes are widened to 4 for it. Blocks
-// are taken in tiles, so that whole cache lines of the target are written at a time. The last block of a row or column
-// is pulled back over the one before it. No byte outside the rasters is read or written.
+// Blocks of 16 x 16 pixels are transposed in registers. Interleaving the lanes of rows i and i + n/2 of n rows into
+// rows 2i and 2i + 1 moves the highest bit of a row's index to the lowest bit of a lane's index, and the highest bit of
+// the lane's index to the row's; after log2(n) such rounds rows and lanes are swapped. Pixels of 3 bytes are widened to
+// 4 for this. Blocks are processed in tiles, so that whole cache lines of the target are written at a time. The last
+// block of a row or column is pulled back over the one before it. No byte outside the rasters is read or written.
 #include "geometry/quarter_turn_kernels.h"
 
 #include <algorithm>
@@ -48,7 +48,7 @@ HWY_INLINE void transposeLanes(D d, hn::Vec<D> (&rows)[kRows]) {
 template <int kPixelSize>
 struct Pixels;
 
-// Four pixels of four bytes in one vector; sixteen pixels of a block's row or column in four.
+// Four pixels of four bytes in one vector; the sixteen pixels of a block's row or column in four vectors.
 template <>
 struct Pixels<4> {
     static V32 loadFour(const uint8_t* row, int four) {
@@ -59,7 +59,7 @@ struct Pixels<4> {
     }
 };
 
-// The same with pixels of three bytes in memory: sixteen of them are 48 bytes, three full vectors.
+// The same for pixels of three bytes: sixteen of them are 48 bytes, three full vectors.
 template <>
 struct Pixels<3> {
     static constexpr uint8_t kNone = 0x80;
@@ -75,7 +75,7 @@ struct Pixels<3> {
         return hn::BitCast(D32(), hn::TableLookupBytesOr0(bytes, hn::Load(D8(), last ? kWidenLast : kWiden)));
     }
 
-    // Bytes of the first and of the second of two neighbouring vectors that go into one.
+    // The bytes that one vector takes from two neighbouring ones.
     struct Seam {
         HWY_ALIGN uint8_t first[16];
         HWY_ALIGN uint8_t second[16];
@@ -132,7 +132,7 @@ void transposeAll(SourceRows from, TargetRows to, int width, int height) {
                 for (int j = top; j < std::min(top + kTile, height); j += kBlock) {
                     const int x = std::min(i, width - kBlock);
                     const int y = std::min(j, height - kBlock);
-                    if (x + kTile < width)    // rows lie on memory pages of their own: ask for the next tile's
+                    if (x + kTile < width)    // rows are on different memory pages: prefetch the next tile
                         for (int r = 0; r < kBlock; ++r) hwy::Prefetch(at(x + kTile, y + r));
                     transposeBlock<kPixelSize>({at(x, y), from.step}, {turned(x, y), to.step});
                 }
@@ -140,7 +140,7 @@ void transposeAll(SourceRows from, TargetRows to, int width, int height) {
 
 using Wide = hn::ScalableTag<uint8_t>;
 
-// Pixels of 1 or 4 bytes in the opposite order.
+// Pixels of 1 or 4 bytes in reverse order.
 template <int kPixelSize>
 HWY_INLINE hn::Vec<Wide> reverse(hn::Vec<Wide> pixels) {
     HWY_ALIGN static constexpr uint8_t kBytes[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
@@ -176,7 +176,7 @@ template <int kPixelSize>
 void mirrorRow(const uint8_t* from, uint8_t* to, int width) {
     constexpr ptrdiff_t kPixels = Mirror<kPixelSize>::kPixels;
     const uint8_t* const end = from + width * ptrdiff_t{kPixelSize};
-    // The target is written forwards: twice as fast where memory is the limit.
+    // Writing the target forwards is twice as fast if memory bandwidth is the limit.
     opcv::HWY_NAMESPACE::coverPulledBack(
         width, kPixels,
         [=](ptrdiff_t x) HWY_ATTR { Mirror<kPixelSize>::block(end - (x + kPixels) * kPixelSize, to + x * kPixelSize); },

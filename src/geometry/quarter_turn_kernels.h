@@ -1,11 +1,11 @@
-// Turns of pixels of 1, 3 or 4 bytes by multiples of 90 degrees, for arguments that have been checked. Source and target
+// Turns of pixels of 1, 3 or 4 bytes by multiples of 90 degrees. Arguments must have been checked; source and target
 // must not overlap.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-// A raster as a turn goes through it: a negative step leads upwards from its last row.
+// A raster in the order in which a turn reads or writes it; with a negative step, upwards from its last row.
 struct SourceRows {
     const uint8_t* first;
     ptrdiff_t step;

@@ -1,4 +1,4 @@
-// Bilinear resize: of a page record by a ratio, of a grey region with placement, of a colour region to a given size.
+// Bilinear resize: a page record by a ratio, a grey region with placement, a colour region to a given size.
 #include <algorithm>
 #include <cfloat>
 #include <climits>
@@ -20,7 +20,7 @@ namespace {
 
 bool fitsInt(int64_t value) { return value >= INT_MIN && value <= INT_MAX; }
 
-// A conversion that would leave the type differs between processors, so the range comes first. Not a number becomes 0.
+// Out-of-range conversions differ between processors, so the range is checked first. Not a number becomes 0.
 std::optional<int> truncatedToInt(double value) {
     if (value <= double{INT_MIN} - 1 || value >= double{INT_MAX} + 1) return std::nullopt;
     return std::isnan(value) ? 0 : static_cast<int>(value);
@@ -30,7 +30,7 @@ OSErr viewOf(const KVIMG& record, int type, cv::Mat& view) {
     return opcv::viewOf(record.data, record.rowBytes, type, IppiSize{record.width, record.height}, view);
 }
 
-// A source and the rectangle of the scaled image that is wanted of it.
+// A source and the rectangle of the scaled image to compute.
 BilinearJob jobOf(const cv::Mat& from, double xScale, double yScale, const cv::Point& origin, const cv::Mat& to) {
     return {from.data,
             static_cast<ptrdiff_t>(from.step[0]),
@@ -47,7 +47,7 @@ BilinearJob jobOf(const cv::Mat& from, double xScale, double yScale, const cv::P
             static_cast<ptrdiff_t>(to.step[0])};
 }
 
-// Equal sizes are a copy and exactly half in both directions is a mean, which OpenCV does best.
+// OpenCV handles equal sizes, which are a copy, and reductions to exactly half in both directions, which are a mean.
 bool isDirect(const BilinearJob& job, const cv::Size& scaled) {
     const auto isTwo = [](double scale) { return std::abs(scale - 2) < DBL_EPSILON; };
     return scaled != cv::Size(job.sourceWidth, job.sourceHeight) && !(isTwo(job.xScale) && isTwo(job.yScale)) &&
@@ -60,7 +60,7 @@ void resizeDirectly(const BilinearJob& job) {
                       [&](int firstRow, int endRow) { resize.run(firstRow, endRow - firstRow); });
 }
 
-// The scale is that of the two sizes.
+// The scale is the ratio of the two sizes.
 void resizeInto(const cv::Mat& from, cv::Mat& to) {
     const double xScale = 1 / (static_cast<double>(to.cols) / from.cols);
     const double yScale = 1 / (static_cast<double>(to.rows) / from.rows);
@@ -91,8 +91,8 @@ OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
 // One direction of the placement of a scaled image in the destination rectangle.
 struct Span {
     int from;     // first pixel of the scaled image that is read
-    int to;       // where it goes
-    int count;    // how many the rectangle takes
+    int to;       // its position in the rectangle
+    int count;    // pixels up to the end of the rectangle
 };
 
 std::optional<Span> spanOf(double shift, int start, int count) {
@@ -114,8 +114,8 @@ struct Spans {
     Span rows;
 };
 
-// Computes only what is placed, straight to where it goes. False, with nothing written, where that cannot be done or
-// the arguments are refused.
+// Computes only the placed pixels, directly into the destination. Returns false, with nothing written, if this is not
+// possible or an argument is invalid.
 bool placeDirectly(const cv::Mat& from, Factors factors, const Spans& at, unsigned char* dst, int dstStep) {
     const double width = from.cols * factors.x;
     const double height = from.rows * factors.y;

@@ -2,14 +2,14 @@
 //
 //     h(x) = (S[s] * w0 + S[s + 1] * w1) >> 4       s, w0, w1 by column, w0 + w1 = 2048, S of the same channel
 //
-// which fits 16 bits, and each result is mixed from two resampled rows:
+// which fits in 16 bits; each result is a mix of two resampled rows:
 //
 //     (((h0 * b0) >> 16) + ((h1 * b1) >> 16) + 2) >> 2
 //
-// Four neighbouring results (bytes, of whatever channel) read from one block of 16 source bytes. A table, made once for
-// all rows, holds for each four the block's first byte, the shuffle that brings its bytes into pairs of 16-bit numbers,
-// and the weights of the pairs. Blocks at the end of a row are moved back to end with it. A resampled row is kept for
-// as long as results need it.
+// Four neighbouring results (bytes of any channel) read from one block of 16 source bytes. For each four, a table,
+// which is created once for all rows, holds the first byte of the block, the shuffle that arranges its bytes as pairs
+// of 16-bit numbers, and the weights of the pairs. Blocks at the end of a row are moved back to end with it. A
+// resampled row is kept as long as results need it.
 #include "geometry/resize_kernels.h"
 
 #include <algorithm>
@@ -42,7 +42,7 @@ using D16 = hn::ScalableTag<int16_t>;
 using D32 = hn::ScalableTag<int32_t>;
 
 constexpr int kBlocks = static_cast<int>(hn::MaxLanes(D8())) / kBlockBytes;    // of a vector
-constexpr int kResults = 2 * kBlocks * kFour;    // of two vectors, which make one of 16 bits
+constexpr int kResults = 2 * kBlocks * kFour;    // of two vectors, which are narrowed to one of 16-bit lanes
 
 int roundUpToVectors(int results) { return (results + kResults - 1) / kResults * kResults; }
 
@@ -61,15 +61,15 @@ Taps tapsAt(int position, double scale) {
             static_cast<int16_t>(std::lrint(fraction * kOne))};
 }
 
-// A column beyond the outermost pixels takes the outermost one alone.
+// A column beyond the outermost pixel has the value of that pixel.
 Taps columnTapsAt(int position, double scale, int width) {
     const Taps taps = tapsAt(position, scale);
     if (taps.first >= 0 && taps.first < width - 1) return taps;
     return {std::clamp(taps.first, 0, width - 1), 2048, 0};
 }
 
-// Where the table keeps a four. Of those that two vectors hold, block b of vector k has number 2 b + k, so that
-// narrowing the two within their blocks puts the results in order.
+// The index of four results in the table. In two vectors, block b of vector k has index 2 b + k, so that narrowing the
+// two within their blocks puts the results in order.
 int slotOf(int four) {
     const int inPair = four % (2 * kBlocks);
     return four - inPair + inPair % 2 * kBlocks + inPair / 2;
@@ -120,7 +120,7 @@ hn::Vec<D> loadBlocks(D d, const uint8_t* row, const int32_t* firstBytes) {
     }
 }
 
-// A vector's share of the table, for any number of rows.
+// The entries of the table for one vector, for any number of rows.
 struct Columns {
     Columns(const ColumnTable& table, ptrdiff_t result, int vector) {
         const auto slot = static_cast<size_t>(result) / kFour + static_cast<size_t>(vector) * kBlocks;
@@ -150,7 +150,7 @@ void resampleRow(const ColumnTable& table, int results, const uint8_t* row, int1
     });
 }
 
-// Two rows that are new to a result together take the table from memory once.
+// Two new rows of a result are resampled together, so that the table is loaded once.
 void resampleTwoRows(const ColumnTable& table, int results, const uint8_t* row, const uint8_t* next, int16_t* resampled,
                      int16_t* nextResampled) {
     coverBeyond(results, kResults, [&](ptrdiff_t x) HWY_ATTR {
@@ -181,7 +181,7 @@ void mixRows(const int16_t* above, const int16_t* below, const Taps& taps, int r
         });
 }
 
-// The two resampled rows that a result is mixed from.
+// The two resampled rows of a result.
 class RowPair {
 public:
     RowPair(const BilinearJob& job, const ColumnTable& table)
@@ -243,9 +243,9 @@ HWY_EXPORT(prepare);
 HWY_EXPORT(resizeRows);
 }    // namespace
 
-// Four results lie in four pixels of one channel, in two of three, in one of four. At the greatest scale, with the
-// second taps and one column more where float rounds a position up, that takes 15, 16 and 8 bytes. Beyond the width that
-// float counts in whole pixels it rounds further.
+// Four results belong to four pixels of one channel, two of three channels or one of four. At the largest scale,
+// including the second taps and one more column where float rounds a position up, they read 15, 16 and 8 bytes. Beyond
+// the width up to which float represents whole pixels, rounding errors are larger.
 bool BilinearResize::canDo(const BilinearJob& job) {
     constexpr int kFullBlock = 16;
     constexpr int kLongestRow = 1 << 24;

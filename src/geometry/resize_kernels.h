@@ -1,4 +1,4 @@
-// Bilinear resize straight into a rectangle of the scaled image, bit for bit as OpenCV computes it.
+// Bilinear resize directly into a rectangle of the scaled image, with the same bits as OpenCV.
 #pragma once
 
 #include <cstddef>
@@ -11,17 +11,17 @@ struct BilinearJob {
     int sourceWidth;    // pixels
     int sourceHeight;
     int channels;
-    double xScale;    // source pixels a scaled pixel
+    double xScale;    // source pixels per scaled pixel
     double yScale;
-    int x;    // of the rectangle in the scaled image, which is all that is computed
+    int x;    // of the rectangle in the scaled image; only the rectangle is computed
     int y;
     int width;
     int height;
-    uint8_t* target;    // receives the rectangle; shares no memory with the source
+    uint8_t* target;    // receives the rectangle; must not overlap the source
     ptrdiff_t targetStep;
 };
 
-// What each four neighbouring results of a row read, in the order in which vectors take them.
+// The source bytes and weights of every four neighbouring results of a row, in the order in which vectors use them.
 struct ColumnTable {
     std::vector<int32_t> firstBytes;    // of a block of source bytes
     std::vector<uint8_t> shuffles;      // of the block into pairs of 16-bit numbers
@@ -30,12 +30,12 @@ struct ColumnTable {
 
 class BilinearResize {
 public:
-    // False where four results need more source bytes than a block holds: for great reductions, and for short rows.
+    // False if four results need more source bytes than a block holds, as in large reductions, or if rows are short.
     static bool canDo(const BilinearJob& job);
 
     explicit BilinearResize(const BilinearJob& job);
 
-    // Computes some of the rectangle's rows.
+    // Computes some rows of the rectangle.
     void run(int firstRow, int rowCount) const;
 
 private:

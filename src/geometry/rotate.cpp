@@ -1,5 +1,5 @@
-// Rotation of a region about a point by any angle, as OpenCV's bilinear affine warp of the padded region has it. The
-// usual pixel types go to a kernel that computes the destination rectangle only, straight into it.
+// Rotation of a region about a point by any angle, with the results of OpenCV's bilinear affine warp of the padded
+// region. For the usual pixel types a kernel computes only the destination rectangle, directly into it.
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -29,7 +29,7 @@ struct Target {
     const IppiRect& roi;
 };
 
-// Where the read-out rectangle lies in the work image, and how far the source region is padded so that it does.
+// The position of the destination rectangle in the work image, and the padding of the source region that makes it fit.
 struct WorkArea {
     int64_t x = 0, y = 0;
     int64_t left = 0, top = 0, right = 0, bottom = 0;
@@ -43,8 +43,8 @@ struct WorkArea {
 
 bool isShift(float rounded) { return rounded >= static_cast<float>(INT_MIN) && rounded < -static_cast<float>(INT_MIN); }
 
-// The point that lands on the target's first pixel is minus the shift; the fraction of the shift is dropped on purpose,
-// as sub-pixel placement would blur a page that is only moved.
+// The target's first pixel shows the point at minus the shift. The shift is deliberately rounded to whole pixels,
+// because sub-pixel placement would blur a page that is only moved.
 std::optional<WorkArea> workAreaOf(float xShift, float yShift, const IppiRect& src, const IppiRect& dst) {
     const float x = std::round(xShift);
     const float y = std::round(yShift);
@@ -62,7 +62,7 @@ std::optional<WorkArea> workAreaOf(float xShift, float yShift, const IppiRect& s
     return area;
 }
 
-// Turns the region where it lies in the work image and takes the target out of the result.
+// Turns the region in the work image and cuts the target out of the result.
 struct Turn {
     cv::Mat region;
     WorkArea area;
@@ -79,7 +79,8 @@ struct Turn {
 };
 
 OSErr turnByOpenCV(const Turn& turn) {
-    // The border is not isolated: where the source image goes on around the region, its pixels come before the value.
+    // Without BORDER_ISOLATED, the padding shows the source image around the region where it exists, otherwise the
+    // value.
     const WorkArea& area = turn.area;
     ResultMatrix work;
     if (!area.padded())
@@ -100,13 +101,13 @@ OSErr turnByOpenCV(const Turn& turn) {
                                    cv::Size(r.width, r.height));
 }
 
-// What the kernel covers. OpenCV refuses longer images by an exception, which callers get from it.
+// Whether the kernel can be used. For longer images OpenCV is called, which throws an exception.
 bool isDirect(int type, cv::Size work, const AffineMap& map) {
     const bool knownType = type == CV_8UC1 || type == CV_8UC3 || type == CV_8UC4;
     return knownType && work.width < SHRT_MAX && work.height < SHRT_MAX && map.isWellConditioned();
 }
 
-// The padding is never made: what counts as image is a larger view, and all around it lies the border.
+// No padded image is created: the view is enlarged by the image around the region, and everything outside is border.
 OSErr turnDirectly(const Turn& turn, AffineMap map) {
     const IppiRect& r = turn.target.roi;
     const cv::Size rest = turn.workSize() - cv::Size(turn.origin());

@@ -3,23 +3,23 @@
 //
 //     value = ((32 - fy) * ((32 - fx) * p00 + fx * p01) + fy * ((32 - fx) * p10 + fx * p11) + 512) >> 10
 //
-// and a tap outside the source has the border colour. Nothing is computed but the target's own pixels, and nothing is
-// read but what lies between the taps of neighbours.
+// and a tap outside the source has the border colour. Only the target's pixels are computed, and only source pixels
+// between the taps of neighbouring pixels are read.
 //
-// While the angle is small, the taps of a group of neighbouring target bytes nearly follow each other in memory, so
-// that they need no gather. Along a group the source column runs on by 1 and stays behind once at most; the source row
-// changes a few times:
+// At small angles, the taps of a group of neighbouring target bytes are almost contiguous in memory, so no gather is
+// needed. Along a group the source column advances by 1 and is repeated once at most; the source row changes a few
+// times:
 //
 //     target    0 1 2 3 4 5 6 7
-//     row r     a b c d                    group of 8 pixels, turned counter-clockwise: its taps at the upper left lie
-//     row r+1           e e f              in two rows, and one column comes twice
+//     row r     a b c d                    group of 8 pixels, turned counter-clockwise: its upper left taps are
+//     row r+1           e e f              in two rows, and one column occurs twice
 //
-// Each of these rows is loaded once from the group's first column and once from a pixel further, and the lanes take
-// from each what is theirs. Lanes that have fallen behind take the load one pixel earlier. Positions relative to the
-// group's first pixel come from tables of 16-bit lanes, the even bytes of a group before its odd bytes.
+// Each of these rows is loaded from the group's first column and from one pixel further, and the lanes select from
+// these loads. Lanes after the repeated column use loads from one pixel earlier. Positions relative to the group's
+// first pixel are in tables of 16-bit lanes, the even bytes of a group before its odd bytes.
 //
-// A group that reaches over the source's edge gets its taps from a small patch, filled up with the border colour.
-// Where the angle is too steep for groups, pixels are computed one by one.
+// A group that extends beyond the edge of the source reads a small patch that is filled with the border colour. If the
+// angle is too steep for groups, pixels are computed one by one.
 #include "geometry/rotate_kernel.h"
 
 #include <algorithm>
@@ -41,21 +41,21 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int kFractionMask = (1 << kMapBits) - 1;
-constexpr int kStripBytes = 2048;    // of the target, so that few memory pages are in use at a time
-constexpr int kMaxTopRows = 12;      // source rows in which the upper taps of one group may lie
-constexpr int kRowsAhead = 8;        // prefetched; neighbouring rows lie on memory pages of their own
+constexpr int kStripBytes = 2048;    // of the target, so that few memory pages are used at a time
+constexpr int kMaxTopRows = 12;      // largest number of source rows for the upper taps of one group
+constexpr int kRowsAhead = 8;        // rows that are prefetched; neighbouring rows are on different memory pages
 constexpr int kSmallestGroup = 8;    // bytes
 
 struct Group {
     MapPosition start;    // column part of its first pixel's position
-    int phase;            // bytes of that pixel that stand before the group
+    int phase;            // bytes of that pixel before the group
     int lastPixel;        // counted from its first pixel
     int lastBehind;       // of its last byte, as in the strip's tables
     int lastDown;
 };
 
-// Part of the target's columns. In the tables, in 1/1024 pixel against the group's first pixel: how far a byte's source
-// column has fallen behind the run of one a pixel (never positive), and how far its source row lies below.
+// Part of the target's columns. The tables hold, in 1/1024 pixel relative to the group's first pixel, by how much the
+// source column of a byte is behind one column per pixel (never positive), and how far below its source row is.
 struct Strip {
     HWY_ALIGN int16_t behind[kStripBytes];
     HWY_ALIGN int16_t down[kStripBytes];
@@ -67,7 +67,7 @@ int groupBytes(D d) {
     return static_cast<int>(hn::Lanes(d));
 }
 
-// Where a byte of a group stands in the tables.
+// The index of a byte of a group in the tables.
 template <class D>
 int tableIndex(D d, int byte) {
     return byte / 2 + (byte % 2 != 0 ? groupBytes(d) / 2 : 0);
@@ -90,11 +90,11 @@ void prepareGroup(D d, const RotationJob& job, int firstByte, Group& group, int1
 
 // The taps of one group.
 struct Window {
-    const uint8_t* first;    // upper left tap that the first byte would have in the top row
+    const uint8_t* first;    // upper left tap of the first byte, if it were in the top row
     ptrdiff_t step;
     int pixelSize;
-    int topRows;    // rows in which upper taps lie
-    int topRow;     // the first of them, against the row of the first byte's tap
+    int topRows;    // rows with upper taps
+    int topRow;     // the first of them, relative to the row of the first byte's tap
     int xFraction;
     int yFraction;
     bool someBehind;
@@ -107,7 +107,7 @@ struct TapRow {
     V right;
 };
 
-// v = value of the formula at the top, of 16-bit lanes. The floor of the vertical part is the high half of a product:
+// v = value of the formula at the top, in 16-bit lanes. The floor of the vertical part is the high half of a product:
 // 2 (h1 - h0) * 1024 fy = (h1 - h0) * fy / 32 * 2^16.
 template <class V>
 V interpolate(V p00, V p01, V p10, V p11, V fx, V fyTimes1024, V half) {
@@ -191,7 +191,7 @@ struct BorderRow {
     uint8_t bytes[kPixels * RotationJob::kMaxChannels];
 };
 
-// What the taps of a group lie between, one column more on either side; inclusive.
+// The bounds of the taps of a group, one column wider on either side; inclusive.
 struct Surroundings {
     Surroundings(MapPosition at, const Group& group, const Window& w)
         : left((at.x >> kMapBits) - 1),
@@ -212,7 +212,7 @@ struct Surroundings {
     int bottom;
 };
 
-// The part of the source around a group, filled up with the border colour.
+// The part of the source around a group, extended with the border colour.
 struct Patch {
     static constexpr int kStep = HWY_MAX_BYTES + 4 * RotationJob::kMaxChannels;
 
@@ -234,7 +234,7 @@ struct Patch {
     uint8_t bytes[(kMaxTopRows + 1) * kStep];
 };
 
-// Without the place of the taps, which may be in the source or in a patch.
+// Everything about a group but the address of its taps, which may be in the source or in a patch.
 HWY_INLINE Window windowOf(const RotationJob& job, MapPosition at, const Group& group) {
     Window w;
     w.pixelSize = job.channels;
@@ -247,7 +247,7 @@ HWY_INLINE Window windowOf(const RotationJob& job, MapPosition at, const Group& 
     return w;
 }
 
-// A group that does not lie inside the source. Kept apart, so that the patch costs the others nothing.
+// A group that is not inside the source. A separate function, so that the patch does not slow down the others.
 template <class D>
 HWY_NOINLINE void rotateGroupAtEdge(D d, const RotationJob& job, const BorderRow& border, MapPosition at,
                                     const Group& group, const int16_t* behind, const int16_t* down, uint8_t* out) {
@@ -280,7 +280,7 @@ HWY_INLINE void rotateGroupAt(D d, const RotationJob& job, const BorderRow& bord
     hn::StoreU(rotateGroup(d, w, behind, down), d, out);
 }
 
-// One strip's columns in all rows. A group that the strip fills in part goes through a block on the stack.
+// The columns of one strip in all rows. A partial group goes through a block on the stack.
 template <class D>
 void rotateStrip(D d, const RotationJob& job, const BorderRow& border, int firstByte, int bytes, int firstRow,
                  int endRow) {
@@ -310,8 +310,8 @@ void rotateInGroups(D d, const RotationJob& job, int firstRow, int endRow) {
         rotateStrip(d, job, border, first, std::min(kStripBytes, rowBytes - first), firstRow, endRow);
 }
 
-// Whether within a group of so many bytes the column stays behind once at most, and the rows are not too many. Each
-// position may be off by one unit, as both ends of a distance are rounded.
+// Whether a group of this many bytes repeats one column at most and does not have too many rows. Each position may be
+// off by one unit, because both ends of a distance are rounded.
 template <class D>
 bool groupsFit(D d, const RotationJob& job) {
     const int lastPixel = (groupBytes(d) + job.channels - 2) / job.channels;

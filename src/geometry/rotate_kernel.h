@@ -1,4 +1,4 @@
-// Bilinear rotation of 8-bit pixels straight into the target, for arguments that have been checked.
+// Bilinear rotation of 8-bit pixels directly into the target. Arguments must have been checked.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ struct RotationJob {
     static constexpr int kMaxChannels = 4;
 
     AffineMap map;                      // from target pixels to source positions
-    const uint8_t* source = nullptr;    // everything that counts as image; outside it lies the border colour
+    const uint8_t* source = nullptr;    // all pixels that count as image; outside them is the border colour
     ptrdiff_t sourceStep = 0;
     int sourceWidth = 0;
     int sourceHeight = 0;
@@ -22,5 +22,5 @@ struct RotationJob {
     std::array<uint8_t, kMaxChannels> border{};
 };
 
-// Fills the target's rows from `firstRow` up to `endRow`, exclusive.
+// Fills the target's rows from `firstRow` to `endRow`, exclusive.
 void rotateRows(const RotationJob& job, int firstRow, int endRow);

@@ -19,7 +19,7 @@ unsigned char firstByteOfDepth(const KVImageHeader& header) {
 // A positive angle turns clockwise; 180 itself is not wrapped.
 double counterClockwise(double angle) { return angle > 180.0 ? -(angle - 360.0) : -angle; }
 
-// The canvas is written with the header's own step, in whole pixels, which must not lead past the record's pixels.
+// The canvas is written with the header's step, in whole pixels. The rows must not extend beyond the record's pixels.
 bool staysWithin(const KVIMG& record, int rowStep) {
     const int pixelSize = record.depth / 8;
     const int64_t pitch = rowStep / pixelSize * pixelSize;
