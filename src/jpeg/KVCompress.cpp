@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <exception>
 
-// Each is 3/10 of the example table of ITU-T T.81, Annex K (K.1 and K.2), truncated. The values stand in zig-zag
-// sequence but are used row by row: streams of this library have always been quantised this way.
+// Each is 3/10 of the example table of ITU-T T.81, Annex K (K.1 and K.2), truncated. The values are in zig-zag
+// sequence but are used row by row: the streams of this library are defined this way.
 const unsigned g_customLuminanceQuant[64] = {
     4,  3,  3,  4,  3,  3,  4,  4,     //
     3,  4,  5,  5,  4,  5,  7,  12,    //
@@ -37,11 +37,11 @@ const unsigned char DEFAULT_CREATOR[8] = {'K', 'O', 'R', 'V', 'E', 'L', 'I', 'N'
 namespace {
 
 constexpr int kApiVersion = 62;
-constexpr JDIMENSION kRowsAtOnce = 16;    // as many as the coder takes for one row of blocks
+constexpr JDIMENSION kRowsAtOnce = 16;    // the rows of one row of blocks
 
 JpegDestination& destinationOf(j_compress_ptr cinfo) { return *reinterpret_cast<JpegDestination*>(cinfo->dest); }
 
-// No exception may cross libjpeg's frames, and no jump may leave a handler: so the failure is told by value.
+// No exception may cross libjpeg's frames, and no jump may leave a handler, so the failure is returned as a value.
 bool append(std::vector<unsigned char>& output, const unsigned char* bytes, size_t count) noexcept {
     try {
         output.insert(output.end(), bytes, bytes + count);
@@ -63,7 +63,7 @@ void startOfBuffer(JpegDestination& destination) {
     destination.pub.free_in_buffer = destination.buffer->size();
 }
 
-// libjpeg calls this when the work buffer is full, whatever free_in_buffer says by then.
+// libjpeg calls this when the work buffer is full; free_in_buffer is not reliable then.
 boolean empty_output_buffer(j_compress_ptr cinfo) {
     appendOrFail(cinfo, destinationOf(cinfo).buffer->size());
     startOfBuffer(destinationOf(cinfo));
@@ -87,8 +87,8 @@ void error_exit(j_common_ptr cinfo) { std::longjmp(reinterpret_cast<JpegErrorTra
 
 }    // namespace
 
-// Runs libjpeg calls under an armed jump point; false if one of them failed. The calls must create nothing that has a
-// destructor, as the jump would pass over it.
+// Runs libjpeg calls under an armed jump point; false if one of them failed. The calls must create no object with
+// a destructor, because the jump would skip it.
 template <class Calls>
 bool KVCompress::attempt(Calls calls) {
     if (setjmp(jumpBuffer) != 0) return false;
@@ -112,7 +112,7 @@ void KVCompress::installErrorManager() {
 bool KVCompress::InitBase(int bufferSize, std::vector<unsigned char>& out) {
     if (!cinfo) cinfo = static_cast<jpeg_compress_struct*>(std::malloc(sizeof(jpeg_compress_struct)));
     if (!cinfo) return false;
-    // Creation can run out of memory, so it needs an error manager before it; it is made anew behind it.
+    // Creation may fail for lack of memory, so an error manager is installed before it, and reinstalled after it.
     installErrorManager();
     if (!attempt([this] { jpeg_CreateCompress(cinfo, kApiVersion, sizeof(jpeg_compress_struct)); })) return false;
     installErrorManager();
@@ -132,7 +132,7 @@ bool KVCompress::InitWith(int width, int height, int components, J_COLOR_SPACE s
     cinfo->input_components = components;
     cinfo->in_color_space = space;
     if (!attempt([this] { jpeg_set_defaults(cinfo); })) return false;
-    cinfo->JFIF_minor_version = 2;    // the defaults say 1.01
+    cinfo->JFIF_minor_version = 2;    // the default is 1.01
     return true;
 }
 
@@ -144,8 +144,8 @@ bool KVCompress::InitWithRGB(int width, int height, int bufferSize, std::vector<
     return InitWith(width, height, 3, JCS_RGB, bufferSize, out);
 }
 
-// The tables' memory is there since the defaults were set, so these calls can only fail out of order; Compress fails
-// then as well.
+// The tables were allocated when the defaults were set, so these calls fail only if they are called out of order;
+// Compress then fails as well.
 void KVCompress::SetQuality(int quality) {
     attempt([this, quality] { jpeg_set_quality(cinfo, quality, TRUE); });
 }

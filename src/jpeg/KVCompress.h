@@ -1,4 +1,4 @@
-// The JPEG encoder: one object makes one baseline JFIF stream of an 8-bit grey or 24-bit RGB raster.
+// The JPEG encoder: one object writes one baseline JFIF stream from an 8-bit grey or 24-bit RGB raster.
 #pragma once
 
 #include <csetjmp>
@@ -7,16 +7,16 @@
 
 #include <jpeglib.h>
 
-// What libjpeg writes to. It fills `buffer`, the encoder's work buffer; each time that is full, and at the end, its
+// libjpeg's destination. libjpeg fills `buffer`, the encoder's work buffer; each time it is full, and at the end, its
 // bytes are appended to `output`, the caller's vector.
 struct JpegDestination {
-    jpeg_destination_mgr pub;    // first, so that libjpeg's pointer leads here
+    jpeg_destination_mgr pub;    // first, so that libjpeg's pointer also points to this structure
     std::vector<unsigned char>* buffer;
     std::vector<unsigned char>* output;
 };
 
-// Where a libjpeg error ends. `errorManager` is first, so that an error handler, which is given nothing else, finds the
-// jump buffer behind it.
+// The jump target of libjpeg errors. `errorManager` is first, so that an error handler, which gets only its address,
+// finds the jump buffer.
 struct JpegErrorTrap {
     jpeg_error_mgr errorManager;
     jmp_buf jumpBuffer;
@@ -25,12 +25,12 @@ struct JpegErrorTrap {
 extern const unsigned g_customLuminanceQuant[64];
 extern const unsigned g_customChrominanceQuant[64];
 
-// Eight bytes, no terminating zero; stands in every stream as a comment.
+// Eight bytes without a terminating zero; the comment of every stream.
 extern const unsigned char DEFAULT_CREATOR[8];
 
-// Used in this order: construct, one Init call, quality, layout and resolution, Compress, destroy. No libjpeg error gets
-// past a method: a failed Init or Compress returns false. `std::bad_alloc` leaves Init when the work buffer cannot be
-// had.
+// Used in this order: construct, one Init call, quality, layout and resolution, Compress, destroy. libjpeg errors do
+// not leave a method: a failed Init or Compress returns false. Init throws `std::bad_alloc` if allocating the work
+// buffer fails.
 struct KVCompress : JpegDestination, JpegErrorTrap {
     KVCompress();
     KVCompress(const KVCompress&) = delete;

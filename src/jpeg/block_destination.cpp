@@ -25,7 +25,7 @@ void BlockDestination::makeRoom() {
     const size_t more = kFirstRoom + counted_ / 8;
     auto* grown = givenUp_ ? nullptr : static_cast<unsigned char*>(std::realloc(block_.get(), counted_ + more));
     if (grown) {
-        static_cast<void>(block_.release());    // it has become the grown one
+        static_cast<void>(block_.release());    // realloc has freed or moved it
         block_.reset(grown);
         writeTo(grown + counted_, more);
     } else {
@@ -35,7 +35,7 @@ void BlockDestination::makeRoom() {
     }
 }
 
-// libjpeg calls this when its room is full, whatever free_in_buffer says by then.
+// libjpeg calls this when its buffer is full; free_in_buffer is not reliable then.
 boolean BlockDestination::onFull(j_compress_ptr cinfo) {
     auto& destination = *reinterpret_cast<BlockDestination*>(cinfo->dest);
     destination.counted_ += destination.room_;

@@ -1,4 +1,4 @@
-// A libjpeg destination that writes straight into the block that is handed out.
+// A libjpeg destination that writes directly into the block that the caller receives.
 #pragma once
 
 #include <array>
@@ -9,8 +9,9 @@
 
 #include "core/ownership.h"
 
-// The block grows by an eighth and a little, so that it is never much larger than the stream, and is trimmed when it is
-// taken. When it cannot grow it is given up, and what follows of the stream is only counted: its length is still told.
+// The block grows by slightly more than an eighth, so that it is never much larger than the stream, and is trimmed at
+// the end. If it cannot grow, it is freed, and the rest of the stream is only counted, so that its length is still
+// known.
 class BlockDestination {
 public:
     BlockDestination();
@@ -22,7 +23,7 @@ public:
 
     size_t length() const { return counted_ + room_ - pub_.free_in_buffer; }
 
-    // Null if the block was given up.
+    // Null if the block could not grow.
     PixelBlock take();
 
 private:
@@ -32,9 +33,9 @@ private:
     void makeRoom();
     void writeTo(unsigned char* bytes, size_t count);
 
-    jpeg_destination_mgr pub_{};    // first, so that libjpeg's pointer leads here
+    jpeg_destination_mgr pub_{};    // first, so that libjpeg's pointer also points to this object
     PixelBlock block_;
-    size_t counted_ = 0;    // bytes before the room that libjpeg is writing to
+    size_t counted_ = 0;    // bytes before the buffer that libjpeg is writing to
     size_t room_ = 0;
     bool givenUp_ = false;
     std::array<unsigned char, 256> spare_{};    // for a stream that is only counted

@@ -1,4 +1,4 @@
-// Compression of rasters into a vector and of records into a block of their own.
+// Compression of rasters into a vector and of records into a new block.
 #include <algorithm>
 #include <climits>
 #include <cstdint>
@@ -30,7 +30,7 @@ struct Resolution {
 using Init = bool (KVCompress::*)(int width, int height, int bufferSize, std::vector<unsigned char>& out);
 using Layout = void (KVCompress::*)();
 
-// libjpeg's tables, or with `own` the library's, scaled by a quality from 1 to 100.
+// Sets libjpeg's tables, or with `own` the library's, scaled by a quality from 1 to 100.
 struct Style {
     Init init;
     Layout layout;
@@ -57,15 +57,15 @@ Style subsampledStyle(int quality) {
     return {&KVCompress::InitWithRGB, &KVCompress::SetOutImageYCbCr411, quality, false};
 }
 
-// Everything but Init, which has the encoder write to a vector through its work buffer.
+// Everything except Init, which lets the encoder write to a vector through its work buffer.
 bool encodeWith(KVCompress& encoder, const Raster& raster, const Style& style, Resolution resolution) {
     style.applyTo(encoder);
     encoder.SetResolution(kDotsPerInch, resolution.y, resolution.x);
     return encoder.Compress(raster.pixels, raster.rowBytes, DEFAULT_CREATOR, sizeof(DEFAULT_CREATOR));
 }
 
-// No larger than the raster, which its stream seldom outgrows: to clear half a megabyte would cost a small image more
-// than it saves.
+// No larger than the raster, which the stream rarely exceeds: for a small image, clearing half a megabyte would cost
+// more than it saves.
 int workBufferOf(const Raster& raster) {
     return static_cast<int>(
         std::clamp(int64_t{raster.rowBytes} * raster.height, kSmallestWorkBuffer, kLargestWorkBuffer));
@@ -85,7 +85,7 @@ bool encode(const Raster& raster, const Style& style, Resolution resolution, Blo
     return encodeWith(encoder, raster, style, resolution);
 }
 
-// The mode codes with their three columns of qualities, which differ on purpose.
+// The mode codes with their three columns of qualities, which differ by contract.
 struct Mode {
     int code;
     int plain;

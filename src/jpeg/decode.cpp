@@ -1,8 +1,8 @@
 // Decoding of JPEG streams, with the results of OpenCV's decoder.
 //
-// libjpeg decodes straight into the page's rows: the same pixels, in half the memory, with no channel swap and without
-// the decoder's messages on the standard error stream. A page that an EXIF orientation turns, or that has four
-// components, passes through a strip of a few rows on its way.
+// libjpeg decodes directly into the page's rows: the same pixels as OpenCV's decoder, in half the memory, without
+// swapping channels and without messages on standard error. A page that is turned by an EXIF orientation, or has four
+// components, passes through a strip of a few rows.
 #include "jpeg/decode.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int kStripRows = 16;
 
-// Where the pixels of a stored image go within the page.
+// The positions of a stored image's pixels in the page.
 struct Placement {
     Placement(const PageInfo& page, const PageRows& rows) {
         const Orientation& orientation = page.orientation;
@@ -43,7 +43,7 @@ void placeRows(const unsigned char* const* rows, int count, int width, const Pla
             std::memcpy(topLeft + x * placement.right + y * placement.down, rows[y] + x * kChannels, kChannels);
 }
 
-// Cyan, magenta, yellow and black as print shops store them, inverted, become red, green and blue in place.
+// Converts inverted cyan, magenta, yellow and black, as print software stores them, to red, green and blue in place.
 void mixInks(unsigned char* row, int width) {
     for (ptrdiff_t x = 0; x < width; ++x) {
         const int black = row[4 * x + 3];
@@ -69,7 +69,7 @@ Decoder::Decoder(const unsigned char* stream, size_t length, const Cancellation&
     source_.bytes_in_buffer = length;
 }
 
-// Runs libjpeg calls under an armed jump point. They must create nothing that has a destructor.
+// Runs libjpeg calls under an armed jump point. They must create no object with a destructor.
 template <class Calls>
 Outcome Decoder::attempt(Calls calls) {
     if (setjmp(jumpBuffer_) == 0) return calls();
@@ -84,7 +84,7 @@ Outcome Decoder::open(const PageInfo& page) {
 
 Outcome Decoder::read(const PageRows& rows) {
     const Outcome outcome = attempt([this, &rows] { return readRows(rows); });
-    // An error behind the last row does not make the page unreadable.
+    // An error after the last row does not make the page unreadable.
     if (outcome == Outcome::kDone && rowsDecoded_ == page_.stored.height) attempt([this] { return readEnd(); });
     return outcome;
 }
@@ -95,7 +95,7 @@ Outcome Decoder::readHeader() {
     errors_.emit_message = onMessage;
     cinfo_.client_data = this;
     jpeg_create_decompress(&cinfo_);
-    // Otherwise the variable JPEGMEM of the environment decides which progressive pages can be read.
+    // Otherwise the environment variable JPEGMEM would limit which progressive pages can be read.
     cinfo_.mem->max_memory_to_use = 0;
     cinfo_.src = &source_;
     source_.init_source = nothing;
@@ -106,7 +106,7 @@ Outcome Decoder::readHeader() {
     progress_.progress_monitor = onProgress;
     if (cancellation_.ask) cinfo_.progress = &progress_;
     if (jpeg_read_header(&cinfo_, TRUE) != JPEG_HEADER_OK) return Outcome::kUnreadable;
-    // The block for the pixels is made to the survey's measure.
+    // The block for the pixels has the size from the survey.
     const StreamSurvey& stored = page_.stored;
     if (cinfo_.image_width != static_cast<JDIMENSION>(stored.width) ||
         cinfo_.image_height != static_cast<JDIMENSION>(stored.height) || cinfo_.num_components != stored.components)
@@ -147,7 +147,7 @@ Outcome Decoder::readRows(const PageRows& page) {
     return Outcome::kDone;
 }
 
-// Reads on to the end marker. What stands between the coded data and the marker gives a warning.
+// Reads up to the end marker. Bytes between the coded data and the marker cause a warning.
 Outcome Decoder::readEnd() {
     endSeen_ = jpeg_finish_decompress(&cinfo_) != FALSE;
     return Outcome::kDone;

@@ -10,20 +10,20 @@
 
 #include "jpeg/page_info.h"
 
-// Where a page goes: rows of grey (one channel) or red, green, blue (three). The step may be negative.
+// The destination of a page: rows of grey (one channel) or red, green, blue (three). The step may be negative.
 struct PageRows {
     unsigned char* data;
     ptrdiff_t step;
     int channels;
 };
 
-// Asked between rows; a result other than 0 cancels.
+// Called between rows; a result other than 0 cancels.
 struct Cancellation {
     int (*ask)(void* context) = nullptr;
     void* context = nullptr;
 };
 
-// One decompression by libjpeg: open(), then read(). No error of libjpeg's gets past them, and they throw nothing.
+// One decompression by libjpeg: open(), then read(). They catch all of libjpeg's errors and throw nothing.
 class Decoder {
 public:
     Decoder(const unsigned char* stream, size_t length, const Cancellation& cancellation);
@@ -34,10 +34,10 @@ public:
     // Reads the headers.
     Outcome open(const PageInfo& page);
 
-    // Fills all rows. A stream that ends early gives the rows that it holds, the last of them repeated to the bottom.
+    // Fills all rows. If the stream ends early, the last of its rows is repeated to the bottom.
     Outcome read(const PageRows& rows);
 
-    // What the stream held.
+    // What the stream contained.
     int rowsDecoded() const { return rowsDecoded_; }    // of the stored image
     bool endSeen() const { return endSeen_; }
     int64_t warnings() const { return warnings_; }

@@ -1,15 +1,15 @@
-// The few steps through a TIFF directory that lead to the orientation and the resolution.
+// Reads the orientation and the resolution from a TIFF directory.
 //
-// Broken blocks are common, and a page must not turn over because of how one reader recovers, so this one gives up
-// exactly where OpenCV's does: at the first entry of a kind that OpenCV reads whose value lies outside of the block. An
-// orientation in front of that entry counts.
+// Broken blocks are common, and the orientation of a page must not depend on the reader. So this one stops exactly
+// where OpenCV does: at the first entry of a tag that OpenCV reads whose value lies outside the block. An orientation
+// before that entry counts.
 #include "jpeg/exif.h"
 
 #include <cstdint>
 
 namespace {
 
-constexpr size_t kPrefix = 6;    // "Exif" and two zeros; their values are not looked at
+constexpr size_t kPrefix = 6;    // "Exif" and two zeros, which are not checked
 constexpr uint16_t kTiffMark = 42;
 constexpr size_t kEntrySize = 12;
 constexpr uint16_t kOrientation = 0x0112;
@@ -25,7 +25,7 @@ public:
 
     bool holds(uint64_t offset, uint64_t count) const { return offset + count <= size_; }
 
-    // Both are false, with the value left, when it lies outside of the block.
+    // Both return false, with the value unchanged, if it lies outside the block.
     bool read16(uint64_t offset, uint16_t& value) const {
         if (!holds(offset, 2)) return false;
         const unsigned first = bytes_[offset];
@@ -48,7 +48,7 @@ private:
     bool littleEndian_ = false;
 };
 
-// Whether what a directory entry points at, for the tags that OpenCV reads, lies within the block.
+// Whether the value of a directory entry lies within the block, for the tags that OpenCV reads.
 bool isSound(const TiffBlock& block, uint64_t entry, uint16_t tag) {
     uint32_t length = 0;
     uint32_t offset = 0;
@@ -138,7 +138,7 @@ Resolution exifResolution(const unsigned char* payload, size_t length) {
     if (!block.read16(2, mark) || mark != kTiffMark) return {};
     if (!block.read32(4, directory) || !block.read16(directory, count)) return {};
     Resolution found;
-    uint16_t unit = 0;    // inch unless the block says otherwise
+    uint16_t unit = 0;    // inch by default
     for (uint64_t i = 0; i < count; ++i) {
         const uint64_t entry = directory + 2 + kEntrySize * i;
         uint16_t tag = 0;

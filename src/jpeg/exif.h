@@ -1,4 +1,4 @@
-// The orientation that an EXIF block gives to a JPEG page.
+// The orientation and resolution in an EXIF block.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@ struct Orientation {
     bool upsideDown = false;    // top and bottom, of the stored image
 };
 
-// The orientation tag in the payload of an APP1 segment, 1 to 8. A block that names no orientation, or is broken in front
-// of it, gives 1, which leaves the page as it is stored.
+// The orientation tag in the payload of an APP1 segment, 1 to 8. 1, which leaves the page as stored, if the block has
+// no orientation or is broken before it.
 int exifOrientationTag(const unsigned char* payload, size_t length);
 
 Orientation orientationOf(int tag);
 
 struct Resolution {
-    double x = 0;    // dots per inch; 0 where nothing is stated
+    double x = 0;    // dots per inch; 0 if not stated
     double y = 0;
 };
 
-// The two resolutions of the same block, of the stored image. Both are stated or none.
+// The two resolutions of the stored image in the same block; either both or none.
 Resolution exifResolution(const unsigned char* payload, size_t length);

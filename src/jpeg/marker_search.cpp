@@ -1,5 +1,5 @@
-// Coded data holds a byte of 255 every few hundred bytes, and a 0 behind each. Vectors of bytes are compared together
-// with their successors, so that only true markers stop the search.
+// Coded data contains a byte of 255 every few hundred bytes, each followed by 0. Vectors of bytes are compared together
+// with the bytes that follow them, so that only real markers stop the search.
 #include "jpeg/marker_search.h"
 
 #include <cstddef>

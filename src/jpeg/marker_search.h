@@ -1,5 +1,5 @@
-// The search for markers in a JPEG stream's coded data.
+// Finds markers in the coded data of a JPEG stream.
 #pragma once
 
-// The first byte of 255 in [begin, end) that no 0 follows, or `end`.
+// The first byte of 255 in [begin, end) that is not followed by 0, or `end`.
 const unsigned char* findMarker(const unsigned char* begin, const unsigned char* end);

@@ -6,9 +6,9 @@ namespace {
 
 constexpr int kMaxSide = 65500;    // libjpeg's
 
-// Bounds of the time that a stream can cost. Huffman decoding is also bounded by the length of the stream, as every
-// coefficient takes bits. Arithmetic decoding is not: a few bytes keep it busy for a whole scan, so it is bounded by the
-// components that each scan codes, and more tightly.
+// Limits on decoding time. Huffman decoding is also limited by the length of the stream, because every coefficient
+// takes bits. Arithmetic decoding is not: a few bytes are enough for a whole scan, so it has a tighter limit, on the
+// components of all scans.
 constexpr int64_t kMaxScannedPixels = int64_t{1} << 33;
 constexpr int64_t kMaxArithmeticSamples = int64_t{1} << 29;
 
@@ -31,8 +31,8 @@ bool exceeds(const ReadLimits& limits, const StreamSurvey& stored) {
 
 int64_t roundedUp(int64_t value, int64_t multiple) { return (value + multiple - 1) / multiple * multiple; }
 
-// libjpeg holds some rows of blocks of each component and of the page, and all coefficients of a stream of several
-// scans. Sampling factors that libjpeg refuses count as 1.
+// libjpeg allocates some rows of blocks for each component and for the page, and all coefficients if the stream has
+// several scans. Sampling factors that libjpeg rejects count as 1.
 int64_t bytesToDecode(const StreamSurvey& stored, int channels) {
     constexpr int kBlock = 8;
     constexpr int64_t kBytesOfABlock = 128;    // coefficients

@@ -1,4 +1,4 @@
-// What the headers of a JPEG stream say about its page, and whether decoding it stays within limits.
+// Examines the headers of a JPEG stream: properties of the page, and whether decoding it stays within limits.
 #pragma once
 
 #include <climits>
@@ -8,7 +8,7 @@
 #include "jpeg/exif.h"
 #include "jpeg/survey.h"
 
-// How reading ends. kOverLimit: decoding would take more than the limits allow.
+// Result of reading. kOverLimit: decoding would exceed the limits.
 enum class Outcome { kDone, kUnreadable, kOverLimit, kNoMemory, kCancelled, kWrongSize };
 
 // The library's own limits, unless the caller sets tighter ones.
@@ -33,6 +33,6 @@ struct PageInfo {
     int64_t pixels() const { return int64_t{width} * height; }
 };
 
-// One walk over the markers. Fills in what the stream says even when it cannot be decoded or exceeds a limit, except
-// that of memory, which depends on where the pixels go.
+// Walks over the markers once. Fills in the properties even if the stream cannot be decoded or exceeds a limit. Does
+// not check the memory limit, which depends on the destination of the pixels.
 Outcome inspectStream(const unsigned char* stream, size_t length, const ReadLimits& limits, PageInfo& page);

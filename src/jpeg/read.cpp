@@ -8,7 +8,7 @@
 
 namespace {
 
-// Whether an image of the size of the page is wanted.
+// Whether the caller accepts an image of the page's size.
 struct WantedSize {
     bool any = true;
     int width = 0;
@@ -27,8 +27,8 @@ OSErr statusOf(Outcome outcome) {
     }
 }
 
-// noErr, paramErr (no JPEG stream, not decodable, or not the wanted size) or memFullErr. When memory runs out the size
-// is known but there are no pixels.
+// noErr, paramErr (not a JPEG stream, not decodable, or another size) or memFullErr. With memFullErr the size is known
+// but there are no pixels.
 OSErr readStream(const void* data, size_t length, Channels channels, const WantedSize& wanted, NewPage& image) {
     const auto* const stream = static_cast<const unsigned char*>(data);
     PageInfo page;
@@ -41,7 +41,7 @@ OSErr readStream(const void* data, size_t length, Channels channels, const Wante
     return statusOf(image.read(page, decoder));
 }
 
-// Hands the pixels over in a new record. If allocating the record fails, the slot is null.
+// Hands over the pixels in a new record. If allocating the record fails, the slot is null.
 OSErr handOver(NewPage& image, KVIMG** outImage) {
     *outImage = image.release();
     return *outImage ? noErr : memFullErr;
@@ -55,7 +55,7 @@ OSErr ReadJPEG(const void* jpegData, unsigned jpegSize, KVImageDescriptionHandle
     NewPage image;
     const OSErr err = readStream(jpegData, jpegSize, Channels::kAsStored, WantedSize(), image);
     if (err == paramErr) return err;
-    // Out of memory or not: what is known of the page is reported.
+    // Also on out of memory, the known properties of the page are reported.
     KVImageDescription& description = ***descriptionPtr;
     description.width = image.width;
     description.height = image.height;

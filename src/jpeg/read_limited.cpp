@@ -25,7 +25,7 @@ T tighter(T own, T callers) {
     return callers == 0 ? own : std::min(own, callers);
 }
 
-// One call: its arguments, and what it learns.
+// One call: its arguments and its results.
 class LimitedReading {
 public:
     LimitedReading(const void* jpeg, size_t bytes, const opcv_read_options* options, opcv_read_report* report)
@@ -35,7 +35,7 @@ public:
 
     bool isValid() const { return valid_; }
 
-    // `deliver` gets the page's headers and says how its decoding ended.
+    // Passes the page's headers to `deliver`, which returns the result of decoding.
     template <class Deliver>
     opcv_read_status run(Deliver deliver) {
         PageInfo page;
@@ -45,7 +45,7 @@ public:
         return statusOf(outcome);
     }
 
-    // Decodes by `read`, which gets the decoder.
+    // Passes the decoder to `read`.
     template <class Read>
     Outcome decode(Read read) {
         Decoder decoder(stream_, bytes_, cancellation_);
@@ -70,7 +70,7 @@ private:
         if (options->struct_size < sizeof *options || options->max_pixels < 0 || options->max_memory < 0 ||
             options->max_scans < 0 || options->reserved != 0)
             return false;
-        // A later version of the structure is longer. What this library does not know must be unused.
+        // A later version of the structure is longer. Fields unknown to this version must be unused.
         const auto* const first = reinterpret_cast<const unsigned char*>(options);
         if (std::any_of(first + sizeof *options, first + options->struct_size, [](int byte) { return byte != 0; }))
             return false;
@@ -112,7 +112,7 @@ private:
     opcv_read_report decoded_{};
 };
 
-// The bytes of the record, its pixels included. A record states them in 31 bits.
+// The bytes of the record, including its pixels. A record has at most 2^31 - 1 bytes of pixels.
 Outcome checkRecord(LimitedReading& reading, const PageInfo& page) {
     const int64_t pixelBytes = page.pixels() * page.channels;
     const bool tooMuch = reading.exceedsMemory(page, pixelBytes + static_cast<int64_t>(sizeof(KVIMG)));

@@ -15,7 +15,7 @@ enum Marker : int {
     kDAC = 0xCC,
     kSOF15 = 0xCF,
     kRST0 = 0xD0,
-    kSOI = 0xD8,    // behind RST7
+    kSOI = 0xD8,    // the code after RST7
     kEOI = 0xD9,
     kSOS = 0xDA,
     kAPP0 = 0xE0,
@@ -31,7 +31,7 @@ class MarkerWalk {
 public:
     MarkerWalk(const unsigned char* stream, size_t length) : at_(stream), end_(stream + length) {}
 
-    // Steps over anything that is no marker, coded data included: a byte of 255 in it is followed by 0.
+    // Skips everything that is not a marker, including coded data, in which a byte of 255 is followed by 0.
     int nextMarker() {
         while (at_ < end_) {
             at_ = std::find_if(findMarker(at_, end_), end_, [](int byte) { return byte != 0xFF; });
@@ -40,8 +40,8 @@ public:
         return kNoMarker;
     }
 
-    // False where the stream ends within the segment. A length that does not even count itself says nothing about what
-    // follows: such a segment is empty and has no payload.
+    // False if the stream ends within the segment. A segment whose length is too small to include the length field
+    // itself is treated as empty.
     bool readSegment(Segment& segment) {
         if (remaining() < 2) return false;
         const size_t stated = size_t{at_[0]} << 8 | at_[1];
@@ -83,7 +83,7 @@ void noteFrame(int marker, const Segment& segment, StreamSurvey& survey) {
     }
 }
 
-// A scan codes one to four components; the decoder stops at any other number.
+// A scan has one to four components; the decoder stops at any other number.
 void noteScan(const Segment& segment, StreamSurvey& survey) {
     const int components = segment.length > 0 ? std::clamp<int>(segment.payload[0], 1, 4) : 1;
     if (survey.scans++ == 0) survey.componentsOfFirstScan = components;

@@ -1,4 +1,4 @@
-// What the markers of a JPEG stream say about it, before a decoder sees a byte.
+// Information from the markers of a JPEG stream, before any decoding.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ struct StreamSurvey {
         int vertical = 1;
     };
 
-    // From the first frame header; 0 components where there is none.
+    // From the first frame header; 0 components if there is none.
     int width = 0;
     int height = 0;
     int components = 0;
@@ -24,15 +24,15 @@ struct StreamSurvey {
     int64_t scannedComponents = 0;    // the sum over all scans
     int componentsOfFirstScan = 0;
 
-    // From the last JFIF header in front of the first scan.
+    // From the last JFIF header before the first scan.
     int densityUnit = 0;    // 1: dots per inch, 2: per centimetre
     int densityX = 0;
     int densityY = 0;
 
-    // The payload of the first APP1 segment in front of the first scan, where EXIF blocks stand.
+    // The payload of the first APP1 segment before the first scan, which may be an EXIF block.
     const unsigned char* exif = nullptr;
     size_t exifLength = 0;
 };
 
-// One walk from marker to marker, in the decoder's sense of what a marker is. The stream begins with a start of image.
+// Walks from marker to marker, with the decoder's rules for markers. The stream must begin with a start of image.
 StreamSurvey surveyStream(const unsigned char* stream, size_t length);

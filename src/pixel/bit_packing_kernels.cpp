@@ -4,9 +4,9 @@
 //                     . . . 0 1 2 3 4   5 6 7 8 9 10 11 12       13 14 15 16 17 18 19 20     21 22 . . . . . .
 //                     |--- head ----|   |------------- whole bytes ------------------|      |--- tail ---|
 //
-// Whole bytes go by blocks that start at byte boundaries of the bits, so that a bit offset only moves the grey side,
-// which is loaded and stored unaligned. Head and tail are the first and the last eight pixels of the region, moved within
-// their byte. No byte outside the region's own is read or written on either side.
+// Whole bytes are processed in blocks that start at byte boundaries of the packed row, so that a bit offset only moves
+// the grey side, which is loaded and stored unaligned. Head and tail are the first and the last eight pixels of the
+// region, shifted within their byte. Only bytes of the region are read and written on either side.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -29,18 +29,18 @@ namespace hn = hwy::HWY_NAMESPACE;
 using D = hn::ScalableTag<uint8_t>;
 using DByte = hn::CappedTag<uint8_t, 8>;    // the pixels of one byte
 
-constexpr ptrdiff_t kBlockBytes = 16;    // of bits, as many as a table lookup reaches
+constexpr ptrdiff_t kBlockBytes = 16;    // of packed bits, the reach of a table lookup
 constexpr size_t kBlockPixels = 8 * kBlockBytes;
 
-// The pixels of a block to come: the processor's own reading ahead ends with each page of memory.
+// Prefetches the pixels of a later block: the hardware prefetcher stops at the end of each memory page.
 HWY_INLINE void fetchAhead(const uint8_t* grey) {
     constexpr size_t kAhead = 1024;
     constexpr size_t kCacheLine = 64;
     for (size_t pixel = 0; pixel < kBlockPixels; pixel += kCacheLine) hwy::Prefetch(grey + kAhead + pixel);
 }
 
-// Calls `blockAt` for the first byte of each block, the last one pulled back to end with the bytes; fewer bytes than that
-// go one at a time.
+// Calls `blockAt` for the first byte of each block, the last one pulled back to end with the bytes; fewer bytes than
+// that go one at a time.
 template <class BlockAt, class ByteAt>
 HWY_INLINE void coverBytes(ptrdiff_t bytes, const BlockAt& blockAt, const ByteAt& byteAt) {
     if (bytes < kBlockBytes) {
@@ -79,8 +79,8 @@ void expandBytes(const uint8_t* HWY_RESTRICT bits, ptrdiff_t bytes, uint8_t* HWY
     coverBytes(bytes, expandBlock, [=](ptrdiff_t byte) HWY_ATTR { expandByte(bits[byte], grey + 8 * byte); });
 }
 
-// Pixels above the level to bits. The comparison's lanes are collected from the lowest bit up, so each eight pixels are
-// reversed first.
+// Pixels above the level to bits. The lanes of a comparison are collected starting at the lowest bit, so every eight
+// pixels are reversed first.
 template <class DPixels>
 HWY_INLINE void packVector(DPixels d, const uint8_t* HWY_RESTRICT grey, uint8_t level, uint8_t* HWY_RESTRICT bits) {
     HWY_ALIGN static constexpr uint8_t kReverse8[16] = {7, 6, 5, 4, 3, 2, 1, 0, 15, 14, 13, 12, 11, 10, 9, 8};
@@ -105,7 +105,7 @@ void packBytes(const uint8_t* HWY_RESTRICT grey, ptrdiff_t bytes, uint8_t level,
                [=](ptrdiff_t byte) HWY_ATTR { packVector(DByte(), grey + 8 * byte, level, bits + byte); });
 }
 
-// A row of bits as the region uses it.
+// The part of a packed row that belongs to the region.
 struct BitRow {
     BitRow(ptrdiff_t bitOffset, ptrdiff_t pixels)
         : offset(bitOffset),
@@ -125,7 +125,7 @@ struct BitRow {
     ptrdiff_t wholeBytes;
 };
 
-// Two bytes of bits as a number, the second one only if it belongs to the row.
+// Two packed bytes as a number; the second one is read only if it belongs to the row.
 HWY_INLINE unsigned pairAt(const uint8_t* bits, ptrdiff_t byte, ptrdiff_t last) {
     return static_cast<unsigned>(bits[byte]) << 8 | (byte < last ? bits[byte + 1] : 0U);
 }
@@ -145,8 +145,8 @@ void expandRow(const uint8_t* bits, const BitRow& row, uint8_t* grey) {
         expandByte(pairAt(bits, last - 1, last) >> (8 - row.endOfLastByte()), grey + row.width - 8);
 }
 
-// Writes the bits of a byte that belong to the region. Those around it count as pixels of 255 or 0 and meet the same
-// threshold, so that 255 clears them.
+// Writes the bits of a byte that belong to the region. The other bits count as pixels of 255 or 0 and are compared with
+// the same threshold, so that 255 clears them.
 HWY_INLINE void writeBits(unsigned packed, unsigned around, uint8_t threshold, uint8_t& byte) {
     const unsigned kept = threshold == 255 ? 0U : byte & around;
     byte = static_cast<uint8_t>((packed & ~around) | kept);
@@ -177,7 +177,7 @@ void expand(const uint8_t* src, int srcStep, int bitOffset, uint8_t* dst, int ds
 
 void pack(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int bitOffset, int width, int height,
           uint8_t threshold) {
-    if (width < 0 || bitOffset + width == 0) return;    // behind an offset, no pixels still leave the bits before them
+    if (width < 0 || bitOffset + width == 0) return;    // with an offset, the bits before it are still processed
     const BitRow row(bitOffset, width);
     for (; height > 0; --height, src += srcStep, dst += dstStep) packRow(src, row, threshold, dst);
 }

@@ -1,6 +1,6 @@
-// Passes over images of three 8-bit channels: a vector of each channel is loaded, run through a formula and stored,
-// from and to packed pixels or planes. The rest of a row goes through a block on the stack, so that no byte outside the
-// region is touched and a packed image can be converted in place.
+// Copies and conversions of images of three 8-bit channels: a vector of each channel is loaded, passed through a
+// formula and stored, from and to packed pixels or planes. The rest of a row goes through a block on the stack, so that
+// no byte outside the region is accessed and a packed image can be converted in place.
 //
 // Both conversions are OpenCV's 14-bit fixed point, rearranged for 16-bit lanes. With [x] the nearest whole number,
 // halves up, and constants in 1 / 16384:
@@ -12,7 +12,7 @@
 //     G = Y + [-6472 u - 9519 v]
 //
 // A product with one constant is a rounding doubling high multiply, which takes the constant in 1 / 32768; two products
-// are summed in 32 bits. Even and odd pixels are widened apart, which needs no lane to move.
+// are summed in 32 bits. Even and odd pixels are widened separately, so that no lane has to move.
 #include "pixel/channel_kernels.h"
 
 #include <cstring>
@@ -72,7 +72,7 @@ V16 weightedSum(V16 a, int16_t weightOfA, V16 b, int16_t weightOfB) {
         const auto products = hn::ReorderWidenMulAccumulate(d32, pairs, weights, hn::Zero(d32), rest);
         return hn::ShiftRight<14>(hn::Add(hn::RearrangeToOddPlusEven(products, rest), half));
     };
-    // The pairs are interleaved within blocks of 128 bits, and the sums are narrowed back within them.
+    // Both the interleaving and the narrowing work within blocks of 128 bits.
     return hn::ReorderDemote2To(d16, sumOf(hn::InterleaveLower(d16, a, b)), sumOf(hn::InterleaveUpper(d16, a, b)));
 }
 
@@ -101,7 +101,7 @@ struct YuvToRgb {
     }
 };
 
-// A formula on 16-bit lanes as one on bytes.
+// Applies a 16-bit formula to bytes.
 template <class Formula>
 struct OnBytes {
     static Channels<V8> apply(const Channels<V8>& in) {
@@ -115,7 +115,7 @@ struct Copy {
     static Channels<V8> apply(const Channels<V8>& in) { return in; }
 };
 
-// Loads and stores of a vector of pixels, or of fewer, at a position of a row.
+// Loads and stores a vector of pixels, or fewer, at a position in a row.
 struct PackedRow {
     uint8_t* bytes;
 

@@ -1,5 +1,5 @@
-// Passes over images of three 8-bit channels, packed or in planes: a copy between the two layouts, or a conversion
-// between RGB and YUV on the way. Regions are not empty.
+// Copies and conversions of images of three 8-bit channels, packed or planar, optionally between RGB and YUV. Regions
+// must not be empty.
 #pragma once
 
 #include <array>
@@ -22,11 +22,11 @@ struct PlanarImage {
     }
 };
 
-// The destination may be the source itself, with the same step.
+// The destination may be the source, with the same step.
 void convertRgbToYuv(const PackedImage& rgb, const PackedImage& yuv, int width, int height);
 void convertYuvToRgb(const PackedImage& yuv, const PackedImage& rgb, int width, int height);
 
-// The destination shares no memory with the source.
+// The destination must not overlap the source.
 void convertRgbToYuv(const PackedImage& rgb, const PlanarImage& yuv, int width, int height);
 void convertYuvToRgb(const PlanarImage& yuv, const PackedImage& rgb, int width, int height);
 void splitChannels(const PackedImage& packed, const PlanarImage& planes, int width, int height);

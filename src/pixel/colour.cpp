@@ -32,12 +32,12 @@ OSErr convertPacked(Conversion<PackedImage, PackedImage> convert, const unsigned
     return noErr;
 }
 
-// A planar conversion is two steps with a packed image between them. One pass does both without that image, but if the
-// image would be too large, the conversion still fails for want of memory.
+// By contract, a planar conversion has two steps with a packed image between them. One pass does both without that
+// image, but the conversion still reports out of memory if the image would be too large.
 bool packedImageFits(IppiSize roi) { return !opcv::isEmpty(roi) && planeFits(roi.width, roi.height, 3); }
 
-// The steps answer with an IppStatus, which callers get to see as if it had been an OSErr: whatever goes wrong in them
-// is a bad argument.
+// The steps return an IppStatus, which is translated as if it were an OSErr: every failure in them is reported as a bad
+// argument. Callers rely on it.
 IppStatus statusOfSteps(IppStatus status) { return Tools::OSErrToIppStatus(static_cast<OSErr>(status)); }
 
 bool overlap(const PackedImage& packed, const PlanarImage& planes, IppiSize roi) {
@@ -51,7 +51,7 @@ struct PackedDeleter {
     void operator()(unsigned char* p) const { IPPMini_ippiFree(p); }
 };
 
-// The packed image of the two steps, for a destination that overlaps the source.
+// The packed image between the two steps, for a destination that overlaps the source.
 struct Between {
     explicit Between(IppiSize roi) { pixels.reset(IPPMini_ippiMalloc_8u_C3(roi.width, roi.height, &step)); }
 

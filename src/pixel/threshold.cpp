@@ -8,8 +8,8 @@
 
 namespace {
 
-// Compared as unsigned on purpose: a negative step counts as a very long row, so that 16-bit images can be walked from
-// the bottom up.
+// Deliberately compared as unsigned: a negative step counts as very long, so that the rows of 16-bit images may go
+// upwards.
 bool fits16Bit(int width, int step) {
     return static_cast<uint64_t>(2 * int64_t{width}) <= static_cast<uint64_t>(int64_t{step});
 }

@@ -1,6 +1,6 @@
-// In-place threshold: a pixel at or below the threshold is replaced. A vector of pixels is compared and blended; the
-// last vector of a row is pulled back to end with the row, as a second pass over a pixel changes nothing: a replaced
-// pixel is either replaced by the same value again or stays.
+// In-place threshold: a pixel at or below the threshold is replaced. A vector of pixels is compared and blended. The
+// last vector of a row is pulled back to end with the row; processing a pixel twice does not change the result, because
+// a replaced pixel either is replaced by the same value again or stays.
 #include <cstddef>
 #include <cstdint>
 
@@ -19,7 +19,7 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Pixels are moved as bytes, because a step may leave 16-bit rows unaligned.
+// Pixels are loaded and stored as bytes, because the step may leave 16-bit rows unaligned.
 template <class D, typename T = hn::TFromD<D>>
 HWY_INLINE void thresholdAt(D d, uint8_t* bytes, T threshold, T value) {
     const hn::Repartition<uint8_t, D> d8;

@@ -1,4 +1,4 @@
-// Checked views of the caller's three-channel images, as the kernels take them.
+// Checked views of the caller's three-channel images, for the kernels.
 #pragma once
 
 #include <opencv2/core.hpp>
@@ -7,7 +7,7 @@
 #include "core/region.h"
 #include "pixel/channel_kernels.h"
 
-// The pitch of a view is whole pixels, which the step need not be.
+// The pitch of a view is a whole number of pixels; the step need not be.
 inline OSErr viewRegion(const unsigned char* p, int step, IppiSize roi, int type, uint8_t*& first, ptrdiff_t& pitch) {
     cv::Mat view;
     if (const OSErr err = opcv::viewOf(p, step, type, roi, view)) return err;
