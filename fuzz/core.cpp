@@ -1,4 +1,4 @@
-// Records, planes, statuses and the matrix adapters, with any arguments at all.
+// Records, planes, statuses and the matrix adapters, with arbitrary arguments.
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -119,7 +119,7 @@ void wrapMemory(Draw& draw) {
     if (status != noErr) return;
     view.row(view.rows - 1).setTo(1);
 
-    // Out again, to another place of another size.
+    // Copied out again, to another position and size.
     const int dstStep = draw.between(1, 200);
     const int dstRows = draw.between(1, 20);
     std::vector<uint8_t> target(static_cast<size_t>(dstStep * dstRows), 3);

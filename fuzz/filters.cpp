@@ -1,5 +1,5 @@
-// Convolutions, box and bilateral filters and noise reduction beside the plain OpenCV calls, the matrix product beside
-// its definition, and the cosine transform there and back.
+// Convolutions, box and bilateral filters and noise reduction, compared with plain OpenCV calls; the matrix product,
+// compared with its definition; and the cosine transform, forward and inverse.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -21,7 +21,7 @@ Margin reachOf(IppiSize kernel, IppiPoint anchor) {
     return {kernel.width / 2 * 2 - anchor.x, kernel.height / 2 * 2 - anchor.y, anchor.x, anchor.y};
 }
 
-// Large kernels may look at the pixels that pad a row.
+// Large kernels may read the padding of a row.
 Image::LastRow lastRowFor(IppiSize kernel) {
     constexpr int kLarge = 50;
     return (kernel.width | 1) * (kernel.height | 1) >= kLarge ? Image::LastRow::kWhole : Image::LastRow::kUsed;
@@ -41,7 +41,7 @@ IppiPoint anyAnchor(Draw& draw, IppiSize mask) {
 
 size_t cellsOf(IppiSize size) { return static_cast<size_t>(size.width) * static_cast<size_t>(size.height); }
 
-// Exactly as many as the kernel has, so that a read behind them is seen.
+// Exactly the cells of the kernel, so that a read past them is detected.
 template <typename T>
 using Cells = std::vector<T>;
 
@@ -73,7 +73,7 @@ std::vector<uint8_t> blankRegion(const Image& target) {
     return std::vector<uint8_t>(cellsOf(target.size()) * static_cast<size_t>(target.pixelSize()));
 }
 
-// A copy for the plain calls, which look at the rest of the view's last row and at what is below it.
+// A copy for the plain calls, which read the rest of the view's last row and the rows below it.
 struct Wider {
     Wider(Image& image, Margin margin) : bytes(image.bytes()) {
         bytes.resize(bytes.size() + static_cast<size_t>(image.step()));
@@ -109,7 +109,7 @@ void integerConvolution(Draw& draw) {
                                            kernelSize, anchor, divisor);
     };
     call.requireStatus(run(), target);
-    // Sums that leave an int saturate here; what OpenCV makes of them is the processor's choice.
+    // Sums outside the range of int saturate here; in OpenCV the result depends on the processor.
     if (call.broken || wild) return;
     std::vector<uint8_t> expected = blankRegion(target);
     const Wider wider(source, reachOf(kernelSize, anchor));
@@ -138,7 +138,7 @@ void floatConvolution(Draw& draw) {
     requireSameRegion(target, expected, "convolution with floats");
 }
 
-// The depths that OpenCV's linear filter takes. For some of the others it has no function and calls none.
+// The depths that OpenCV's linear filter supports. For some of the others it calls a null pointer.
 void convolutionOfOtherTypes(Draw& draw) {
     constexpr std::array kDepths = {CV_8U, CV_16U, CV_16S, CV_32F, CV_64F};
     const int type = CV_MAKETYPE(kDepths[static_cast<size_t>(draw.between(0, 4))], draw.between(1, 4));
@@ -172,7 +172,7 @@ void boxFilter(Draw& draw) {
     const IppiPoint anchor = anyAnchor(draw, mask);
     const IppiSize size = fuzz::anySize(draw, 40);
     const Margin margin = {anchor.x, anchor.y, mask.width / 2 * 2 - anchor.x, mask.height / 2 * 2 - anchor.y};
-    // The block holds the windows and the region, which an anchor outside the mask draws apart.
+    // The block contains the windows and the region, which are apart if the anchor is outside the mask.
     const Margin both = {std::max(margin.left, 0), std::max(margin.top, 0), std::max(margin.right, 0),
                          std::max(margin.bottom, 0)};
     Image image(draw, size, 3, both);
@@ -205,7 +205,7 @@ void bilateral(Draw& draw) {
     requireSameRegion(target, expected, "bilateral filter");
 }
 
-// Any squared sigmas, also such that are no numbers.
+// Any squared sigmas, including NaN.
 void wildBilateral(Draw& draw) {
     const int half = draw.between(1, 3);
     const int side = 2 * half + 1;
@@ -221,7 +221,7 @@ void wildBilateral(Draw& draw) {
     target.requireUntouchedAroundRegion();
 }
 
-// Images without padding, in blocks of their own, that are filtered as a whole.
+// Images without padding, in separate blocks, that are filtered as a whole.
 struct Packed {
     Packed(Draw& draw, IppiSize given, int channels)
         : size(given), source(cellsOf(given) * static_cast<size_t>(channels)), target(source.size()) {
@@ -328,7 +328,7 @@ void matrixProduct(Draw& draw) {
     require(c.values == expected.values, "matrix product");
 }
 
-// Sizes, leading dimensions and layouts at random, over matrices of one element: all but that are refused.
+// Random sizes, leading dimensions and layouts, over matrices of one element: all other sizes must be rejected.
 void refusedProduct(Draw& draw) {
     float a = 1;
     float b = 1;

@@ -52,7 +52,7 @@ bool insideOf(const Image& image, const IppiRect& written, const std::vector<uin
 struct Turn {
     explicit Turn(Draw& draw)
         : pixelSize(std::array{1, 3, 4}[static_cast<size_t>(draw.between(0, 2))]),
-          source(draw, fuzz::anySize(draw), pixelSize, {}, Image::LastRow::kWhole),    // what pads a row is image here
+          source(draw, fuzz::anySize(draw), pixelSize, {}, Image::LastRow::kWhole),    // padding counts as image here
           target(draw, fuzz::anySize(draw), pixelSize),
           plain(target),
           from(rectIn(draw, source.size())),
@@ -67,10 +67,10 @@ struct Turn {
     IppiRect from;
     IppiRect to;
     double angle;
-    bool tame;    // no number is so far off that OpenCV may refuse it
+    bool tame;    // no number is so large that OpenCV may throw
 };
 
-// `rotate()` into the target, beside `rotatePlainly(rotation)`.
+// Compares `rotate()` into the target with `rotatePlainly(rotation)`.
 template <class Rotate, class RotatePlainly>
 void requireTurned(Turn& turn, const cv::Scalar& border, const char* what, Rotate rotate, RotatePlainly rotatePlainly) {
     IppStatus status = 0;
@@ -130,7 +130,7 @@ void rotateAbout(Draw& draw) {
         [&](const oracle::Rotation& rotation) { oracle::rotateAboutByOpenCV(rotation, xCentre, yCentre); });
 }
 
-// Sizes, steps and rectangles at random, over images that are large enough for none of them.
+// Random sizes, steps and rectangles, for which the images are too small.
 void refusedRotation(Draw& draw) {
     uint8_t pixel = 7;
     uint8_t written = 9;
@@ -151,7 +151,7 @@ void refusedRotation(Draw& draw) {
     require(written == 9, "nothing is written");
 }
 
-// A page in a record over an exact block of its own.
+// A page in a record over a block of exactly its size.
 struct Page {
     explicit Page(Draw& draw) : image(draw, fuzz::anySize(draw), anyPixelSize(draw), {}, Image::LastRow::kWhole) {
         record = {image.region(), 8 * image.pixelSize(), image.width(),
@@ -168,7 +168,7 @@ struct Page {
     KVImageDescription* handle = &description;
 };
 
-// A record, or null and a status. Its every byte is the caller's.
+// A record, or null and a status. All its bytes must be writable.
 void requireRecord(OSErr status, KVIMG* made, int depth) {
     const RecordPtr owner(made);
     require((status == noErr) == (made != nullptr), "a record is made exactly on success");
@@ -305,7 +305,7 @@ void resizeRegion(Draw& draw) {
     const double yShift = anyShift(draw, tame);
     const double xFactor = anyFactor(draw);
     const double yFactor = anyFactor(draw);
-    // A factor that asks for more than a few megabytes costs only time.
+    // A factor that needs more than a few megabytes only takes time.
     constexpr double kMost = 2000;
     if (xFactor * from.width > kMost || yFactor * from.height > kMost) return;
     fuzz::survives([&] {

@@ -1,4 +1,4 @@
-// Reading of any bytes at all: a page or a refusal, and the page that OpenCV's decoder makes of them.
+// Reading of arbitrary bytes: the result is an error, or the page that OpenCV's decoder returns.
 #include <algorithm>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -12,7 +12,7 @@ namespace {
 
 using fuzz::require;
 
-// The record describes its block, and the description the record.
+// Checks that the record matches its block, and the description the record.
 void requireWhole(const Reading& r) {
     require((r.status == noErr) == (r.image != nullptr), "a record is made exactly on success");
     require(r.status == noErr || r.status == paramErr || r.status == memFullErr, "one of three statuses");
@@ -34,7 +34,7 @@ cv::Mat decode(const std::vector<uint8_t>& stream, int flags) {
     return image;
 }
 
-// An upper bound: the markers may stand in other segments.
+// An upper bound: the marker codes may also occur inside segments.
 bool mayHaveTooManyScans(const std::vector<uint8_t>& stream) {
     int count = 0;
     for (size_t i = 0; i + 1 < stream.size(); ++i) count += stream[i] == 0xFF && stream[i + 1] == 0xDA;
@@ -60,7 +60,7 @@ void requireAsOpenCV(const Reading& r, const std::vector<uint8_t>& stream, int f
     }
 }
 
-// A grey page's colours take three times its memory.
+// A grey page needs three times its memory in colour.
 bool colourCanBeHad(const KVIMG& image) {
     const size_t bytes = 3 * static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
     return PixelBlock(static_cast<unsigned char*>(allocatePixels(bytes))) != nullptr;
@@ -73,7 +73,7 @@ bool isJpeg(const std::vector<uint8_t>& stream) {
 }    // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::vector<uint8_t> stream(data, data + size);    // ends where its memory ends
+    const std::vector<uint8_t> stream(data, data + size);    // ends where its allocation ends
     const Reading r = read(stream, size % 2 == 0 ? ReadJPEG : ReadJPEGWithIPP);
     requireWhole(r);
     if (!isJpeg(stream)) {

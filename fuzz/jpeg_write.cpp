@@ -1,4 +1,4 @@
-// Compression of any raster: the stream that libjpeg makes of the same settings, or a refusal.
+// Compression of any raster: the result is the stream that libjpeg writes with the same settings, or an error.
 #include <array>
 #include <cstdlib>
 #include <memory>
@@ -126,7 +126,7 @@ void refusedRecord(Draw& draw) {
         case 2: record.width = -draw.between(0, 99); break;
         case 3: record.height = -draw.between(0, 99); break;
         case 4: record.data = nullptr; break;
-        default:    // more than libjpeg takes; it must say so before it reads a row
+        default:    // more than libjpeg accepts; it must fail before it reads a row
             (draw.chance(2) ? record.width : record.height) = draw.between(65501, 1 << 30);
             status = memFullErr;
     }
@@ -139,7 +139,7 @@ void refusedRecord(Draw& draw) {
     }
 }
 
-// The encoder by itself: any order of calls, sampling and table, small work buffers, raw sizes.
+// The encoder alone: any order of calls, sampling and table, small work buffers, raw sizes.
 void driveEncoder(Draw& draw) {
     const bool colour = draw.chance(2);
     Image image(draw, fuzz::anySize(draw), colour ? 3 : 1);

@@ -1,5 +1,5 @@
-// make_corpus FOLDER: the inputs that the targets begin with. For the reader, good streams of every kind and hostile
-// ones, and a dictionary of markers; for the others, bytes to draw from.
+// make_corpus FOLDER: writes the initial inputs of the targets. For the reader, valid streams of every kind, hostile
+// ones and a dictionary of markers; for the others, random bytes.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -26,7 +26,7 @@ Bytes raster(int channels) {
     return pixels;
 }
 
-// Compression by libjpeg with whatever `configure` sets.
+// Compresses with libjpeg, with the settings of `configure`.
 template <class Configure>
 Bytes encode(int channels, J_COLOR_SPACE space, Configure configure) {
     const Bytes pixels = raster(channels);
@@ -53,7 +53,7 @@ Bytes chain(std::initializer_list<Bytes> parts) {
 const Bytes kStart = {0xFF, 0xD8};
 const Bytes kEnd = {0xFF, 0xD9};
 
-// Behind the start of the image.
+// Inserts after the start of the image.
 Bytes with(const Bytes& stream, const Bytes& inserted) {
     return chain({kStart, inserted, Bytes(stream.begin() + 2, stream.end())});
 }
@@ -110,7 +110,7 @@ void addGoodStreams(const Folder& folder) {
     }
 }
 
-// A grey progressive stream whose every coefficient has a scan of its own and, up to `refined` of them, a second one.
+// A grey progressive stream with one scan per coefficient and, for up to `refined` of them, a second one.
 Bytes scanned(int refined) {
     std::vector<jpeg_scan_info> script = {{1, {0}, 0, 0, 0, 0}};
     for (int k = 1; k < 64; ++k) script.push_back({1, {0}, k, k, 0, k <= refined ? 1 : 0});
@@ -131,7 +131,7 @@ void addHostileStreams(const Folder& folder) {
         const Bytes frame = segment(0xC2, {8, high, low, high, low, 3, 1, 0x22, 0, 2, 0x11, 0, 3, 0x11, 0});
         folder.add("claims_" + std::to_string(side), chain({kStart, frame, scan, kEnd}));
     }
-    // Grey pixels that can be had where, as colours, they cannot.
+    // A grey page that fits in the memory limit, while in colour it would not.
     const Bytes grey = encode(1, JCS_GRAYSCALE, [](auto&) {});
     Bytes large = grey;
     for (const size_t digit : {5U, 7U}) large = changed(large, positionOf(grey, 0xC0) + digit, 0x0D);

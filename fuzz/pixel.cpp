@@ -1,4 +1,4 @@
-// Pixel conversions: bit packing, depth, thresholds, fill, colour and plane layout, each beside its definition.
+// Pixel conversions: bit packing, depth, thresholds, fill, colour and plane layout, compared with their definitions.
 #include <algorithm>
 #include <array>
 #include <climits>
@@ -15,10 +15,10 @@ using fuzz::Draw;
 using fuzz::Image;
 using fuzz::require;
 
-// Rows of bits, in a block of bytes. What a pixel is to an image is a byte here.
+// Packed 1-bit rows in a block of bytes; one byte plays the role of a pixel.
 IppiSize bytesOfBits(IppiSize size, int offset) { return {(offset + size.width + 7) / 8, size.height}; }
 
-// One in sixteen is none, which breaks the call.
+// One in sixteen is null, which makes the call invalid.
 int anyOffset(Draw& draw, int offset, Call& call) {
     if (call.broken || !draw.chance(16)) return offset;
     call.broken = true;
@@ -189,7 +189,7 @@ void packedColour(Draw& draw) {
     if (!call.broken) require(converted(target, same) == expected, "colour is converted");
 }
 
-// Three planes with one step: images of their own whose rows are equally long.
+// Three planes with the same step: separate images with rows of equal length.
 struct Planes {
     Planes(Draw& draw, IppiSize size) : step(size.width + draw.between(0, 5)) {
         for (std::vector<uint8_t>& plane : block) {

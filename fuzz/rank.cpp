@@ -1,4 +1,4 @@
-// Medians and morphology, each beside its definition.
+// Medians and morphology, compared with their definitions.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -25,12 +25,12 @@ void forEachSample(Image& source, Image& target, int dx, int dy, Check check) {
                   target.region()[ptrdiff_t{y} * target.step() + i]);
 }
 
-// What the windows of a mask with this anchor reach.
+// The margin of the windows of a mask with this anchor.
 Margin reachOf(IppiSize mask, IppiPoint anchor) {
     return {anchor.x, anchor.y, mask.width - 1 - anchor.x, mask.height - 1 - anchor.y};
 }
 
-// Mostly within the mask.
+// An anchor, mostly within the mask.
 IppiPoint anyAnchor(Draw& draw, IppiSize mask) {
     const int beyond = draw.chance(4) ? 3 : 0;
     const int x = draw.between(-beyond, mask.width - 1 + beyond);
@@ -55,7 +55,7 @@ void squareMedian(Draw& draw) {
     });
 }
 
-// 16-bit and float pixels, for which OpenCV has the masks 3 and 5, and types that it refuses by an exception.
+// 16-bit and float pixels, for which OpenCV has the masks 3 and 5, and types for which it throws.
 void medianOfOtherTypes(Draw& draw) {
     const int type = draw.between(0, 7) + 8 * draw.between(0, 3);
     const int m = 2 * draw.between(0, 3) + 1;

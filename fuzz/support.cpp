@@ -20,7 +20,7 @@ size_t blockSize(int rows, int step, int usedRow, fuzz::Image::LastRow lastRow) 
 
 }    // namespace
 
-// OpenCV's messages would fill the log, and its threads would hide which input did what.
+// OpenCV's messages would fill the log, and with its threads failures could not be attributed to an input.
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     cv::redirectError(silent);
     cv::setNumThreads(1);
@@ -48,7 +48,7 @@ double Draw::anyReal() {
     return value;
 }
 
-// The input's bytes, repeated with a change from one repetition to the next.
+// The bytes of the input, repeated with a change in each repetition.
 void Draw::fill(uint8_t* bytes, size_t count) {
     const std::vector<uint8_t> drawn = provider_.ConsumeBytes<uint8_t>(static_cast<size_t>(between(1, 64)));
     const uint8_t change = byte();

@@ -1,5 +1,5 @@
-// What the fuzz targets share: values drawn from the input, and images in blocks that hold exactly the bytes that a
-// function may touch, so that the address sanitizer sees one byte too many.
+// Shared by the fuzz targets: values drawn from the input, and images in blocks of exactly the bytes that a function
+// may access, so that the address sanitizer detects every access out of bounds.
 #pragma once
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -14,10 +14,10 @@
 
 namespace fuzz {
 
-// Ends the run, as a finding, unless the condition holds.
+// Reports a finding and aborts unless the condition holds.
 void require(bool condition, const char* what);
 
-// Runs a call that OpenCV may leave by an exception of its own. False if it did.
+// Runs a call in which OpenCV may throw. False if it did.
 template <class Calls>
 bool survives(Calls calls) {
     try {
@@ -38,7 +38,7 @@ public:
     bool chance(int oneIn) { return between(1, oneIn) == oneIn; }
     double real(double low, double high) { return provider_.ConsumeFloatingPointInRange<double>(low, high); }
 
-    // Any value of the type, the ends of its range and no numbers among them.
+    // Any value of the type, including the ends of its range and NaN.
     int anyInt();
     double anyReal();
 
@@ -55,8 +55,8 @@ struct Margin {
     int bottom = 0;
 };
 
-// A region with margins. A negative margin cuts the block off within the region: such pixels cannot be touched. Rows
-// may be longer than they need to be; the last one is not, unless `kWhole`.
+// A region with margins. With a negative margin the block ends within the region, and pixels outside it are
+// inaccessible. Rows may have padding, except the last one, unless `kWhole` is given.
 class Image {
 public:
     enum class LastRow { kUsed, kWhole };
@@ -72,7 +72,7 @@ public:
     int pixelSize() const { return pixelSize_; }
     const std::vector<uint8_t>& bytes() const { return block_; }
 
-    // As it was when it was made, everywhere or everywhere but in the region.
+    // Whether it is unchanged since its creation, everywhere or outside the region.
     void requireUntouched() const;
     void requireUntouchedAroundRegion() const;
 
@@ -82,23 +82,23 @@ private:
     int usedRow_;
     int step_;
     ptrdiff_t offset_;
-    std::vector<uint8_t> block_;    // never grows, so that it ends where its memory ends
+    std::vector<uint8_t> block_;    // never grows, so that it ends where its allocation ends
     std::vector<uint8_t> before_;
 };
 
 IppiSize anySize(Draw& draw, int most = 70);
 
-// The input's first number chooses the operation that is tried.
+// The first number of the input selects the operation.
 template <size_t count>
 void runOneOf(const std::array<void (*)(Draw&), count>& operations, Draw& draw) {
     operations[static_cast<size_t>(draw.between(0, static_cast<int>(count) - 1))](draw);
 }
 
-// The arguments of a call from one image to another. One in eight is broken in one of its arguments.
+// The arguments of a call from one image to another. One call in eight has one invalid argument.
 struct Call {
     Call(Draw& draw, Image& source, Image& target, bool checksSourceStep = true);
 
-    // The call's status: 0 with nothing around the region written, or a refusal with nothing written at all.
+    // Checks the status: 0 and nothing written around the region, or an error and nothing written at all.
     void requireStatus(int status, const Image& target) const;
 
     const uint8_t* src;
