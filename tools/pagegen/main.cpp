@@ -1,4 +1,4 @@
-// pagegen: draws A4 pages as a scanner would see them: text, a picture, uneven light, noise, and a skew.
+// pagegen: draws A4 pages that look scanned: text, a picture, uneven light, noise and a skew.
 #include <OPCV_dlib.h>
 
 #include <CLI/CLI.hpp>
@@ -16,7 +16,7 @@
 
 namespace {
 
-// What all pages of a run share, at their resolution: the sheet, the light on it and a stock of noise.
+// Shared by all pages of a run, at their resolution: the sheet, its illumination and a stock of noise.
 class Scanner {
 public:
     Scanner(int dpi, unsigned seed) {

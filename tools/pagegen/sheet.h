@@ -11,9 +11,9 @@ cv::Mat drawSheet();
 // The sheet turned clockwise for a positive skew, on the dark lid of the scanner.
 cv::Mat skewed(const cv::Mat& sheet, double degrees);
 
-// How much of the lamp's light reaches a place on the page: less towards the edges.
+// The illumination at a position on the page, which decreases towards the edges.
 double lightAt(cv::Point place, cv::Size page);
 
-// Light that falls off towards the edges, and the noise of a sensor: the same for all channels of a pixel, with a standard
-// deviation of `sigma` levels.
+// Applies illumination that decreases towards the edges, and sensor noise with a standard deviation of `sigma` levels,
+// the same for all channels of a pixel.
 void shadeAndAddNoise(cv::Mat& page, unsigned seed, double sigma = 5);

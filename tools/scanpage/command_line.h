@@ -6,7 +6,7 @@
 struct Settings {
     Options page;
     std::vector<std::string> pages;
-    std::string list;      // file with more of them; "-": standard input
+    std::string list;      // file with more names; "-": standard input
     std::string folder;    // for the results
     bool overwrite = false;
     char separator = '\n';

@@ -11,7 +11,7 @@ namespace {
 constexpr int kPageHeight = 900;
 constexpr int kGap = 24;
 
-// A colour thumbnail of a page; null if there is no memory for it. Averaging over areas keeps small print even.
+// A colour thumbnail of a page; null if out of memory. Area averaging renders small print evenly.
 PixPtr thumbnail(const KVIMG& page) {
     const PixPtr full(pixCreate(page.width, page.height, 32));
     if (!full) return nullptr;

@@ -16,7 +16,7 @@ public:
     // Throws if the file may not be written.
     ContactSheet(const std::string& file, const Rules& rules);
 
-    // Page number `index`, from any thread. Only small copies are kept.
+    // Adds page number `index`; may be called from any thread. Only small copies are kept.
     void add(size_t index, const KVIMG& before, const KVIMG& after);
 
     void write() const;

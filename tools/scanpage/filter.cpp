@@ -9,7 +9,7 @@ constexpr int kMask3x3 = 33;
 constexpr int kCentreWeight = 3;
 constexpr int kNeighbourhood5x5 = 2;
 
-// A copy of a page or plane without row padding, its width rounded up to a multiple by repeating the last pixel.
+// A copy of a page or plane without row padding; its width is rounded up to a multiple by repeating the last pixel.
 struct Packed {
     int width, height, pixelSize;
     std::vector<uint8_t> bytes;

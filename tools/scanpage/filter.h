@@ -1,12 +1,12 @@
-// Filters of whole pages, in place. Pixels too close to the edge for a window stay as they are.
+// Filters of whole pages, in place. Pixels too close to the edge for a window are unchanged.
 #pragma once
 
 #include "page.h"
 
 enum class Median { kNone, kCross, kWeighted, kColour };
 
-// The colour median takes colour pages; the others take colour pages one channel at a time. On a grey page the colour
-// median is the weighted one.
+// The colour median filters colour pages as a whole; the others filter one channel at a time. On a grey page the colour
+// median is the weighted median.
 void filterMedian(KVIMG& page, Median median);
 
 // Strength 0 to 10.

@@ -36,7 +36,7 @@ tmsize_t writeFile(thandle_t handle, void* data, tmsize_t size) {
     const size_t end = file.position + static_cast<size_t>(size);
     try {
         file.bytes.resize(std::max(end, file.bytes.size()));
-    } catch (const std::bad_alloc&) {    // must not pass through libtiff
+    } catch (const std::bad_alloc&) {    // must not propagate through libtiff
         file.outOfMemory = true;
         return 0;
     }

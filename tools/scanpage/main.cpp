@@ -28,7 +28,7 @@ void occupyClosedStreams() {
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
 }
 
-// Two pages of one name, from two folders, would write the same files: the second is refused.
+// Two pages of the same name, from two folders, would write the same files: the second is rejected.
 PageResult sharedName(const std::string& file) {
     PageResult result;
     result.file = file;
@@ -57,7 +57,7 @@ bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report
             if (result.before && result.after) sheet->add(index, *result.before, *result.after);
         });
     }
-    return !stopRequested();    // a list may have gone on
+    return !stopRequested();    // the list may have more pages
 }
 
 void silenceLibraries() {

@@ -1,4 +1,4 @@
-// One page on its way through the pipeline.
+// The pipeline of one page.
 #pragma once
 
 #include <OPCV_dlib.h>
@@ -34,8 +34,8 @@ struct Options {
     bool skewGiven = false;
     double angle = 0;
     Median median{};
-    int denoise = -1;    // strength; below 0: not at all
-    int dpi = 0;         // to scale to; 0: as it is
+    int denoise = -1;    // strength; below 0: off
+    int dpi = 0;         // resolution to scale to; 0: unchanged
     int mode = 450;
     int threshold = -1;    // below 0: chosen for each page
     std::set<Format> formats;
@@ -64,7 +64,7 @@ struct PageResult {
     double milliseconds = 0;
     size_t bytes = 0;    // of its results
     std::vector<Stage> stages;
-    Record before, after;    // kept only if asked for
+    Record before, after;    // kept only on request
 };
 
 // Turns the status of a call into an exception that names the step.

@@ -7,7 +7,7 @@
 PageList::PageList(std::vector<std::string> names, const std::string& list, char separator)
     : names_(std::move(names)), separator_(separator), count_(names_.size()) {
     if (list.empty()) return;
-    // A list in a file takes the place of standard input: a request to stop ends whatever comes from there.
+    // A list in a file replaces standard input, because a request to stop ends reading from standard input.
     if (list != "-" && !std::freopen(list.c_str(), "r", stdin)) throw std::runtime_error(list + " cannot be opened");
     list_ = stdin;
     const long start = std::ftell(list_);
@@ -27,8 +27,8 @@ bool PageList::next(std::string& name) {
     return list_ && nextOfList(name);
 }
 
-// Skips empty lines. A last name without its separator counts. No file name holds a NUL: whoever opened one would see
-// its beginning only.
+// Skips empty lines. A last name without its separator counts. Names with NUL are rejected, because opening them would
+// use only the part before it.
 bool PageList::nextOfList(std::string& name) {
     name.clear();
     for (int c = std::getc(list_); c != EOF; c = std::getc(list_)) {

@@ -1,4 +1,4 @@
-// The pages to work on: those of the command line, then those of a list that is read as it is needed.
+// The pages to process: those of the command line, then those of a list that is read as needed.
 #pragma once
 
 #include <cstdio>
@@ -14,7 +14,7 @@ public:
     // False at the end.
     bool next(std::string& name);
 
-    // 0 if it cannot be told before the end, as for a pipe.
+    // 0 if it is not known before the end, as for a pipe.
     size_t count() const { return count_; }
 
 private:

@@ -1,4 +1,4 @@
-// A bar on a terminal: how far the pages are, how fast they come and how long the rest will take.
+// A progress bar on a terminal: pages done, speed and remaining time.
 #pragma once
 
 #include <chrono>
@@ -7,10 +7,10 @@
 // Shown only if standard error is a terminal. Not for several threads at once.
 class Progress {
 public:
-    explicit Progress(size_t total);    // 0: not known
+    explicit Progress(size_t total);    // 0: unknown
 
-    // `done` pages are behind us, `worked` of them since the start. Draws a few times a second, and at once after a line
-    // of text.
+    // `done` pages are complete, `worked` of them in this run. Draws a few times per second, and immediately after a
+    // line of text.
     void show(size_t done, size_t worked);
 
     // Makes room for a line of text.

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr float kLeastConfidence = 2.5F;    // below it there are no text lines to judge by
+constexpr float kLeastConfidence = 2.5F;    // below it the page has no lines of text to measure
 
 // Leptonica keeps the leftmost pixel in the top bit of a 32-bit word, and a set bit is black there.
 PixPtr pixOf(const Bits& bits) {
@@ -24,7 +24,7 @@ bool findSkew(const Bits& bits, double& degrees) {
     float clockwise = 0;
     float confidence = 0;
     if (pixFindSkew(pix.get(), &clockwise, &confidence) != 0 || confidence < kLeastConfidence) return false;
-    // Leptonica gives the turn that straightens the page, clockwise.
+    // Leptonica returns the clockwise turn that straightens the page.
     degrees = -static_cast<double>(clockwise);
     return true;
 }

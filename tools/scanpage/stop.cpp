@@ -22,8 +22,8 @@ void endBy(int number) {
     raise(number);
 }
 
-// Standard input becomes an empty file, so that a list of pages that is being read ends here too, even if whoever
-// writes it has fallen silent.
+// Replaces standard input by an empty file, so that a list that is being read from it ends, even if its writer is
+// stalled.
 extern "C" void onStopSignal(int number) {
     const int saved = errno;
     int none = 0;
@@ -46,7 +46,7 @@ void handle(int number, void (*handler)(int)) {
 bool isIgnored(int number) {
     struct sigaction action {};
     sigaction(number, nullptr, &action);
-    return action.sa_handler == SIG_IGN;    // as a shell does for what it runs in the background
+    return action.sa_handler == SIG_IGN;    // as shells do for background jobs
 }
 
 }    // namespace

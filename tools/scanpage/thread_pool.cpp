@@ -7,7 +7,7 @@
 #include <utility>
 
 ThreadPool::ThreadPool(int size) {
-    if (size > 1) cv::setNumThreads(1);    // pages at once instead of parts of one page at once
+    if (size > 1) cv::setNumThreads(1);    // parallel pages instead of parallel parts of one page
     sigset_t all, before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);

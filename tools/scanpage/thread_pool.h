@@ -12,7 +12,7 @@
 class ThreadPool {
 public:
     explicit ThreadPool(int size);    // fewer if the system refuses threads; none: jobs run in the caller's thread
-    ~ThreadPool();                    // finishes the jobs in hand
+    ~ThreadPool();                    // completes the jobs in progress
     ThreadPool(const ThreadPool&) = delete;
     ThreadPool& operator=(const ThreadPool&) = delete;
 
