@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # The binary interface.
 
-# Records the binary interface as it is now: for an intended change.
+# Records the current binary interface, for an intended change.
 cmd_abi() {
     prepare arm64
     for preset in release arm64; do

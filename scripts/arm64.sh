@@ -1,10 +1,10 @@
 # shellcheck shell=bash
-# arm64: a Debian tree to build against, and the tests under qemu.
+# arm64: a Debian system root, and the tests under qemu.
 
 arm64_packages=(g++-aarch64-linux-gnu mmdebstrap qemu-user-static)
 sysroot=build/sysroot-arm64
 
-# The standard library is that of the compiler's version.
+# The standard library has the version of the compiler.
 sysroot_packages() {
     local packages=(libc6-dev "libstdc++-$(g++ -dumpversion)-dev"
         libopencv-imgproc-dev libopencv-imgcodecs-dev libjpeg62-turbo-dev libhwy-dev libgtest-dev
@@ -17,7 +17,7 @@ arm64_sysroot() {
     need "${arm64_packages[@]}"
     wanted=$(sysroot_packages)
     [ "$(cat "$sysroot.packages" 2>/dev/null)" = "$wanted" ] && return
-    say "Making the arm64 tree"
+    say "Creating the arm64 system root"
     mkdir -p build
     as_root rm -rf "$sysroot"
     as_root mmdebstrap --quiet --variant=extract --architectures=arm64 --include="$wanted" "$(debian_release)" "$sysroot"

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # Benchmarks.
 
-# Measures everything and writes docs/performance.md; with options, only what they select.
+# Runs all benchmarks and writes docs/performance.md; with options, runs only the selected ones.
 cmd_bench() {
     local folder=build/bench
     install_packages
@@ -20,7 +20,7 @@ cmd_bench() {
     python3 bench/report.py "$folder" docs/performance.md
 }
 
-# The same operations by other libraries, for the table in the README.
+# Times the same operations with other libraries, for the table in the README.
 cmd_beside() {
     local folder=build/beside
     install_packages

@@ -23,7 +23,7 @@ build() {
     cmake --build --preset "$preset" -j "$jobs" ${1:+--target "$@"} | sed -n '/error\|warning\|FAILED/,$p'
 }
 
-# What a preset needs beside the packages that every build needs.
+# The packages that a preset needs in addition to those of every build.
 prepare() {
     install_packages
     case $1 in

@@ -1,7 +1,7 @@
 # shellcheck shell=bash
 # `./dev check`: what changed, in less than a minute. The hook before a commit calls it.
 
-# What differs from the last commit, or, if nothing does, from the commit where the branch left the one it follows.
+# The files that differ from the last commit or, if none do, from the merge base with the upstream branch.
 changed_files() {
     local changed base
     changed=$(git diff --name-only --diff-filter=d HEAD; git ls-files --others --exclude-standard)
@@ -12,7 +12,7 @@ changed_files() {
 }
 
 # The suites of the unit tests that a list of files can affect, as a filter of GoogleTest: a source of src/X affects the
-# tests of tests/unit/X, what all folders include affects all tests.
+# tests of tests/unit/X; files that all folders include affect all tests.
 affected_suites() {
     local folders
     if grep -qE '^(include|src/core|src/simd|tests/(support|oracle)|cmake)/|CMake' <<<"$1"; then

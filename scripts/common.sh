@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What every script uses. The scripts only define functions and settings; `dev` reads all of them and calls one function.
+# Shared by all scripts. The scripts only define functions and settings; `dev` reads all of them and calls one function.
 
 # Begins a stage, which lasts until the next one.
 stages=()

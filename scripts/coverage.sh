@@ -3,8 +3,8 @@
 
 coverage_packages=(gcovr)
 
-# How much of the library the tests run, written to build/coverage.txt. Edges that only an exception takes belong to the
-# memory tests; the longest of those is left out, as the others have run nearly all of its lines before.
+# Writes the lines and branches that the tests execute to build/coverage.txt. Branches that only exceptions take are
+# tested by the memory tests; the longest of those is left out, because the others execute nearly all of its lines.
 check_coverage() {
     local objects=build/release/CMakeFiles/opcv_dlib_counted_objects.dir tests=build/release/tests
     find "$objects" -name '*.gcda' -delete

@@ -1,17 +1,18 @@
 # shellcheck shell=bash
-# The same sources in a tree of another Debian release, with that release's compiler, OpenCV, Highway and Python.
+# Builds and tests in a tree of another Debian release, with that release's compiler, OpenCV, Highway and Python.
 
-# The release that `./dev test` tries beside this machine's.
+# The second release that `./dev test` uses.
 other_release() { if [ "$(debian_release)" = trixie ]; then echo bookworm; else echo trixie; fi; }
 
-# debian_tree RELEASE: makes its tree in build/debian/RELEASE/root unless there is one of the same packages from this week.
+# debian_tree RELEASE: creates its tree in build/debian/RELEASE/root unless one with the same packages exists from this
+# week.
 debian_tree() {
     local release=$1 folder=build/debian/$1 wanted=("${packages[@]}" "${packaging_packages[@]}")
     need mmdebstrap
     [ "$release" != "$lint_release" ] || wanted+=("${lint_packages[@]}")
     ! command -v ccache >/dev/null || wanted+=(ccache)
     [ "$(cat "$folder/packages" 2>/dev/null)" = "${wanted[*]}" ] && [ -n "$(find "$folder/packages" -mtime -7)" ] && return
-    say "Making a tree of Debian's $release"
+    say "Creating a tree of Debian $release"
     as_root rm -rf --one-file-system "$folder/root"
     mkdir -p "$folder/build"
     as_root mmdebstrap --quiet --variant=apt --aptopt='APT::Install-Recommends "false"' --dpkgopt='force-unsafe-io' \
@@ -20,7 +21,8 @@ debian_tree() {
     echo "${wanted[*]}" >"$folder/packages"
 }
 
-# in_debian RELEASE COMMAND...: in that tree, with these sources in the same folder as here, but a build folder of its own.
+# in_debian RELEASE COMMAND...: runs in that tree, with these sources in the same folder, but with a separate build
+# folder.
 in_debian() {
     local folder=$PWD/build/debian/$1 ccache=
     shift
@@ -43,16 +45,16 @@ in_debian() {
     ' in_debian "$folder" "$PWD" "$ccache" "$@"
 }
 
-# Builds and tests there.
+# Builds and tests in that tree.
 run_debian_tests() {
     local build=build/debian/$1/build/plain
-    say "Testing on Debian's $1"
+    say "Testing on Debian $1"
     as_root rm -rf "$build/results"
     in_debian "$1" ./dev suite plain || true
     count_tests "${build#build/}"
 }
 
-# The packages of another release in a fresh tree of it.
+# Checks the packages of another release in a fresh tree of that release.
 check_debian_packages() {
     in_debian "$1" packaging/build.sh "$(dpkg --print-architecture)" build/plain build/plain/man build/packages || return
     tests/system/install/check.sh "build/debian/$1/build/packages" "$1"

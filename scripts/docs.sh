@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Documents that programs write.
+# Generated documents.
 
 # The reference in HTML and the manual pages, both from the public header.
 cmd_docs() {
@@ -11,7 +11,7 @@ cmd_docs() {
     echo "Manual pages: man -M $PWD/build/release/man opcv_dlib"
 }
 
-# The gallery with its pictures, and the table of the functions.
+# Writes the gallery with its pictures, and the table of functions.
 cmd_gallery() {
     install_packages
     build release gallery function_document_update

@@ -3,7 +3,7 @@
 
 fuzz_packages=(clang libclang-rt-dev)
 
-# One target: every input that it begins with, every regression, then new ones for so many seconds.
+# Runs one target: the initial inputs, the regressions, then new inputs for the given seconds.
 fuzz_target() {
     local name=$1 seconds=$2 folder=build/fuzz/fuzz
     shift 2
@@ -11,7 +11,7 @@ fuzz_target() {
     mkdir -p "$folder/corpus/$name" "$folder/logs" "$folder/findings"
     [ -d "fuzz/regressions/$name" ] && inputs+=("fuzz/regressions/$name")
     [ "$name" = jpeg_read ] && dictionary=(-dict="$folder/seeds/jpeg.dict")
-    # An allocation above 32 MB fails, so that a claim of gigabytes takes the path of a failed allocation.
+    # Allocations above 32 MB fail, so that headers that claim gigabytes test failing allocations.
     if ASAN_OPTIONS=allocator_may_return_null=1:max_allocation_size_mb=32:detect_stack_use_after_return=1 \
         "$folder/fuzz_$name" -max_total_time="$seconds" -max_len=4096 -timeout=20 -rss_limit_mb=2048 \
         -malloc_limit_mb=2048 -seed=1 -print_final_stats=1 -artifact_prefix="$folder/findings/$name-" \

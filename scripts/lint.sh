@@ -5,7 +5,7 @@ lint_packages=(clang-format clang-tidy clang-tools shellcheck)
 library='^src/'
 lint_release=bookworm    # other releases have other versions of clang-format and clang-tidy, which judge otherwise
 
-# on_lint_release COMMAND...: here if this is the release, in a tree of it otherwise.
+# on_lint_release COMMAND...: runs on this machine if it has that release, otherwise in a tree of it.
 on_lint_release() {
     if [ "$(debian_release)" = "$lint_release" ]; then
         need "${lint_packages[@]}"
@@ -22,7 +22,7 @@ our_scripts() { git ls-files --cached --others --exclude-standard -- .ci/run .gi
 
 check_format() { our_sources | xargs clang-format --dry-run --Werror; }
 
-# `dev` names the files of scripts/, which are checked as its parts.
+# `dev` sources the files of scripts/, which are checked with it.
 check_scripts() {
     shellcheck -x -a dev && our_scripts | xargs shellcheck --exclude=SC2016    # another shell expands what is quoted
 }

@@ -24,7 +24,7 @@ need() {
 
 install_packages() { need "${packages[@]}"; }
 
-# A hook of the developer's own choice stays.
+# A hook that the developer has chosen is kept.
 install_hook() {
     git rev-parse --is-inside-work-tree >/dev/null 2>&1 || return 0
     git config core.hooksPath >/dev/null || git config core.hooksPath .githooks

@@ -3,13 +3,13 @@
 
 packaging_packages=(debhelper dh-python dpkg-dev)
 
-# package ARCHITECTURE PRESET [SYSROOT]: Debian packages of what a preset has built, in build/packages.
+# package ARCHITECTURE PRESET [SYSROOT]: makes Debian packages of the build of a preset, in build/packages.
 package() {
     say "Packaging for $1"
     packaging/build.sh "$1" "build/${2%-packages}" build/release/man build/packages "${@:3}"
 }
 
-# The packages of this machine's architecture in a fresh Debian tree.
+# Checks the packages of this machine's architecture in a fresh Debian tree.
 check_packages() {
     package "$(dpkg --print-architecture)" release
     tests/system/install/check.sh build/packages "$(debian_release)"

@@ -4,7 +4,7 @@
 passed=0
 failed=0
 
-# start_tests PRESET [OPTION OF CTEST...]: leaves its results to count_tests PRESET, which adds them to passed and failed.
+# start_tests PRESET [OPTION OF CTEST...]: runs ctest; count_tests PRESET then adds the results to passed and failed.
 start_tests() {
     local preset=$1 results="build/$1/results"
     shift
@@ -27,7 +27,7 @@ run_tests() {
     count_tests "$1"
 }
 
-# A check of its own in the count of tests.
+# Runs a command that counts as one test.
 check() {
     local title=$1
     shift
@@ -38,7 +38,7 @@ check() {
     fi
 }
 
-# aside NAME COMMAND...: begins a command that waits for the network or uses one processor, beside the others.
+# aside NAME COMMAND...: starts a command in the background that waits for the network or uses one processor.
 declare -A asides
 aside() {
     local name=$1
@@ -48,7 +48,7 @@ aside() {
     asides[$name]=$!
 }
 
-# Waits for what was begun aside, shows its output and returns its status.
+# Waits for a background command, prints its output and returns its status.
 join() {
     local status=0
     wait "${asides[$1]}" || status=$?

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# A thousand pages by each engine of docs/scale.md, with workers lost on the way.
+# Processes a thousand pages with each engine of docs/scale.md and kills workers on the way.
 
 scale_packages=(munge parallel python3-dask python3-distributed python3-numpy slurm-client slurmctld slurmd)
 

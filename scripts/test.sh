@@ -1,7 +1,7 @@
 # shellcheck shell=bash
-# `./dev test`: everything. What waits for the network or uses one processor runs aside.
+# `./dev test`: all checks. Stages that wait for the network or use one processor run in the background.
 
-# How long each stage took, which vector targets ran, and the counts, however the run ends.
+# Prints the time of each stage, the vector targets and the counts, even if the run is interrupted.
 summarize() {
     local status=$?
     [ "$status" -eq 0 ] || failed=$((failed + 1))
