@@ -1,7 +1,8 @@
 # shellcheck shell=bash
 # arm64: a Debian system root, and the tests under qemu.
 
-arm64_packages=(g++-aarch64-linux-gnu mmdebstrap qemu-user-static)
+arm64_packages=(mmdebstrap qemu-user-static)
+[ "$(dpkg --print-architecture)" = arm64 ] || arm64_packages+=(g++-aarch64-linux-gnu)
 sysroot=build/sysroot-arm64
 
 # The standard library has the version of the compiler.

@@ -11,7 +11,7 @@ cmd_docs() {
     echo "Manual pages: man -M $PWD/build/release/man opcv_dlib"
 }
 
-# Writes the gallery with its pictures, and the table of functions.
+# Writes the gallery with its pictures, and docs/functions.md.
 cmd_gallery() {
     install_packages
     build release gallery function_document_update
