@@ -65,10 +65,9 @@ HWY_INLINE void expandByte(unsigned bits, uint8_t* HWY_RESTRICT grey) {
 }
 
 void expandBytes(const uint8_t* HWY_RESTRICT bits, ptrdiff_t bytes, uint8_t* HWY_RESTRICT grey) {
-    HWY_ALIGN static constexpr uint8_t kByteOfLane[32] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1,
-                                                          2, 2, 2, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3};
     const D d;
-    const auto byteOfLane = hn::LoadU(d, kByteOfLane);
+    static_assert(hn::MaxLanes(d) <= kBlockPixels, "a block holds whole vectors");
+    const auto byteOfLane = hn::ShiftRight<3>(hn::Iota(d, 0));
     const auto expandBlock = [=](ptrdiff_t byte) HWY_ATTR {
         fetchAhead(grey + 8 * byte);
         const auto block = hn::LoadDup128(d, bits + byte);
