@@ -1,5 +1,5 @@
-// Bilateral filter of one 8-bit channel. The library's kernels filter 3x3 and 5x5 pixels directly from source to
-// destination; OpenCV filters everything else. Both give the same bytes.
+// Bilateral filter of one 8-bit channel. Neighbourhoods of 3x3 and 5x5 pixels run directly from the source to the
+// destination, or from a copy of the source if the destination shares bytes with it. Other sizes are OpenCV's.
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 
@@ -8,7 +8,7 @@
 #include "core/result_matrix.h"
 #include "core/row_bands.h"
 #include "filters/bilateral_kernels.h"
-#include "filters/fused_sums.h"
+#include "filters/source_apart.h"
 
 namespace {
 
@@ -26,10 +26,11 @@ OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst,
 
     const double sigmaColor = std::sqrt(double{colorSquareSigma});
     const double sigmaSpace = std::sqrt(double{spaceSquareSigma});
-    const bool hasDirectKernel = (kernel.width == 3 || kernel.width == 5) && sigmaColor > 0 && sigmaSpace > 0;
-    if (hasDirectKernel && !opcv::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
-        filters::filterBilateral({src, static_cast<ptrdiff_t>(view.step), dst, static_cast<ptrdiff_t>(region.step),
-                                  roi.width, roi.height, 1, half.width},
+    if (kernel.width == 3 || kernel.width == 5) {
+        const filters::SourceApart apart(view, region);
+        if (!apart.rows()) return memFullErr;
+        filters::filterBilateral({apart.rows() + half.width * (apart.step() + 1), apart.step(), region.data,
+                                  static_cast<ptrdiff_t>(region.step), roi.width, roi.height, 1, half.width},
                                  filters::BilateralWeights(sigmaColor, sigmaSpace));
         return noErr;
     }

@@ -7,11 +7,12 @@
 //                                          . e d e .
 //                                          . . d . .
 //
-// Sums equal OpenCV's to the last bit: float sums in raster order with fused multiply-add. In the last columns of the
-// view, which do not fill a vector, four cells at a time are added across.
+// The sums are floats. Their order is part of the result: the cells in raster order, each product added fused; in the last
+// (width of the view) mod 8 columns of the view, four cells at a time instead. This is what OpenCV does on x86-64 with
+// AVX2, whose vectors hold eight floats. Every processor does the same here.
 //
-// The region is filtered in strips, from a copy of the source rows under the window. Only pixels within the radius are
-// read.
+// The region is filtered in strips, from a copy of the source rows under the window. Only the pixels within the radius
+// are read.
 #include "filters/bilateral_kernels.h"
 
 #include <algorithm>
@@ -25,6 +26,9 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/exact_float-inl.h"
+#include "simd/vector_size-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
@@ -32,10 +36,12 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 using filters::BilateralRegion;
 using filters::BilateralWeights;
+using opcv::HWY_NAMESPACE::fusedMulAdd;
+using opcv::HWY_NAMESPACE::nearestWithin;
 
-using D = hn::ScalableTag<float>;
+using D = opcv::HWY_NAMESPACE::BilateralTag<float>;
 using V = hn::Vec<D>;
-using Bytes = hn::ScalableTag<uint8_t>;
+using Bytes = opcv::HWY_NAMESPACE::BilateralTag<uint8_t>;
 constexpr ptrdiff_t kLanes = hn::MaxLanes(D());
 constexpr ptrdiff_t kByteLanes = hn::MaxLanes(Bytes());
 
@@ -155,13 +161,13 @@ private:
             const auto add = [&](int cell) HWY_ATTR {
                 const V weight = hn::LoadU(d, weights[cell] + x);
                 weightSum = hn::Add(weightSum, weight);
-                sum = hn::MulAdd(toFloat(pixels[cell] + x), weight, sum);
+                sum = fusedMulAdd(d, toFloat(pixels[cell] + x), weight, sum);
             };
             for (int cell = 0; cell < W::kPairs; ++cell) add(cell);
             weightSum = hn::Add(weightSum, hn::Set(d, 1.0F));
             sum = hn::Add(sum, toFloat(centre + x));
             for (int cell = W::kPairs; cell < 2 * W::kPairs; ++cell) add(cell);
-            const auto mean = hn::DemoteTo(bytes, hn::NearestInt(hn::Div(sum, weightSum)));
+            const auto mean = hn::DemoteTo(bytes, nearestWithin(d, hn::Div(sum, weightSum), 0, 255));
             if (x + kLanes <= width_) {
                 hn::StoreU(mean, bytes, dst + x);
             } else {
@@ -187,13 +193,15 @@ private:
     float pairWeights_[W::kWeightRows][kPitch];
 };
 
-// One pixel of the last columns, which do not fill a vector.
+// One pixel of the last columns, summed four cells at a time: the first and third, the second and fourth, then both sums.
+// The cell that is left is added fused.
 template <int kRadius>
 uint8_t meanInFours(const BilateralRegion& region, const BilateralWeights& weights, const uint8_t* centre) {
     using W = Window<kRadius>;
     constexpr int kCells = 2 * W::kPairs + 1;
-    HWY_ALIGN float pixel[kCells];
-    HWY_ALIGN float weight[kCells];
+    static_assert(kCells % 4 == 1, "one cell is left");
+    float pixel[kCells];
+    float weight[kCells];
     const auto place = [&](int cell, const uint8_t* neighbour, BilateralWeights::Distance distance) {
         pixel[cell] = static_cast<float>(*neighbour);
         weight[cell] = weights.at[distance][std::abs(*neighbour - *centre)];
@@ -207,30 +215,26 @@ uint8_t meanInFours(const BilateralRegion& region, const BilateralWeights& weigh
     pixel[W::kPairs] = static_cast<float>(*centre);
     weight[W::kPairs] = 1.0F;
 
-    const hn::FixedTag<float, 4> four;
-    const hn::CappedTag<float, 1> one;
-    auto sum = hn::Zero(one);
-    auto weightSum = hn::Zero(one);
-    int cell = 0;
-    for (; cell + 4 <= kCells; cell += 4) {
-        const auto w = hn::Load(four, weight + cell);
-        const auto product = hn::Mul(hn::Load(four, pixel + cell), w);
-        weightSum = hn::Add(weightSum, hn::Set(one, hn::GetLane(hn::SumOfLanes(four, w))));
-        sum = hn::Add(sum, hn::Set(one, hn::GetLane(hn::SumOfLanes(four, product))));
+    float sum = 0;
+    float weightSum = 0;
+    for (int cell = 0; cell + 4 <= kCells; cell += 4) {
+        const float* w = weight + cell;
+        const float* p = pixel + cell;
+        weightSum += (w[0] + w[2]) + (w[1] + w[3]);
+        sum += (p[0] * w[0] + p[2] * w[2]) + (p[1] * w[1] + p[3] * w[3]);
     }
-    for (; cell < kCells; ++cell) {
-        const auto w = hn::Load(one, weight + cell);
-        weightSum = hn::Add(weightSum, w);
-        sum = hn::MulAdd(hn::Load(one, pixel + cell), w, sum);
-    }
-    return static_cast<uint8_t>(hn::GetLane(hn::NearestInt(hn::Div(sum, weightSum))));
+    weightSum += weight[kCells - 1];
+    sum = std::fma(pixel[kCells - 1], weight[kCells - 1], sum);
+    const float mean = sum / weightSum;
+    return std::isnan(mean) ? 0 : static_cast<uint8_t>(std::nearbyint(mean));
 }
 
 template <int kRadius>
 void filterRows(const BilateralRegion& region, const BilateralWeights& weights, int firstRow, int endRow) {
-    // OpenCV's vectors cover the view, which is wider by the radius on each side.
-    const int inVectors = (region.width + 2 * kRadius) / static_cast<int>(kLanes) * static_cast<int>(kLanes) - kRadius;
-    const ptrdiff_t body = ptrdiff_t{std::clamp(inVectors, 0, region.width)} * region.channels;
+    // The view is wider than the region by the radius on each side.
+    constexpr int kInRasterOrder = 8;
+    const int inRasterOrder = (region.width + 2 * kRadius) / kInRasterOrder * kInRasterOrder - kRadius;
+    const ptrdiff_t body = ptrdiff_t{std::clamp(inRasterOrder, 0, region.width)} * region.channels;
     for (ptrdiff_t left = 0; left < body; left += Strip<kRadius>::kWidth) {
         Strip<kRadius> strip(region, weights, left, std::min(Strip<kRadius>::kWidth, body - left));
         strip.filter(firstRow, endRow);
@@ -259,6 +263,8 @@ HWY_EXPORT(filterBand);
 
 // The same steps as in OpenCV, so that the weights are equal to the last bit.
 filters::BilateralWeights::BilateralWeights(double sigmaColor, double sigmaSpace) {
+    if (sigmaColor <= 0) sigmaColor = 1;
+    if (sigmaSpace <= 0) sigmaSpace = 1;
     const double colorCoefficient = -0.5 / (sigmaColor * sigmaColor);
     const double spaceCoefficient = -0.5 / (sigmaSpace * sigmaSpace);
     float colorWeights[256];

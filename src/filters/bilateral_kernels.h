@@ -10,7 +10,7 @@ namespace filters {
 struct BilateralWeights {
     enum Distance { kOne, kRootOfTwo, kTwo, kDistances };
 
-    // Sigmas above 0.
+    // A sigma of 0 or less counts as 1, as in OpenCV. With NaN every result is 0.
     BilateralWeights(double sigmaColor, double sigmaSpace);
 
     float at[kDistances][256];

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 
 #include "core/ownership.h"
 
@@ -17,10 +16,5 @@ const unsigned char* sourceApart(const unsigned char* src, const unsigned char* 
 
 // Copies the outermost `width` pixels at each edge, which the filters do not write.
 void copyRing(const unsigned char* src, unsigned char* dst, IppiSize size, int width);
-
-// Filters each channel as a separate plane without row padding. The filter writes to a second plane, which contains a
-// copy of the first. Stops at the first failure and does not write that channel.
-OSErr filterChannels(const unsigned char* src, unsigned char* dst, IppiSize size,
-                     const std::function<OSErr(int channel, const unsigned char* from, unsigned char* to)>& filter);
 
 }    // namespace filters

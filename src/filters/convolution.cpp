@@ -6,16 +6,18 @@
 //     first column of the view = anchor.x - 2 * half    (half = kernel width / 2, rows likewise)
 //     first column of the region in the result = half
 //
-// The library's kernels filter 8-bit and 16-bit signed pixels with kernels of moderate size directly from source to
-// destination; OpenCV filters everything else. Both give the same bytes.
-#include <climits>
+// Pixels of 8-bit and 16-bit integers, in any number of channels, are filtered by the library's own kernels, from a copy of
+// the source if the destination shares bytes with it. Their sums are defined to the last bit (convolution_kernels.cpp), so
+// the result depends on no version of OpenCV. For usual kernels it is what OpenCV gives; from 50 or 130 cells on OpenCV may
+// transform the image instead and differ by one. Other types of pixels are OpenCV's.
 #include <opencv2/imgproc.hpp>
+#include <type_traits>
 
 #include "core/Tools.h"
 #include "core/region.h"
 #include "core/result_matrix.h"
 #include "filters/convolution_kernels.h"
-#include "filters/fused_sums.h"
+#include "filters/source_apart.h"
 
 namespace {
 
@@ -41,64 +43,46 @@ OSErr viewUnderKernel(const Source& source, const IppiSize& roi, const cv::Mat& 
         .view(view);
 }
 
-// With this number of cells or more, OpenCV may use a Fourier transform, which rounds differently, if a view is as wide
-// as its rows.
-constexpr size_t kFewestTransformed = 50;
-
-bool mayBeTransformed(const cv::Mat& view, const cv::Mat& kernel) {
-    const bool wholeRows = static_cast<size_t>(view.cols) * view.elemSize() == view.step;
-    return wholeRows && kernel.total() >= kFewestTransformed;
+bool hasDirectKernel(const cv::Mat& view) {
+    return view.depth() == CV_8U || view.depth() == CV_16U || view.depth() == CV_16S;
 }
 
-bool hasDirectKernel(int type) { return type == CV_8UC1 || type == CV_8UC3 || type == CV_8UC4 || type == CV_16SC1; }
-
-filters::Taps tapsOf(const cv::Mat& kernel, int channels) {
-    filters::Taps taps;
+void findTaps(const cv::Mat& kernel, int channels, filters::Taps& taps) {
     taps.rows = kernel.rows;
     taps.reach = (kernel.cols - 1) * channels;
     for (int row = 0; row < kernel.rows; ++row)
         for (int column = 0; column < kernel.cols; ++column) {
             const float weight = kernel.at<float>(row, column);
             if (weight == 0) continue;
-            taps.taps[static_cast<size_t>(taps.count++)] = {row, column * channels, {weight, weight, weight}};
+            taps.taps.get()[taps.count++] = {row, column * channels, {weight, weight, weight}};
         }
-    return taps;
 }
 
-void filterDirectly(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& region) {
-    const filters::Taps taps = tapsOf(kernel, view.channels());
+OSErr filterDirectly(const filters::SourceApart& view, const cv::Mat& kernel, cv::Mat& region) {
+    filters::Taps taps(kernel.total());
+    if (!taps.taps.get()) return memFullErr;
+    findTaps(kernel, region.channels(), taps);
     const filters::Shape shape = {region.cols * region.channels(), region.rows};
-    const auto srcStep = static_cast<ptrdiff_t>(view.step);
     const auto dstStep = static_cast<ptrdiff_t>(region.step);
-    if (view.depth() == CV_8U)
-        filters::convolve8u(view.ptr<uint8_t>(), srcStep, region.ptr<uint8_t>(), dstStep, shape, taps);
-    else
-        filters::convolve16s(view.ptr<int16_t>(), srcStep, region.ptr<int16_t>(), dstStep, shape, taps);
+    const auto run = [&](const auto& convolve, auto* dst) {
+        const auto* src = reinterpret_cast<const std::remove_pointer_t<decltype(dst)>*>(view.rows());
+        return convolve(src, view.step(), dst, dstStep, shape, taps) ? OSErr{noErr} : OSErr{memFullErr};
+    };
+    switch (region.depth()) {
+        case CV_8U: return run(filters::convolve8u, region.ptr<uint8_t>());
+        case CV_16U: return run(filters::convolve16u, region.ptr<uint16_t>());
+        default: return run(filters::convolve16s, region.ptr<int16_t>());
+    }
 }
 
-// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, even past the caller's last row. With it, OpenCV
-// treats every view as one that is as wide as its rows and may use its Fourier transform, so only small kernels set it.
-// The border itself never affects the region.
+// From this number of cells on, OpenCV may take a Fourier transform.
+constexpr size_t kFewestTransformed = 50;
+
+// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, past the caller's last row as well. With it, OpenCV
+// takes a large view for one that is as wide as its rows, and its transform; so that is kept to the small kernels. The
+// border itself never reaches the region.
 int borderFor(const cv::Mat& kernel) {
     return kernel.total() < kFewestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED : cv::BORDER_REFLECT_101;
-}
-
-bool hasIntegers(const cv::Mat& m) { return m.depth() == CV_8U || m.depth() == CV_16U || m.depth() == CV_16S; }
-
-// OpenCV converts sums to int; if one is out of range, its result depends on the processor. Here it saturates.
-void saturateBeyondInts(const cv::Mat& view, const cv::Mat& kernel, cv::Mat& filtered) {
-    constexpr double kFirstBeyond = 2147483648.0;
-    constexpr double kLargestPixel = 65535;
-    if (!hasIntegers(view) || cv::norm(kernel, cv::NORM_L1) * kLargestPixel < kFirstBeyond) return;
-    ResultMatrix sums;
-    cv::filter2D(view, sums, CV_32F, kernel, cv::Point(-1, -1), 0.0, borderFor(kernel));
-    const cv::Mat flatSums = sums.reshape(1);
-    cv::Mat pixels = filtered.reshape(1);
-    ResultMatrix beyond;
-    cv::compare(flatSums, kFirstBeyond, beyond, cv::CMP_GE);
-    pixels.setTo(view.depth() == CV_8U ? UCHAR_MAX : view.depth() == CV_16S ? SHRT_MAX : USHRT_MAX, beyond);
-    cv::compare(flatSums, -kFirstBeyond, beyond, cv::CMP_LT);
-    pixels.setTo(view.depth() == CV_16S ? SHRT_MIN : 0, beyond);
 }
 
 OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSize& roi, const Target& target) {
@@ -110,7 +94,6 @@ OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSiz
     const cv::Point centre(-1, -1);
     cv::filter2D(view, filtered, -1, kernel, centre, 0.0, borderFor(kernel));
     if (!filtered.data) return memFullErr;
-    saturateBeyondInts(view, kernel, filtered);
     const IppiSize half = halfOf(kernel);
     return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), target.pixels, target.step,
                                    cv::Point(0, 0), cv::Size(roi.width, roi.height));
@@ -124,12 +107,9 @@ OSErr convolve(const Source& source, const Target& target, const IppiSize& roi, 
     cv::Mat region;
     if (const OSErr err = opcv::viewOf(target.pixels, target.step, source.type, roi, region)) return err;
 
-    if (hasDirectKernel(view.type()) && kernel.total() <= filters::Taps::kMost && !mayBeTransformed(view, kernel) &&
-        !opcv::overlap(view, region) && filters::sumsAsOpenCVDoes()) {
-        filterDirectly(view, kernel, region);
-        return noErr;
-    }
-    return filterWithOpenCV(view, kernel, roi, target);
+    if (!hasDirectKernel(view)) return filterWithOpenCV(view, kernel, roi, target);
+    const filters::SourceApart apart(view, region);
+    return apart.rows() ? filterDirectly(apart, kernel, region) : OSErr{memFullErr};
 }
 
 OSErr filter(const Source& source, const Target& target, const IppiSize& roi, const int* kernel,

@@ -1,22 +1,44 @@
 // Convolution by the definition: each result is the rounded, saturated sum of pixel x weight over the kernel's cells in
-// raster order. Sums are 32-bit floats with fused multiply-add, starting from 0: equal to OpenCV's to the last bit.
+// raster order. The sum is a 32-bit float; it starts at 0, and each product is added fused. Sums round to the nearest
+// integer, halves to even; a sum that is NaN, which only weights of NaN or infinity give, becomes the type's least value.
 //
-// The region is filtered in strips of columns, as wide as fits on the stack. The source rows of a window are converted
+// The region is filtered in as few strips of columns as the scratch has room for. The source rows of a window are converted
 // to floats once, into a ring of rows:
 //
 //     ring row (y + j) mod rows:  | element 0 | 1 | 2 | ... | strip | reach |     j = 0 .. rows - 1
 //                                       |<-- tap -->| read at element + tap.element
 //
-// Only pixels of the windows are read.
+// Only the window's own pixels are read.
 #include "filters/convolution_kernels.h"
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/convolution_kernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+#include "simd/exact_float-inl.h"
+#include "simd/vector_size-inl.h"
+
+#ifndef OPCV_DLIB_CONVOLUTION_SCRATCH
+#define OPCV_DLIB_CONVOLUTION_SCRATCH
+namespace {
+
+constexpr size_t kMostLanes = 16;    // of floats, on any target
+
+// What a kernel needs beside source and destination.
+struct Scratch {
+    float* ring;
+    size_t ringFloats;
+    const float** reads;    // for each tap, where it reads in the ring
+    float* weights;         // for each tap, three vectors, if elements differ in weight
+};
+
+}    // namespace
+#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace {
@@ -27,30 +49,33 @@ using filters::Shape;
 using filters::Tap;
 using filters::Taps;
 
-using D = hn::ScalableTag<float>;
+using opcv::HWY_NAMESPACE::fusedMulAdd;
+using opcv::HWY_NAMESPACE::nearestWithin;
+
+using D = opcv::HWY_NAMESPACE::Widest<float>;
 using V = hn::Vec<D>;
 constexpr size_t kLanes = hn::MaxLanes(D());
 constexpr size_t kVectors = 6;    // summed together: two periods of the three alignments of a vector to pixels
 constexpr size_t kBlock = kVectors * kLanes;
-constexpr size_t kRingFloats = 24576;    // holds whole rows of an A4 page for most kernels; narrower strips cost time
+static_assert(kLanes <= kMostLanes, "the weights of a tap fill three vectors of kMostLanes at most");
 
 // One weight for all elements.
 struct EqualWeights {
-    explicit EqualWeights(const Taps& all) : taps(all) {}
-    V at(int tap, size_t /*place*/) const { return hn::Set(D(), taps.taps[static_cast<size_t>(tap)].weights[0]); }
+    V at(int tap, size_t /*place*/) const { return hn::Set(D(), taps[tap].weights[0]); }
 
-    const Taps& taps;
+    const Tap* taps;
 };
 
 // A weight for each element of a pixel: vectors with period 3, in three alignments.
 struct PixelWeights {
-    explicit PixelWeights(const Taps& all) {
-        for (size_t tap = 0; tap < static_cast<size_t>(all.count); ++tap)
-            for (size_t i = 0; i < 3 * kLanes; ++i) table[tap][i] = all.taps[tap].weights[i % 3];
+    PixelWeights(const Tap* taps, int count, float* weights) : table(weights) {
+        for (ptrdiff_t tap = 0; tap < count; ++tap)
+            for (size_t i = 0; i < 3 * kLanes; ++i)
+                weights[static_cast<size_t>(tap) * 3 * kLanes + i] = taps[tap].weights[i % 3];
     }
-    V at(int tap, size_t place) const { return hn::Load(D(), table[tap] + place * kLanes); }
+    V at(int tap, size_t place) const { return hn::Load(D(), table + (static_cast<size_t>(tap) * 3 + place) * kLanes); }
 
-    HWY_ALIGN float table[Taps::kMost][3 * kLanes];
+    const float* table;
 };
 
 template <class Pixel>
@@ -73,20 +98,16 @@ HWY_INLINE void sumTaps(const Weights& weights, const float* const* HWY_RESTRICT
     for (size_t v = 0; v < N; ++v) sums[v] = hn::Zero(d);
     for (int tap = 0; tap < count; ++tap)
         for (size_t v = 0; v < N; ++v)
-            sums[v] = hn::MulAdd(hn::LoadU(d, taps[tap] + x + v * kLanes), weights.at(tap, (place + v) % 3), sums[v]);
+            sums[v] =
+                fusedMulAdd(d, hn::LoadU(d, taps[tap] + x + v * kLanes), weights.at(tap, (place + v) % 3), sums[v]);
 }
 
-// To bytes by way of 16 bits: straight from 32 bits, values from 32768 on lose their saturation on AVX2.
-HWY_INLINE auto roundedTo16(V sum) {
-    const hn::Rebind<int16_t, D> d16;
-    return hn::DemoteTo(d16, hn::NearestInt(sum));
-}
-
-HWY_INLINE void storeRounded(V sum, int16_t* dst) { hn::StoreU(roundedTo16(sum), hn::Rebind<int16_t, D>(), dst); }
-
-HWY_INLINE void storeRounded(V sum, uint8_t* dst) {
-    const hn::Rebind<uint8_t, D> d8;
-    hn::StoreU(hn::DemoteTo(d8, roundedTo16(sum)), d8, dst);
+template <class Pixel>
+HWY_INLINE void storeRounded(V sum, Pixel* dst) {
+    using Limits = std::numeric_limits<Pixel>;
+    const hn::Rebind<Pixel, D> pixels;
+    const auto rounded = nearestWithin(D(), sum, float{Limits::min()}, float{Limits::max()});
+    hn::StoreU(hn::DemoteTo(pixels, rounded), pixels, dst);
 }
 
 template <class Pixel, class Weights>
@@ -135,50 +156,56 @@ size_t stripOf(size_t elements, size_t most) {
 
 template <class Pixel, class Weights>
 void convolveWith(const Weights& weights, const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep,
-                  Shape region, const Taps& taps) {
-    HWY_ALIGN float ring[kRingFloats];
+                  Shape region, const Taps& taps, const Tap* tap, const Scratch& scratch) {
     const auto rows = static_cast<size_t>(taps.rows);
     const auto reach = static_cast<size_t>(taps.reach);
-    const size_t pitch = kRingFloats / rows / kLanes * kLanes;
+    const size_t pitch = scratch.ringFloats / rows / kLanes * kLanes;
     const auto elements = static_cast<size_t>(region.elements);
     const size_t strip = stripOf(elements, pitch - reach - kLanes);
     for (size_t left = 0; left < elements; left += strip) {
         const size_t width = std::min(strip, elements - left);
         const auto convert = [&](size_t row) {
             const Pixel* from = behind(src, static_cast<ptrdiff_t>(row) * srcStep) + left;
-            convertRow(from, width + reach, ring + row % rows * pitch);
+            convertRow(from, width + reach, scratch.ring + row % rows * pitch);
         };
         for (size_t row = 0; row + 1 < rows; ++row) convert(row);
         for (size_t y = 0; y < static_cast<size_t>(region.rows); ++y) {
             convert(y + rows - 1);
             const size_t top = y % rows;
-            const float* reads[Taps::kMost];
-            for (size_t i = 0; i < static_cast<size_t>(taps.count); ++i) {
-                const Tap& tap = taps.taps[i];
-                const size_t row = top + static_cast<size_t>(tap.row);
-                reads[i] = ring + (row < rows ? row : row - rows) * pitch + tap.element;
+            for (ptrdiff_t i = 0; i < taps.count; ++i) {
+                const size_t row = top + static_cast<size_t>(tap[i].row);
+                scratch.reads[i] = scratch.ring + (row < rows ? row : row - rows) * pitch + tap[i].element;
             }
-            convolveRow(weights, reads, taps.count, width, behind(dst, static_cast<ptrdiff_t>(y) * dstStep) + left);
+            convolveRow(weights, scratch.reads, taps.count, width,
+                        behind(dst, static_cast<ptrdiff_t>(y) * dstStep) + left);
         }
     }
 }
 
 template <class Pixel>
-void convolve(const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep, Shape region, const Taps& taps) {
+void convolve(const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+              const Scratch& scratch) {
+    const Tap* tap = taps.taps.get();
     if (taps.alike)
-        convolveWith(EqualWeights(taps), src, srcStep, dst, dstStep, region, taps);
+        convolveWith(EqualWeights{tap}, src, srcStep, dst, dstStep, region, taps, tap, scratch);
     else
-        convolveWith(PixelWeights(taps), src, srcStep, dst, dstStep, region, taps);
+        convolveWith(PixelWeights(tap, taps.count, scratch.weights), src, srcStep, dst, dstStep, region, taps, tap,
+                     scratch);
 }
 
-void convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region,
-                const Taps& taps) {
-    convolve(src, srcStep, dst, dstStep, region, taps);
+void convolve8uWith(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+                    const Scratch& scratch) {
+    convolve(src, srcStep, dst, dstStep, region, taps, scratch);
 }
 
-void convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
-                 const Taps& taps) {
-    convolve(src, srcStep, dst, dstStep, region, taps);
+void convolve16uWith(const uint16_t* src, ptrdiff_t srcStep, uint16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+                     const Scratch& scratch) {
+    convolve(src, srcStep, dst, dstStep, region, taps, scratch);
+}
+
+void convolve16sWith(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+                     const Scratch& scratch) {
+    convolve(src, srcStep, dst, dstStep, region, taps, scratch);
 }
 
 }    // namespace HWY_NAMESPACE
@@ -187,17 +214,49 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace {
-HWY_EXPORT(convolve8u);
-HWY_EXPORT(convolve16s);
-}    // namespace
+HWY_EXPORT(convolve8uWith);
+HWY_EXPORT(convolve16uWith);
+HWY_EXPORT(convolve16sWith);
 
-void filters::convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region,
-                         const Taps& taps) {
-    HWY_DYNAMIC_DISPATCH(convolve8u)(src, srcStep, dst, dstStep, region, taps);
+// Runs a kernel with its scratch; false if allocating that fails. The kernels of usual sizes need no heap.
+template <class Kernel>
+bool withScratch(const filters::Taps& taps, filters::Shape region, const Kernel& kernel) {
+    constexpr size_t kRingFloats =
+        24576;    // holds whole rows of an A4 page for most kernels; narrower strips cost time
+    constexpr size_t kNarrowestStrip = 480;
+    constexpr size_t kTaps = 129;
+    const auto narrowest = std::min(kNarrowestStrip, static_cast<size_t>(region.elements));
+    const size_t pitch = static_cast<size_t>(taps.reach) + narrowest + 5 * kMostLanes;    // a strip is whole vectors
+    const size_t ringFloats = std::max(kRingFloats, static_cast<size_t>(taps.rows) * pitch);
+    const auto count = static_cast<size_t>(taps.count);
+    filters::SmallBuffer<float, kRingFloats> ring(ringFloats);
+    filters::SmallBuffer<const float*, kTaps> reads(count);
+    filters::SmallBuffer<float, kTaps * 3 * kMostLanes> weights(taps.alike ? 0 : count * 3 * kMostLanes);
+    if (!ring.get() || !reads.get() || !weights.get()) return false;
+    kernel({ring.get(), ringFloats, reads.get(), weights.get()});
+    return true;
 }
 
-void filters::convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
-                          const Taps& taps) {
-    HWY_DYNAMIC_DISPATCH(convolve16s)(src, srcStep, dst, dstStep, region, taps);
+}    // namespace
+
+bool filters::convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region,
+                         Taps& taps) {
+    return withScratch(taps, region, [&](const Scratch& scratch) {
+        HWY_DYNAMIC_DISPATCH(convolve8uWith)(src, srcStep, dst, dstStep, region, taps, scratch);
+    });
+}
+
+bool filters::convolve16u(const uint16_t* src, ptrdiff_t srcStep, uint16_t* dst, ptrdiff_t dstStep, Shape region,
+                          Taps& taps) {
+    return withScratch(taps, region, [&](const Scratch& scratch) {
+        HWY_DYNAMIC_DISPATCH(convolve16uWith)(src, srcStep, dst, dstStep, region, taps, scratch);
+    });
+}
+
+bool filters::convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
+                          Taps& taps) {
+    return withScratch(taps, region, [&](const Scratch& scratch) {
+        HWY_DYNAMIC_DISPATCH(convolve16sWith)(src, srcStep, dst, dstStep, region, taps, scratch);
+    });
 }
 #endif    // HWY_ONCE

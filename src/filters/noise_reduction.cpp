@@ -6,7 +6,6 @@
 #include "core/Tools.h"
 #include "filters/bilateral_kernels.h"
 #include "filters/colour_image.h"
-#include "filters/fused_sums.h"
 
 namespace {
 
@@ -61,12 +60,6 @@ int DeosNrRGB(const unsigned char* src, unsigned char* dst, int width, int heigh
     const unsigned char* source = filters::sourceApart(src, dst, static_cast<size_t>(step * height), copy);
     if (!source) return 0;
 
-    if (filters::sumsAsOpenCVDoes())
-        reducePacked(source, dst, size, insetOf(mode), squareSigmaOf(strength));
-    else
-        filters::filterChannels(source, dst, size, [&](int, const unsigned char* from, unsigned char* to) {
-            DeosNr(from, to, size, mode, strength);
-            return OSErr{noErr};
-        });
+    reducePacked(source, dst, size, insetOf(mode), squareSigmaOf(strength));
     return 0;
 }

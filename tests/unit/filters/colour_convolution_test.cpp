@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "oracle/convolution.h"
 #include "oracle/filters.h"
-#include "oracle/plain_filters.h"
 #include "support/fenced_memory.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
@@ -25,7 +25,7 @@ bool isInside(IppiSize size, int radius, int x, int y) {
     return x >= radius && y >= radius && x < size.width - radius && y < size.height - radius;
 }
 
-TEST(Convolution24, GivesWhatOpenCVAndTheDefinitionGive) {
+TEST(Convolution24, GivesWhatTheDefinitionGives) {
     Random random(631);
     for (int round = 0; round < 100; ++round) {
         const int radius = random.between(0, 3);
@@ -36,7 +36,7 @@ TEST(Convolution24, GivesWhatOpenCVAndTheDefinitionGive) {
         GuardedImage expected(random, size, {3, 0, 0, 0});
         ASSERT_TRUE(Convolution24(src.data(), dst.data(), size, radius, kernels.data()));
         ASSERT_TRUE(dst.untouchedOutsideRegion());
-        oracle::plainConvolution24(src.data(), expected.data(), size, radius, kernels.data());
+        oracle::convolve24(src.data(), expected.data(), size, radius, kernels.data());
         for (int y = 0; y < size.height; ++y)
             ASSERT_EQ(std::memcmp(dst.at(0, y), expected.at(0, y), static_cast<size_t>(dst.rowBytes())), 0)
                 << "radius " << radius << " size " << size.width << "x" << size.height << " row " << y;
@@ -65,13 +65,13 @@ TEST(Convolution24, LongRowsAreFilteredInStrips) {
             GuardedImage dst(random, size, {3, 0, 0, 0});
             GuardedImage expected(random, size, {3, 0, 0, 0});
             ASSERT_TRUE(Convolution24(src.data(), dst.data(), size, radius, kernels.data()));
-            oracle::plainConvolution24(src.data(), expected.data(), size, radius, kernels.data());
+            oracle::convolve24(src.data(), expected.data(), size, radius, kernels.data());
             ASSERT_EQ(std::memcmp(dst.data(), expected.data(), static_cast<size_t>(3 * width * size.height)), 0)
                 << "radius " << radius << " width " << width;
         }
 }
 
-TEST(Convolution24, LargeKernelsGiveWhatOpenCVGives) {
+TEST(Convolution24, LargeKernelsGiveWhatTheDefinitionGives) {
     Random random(632);
     for (const int radius : {4, 5, 6, 7}) {
         const IppiSize size = {2 * radius + 40, 2 * radius + 4};
@@ -80,7 +80,7 @@ TEST(Convolution24, LargeKernelsGiveWhatOpenCVGives) {
         GuardedImage dst(random, size, {3, 0, 0, 0});
         GuardedImage expected(random, size, {3, 0, 0, 0});
         ASSERT_TRUE(Convolution24(src.data(), dst.data(), size, radius, kernels.data()));
-        oracle::plainConvolution24(src.data(), expected.data(), size, radius, kernels.data());
+        oracle::convolve24(src.data(), expected.data(), size, radius, kernels.data());
         for (int y = 0; y < size.height; ++y)
             ASSERT_EQ(std::memcmp(dst.at(0, y), expected.at(0, y), static_cast<size_t>(dst.rowBytes())), 0) << radius;
     }
@@ -103,7 +103,7 @@ TEST(Convolution24, SourceAndDestinationMayOverlap) {
         random.fill(bytes.data(), bytes.size());
         uint8_t* src = bytes.data() + 300;
         std::vector<uint8_t> expected(3 * 60 * 9);
-        oracle::plainConvolution24(src, expected.data(), size, 1, kernels.data());
+        oracle::convolve24(src, expected.data(), size, 1, kernels.data());
         ASSERT_TRUE(Convolution24(src, src + shift, size, 1, kernels.data()));
         EXPECT_EQ(std::memcmp(src + shift, expected.data(), expected.size()), 0) << shift;
     }
@@ -171,7 +171,7 @@ TEST(Convolution24MonoFilter, FiltersAllChannelsAlikeAndLeavesTheRing) {
         GuardedImage expected(random, size, {3, 0, 0, 0});
         Convolution24MonoFilter(src.data(), dst.data(), size, radius, kernel.data());
         ASSERT_TRUE(dst.untouchedOutsideRegion());
-        oracle::plainConvolution24(src.data(), expected.data(), size, radius, same.data());
+        oracle::convolve24(src.data(), expected.data(), size, radius, same.data());
         for (int y = 0; y < size.height; ++y)
             for (int x = 0; x < size.width; ++x) {
                 const GuardedImage& wanted = isInside(size, radius, x, y) ? expected : before;

@@ -1,4 +1,4 @@
-// The convolutions by one signature for each type of kernel, beside the plain OpenCV calls.
+// The convolutions by one signature for each type of kernel, beside the definition.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
-#include "oracle/plain_filters.h"
+#include "oracle/convolution.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
 
@@ -86,15 +86,15 @@ inline IppStatus filter(const PixelType& type, const GuardedImage& src, GuardedI
                          kernel.size, kernel.anchor);
 }
 
-inline void filterPlainly(const PixelType& type, const GuardedImage& src, GuardedImage& dst, const Kernel<int>& kernel,
+inline void filterByDefinition(const PixelType& type, const GuardedImage& src, GuardedImage& dst, const Kernel<int>& kernel,
                           int divisor) {
-    oracle::plainFilter(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
+    oracle::convolve(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
                         kernel.size, kernel.anchor, divisor);
 }
 
-inline void filterPlainly(const PixelType& type, const GuardedImage& src, GuardedImage& dst,
+inline void filterByDefinition(const PixelType& type, const GuardedImage& src, GuardedImage& dst,
                           const Kernel<float>& kernel, int) {
-    oracle::plainFilter32f(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
+    oracle::convolve32f(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
                            kernel.size, kernel.anchor);
 }
 

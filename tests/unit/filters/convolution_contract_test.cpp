@@ -7,7 +7,7 @@
 
 #include "OPCV_dlib.h"
 #include "filters/convolution_call.h"
-#include "oracle/plain_filters.h"
+#include "oracle/convolution.h"
 #include "support/fenced_memory.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
@@ -45,7 +45,7 @@ TEST(Convolution, SourceAndDestinationMayOverlap) {
             const auto kernel = kernelOf<int>({5, 3}, {2, 1}, [&] { return random.between(-5, 9); });
             GuardedImage image(random, {120, 9}, {type.bytes(), 6, 0, 0});
             GuardedImage expected(random, {120, 9}, {type.bytes(), 0, 0, 0});
-            filterPlainly(type, image, expected, kernel, 30);
+            filterByDefinition(type, image, expected, kernel, 30);
             ASSERT_EQ(ippiFilter(image.data(), image.step(), type.code, image.at(shift, shift), image.step(), {120, 9},
                                  kernel.cells.data(), kernel.size, kernel.anchor, 30),
                       ippStsNoErr);
@@ -70,8 +70,8 @@ TEST(Convolution, AStepThatIsNoMultipleOfThePixelShiftsTheRows) {
         ASSERT_EQ(IPPShare_ippiFilter_8u_C3R(src.data() + 600, step, dst.data(), step, {30, 5}, kernel.cells.data(),
                                              kernel.size, kernel.anchor, 40),
                   ippStsNoErr);
-        oracle::plainFilter(src.data() + 600, step, CV_8UC3, expected.data(), step, {30, 5}, kernel.cells.data(),
-                            kernel.size, kernel.anchor, 40);
+        oracle::convolve(src.data() + 600, step, CV_8UC3, expected.data(), step, {30, 5}, kernel.cells.data(),
+                         kernel.size, kernel.anchor, 40);
         EXPECT_EQ(dst, expected);
     }
 }

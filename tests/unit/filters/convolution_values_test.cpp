@@ -70,7 +70,7 @@ TEST(Convolution, SaturatesAtBothEnds) {
     EXPECT_EQ(filtered, (std::array<uint8_t, 3>{0, 0, 0}));
 }
 
-// Sums that no int holds: by the kernels of ours, by OpenCV's in place and, with 121 cells, over whole rows.
+// Sums that no int holds, apart from the source and in place.
 template <class Pixel>
 void expectSaturated(int type, int width, int side, int weight) {
     const size_t margin = static_cast<size_t>(side / 2);
@@ -108,6 +108,35 @@ TEST(Convolution, SumsBeyondAnIntSaturate) {
                 expectSaturated<short>(CV_16SC1, width, side, weight);
                 expectSaturated<unsigned short>(CV_16UC1, width, side, weight);
             }
+}
+
+// Weights that are no numbers, or make sums that are none: NaN gives the least value of the type, infinity its end.
+template <class Pixel>
+void expectOfWeight(int type, float weight, Pixel pixel, Pixel expected) {
+    const std::vector<Pixel> src(70, pixel);
+    std::vector<Pixel> dst(70);
+    const auto step = static_cast<int>(70 * sizeof(Pixel));
+    ASSERT_EQ(ippiFilter32f(src.data(), step, type, dst.data(), step, {70, 1}, &weight, {1, 1}, {0, 0}), ippStsNoErr);
+    EXPECT_EQ(dst, std::vector<Pixel>(70, expected)) << "type " << type << " weight " << weight << " pixel " << pixel;
+}
+
+TEST(Convolution, WeightsThatAreNoNumbersHaveDefinedResults) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    for (const float nan : {kNan, -kNan}) {
+        expectOfWeight<uint8_t>(CV_8UC1, nan, 9, 0);
+        expectOfWeight<unsigned short>(CV_16UC1, nan, 9, 0);
+        expectOfWeight<short>(CV_16SC1, nan, 9, SHRT_MIN);
+    }
+    for (const float infinity : {kInfinity, -kInfinity}) {
+        expectOfWeight<uint8_t>(CV_8UC1, infinity, 9, infinity > 0 ? 255 : 0);
+        expectOfWeight<unsigned short>(CV_16UC1, infinity, 9, infinity > 0 ? 65535 : 0);
+        expectOfWeight<short>(CV_16SC1, infinity, 9, infinity > 0 ? SHRT_MAX : SHRT_MIN);
+        expectOfWeight<short>(CV_16SC1, infinity, -9, infinity > 0 ? SHRT_MIN : SHRT_MAX);
+        // 0 times infinity is NaN.
+        expectOfWeight<uint8_t>(CV_8UC1, infinity, 0, 0);
+        expectOfWeight<short>(CV_16SC1, infinity, 0, SHRT_MIN);
+    }
 }
 
 TEST(Convolution, AKernelOfZerosGivesZero) {
