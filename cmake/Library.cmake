@@ -24,7 +24,7 @@ if(opcv_dlib_shared)
     target_link_options(OPCV_dlib PRIVATE
         -Wl,--version-script=${map} -Wl,-z,now -Wl,-z,relro -Wl,-z,noexecstack)
 else()
-    # One object, in which every other name is local: in a program, a class of ours meets no other of the same name.
+    # One object, in which all other names are local, so that they cannot collide with names in the program.
     set(whole ${PROJECT_BINARY_DIR}/OPCV_dlib.o)
     set(objects "$<FILTER:$<TARGET_OBJECTS:opcv_dlib_objects>,EXCLUDE,[.]gch$>")    # not the precompiled header
     list(TRANSFORM exports PREPEND --keep-global-symbols= OUTPUT_VARIABLE keep_exports)

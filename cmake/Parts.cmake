@@ -1,5 +1,6 @@
-# The parts beside the library: tests, programs, manual pages, the Python module, benchmarks. The option of a part is ON,
-# OFF or AUTO. If a package is missing, ON is an error; AUTO leaves out what needs the package and says so in one line.
+# The parts besides the library: tests, programs, manual pages, the Python module, benchmarks. The option of a part is
+# ON, OFF or AUTO. If a package is missing, ON is an error; AUTO leaves out what needs the package and says so in one
+# line.
 
 # opcv_dlib_part(PART DEFAULT "description"): the option OPCV_DLIB_BUILD_<PART>.
 function(opcv_dlib_part part default description)
@@ -7,8 +8,8 @@ function(opcv_dlib_part part default description)
     set_property(CACHE OPCV_DLIB_BUILD_${part} PROPERTY STRINGS AUTO ON OFF)
 endfunction()
 
-# opcv_dlib_can(RESULT PART "what" VARIABLE PACKAGE [VARIABLE PACKAGE...]): sets RESULT to whether every VARIABLE is true.
-# PACKAGE is the Debian package that makes it true, and "what" needs all of them.
+# opcv_dlib_can(RESULT PART "what" VARIABLE PACKAGE [VARIABLE PACKAGE...]): sets RESULT to whether every VARIABLE is
+# true. PACKAGE is the Debian package that makes it true, and "what" needs all of them.
 function(opcv_dlib_can result part what)
     set(pairs ${ARGN})
     set(missing "")

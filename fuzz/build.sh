@@ -3,7 +3,7 @@
 # CC, CXX, CFLAGS, CXXFLAGS and LIB_FUZZING_ENGINE, and the programs, their seeds and what they load go to $OUT.
 build=${WORK:-$SRC}/opcv_dlib-build
 
-# Debug adds no flag that could weaken a sanitizer. Programs look for libraries beside themselves, in lib/.
+# Debug adds no flag that could weaken a sanitizer. Programs search for libraries in lib/ of their own folder.
 cmake -S "$SRC/opcv_dlib" -B "$build" \
     -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_C_FLAGS="$CFLAGS" -DCMAKE_CXX_FLAGS="$CXXFLAGS" \
     -DCMAKE_BUILD_TYPE=Debug -DCMAKE_EXE_LINKER_FLAGS=-Wl,--disable-new-dtags "-DCMAKE_BUILD_RPATH=\$ORIGIN/lib" \

@@ -1,6 +1,6 @@
 """Counts what a run of ctest passed and failed: the tests inside each GoogleTest program, and one for each other test.
 
-Prints two numbers. A program that fails without a failed test of its own (it died, or a sanitizer ended it) counts as one
+Prints two numbers. A program that fails without a failed test (it crashed, or a sanitizer stopped it) counts as one
 failure more, and so does a run that left no results.
 """
 import pathlib

@@ -285,7 +285,7 @@ def main(xml, version, date, target, *headers):
         content = heading(page, 3, version, date)
         content += [".SH NAME", ", ".join([page] + names) + " \\- " + purpose]
         content += synopsis(functions, header)
-        if header is not headers[0]:    # what the first one says is a page of its own
+        if header is not headers[0]:    # the first header's description is a separate page
             content += [".SH DESCRIPTION"] + header.description()
         for title in titles:
             if title in header.groups:

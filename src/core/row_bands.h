@@ -8,7 +8,7 @@ template <class... Arguments>
 class FunctionRef {
 public:
     template <class Function>
-    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor): stands for the function
+    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor): used like the function
         : object_(&function), call_([](const void* object, Arguments... arguments) {
               (*static_cast<const Function*>(object))(arguments...);
           }) {}

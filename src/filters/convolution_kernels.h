@@ -29,7 +29,7 @@ struct Taps {
 };
 
 struct Shape {
-    int elements;    // a row
+    int elements;    // per row
     int rows;
 };
 

@@ -1,4 +1,4 @@
-// A page that is read into a block of its own, which becomes a record's.
+// A page that is read into a new block, which becomes the block of a record.
 #pragma once
 
 #include <cstddef>

@@ -15,8 +15,9 @@
 // three windows.
 //
 // The least of the nine scores is at most their mean, which is convex in each sample and hence largest when samples are
-// 0 or 255: 255 (2 k (9 - k) / 9 + k) for k samples of 255 in a channel, at most 2578.4 a channel and 7735 in all. So
-// 8 score + 7 fits in 16 bits where it matters; other scores saturate. The low three bits hold the candidate's place.
+// 0 or 255: 255 (2 k (9 - k) / 9 + k) for k samples of 255 in a channel, at most 2578.4 per channel and 7735 in total.
+// So 8 score + 7 fits in 16 bits where it matters; other scores saturate. The low three bits hold the candidate's
+// place.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -61,7 +62,7 @@ static_assert(kColumns % static_cast<ptrdiff_t>(hn::MaxLanes(d8)) == 0, "the las
 
 enum Column { kLeft, kMiddle, kRight, kColumnsOfWindow };
 
-// One value a column; column 0 lies left of the first one that is written.
+// One value per column; column 0 is left of the first one that is written.
 template <class T>
 class Row {
 public:

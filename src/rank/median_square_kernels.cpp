@@ -151,9 +151,9 @@ public:
 
     Strip(ptrdiff_t width, int channels) : width_(width), channels_(channels) {}
 
-    // Filters two rows, or one if `dst[1]` is null. `src` are the m + 1 rows of their windows, from the first window's
-    // left edge on. What the next two use lies `srcAhead` behind the last two of them, and `dstAhead` behind `dst`; it
-    // is fetched on the way.
+    // Filters two rows, or one if `dst[1]` is null. `src` are the m + 1 rows of their windows, from the left edge of
+    // the first window. The rows of the next two are `srcAhead` after the last two of them and `dstAhead` after `dst`;
+    // they are prefetched.
     void filter(const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2], ptrdiff_t srcAhead, ptrdiff_t dstAhead) {
         srcAhead_ = srcAhead;
         dstAhead_ = dstAhead;

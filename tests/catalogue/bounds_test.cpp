@@ -1,6 +1,6 @@
-// Every function on images that end at a page that cannot be touched, and on images that begin behind one: it reads no
-// byte but those of the margin that it documents and writes none but those of its output. What is only read lies in
-// read-only pages. What pads the rows differs between the two and must not show.
+// Calls every function with images that end at an inaccessible page, and with images that begin after one. It must read
+// only its documented margin and write only its output. Input buffers are in read-only pages. The row padding differs
+// between the two calls and must not affect the result.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -15,8 +15,8 @@ namespace {
 
 constexpr int kWidest = 300;
 
-// Emulation and instrumentation take their time: one shape for each width, and under emulation only one in seven of the
-// wider images.
+// Emulation and instrumentation are slow: they run one shape for each width, and under emulation only one in seven of
+// the wider images.
 #if defined(__aarch64__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int kVariantsPerWidth = 1;
 #else
@@ -30,7 +30,7 @@ constexpr int kEveryWidthUpTo = kWidest;
 
 int widthAfter(int width) { return width < kEveryWidthUpTo ? width + 1 : width + 7; }
 
-// Says which case has touched a fence.
+// Prints the case that has accessed an inaccessible page.
 class Announcement {
 public:
     Announcement() {
@@ -74,7 +74,7 @@ Bytes outputBetweenFences(const Entry& entry, const Case::Setting& setting, Fenc
 void expectBoundsKept(const Entry& entry, Announcement& announcement) {
     Fenced endAtFence(FencedMemory::Fence::kBehind);
     Fenced beginAtFence(FencedMemory::Fence::kInFront);
-    // Over the widths every variant has its turn.
+    // The variants take turns over the widths.
     int variant = 0;
     for (int width = 1; width <= kWidest; width = widthAfter(width))
         for (int i = 0; i < std::min(entry.variants, kVariantsPerWidth); ++i) {

@@ -1,5 +1,5 @@
-// One call of an exported function with all that it needs: buffers of exactly the documented extent, filled from a seed,
-// the call itself, and what it gave back. A case can be run any number of times and gives the same each time.
+// One call of an exported function: its buffers, which have exactly the documented extent and are filled from a seed,
+// the call and its results. A case can be run repeatedly, with the same results each time.
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@
 
 using Bytes = std::vector<uint8_t>;
 
-// The image that an entry asks for.
+// The image that an entry requests.
 struct Layout {
     IppiSize region;
     int pixelSize = 1;    // bytes
@@ -28,7 +28,7 @@ struct Layout {
     static constexpr int kPacked = 0;
 };
 
-// An image as a function takes it.
+// An image as it is passed to a function.
 struct Image {
     uint8_t* data = nullptr;    // first pixel of the region
     int step = 0;               // bytes
@@ -39,16 +39,16 @@ struct Image {
     }
 };
 
-// From where to where most functions work. Without a source: in place.
+// Source and destination of most functions. Without a source: in place.
 struct Regions {
     Image src;
     Image dst;
     IppiSize size;
 };
 
-// What a function that takes regions looks at before it starts.
+// The checks of a function that takes regions.
 struct Checks {
-    int srcStep;    // the shortest that it accepts; 0: it does not look at it
+    int srcStep;    // the shortest step that it accepts; 0: not checked
     int dstStep;
     int status = ippStsBadArgErr;
     int statusOfEmptyRegion = ippStsBadArgErr;
@@ -67,7 +67,7 @@ public:
         unsigned seed = 1;
         int variant = 0;    // which mask, anchor, depth, ... of those that the entry knows
         IppiSize size = {52, 40};
-        bool otherPadding = false;    // other bytes behind the rows, which no function may look at
+        bool otherPadding = false;    // other padding bytes, which must not affect the result
         bool page = false;            // images are pages, and no call works in place by chance
     };
 
@@ -76,7 +76,7 @@ public:
     Case& operator=(const Case&) = delete;
     ~Case() { releaseResults(); }
 
-    // What an entry of the catalogue builds the call with.
+    // Functions with which an entry of the catalogue builds the call.
 
     const int variant;
     const IppiSize size;
@@ -85,7 +85,7 @@ public:
     // Whether the images are pages. Then the call is one that docs/functions.md shows.
     bool isPage() const { return page_; }
 
-    // One call in eight, for functions that may work in place.
+    // True for one call in eight, for functions that may work in place.
     bool worksInPlace() { return random.between(1, 8) == 1 && !page_; }
 
     // Pixels as those of the images, for what is made of them.
@@ -117,7 +117,7 @@ public:
     T* targetOf(const T& value) {
         return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kWritten));
     }
-    // Output that a failed call may have written, as its description says.
+    // Output that a failed call may have written, as documented.
     template <class T>
     T* targetEvenOnFailure(const T& value) {
         return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kWrittenEvenOnFailure));
@@ -128,30 +128,30 @@ public:
         return reinterpret_cast<T*>(block(&value, kSizeOf<T>, Use::kIncomparable));
     }
 
-    // What the call hands over, released after each run.
+    // Results that the caller owns; released after each run.
     KVIMG* record = nullptr;
     void* plane = nullptr;
     void* stream = nullptr;
     unsigned streamSize = 0;
     std::vector<unsigned char> vector;
 
-    std::function<void()> before;                 // what each run needs anew
+    std::function<void()> before;                 // prepares each run
     std::function<int()> call;                    // 0 for success
-    std::function<std::string()> afterFailure;    // what is wrong with what a failed call has left, or nothing
+    std::function<std::string()> afterFailure;    // describes a wrong state after a failed call; empty if correct
     std::vector<Refusal> refusals;
 
     void refuse(const std::string& what, int status, const std::function<int()>& wrongCall) {
         refusals.push_back({what, status, wrongCall});
     }
 
-    // The call for `function(regions)` that checks nothing.
+    // Sets the call for a `function(regions)` without checks.
     template <class Function>
     void callOn(const Regions& regions, Function function) {
         takesRegions = true;
         call = [function, regions] { return function(regions); };
     }
 
-    // And for one that checks its pointers, its size and its steps.
+    // Sets the call for a function that checks its pointers, size and steps.
     template <class Function>
     void callOn(const Regions& regions, const Checks& checks, Function function) {
         callOn(regions, function);
@@ -178,12 +178,12 @@ public:
 
     bool takesRegions = false;
 
-    // Blocks that OpenCV loses in this call if memory runs out.
+    // Blocks that OpenCV leaks in this call if it is out of memory.
     size_t lostByOpenCV = 0;
 
-    // What the tests do with it.
+    // Functions for the tests.
 
-    // Puts all back as it was prepared.
+    // Restores the initial state.
     void restore();
 
     int run() { return call(); }
@@ -194,13 +194,13 @@ public:
     int widestMargin(Side side) const;
     void disturb(Side side, int distance, Change change);
 
-    // Every byte that the call gave back; releases what it handed over.
+    // All result bytes; releases the results that the caller owns.
     Bytes takeOutput();
 
-    // What has changed that must not, or an empty string.
+    // Describes an unexpected change, or returns an empty string.
     std::string strayWrites() const;
 
-    // The same after a failure: then the output must not have changed either, nor anything have been handed over.
+    // The same after a failure: the output must be unchanged too, and nothing returned.
     std::string tracesOfFailure() const;
 
 private:

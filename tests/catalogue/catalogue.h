@@ -1,5 +1,5 @@
-// A case for every exported function. The tests of this folder and of tests/catalogue/memory loop over it, so that what is tried
-// on one function is tried on all of them.
+// A case for every exported function. The tests of this folder and of tests/catalogue/memory loop over it, so that
+// every test covers all functions.
 #pragma once
 
 #include <functional>
@@ -8,13 +8,13 @@
 
 #include "catalogue/case.h"
 
-// How a call ends when memory runs out.
+// How a call ends if it is out of memory.
 struct OutOfMemory {
     bool allocates = true;
     int status = ippStsNoMemErr;
-    bool throws = false;    // OpenCV's cv::Exception or std::bad_alloc may pass instead
-    bool silent = false;    // without a status: the output is whole or nothing is written
-    std::string answer;     // what the function returns, as the header writes it
+    bool throws = false;    // OpenCV's cv::Exception or std::bad_alloc may propagate instead
+    bool silent = false;    // without a status: the output is complete or unchanged
+    std::string answer;     // the return value, as written in the header
 
     static OutOfMemory never() { return {false, 0, false, false, ""}; }
     static OutOfMemory answers(int status) { return {true, status, false, false, std::to_string(status)}; }
@@ -38,13 +38,13 @@ struct Entry {
     OutOfMemory outOfMemory;
     std::function<void(Case&)> prepare;
 
-    // What docs/functions.md has a row for.
+    // Variants with a row in docs/functions.md.
     std::vector<Shape> shapes = {{"", 0}};
 
-    // What the benchmarks measure in place of this function, which shares its code; or that it does no image work.
+    // The function that is benchmarked instead because it shares the code; or a note that there is no image work.
     std::string measuredAs = {};
 
-    // The output is the same bytes on every machine, or numbers that differ in their last digits.
+    // Whether the output has the same bytes on every machine, or numbers that differ in their last digits.
     enum class Output { kExact, kFloats, kDoubles } output = Output::kExact;
 };
 

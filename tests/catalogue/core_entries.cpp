@@ -10,7 +10,7 @@ namespace {
 
 using Creator = OSErr (*)(KVIMG**, const KVRect*, unsigned char);
 
-// Every byte of the block is written: it must be there.
+// Writes every byte of the block, to check that it is allocated.
 std::function<void(Case&)> creation(Creator create) {
     return [create](Case& c) {
         const auto depth = static_cast<unsigned char>(pick<int>({1, 8, 24, 32, 40}, c.variant));

@@ -14,7 +14,7 @@ const std::vector<Window>& kernelWindows() {
     return windows;
 }
 
-// From this number of cells on OpenCV may look at what lies right of the columns that count.
+// With this number of cells or more, OpenCV may read pixels to the right of those that it needs.
 constexpr int kFewestCellsThatLookFurther = 50;
 
 bool looksFurther(const Window& w) {
@@ -65,7 +65,7 @@ const float* floats(Case& c, size_t count) {
     return c.sourceOf(cells);
 }
 
-// The kernel and the divisor, of which a wrong one is refused.
+// The kernel and the divisor; invalid ones are rejected.
 template <class Cell>
 struct Kernel {
     const Cell* cells;
@@ -73,7 +73,7 @@ struct Kernel {
     int divisor = 1;
 };
 
-// `filter` makes a function of regions from a kernel.
+// `filter` creates a function of regions from a kernel.
 template <class Cell, class Filter>
 void convolve(Case& c, const Images& images, int pixelSize, const Kernel<Cell>& good, Filter filter) {
     const Regions regions = {images.src, images.dst, c.size};
@@ -154,7 +154,7 @@ void convolution32fOfAnyType(Case& c) {
     });
 }
 
-// The mask's cells from minus the anchor on, and one column and row more if its sides are even.
+// The cells of the mask, starting at minus the anchor, and one more column and row if its sides are even.
 void box(Case& c) {
     const Window& good = pick(kernelWindows(), c.variant);
     const IppiSize even = {good.mask.width / 2 * 2, good.mask.height / 2 * 2};
@@ -194,15 +194,15 @@ void bilateral(Case& c) {
         c.refuse("a kernel that is no odd square", ippStsBadArgErr, [=] { return under(kernel)(regions); });
 }
 
-// Whole packed images, of which a ring may be left out of the result.
+// Whole packed images; the outermost pixels may not be filtered.
 
 IppiSize wider(IppiSize s, int ring) { return {s.width + 2 * ring, s.height + 2 * ring}; }
 
 constexpr int kRadii = 5;
 constexpr int kLargestDirectRadius = 3;
 
-// On arm64 OpenCV takes a Fourier transform from 50 cells on, on x86-64 only above what is tried here. It forgets what its
-// transforms have set up as well.
+// On arm64 OpenCV uses a Fourier transform for 50 cells or more, on x86-64 only for kernels larger than these. It also
+// leaks the tables of its transforms.
 #if defined(__aarch64__)
 constexpr size_t kLostInTransforms = 8;
 #else
@@ -228,7 +228,7 @@ Ringed ringedImages(Case& c, int pixelSize, int ring, bool inPlace) {
     return {c.source({whole, pixelSize, {}, Layout::kPacked}), first, whole};
 }
 
-// Images of which all is written.
+// Images that are written completely.
 Images wholeImages(Case& c, IppiSize whole, bool inPlace) {
     const Layout layout = {whole, 3, {}, Layout::kPacked};
     const Image dst = inPlace ? c.sourceAndTarget(layout) : c.target(layout);
@@ -312,7 +312,7 @@ void reduceColourNoise(Case& c) {
     c.refuse("no rows", 0, reduce(src.data, dst.data, {whole.width, 0}, mode, strength));
     for (const int none : {-1, 3}) c.refuse("an unknown mode", 1, reduce(src.data, dst.data, whole, none, strength));
     for (const int none : {-1, 11}) c.refuse("an unknown strength", 2, reduce(src.data, dst.data, whole, mode, none));
-    c.refuse("a width that is no multiple of 4", 3,
+    c.refuse("a width that is not a multiple of 4", 3,
              reduce(src.data, dst.data, {whole.width - 1, whole.height}, mode, strength));
 }
 

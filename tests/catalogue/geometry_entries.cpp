@@ -25,7 +25,7 @@ struct Region {
     IppiRect roi;
 };
 
-// A region in its image. Above it, to its left and to its right, as far as the rows reach, the image counts.
+// A region in its image. The image above it, to its left and, up to the end of the rows, to its right is read.
 Region regionIn(Case& c, int pixelSize) {
     const IppiRect roi = {c.random.between(0, 3), c.random.between(0, 2), c.size.width, c.size.height};
     const IppiSize size = {roi.x + roi.width + c.random.between(0, 3), roi.y + roi.height};
@@ -36,7 +36,7 @@ Image imageAround(const Image& region, const IppiRect& roi, int pixelSize) {
     return {region.data - ptrdiff_t{roi.y} * region.step - ptrdiff_t{roi.x} * pixelSize, region.step};
 }
 
-// A region of which nothing around is read.
+// A region around which nothing is read.
 Region regionAlone(Case& c, int pixelSize) {
     const IppiRect roi = {c.random.between(0, 3), c.random.between(0, 2), c.size.width, c.size.height};
     const Margin left = {roi.x, 0, 0, 0};    // so that the rows are long enough for the rectangle
@@ -54,8 +54,8 @@ Region targetIn(Case& c, int pixelSize) {
 
 float shiftOf(Case& c, int side) { return static_cast<float>(c.random.real(-side, side) / 2); }
 
-// `function(src, dst)`, refused where an image is null, a rectangle is empty, does not lie in its image or, at the
-// target, not in its rows.
+// `function(src, dst)`, which rejects a null image, an empty rectangle, and a rectangle that is outside its image or,
+// for the target, outside its rows.
 template <class Function>
 void callOnImages(Case& c, const Region& src, const Region& dst, int refused, Function function) {
     c.call = [=] { return function(src, dst); };
@@ -242,7 +242,7 @@ void unite(Case& c) {
     c.refuse("a null slot", uniteFailedErr, unite(canvas, image, nullptr));
 }
 
-// Ratios that leave at least a pixel.
+// Ratios that leave at least one pixel.
 double ratioOf(Case& c, int side) {
     const double ratio = pick<double>({0.5, 0.71, 1.3, 1, 2.9}, c.variant / 3);
     return side * ratio < 1 ? 1.3 : ratio;
@@ -260,10 +260,10 @@ void resizePage(Case& c) {
     c.refuse("a null slot", paramErr, resize(page.record, nullptr, 1.0, ratio));
     c.refuse("a scale without pixels", paramErr, resize(page.record, &c.record, 1e9, 1.0));
     c.refuse("a scale below 0", paramErr, resize(page.record, &c.record, -1.0, 1.0));
-    c.refuse("a scale that is no number", paramErr, resize(page.record, &c.record, 0, 0));
+    c.refuse("a scale that is not a number", paramErr, resize(page.record, &c.record, 0, 0));
 }
 
-// A shift that leaves something of a scaled side in the destination's.
+// A shift that leaves part of a scaled side in the destination.
 int shiftWithin(Case& c, int scaled, int target) {
     return c.random.between(-std::min(2, scaled - 1), std::min(2, target - 1));
 }

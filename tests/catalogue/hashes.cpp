@@ -49,7 +49,7 @@ void project(const Bytes& output, Random& weights, Projection& onto) {
 
 }    // namespace
 
-// The seed depends on the function's name, not on its place among the others.
+// The seed depends on the function's name, not on its position in the catalogue.
 Case::Setting settingOf(const Entry& entry, int batch, int call) {
     Fnv1a seed;
     seed.add(entry.name);

@@ -1,4 +1,4 @@
-// Every function gives the same bytes for the same call, wherever it runs. hashes.txt was made once, on x86-64.
+// Every function returns the same bytes for the same call on every machine. hashes.txt was written on x86-64.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -30,8 +30,8 @@ std::string callsOf(const Entry& entry, int batch) {
            std::to_string(settingOf(entry, batch, 0).seed);
 }
 
-// The matrix product adds in the order of the installed OpenCV, and the cosine transform rounds differently on each
-// processor: their numbers agree to this part of the whole.
+// The summation order of the matrix product depends on the OpenCV version, and the rounding of the cosine transform on
+// the processor, so their numbers are compared with this relative tolerance.
 double toleranceOf(const Entry& entry) { return entry.output == Entry::Output::kFloats ? 1e-6 : 1e-14; }
 
 void expectSame(const Entry& entry, int batch, const std::string& expected) {

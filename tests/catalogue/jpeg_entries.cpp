@@ -14,8 +14,8 @@ constexpr int kCompressVariants = 10;    // modes of both depths
 int depthOf(const Case& c) { return c.variant % 2 == 0 ? 8 : 24; }
 int modeOf(const Case& c) { return pick(kModes, c.variant / 2); }
 
-// Where a stream and its length are put. After a failure they are untouched; or, where only the block for the stream was
-// missing, null and the length of the stream.
+// Receives a stream and its length. After a failure they are unchanged or, if only allocating the block failed, null
+// and the length of the stream.
 struct StreamSlot {
     static constexpr unsigned kUnset = 0xABCDEF01;
 
@@ -107,7 +107,8 @@ void compressSubsampled(Case& c) {
     };
 }
 
-// Grey, colour, colour with subsampled chroma, the same cut, progressive, turned by an EXIF orientation in grey and colour.
+// Grey, colour, colour with subsampled chroma, the same cut, progressive, turned by an EXIF orientation in grey and
+// colour.
 constexpr int kStreamVariants = 7;
 constexpr int kFirstTurned = 5;
 
@@ -123,7 +124,7 @@ void addOrientation(Bytes& stream) {
 // As the reader finds it.
 IppiSize sizeOfPage(const Case& c) { return isTurned(c) ? IppiSize{c.size.height, c.size.width} : c.size; }
 
-// Without the last third of the coded bytes, where that leaves whole rows.
+// Without the last third of the coded bytes, which leaves whole rows.
 void cut(Bytes& stream, int height) {
     constexpr int kFewestRows = 40;
     const std::array<uint8_t, 2> startOfScan = {0xFF, 0xDA};
@@ -131,7 +132,7 @@ void cut(Bytes& stream, int height) {
     if (height >= kFewestRows) stream.erase(stream.end() - (stream.end() - scan) / 3, stream.end());
 }
 
-// By libjpeg alone: OpenCV's codecs take the locks of other people's libraries in a changing order.
+// Uses libjpeg only: OpenCV's codecs take locks of other libraries in varying order.
 Bytes progressive(const Bytes& pixels, IppiSize size) {
     oracle::JpegSettings settings;
     settings.components = 3;
@@ -174,7 +175,7 @@ std::function<void(Case&)> readWith(Reader reader) {
         KVImageDescriptionHandle handle = c.sourceOf(where);
         auto* description = c.sourceOf(handle);
         c.call = [&c, reader, stream, length, description] { return reader(stream, length, description, &c.record); };
-        // The markers give the size, which is written before anything is allocated; a refused call writes nothing.
+        // The size is known from the markers and written before anything is allocated; a rejected call writes nothing.
         c.afterFailure = [where, whole = sizeOfPage(c), depth = isGrey(c) ? 8 : 24] {
             const auto is = [where](IppiSize size, int bits) {
                 return where->width == size.width && where->height == size.height && where->depth == bits;

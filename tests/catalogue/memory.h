@@ -1,4 +1,4 @@
-// Where the buffers of a case lie.
+// Memory for the buffers of a case.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ public:
     virtual void makeLastReadOnly() {}
 };
 
-// Blocks of exactly the size, so that the address sanitizer and memcheck see the byte behind.
+// Blocks of exactly the requested size, so that the address sanitizer and memcheck detect accesses past the end.
 class Heap final : public Memory {
 public:
     uint8_t* take(size_t bytes) override {
@@ -38,8 +38,8 @@ private:
     std::vector<PixelBlock> blocks_;
 };
 
-// Each block ends at a page that cannot be touched, or begins behind one. What is only read cannot be written. Cases that
-// come one after the other share the pages.
+// Each block ends at an inaccessible page or begins after one. Input blocks are read-only. Successive cases share the
+// pages.
 class Fenced final : public Memory {
 public:
     explicit Fenced(FencedMemory::Fence fence) : fence_(fence) {}
@@ -57,7 +57,7 @@ public:
         block.readOnly = true;
     }
 
-    // For the next case; the blocks of the last one are no more.
+    // Invalidates the blocks of the previous case.
     void reuse() {
         for (Block& block : blocks_)
             if (block.readOnly) {

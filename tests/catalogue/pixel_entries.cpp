@@ -95,7 +95,7 @@ void threshold8Unchecked(Case& c) {
     });
 }
 
-// 16-bit rows may be walked upwards.
+// The rows of 16-bit images may go upwards.
 Image directed(const Case& c, const Image& image) {
     if (c.variant == 0) return image;
     return {image.data + ptrdiff_t{c.size.height - 1} * image.step, -image.step};
@@ -140,7 +140,7 @@ std::function<void(Case&)> packedColour(PackedColour convert) {
     };
 }
 
-// Three planes with one step, each fenced by itself.
+// Three planes with one step, each in a separate block.
 struct Planes {
     std::array<unsigned char*, 3> data;
     int step;
@@ -154,7 +154,7 @@ Planes planesOf(Case& c, Image (Case::*make)(const Layout&)) {
     return {{first.data, second.data, third.data}, first.step};
 }
 
-// A pointer that is null instead of the array, and an array with a null pointer in it.
+// A null pointer instead of the array, and an array with a null pointer.
 template <class Call>
 void refuseNullPlanes(Case& c, const Planes& planes, Call call) {
     c.refuse("null planes", ippStsBadArgErr, [call] { return call(nullptr); });

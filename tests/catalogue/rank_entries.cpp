@@ -5,7 +5,7 @@
 
 namespace {
 
-// What the windows of a region read around it.
+// The margin that the windows of a region read.
 Margin marginOf(const Window& w) {
     return {w.anchor.x, w.anchor.y, w.mask.width - 1 - w.anchor.x, w.mask.height - 1 - w.anchor.y};
 }
@@ -21,7 +21,7 @@ struct Images {
 };
 
 Images imagesUnder(Case& c, int pixelSize, const Margin& margin, const Margin& marginOfCopy) {
-    // Rows are long enough for the larger of the two, whichever is read.
+    // Rows are long enough for the larger of the two.
     const int padding = pixelSize * (marginOfCopy.right - margin.right + c.random.between(0, 3));
     if (c.worksInPlace()) {
         const Image both = c.sourceAndTarget({c.size, pixelSize, marginInPlace(marginOfCopy), padding});
@@ -68,7 +68,7 @@ std::function<void(Case&)> median(Median filter, int pixelSize) {
     };
 }
 
-// OpenCV takes 16 bits up to 5 x 5 only; those windows come first.
+// OpenCV supports 16 bits up to 5 x 5 only; those windows come first.
 void medianOfAnyType(Case& c) {
     constexpr int kWindowsOfAnyType = 25 + 49 + 9;
     const int windows = static_cast<int>(medianWindows().size());

@@ -1,5 +1,5 @@
-// Every function with each of its wrong arguments: it returns the status that it documents, throws nothing and writes
-// nothing, neither to its output nor around it.
+// Calls every function with each invalid argument: it must return the documented status, throw nothing and write
+// nothing.
 #include <gtest/gtest.h>
 
 #include <algorithm>

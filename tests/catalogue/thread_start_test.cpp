@@ -1,6 +1,6 @@
-// Every function while no thread can be started: on large images, where OpenCV would distribute the call, each returns the
-// same bytes as on one thread and throws nothing. Each call has a process of its own, because OpenCV's pool gives up on
-// a thread that has failed once.
+// Calls every function while no thread can be started, on large images, for which OpenCV would distribute the call.
+// Each must return the same bytes as on one thread and throw nothing. Each call runs in a separate process, because
+// OpenCV's pool no longer uses a thread that has failed to start.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -23,7 +23,7 @@ namespace {
 
 bool threadsFail = false;
 
-// Threads that were asked for in vain, counted over all processes.
+// Number of threads that could not be started, over all processes.
 std::atomic<int>& failures() {
     static auto* const counter =
         new (mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
@@ -59,7 +59,7 @@ Bytes outputOf(Case& c) {
 
 enum Ending { kSame, kDifferent, kThrew, kOtherwise };
 
-// Calls twice without threads, then with them. Runs in a process of its own.
+// Calls twice without threads, then with them. Runs in a separate process.
 [[noreturn]] void callWithoutThreads(Case& c, const Bytes& expected) {
     try {
         cv::setNumThreads(kThreads);
@@ -98,7 +98,7 @@ TEST(ThreadStart, MayFailInEveryFunction) {
             const int variant = i * entry.variants / std::min(entry.variants, kVariantsOfEach);
             EXPECT_EQ(endingWithoutThreads(entry, variant), kSame) << entry.name << " variant " << variant;
         }
-    // On one processor OpenCV needs none.
+    // On one processor OpenCV starts no threads.
     const int fewest = std::thread::hardware_concurrency() > 1 ? 1 : 0;
     EXPECT_GE(failures(), fewest);
 }

@@ -1,5 +1,6 @@
-// All functions at once on eight threads, each thread in an order of its own: every output is that of one thread alone.
-// Runs under the thread sanitizer as well. And each function on large images, on one and on several threads of OpenCV's.
+// Calls all functions on eight threads at the same time, each thread in another order: every output must equal that of
+// a single thread. Also runs with the thread sanitizer. Then calls each function on large images with one and with
+// several OpenCV threads.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -19,7 +20,7 @@ struct Prepared {
     const Entry* entry = nullptr;
 };
 
-// One case after the other, all of the catalogue.
+// All cases of the catalogue.
 std::vector<Prepared> prepareAll() {
     std::vector<Prepared> all;
     for (const Entry& entry : catalogue())
@@ -45,7 +46,7 @@ Bytes outputOf(Case& c) {
     return output;
 }
 
-// Runs all cases from a place of its own on, and counts those that end otherwise than alone.
+// Runs all cases, starting at a different one in each thread, and counts those whose result differs.
 void runAll(int thread, const std::vector<Bytes>& expected, std::atomic<int>& different) {
     std::vector<Prepared> cases = prepareAll();
     const size_t first = static_cast<size_t>(thread) * cases.size() / kThreads;
@@ -58,7 +59,7 @@ void runAll(int thread, const std::vector<Bytes>& expected, std::atomic<int>& di
     }
 }
 
-TEST(Threads, EightCallersGetWhatOneGets) {
+TEST(Threads, EightThreadsGetTheSameAsOne) {
 #if defined(__SANITIZE_THREAD__)
     cv::setNumThreads(1);    // OpenCV's own threads are not instrumented
 #endif

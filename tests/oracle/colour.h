@@ -14,7 +14,7 @@ using RealTriple = std::array<double, 3>;
 
 inline uint8_t byteOf(int value) { return static_cast<uint8_t>(std::clamp(value, 0, 255)); }
 
-// Value in 14-bit fixed point to the nearest whole number, halves up.
+// Rounds a value in 14-bit fixed point to the nearest integer, halves up.
 inline int whole14(int value) { return (value + (1 << 13)) >> 14; }
 
 inline Triple yuvOf(const uint8_t* rgb) {

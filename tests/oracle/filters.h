@@ -1,4 +1,4 @@
-// Linear filters by their definition, one value at a time. `at(x, y)` gives a source value counted from the region.
+// Linear filters by their definition, one value at a time. `at(x, y)` returns a source value, counted from the region.
 #pragma once
 
 #include <cmath>
@@ -18,7 +18,7 @@ double convolutionSum(const At& at, int x, int y, const T* kernel, IppiSize size
     return sum;
 }
 
-// How far an integer is from a value that is saturated to a range; 0.5 and less is rounded rightly.
+// The distance of an integer from a value saturated to a range; rounding is correct if it is 0.5 or less.
 inline double roundingError(int result, double exact, int low, int high) {
     if (exact <= low) return result - low;
     if (exact >= high) return high - result;
@@ -52,7 +52,7 @@ double bilateralMean(const At& at, int x, int y, int side, double colorSquareSig
     return sum / weights;
 }
 
-// Orthonormal cosine transform of `n` values, from the formula of the direction.
+// Orthonormal cosine transform of `n` values, by the formula of the direction.
 inline double cosineTransformAt(const double* values, int n, bool inverse, int position) {
     const double pi = std::acos(-1.0);
     const auto scale = [n](int k) { return std::sqrt((k == 0 ? 1.0 : 2.0) / n); };

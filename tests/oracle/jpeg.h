@@ -1,4 +1,4 @@
-// What the encoder's streams must be, byte for byte.
+// The expected streams of the encoder, byte for byte.
 #pragma once
 
 #include <cstdint>

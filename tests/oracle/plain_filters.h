@@ -1,5 +1,5 @@
-// The linear filters by the plain way: a view over the source with its margin, the OpenCV call into a new matrix, a copy
-// of the region. What the library writes must be the same bytes.
+// The linear filters by plain OpenCV: a view of the source with its margin, the OpenCV call into a new matrix, a copy
+// of the region. The library must write the same bytes.
 #pragma once
 
 #include <cmath>
@@ -24,7 +24,7 @@ inline void copyRegion(const cv::Mat& result, int x, int y, uint8_t* dst, int st
     result(cv::Rect(x, y, roi.width, roi.height)).copyTo(target);
 }
 
-// A kernel turned by 180 degrees behind zeros that make its sides odd.
+// A kernel turned by 180 degrees, after zeros that make its sides odd.
 template <typename T>
 cv::Mat turnedKernel(const T* kernel, IppiSize size, int depth) {
     cv::Mat turned = cv::Mat::zeros(size.height | 1, size.width | 1, depth);
@@ -84,7 +84,7 @@ inline std::vector<cv::Mat> viewsOf(std::vector<uint8_t>& planes, IppiSize size)
     return {view(0), view(1), view(2)};
 }
 
-// A packed 24-bit image as three planes, one behind the other, and back.
+// Converts a packed 24-bit image to three planes, one after the other, and back.
 inline std::vector<uint8_t> splitPlanes(const uint8_t* src, IppiSize size) {
     std::vector<uint8_t> planes(3 * static_cast<size_t>(size.width) * static_cast<size_t>(size.height));
     std::vector<cv::Mat> views = viewsOf(planes, size);
@@ -98,7 +98,7 @@ inline void mergePlanes(std::vector<uint8_t>& planes, uint8_t* dst, IppiSize siz
     cv::merge(views, packed);
 }
 
-// The ring, which the filters leave alone, holds the source's pixels.
+// The outermost pixels, which are not filtered, hold those of the source.
 inline void plainConvolution24(const uint8_t* src, uint8_t* dst, IppiSize size, int radius, const float* kernels) {
     const std::vector<uint8_t> from = splitPlanes(src, size);
     std::vector<uint8_t> to = from;

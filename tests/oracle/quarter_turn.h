@@ -1,11 +1,12 @@
-// Quarter turns by where each pixel goes.
+// Quarter turns by the position of each pixel.
 #pragma once
 
 #include "OPCV_dlib.h"
 
 namespace oracle {
 
-// Where the pixel that a clockwise turn by a multiple of 90 degrees brings to (x, y) stands in a page of the given size.
+// The position, in a page of the given size, of the pixel that a clockwise turn by a multiple of 90 degrees moves to
+// (x, y).
 inline IppiPoint beforeQuarterTurn(int x, int y, int degreesClockwise, IppiSize page) {
     switch (degreesClockwise) {
         case 90: return {y, page.height - 1 - x};

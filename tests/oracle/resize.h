@@ -53,7 +53,7 @@ inline uint8_t meanOfFour(const Raster& source, int x, int y, int c) {
     return static_cast<uint8_t>(std::nearbyint(1.0 * sum / count));
 }
 
-// `xScale` and `yScale` are source pixels a destination pixel.
+// `xScale` and `yScale` are source pixels per destination pixel.
 inline uint8_t resizedAt(const Raster& source, double xScale, double yScale, int x, int y, int c) {
     if (xScale == 2 && yScale == 2) return meanOfFour(source, x, y, c);
     const Taps columns = tapsAt(x, xScale);

@@ -1,4 +1,4 @@
-// Rotation by any angle, twice: OpenCV's calls one after another, and bilinear interpolation in double precision.
+// Rotation by any angle in two ways: with OpenCV's calls, and by bilinear interpolation in double precision.
 #pragma once
 
 #include <algorithm>
@@ -24,7 +24,7 @@ struct Rotation {
     cv::Scalar border;
 };
 
-// Rows lie as many whole pixels apart as the step holds, up to the last row of the rectangle.
+// Rows are step / pixel size whole pixels apart, up to the last row of the rectangle.
 inline cv::Mat regionOf(uint8_t* data, int step, const IppiRect& r, int type) {
     const cv::Mat image(r.y + r.height, step / static_cast<int>(CV_ELEM_SIZE(type)), type, data);
     return image(cv::Rect(r.x, r.y, r.width, r.height));
@@ -41,7 +41,7 @@ inline int wholeShift(float shift) {
     return static_cast<int>(shift < 0 ? std::ceil(double{shift} - 0.5) : std::floor(double{shift} + 0.5));
 }
 
-// About the region's corner, then moved; pad, warp, cut.
+// A turn about the region's corner, then a shift: pad, warp, cut.
 inline void rotateByOpenCV(const Rotation& r, float xShift, float yShift) {
     const int dx = wholeShift(xShift);
     const int dy = wholeShift(yShift);
@@ -62,7 +62,7 @@ inline void rotateByOpenCV(const Rotation& r, float xShift, float yShift) {
     turned(cv::Rect(px, py, r.dstRoi.width, r.dstRoi.height)).copyTo(regionOf(r.dst, r.dstStep, r.dstRoi, r.type));
 }
 
-// About a point, at the same place; warp, cut.
+// A turn about a point: warp, cut.
 inline void rotateAboutByOpenCV(const Rotation& r, double xCentre, double yCentre) {
     const cv::Point2f centre(static_cast<float>(xCentre), static_cast<float>(yCentre));
     const cv::Mat turned = warpByOpenCV(regionOf(r.src, r.srcStep, r.srcRoi, r.type), centre, r);
@@ -72,8 +72,8 @@ inline void rotateAboutByOpenCV(const Rotation& r, double xCentre, double yCentr
     turned(cv::Rect(0, 0, covered.width, covered.height)).copyTo(regionOf(r.dst, r.dstStep, covered, r.type));
 }
 
-// The point of the source that a turn about (xCentre, yCentre), counter-clockwise as seen on screen where y points down,
-// brings to (x, y).
+// The point of the source that a turn about (xCentre, yCentre), counter-clockwise as seen on screen where y points
+// down, brings to (x, y).
 struct Point {
     double x;
     double y;
@@ -97,8 +97,8 @@ inline double bilinear(const PixelAt& at, Point p) {
            fy * ((1 - fx) * at(x, y + 1) + fx * at(x + 1, y + 1));
 }
 
-// Whether a value lies within a level of what the neighbourhood of a point holds: positions are cut to 1/32 pixel, so
-// that the true one lies up to 1/64 away on each axis, and a little more for their rounding.
+// Whether a value is within one level of the values in the neighbourhood of a point. Positions are rounded to 1/32
+// pixel, so the true one is up to 1/64 away on each axis, plus rounding errors.
 inline bool isNear(double value, const PixelAt& at, Point p) {
     constexpr double kReach = 1.0 / 64 + 2.0 / 1024;
     double low = 255;

@@ -1,4 +1,4 @@
-// OpenCV's view of a test image, for the direct call beside the library's.
+// OpenCV views of test images, for comparison with direct OpenCV calls.
 #pragma once
 
 #include <cstring>

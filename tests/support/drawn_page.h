@@ -1,4 +1,4 @@
-// A page as a scanner sees one: dark strokes on light paper with slow shading and noise of a few levels.
+// A page like a scanned one: dark strokes on light paper with slow shading and noise of a few levels.
 #pragma once
 
 #include <cstddef>

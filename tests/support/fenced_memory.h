@@ -1,5 +1,4 @@
-// A block that ends where the next page cannot be touched, or begins where the page before cannot: a read or write one
-// byte too far ends the test.
+// A block that ends at an inaccessible page, or begins after one: an access one byte out of bounds ends the test.
 #pragma once
 
 #include <sys/mman.h>
@@ -31,7 +30,7 @@ public:
     uint8_t* data() { return data_; }
     size_t size() const { return size_; }
 
-    // From here on a write to the block ends the test.
+    // After this call, a write to the block ends the test.
     void makeReadOnly() { protect(PROT_READ); }
     void makeWritable() { protect(PROT_READ | PROT_WRITE); }
 

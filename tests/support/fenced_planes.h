@@ -1,4 +1,4 @@
-// A packed row of three channels and its three planes, each of exactly its bytes.
+// A packed row of three channels and its three planes, in blocks of exactly their size.
 #pragma once
 
 #include <gtest/gtest.h>

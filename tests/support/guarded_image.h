@@ -1,5 +1,5 @@
-// An image whose every byte around the region is a canary: random bytes in front of it, in the margin, in the row
-// padding and behind it, compared with a copy.
+// An image with a canary in every byte around the region: random bytes before it, in the margin, in the row padding and
+// after it, which are compared with a copy.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@ public:
     struct Layout {
         int pixelSize = 1;       // bytes
         int margin = 0;          // pixels on each side of the region that belong to the image
-        int padding = 0;         // bytes behind each row
+        int padding = 0;         // bytes after each row
         int misalignment = 0;    // bytes by which the first row is moved off alignment
     };
 
@@ -38,17 +38,17 @@ public:
     IppiSize size() const { return layout_.region; }
     int rowBytes() const { return layout_.rowBytes(); }
 
-    // First byte of a pixel; the margin's pixels have negative or large coordinates.
+    // First byte of a pixel; pixels of the margin have negative or large coordinates.
     uint8_t* at(int x, int y) { return bytes_.data() + offsetOf(x, y); }
     const uint8_t* at(int x, int y) const { return bytes_.data() + offsetOf(x, y); }
 
-    // From here on, what is there now is what must not change.
+    // The current contents become the expected ones.
     void remember() { before_ = bytes_; }
 
     bool untouched() const { return bytes_ == before_; }
 
-    // Whether no byte has changed outside a rectangle of `rowBytes` by `rows` whose corner is `firstByte` bytes into row
-    // `firstRow`.
+    // Whether no byte has changed outside a rectangle of `rowBytes` by `rows` whose corner is `firstByte` bytes into
+    // row `firstRow`.
     bool untouchedOutside(int firstByte, int firstRow, int rowBytes, int rows) const {
         std::vector<uint8_t> expected = before_;
         for (int y = firstRow; y < firstRow + rows; ++y)

@@ -1,4 +1,4 @@
-// Three guarded planes that share one step, as the planar functions take them.
+// Three guarded planes that share one step, for the planar functions.
 #pragma once
 
 #include <array>

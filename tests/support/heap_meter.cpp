@@ -30,7 +30,7 @@ void own_malloc::taken(void* block, size_t /*kept*/) {
     }
 }
 
-// Blocks from before the start are given back as well, so the balance may fall below zero.
+// Blocks from before the start may also be freed, so the balance may fall below zero.
 void own_malloc::leaving(void* block) {
     if (running.load(std::memory_order_relaxed)) held -= sizeOf(block);
 }

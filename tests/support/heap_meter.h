@@ -1,4 +1,4 @@
-// How much of the heap a call takes, in whichever thread. Its program links own_malloc.
+// Measures the heap use of a call, in all threads. The program must link own_malloc.
 #pragma once
 
 #include <cstddef>
@@ -6,9 +6,9 @@
 class HeapMeter {
 public:
     struct Use {
-        size_t most = 0;      // bytes at the same time while the call ran, what it hands over included
-        size_t kept = 0;      // bytes that it has handed over
-        size_t blocks = 0;    // that it asked for
+        size_t most = 0;      // most bytes at the same time during the call, including its results
+        size_t kept = 0;      // bytes of its results
+        size_t blocks = 0;    // number of blocks allocated
     };
 
     static void start();

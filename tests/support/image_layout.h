@@ -1,5 +1,5 @@
-// How the region of an image lies in its block of memory: the one description that the guarded images of the unit tests,
-// the cases of the catalogue and the blocks of the fuzz programs share.
+// The layout of an image in its block of memory, shared by the guarded images of the unit tests, the cases of the
+// catalogue and the blocks of the fuzz programs.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 #include "OPCV_dlib.h"
 
-// Pixels around a region that a function reads. Negative: the function does not even read all of the region, as with an
+// Pixels around a region that a function reads. Negative if the function does not read all of the region, as with an
 // anchor outside its mask.
 struct Margin {
     int left = 0;
@@ -24,7 +24,7 @@ struct ImageLayout {
     IppiSize region = {0, 0};
     int pixelSize = 1;    // bytes
     Margin margin = {};
-    int padding = 0;    // bytes behind each row but the last
+    int padding = 0;    // bytes after each row but the last
 
     int rowBytes() const { return region.width * pixelSize; }
     int usedRow() const { return (margin.left + region.width + margin.right) * pixelSize; }    // with both margins
@@ -32,7 +32,7 @@ struct ImageLayout {
     int rows() const { return margin.top + region.height + margin.bottom; }
     size_t bytes() const { return static_cast<size_t>(ptrdiff_t{step()} * rows() - padding); }
 
-    // Of the first byte of a pixel; the pixels of the margin have negative or large coordinates.
+    // Offset of the first byte of a pixel; pixels of the margin have negative or large coordinates.
     ptrdiff_t offsetOf(int x, int y) const {
         return ptrdiff_t{step()} * (y + margin.top) + ptrdiff_t{pixelSize} * (x + margin.left);
     }
@@ -43,7 +43,7 @@ struct ImageLayout {
         for (int y = 0; y < region.height; ++y) use(offsetOf(0, y));
     }
 
-    // Whether two states of the block are equal everywhere but in the region.
+    // Whether two states of the block are equal outside the region.
     bool sameAroundRegion(const uint8_t* now, const std::vector<uint8_t>& before) const {
         std::vector<uint8_t> expected = before;
         forEachRow(

@@ -1,4 +1,4 @@
-// libjpeg's compressor, driven directly, into its own memory destination.
+// Direct calls of libjpeg's compressor, with its own memory destination.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@ struct JpegRaster {
     J_COLOR_SPACE space;
 };
 
-// `configure` changes libjpeg's defaults; `started` writes markers in front of the rows.
+// `configure` changes libjpeg's defaults; `started` writes markers before the rows.
 template <class Configure, class Started>
 std::vector<uint8_t> compressJpeg(const JpegRaster& raster, Configure configure, Started started) {
     jpeg_compress_struct cinfo;

@@ -1,4 +1,4 @@
-// Streams to read, and what reading them must give.
+// Streams to read, and the expected results.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 using Bytes = std::vector<uint8_t>;
 
-// A page of soft shapes and some noise, so that a decoder's every stage matters.
+// A page of soft shapes and some noise, so that every stage of a decoder affects the result.
 inline Bytes drawing(Random& random, int width, int height, int components) {
     cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), cv::Scalar(200, 190, 170));
     for (int i = 0; i < 6; ++i)
@@ -45,7 +45,7 @@ inline Bytes colour(int width, int height) {
     return anyStream(random, 3, width, height);
 }
 
-// A stream that OpenCV writes: progressive, optimised, with restart markers, or otherwise unlike our own.
+// A stream written by OpenCV: progressive, optimised, with restart markers, or otherwise unlike the library's.
 inline Bytes foreignStream(Random& random, int components, int width, int height) {
     const Bytes pixels = drawing(random, width, height, components);
     const cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), const_cast<uint8_t*>(pixels.data()));
@@ -57,7 +57,7 @@ inline Bytes foreignStream(Random& random, int components, int width, int height
     return stream;
 }
 
-// An APP1 segment with an orientation, behind the start of the image.
+// An APP1 segment with an orientation, after the start of the image.
 inline Bytes withOrientation(const Bytes& stream, uint8_t orientation) {
     const Bytes exif = {0xFF, 0xE1, 0,    34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
                         0,    1,    0x01, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
@@ -107,14 +107,14 @@ inline void expectUntouched(const Reading& r) {
     EXPECT_EQ(r.description.depth, -3);
 }
 
-// Four components, as print shops make them. Without a marker of Adobe's they are taken as they stand.
+// Four components, as print software writes them. Without an Adobe marker they are read unchanged.
 inline Bytes fourComponents(Random& random, int width, int height, J_COLOR_SPACE stored) {
     const Bytes pixels = drawing(random, width, height, 4);
     return compressJpeg({pixels.data(), ptrdiff_t{width} * 4, width, height, 4, JCS_CMYK},
                         [stored](jpeg_compress_struct& cinfo) { jpeg_set_colorspace(&cinfo, stored); });
 }
 
-// A colour stream with nothing behind its headers.
+// A colour stream without coded data after its headers.
 inline Bytes claiming(int width, int height) {
     const auto high = [](int side) { return static_cast<uint8_t>(side / 256); };
     const auto low = [](int side) { return static_cast<uint8_t>(side % 256); };

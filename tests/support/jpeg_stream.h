@@ -1,4 +1,4 @@
-// A small parser of JPEG streams: the segments in their order.
+// A small parser of JPEG streams: the segments in order.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 struct JpegSegment {
     int marker;                      // low byte: 0xD8 is SOI
     std::vector<uint8_t> payload;    // without the length field
-    std::vector<uint8_t> coded;      // entropy-coded bytes behind an SOS
+    std::vector<uint8_t> coded;      // entropy-coded bytes after an SOS
 };
 
 class JpegStream {

@@ -5,7 +5,7 @@
 
 #include <malloc.h>
 
-// The C library's allocator under its internal names, which cannot be taken over.
+// The C library's allocator under its internal names, which cannot be interposed.
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);

@@ -1,15 +1,15 @@
-// malloc and its kin, operator new included, of the whole program and every library in it. They forward to the C
-// library's; what the program wants of them it says in these hooks, which it defines and which must not allocate.
+// Replaces malloc and its relatives, including operator new, for the program and every library in it. They forward to
+// the C library. The program defines these hooks, which must not allocate.
 #pragma once
 
 #include <cstddef>
 
 namespace own_malloc {
 
-// Whether the next block may be had. Otherwise the allocation fails as one for want of memory.
+// Whether the next allocation may succeed. Otherwise it fails as if out of memory.
 bool mayTake();
 
-// Whoever asked for the block relies on what its first `kept` bytes hold: all of a calloc's, a realloc's old ones.
+// The first `kept` bytes of the block have defined contents: all bytes after calloc, the old ones after realloc.
 void taken(void* block, size_t kept);
 
 // The block is about to be freed, or moved by a realloc. Never null.

@@ -1,5 +1,5 @@
-// Random numbers with a fixed seed, so that a failure repeats. The same on every machine and with every standard library,
-// whose distributions differ.
+// Random numbers with a fixed seed, so that failures are reproducible. They are the same on every machine and with
+// every standard library; the distributions of standard libraries differ.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// What the readers of JPEG streams give back.
+// Results of the JPEG readers.
 #pragma once
 
 #include <cstddef>
@@ -40,8 +40,8 @@ inline Reading readSplit(const std::vector<uint8_t>& stream, int width, int heig
     return r;
 }
 
-// Where no row could be decoded, OpenCV hands out one row of memory that it never wrote, again and again; such a stream
-// is refused. Everywhere else a stream that ends early gives the decoder's partial page.
+// If no row can be decoded, OpenCV repeats one row of memory that it never wrote; such streams must be rejected. In all
+// other cases a stream that ends early gives the decoder's partial page.
 inline bool holdsNoRow(const cv::Mat& decoded) {
     if (!decoded.data) return false;
     const size_t rowBytes = static_cast<size_t>(decoded.cols) * decoded.elemSize();

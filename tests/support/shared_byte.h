@@ -1,4 +1,4 @@
-// A destination that begins with the last byte that is read, or ends with the first.
+// Destinations that begin with the last byte that is read, or end with the first one.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 #include "support/random.h"
 
-// `run(first, destination)` reads `read` bytes from the first on, writes `written`, and is true if it succeeds.
+// `run(first, destination)` reads `read` bytes from `first`, writes `written` bytes and returns whether it succeeded.
 template <class Run>
 void expectSameWithOneSharedByte(Random& random, ptrdiff_t read, ptrdiff_t written, Run run) {
     for (const bool behind : {true, false}) {

@@ -17,7 +17,7 @@ void refuse(opcv_read_status status) {
     }
 }
 
-// One dot per inch is what some programs write for want of a resolution.
+// Some programs write one dot per inch if they know no resolution.
 int resolutionOr(double dpi, int otherwise) {
     return std::lround(dpi) > 1 ? static_cast<int>(std::lround(dpi)) : otherwise;
 }

@@ -1,4 +1,4 @@
-// Grey pages and pages of one bit a pixel.
+// Grey pages and pages of one bit per pixel.
 #pragma once
 
 #include "page.h"

@@ -14,7 +14,7 @@ public:
     // From any thread. If standard output fails, the program is asked to stop.
     void add(const PageResult& result);
 
-    // Counts, pages a second, a table of the stages, peak memory.
+    // Prints counts, pages per second, a table of the stages and peak memory.
     void summarise();
 
     bool anyBad() const { return damaged_ + failed_ > 0; }

@@ -11,7 +11,7 @@ struct Rules {
     bool overwrite;            // files that scanpage did not make may be replaced
 };
 
-// What a name in the output folder stands for. A member that is not known is empty.
+// The file behind a name in the output folder. Unknown members are empty.
 struct Existing {
     std::optional<FileId> id;
     bool isFolder = false;
@@ -24,7 +24,8 @@ Existing examine(const OutputFolder& folder, const std::string& name);
 // Throws if the rules forbid to replace what is there.
 void requireReplaceable(const Existing& existing, const std::string& path, const Rules& rules);
 
-// Name of the results of a page, without folder and ending. Pages that share it would overwrite each other's results.
+// Name of the results of a page, without folder and extension. Pages that share it would overwrite each other's
+// results.
 std::string resultName(const std::string& file);
 
 // The results of a page that were there before it is worked on.

@@ -1,4 +1,4 @@
-// The skew of a page, found by Leptonica.
+// The skew of a page, measured by Leptonica.
 #pragma once
 
 #include "page.h"

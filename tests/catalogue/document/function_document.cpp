@@ -52,7 +52,7 @@ std::string secondTable(const Header& header) {
     return table;
 }
 
-// Tenths of a byte a pixel; what is less than a tenth is "0".
+// Tenths of a byte per pixel; less than a tenth is "0".
 std::string perPixel(size_t bytes) {
     const auto tenths = static_cast<long>(static_cast<double>(bytes) * 10 / (double{kPage.width} * kPage.height));
     std::array<char, 32> text{};
@@ -60,7 +60,7 @@ std::string perPixel(size_t bytes) {
     return text.data();
 }
 
-// Each status with which the catalogue knows a call to end must stand in the header.
+// Each status that the catalogue expects must be documented in the header.
 void checkStatuses(const Entry& entry, const std::string& endings) {
     Heap heap;
     Case::Setting setting;

@@ -19,7 +19,7 @@ std::string wordAfter(const std::string& text, const std::string& tag) {
     return text.substr(from, text.find(' ', from) - from);
 }
 
-// The comment in front of a function, line by line.
+// The comment before a function, line by line.
 class Comment {
 public:
     void clear() { *this = Comment(); }

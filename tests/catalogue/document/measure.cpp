@@ -11,7 +11,7 @@
 
 namespace {
 
-// OpenCV's threads, as far as the library can tell; the jobs run one after the other.
+// A replacement for OpenCV's threads, which runs the jobs one after the other.
 class CountingThreads : public cv::parallel::ParallelForAPI {
 public:
     void parallel_for(int tasks, FN_parallel_for_body_cb_t body, void* data) override {

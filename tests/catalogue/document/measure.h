@@ -13,7 +13,7 @@ std::string marginOf(const Entry& entry, int variant);
 
 struct Use {
     size_t handedOver;    // bytes that belong to the caller afterwards
-    size_t working;       // bytes that the call has taken beside them and freed
+    size_t working;       // bytes that the call has also allocated, and freed
     bool threads;         // whether OpenCV's threads have worked in it
 };
 

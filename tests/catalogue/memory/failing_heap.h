@@ -1,5 +1,5 @@
-// The heap of the test program and of every library in it. On demand the n-th allocation of a call fails, and what the
-// call has allocated and not freed is counted.
+// The heap of the test program and of every library in it. It can make the n-th allocation of a call fail, and it
+// counts the blocks that the call has allocated and not freed.
 #pragma once
 
 #include <cstddef>
@@ -10,15 +10,15 @@ public:
 
     static constexpr long kNever = 1 << 30;
 
-    // From now on, in this thread: the n-th allocation fails (counted from 1), and with kLasting all after it.
+    // Makes the n-th allocation of this thread fail (counted from 1), and with kLasting all after it.
     static void arm(long n, Failure failure);
 
-    // Ends the counting. Whether an allocation was made to fail.
+    // Stops counting. Returns whether an allocation has failed.
     static bool disarm();
 
-    // New blocks hold this byte, of all threads; a negative value leaves them as they are.
+    // Fills new blocks of all threads with this byte; a negative value disables this.
     static void fillWith(int byte);
 
-    // Blocks that were allocated while armed and are still there. A block that the call has handed over counts.
+    // Blocks that were allocated while armed and not freed, including those that the call has returned.
     static size_t liveBlocks();
 };

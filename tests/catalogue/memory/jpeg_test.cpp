@@ -1,4 +1,4 @@
-// Compressors and readers, when memory runs out: what the catalogue does not try.
+// Compressors and readers that are out of memory, in cases that the catalogue does not have.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

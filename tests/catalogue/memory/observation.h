@@ -10,12 +10,12 @@
 struct Observation {
     long fewestAllocations = LONG_MAX;    // in a call that succeeds
     long mostAllocations = 0;
-    bool answers = false;        // says so by its status
-    bool throws = false;         // OpenCV's exception or std::bad_alloc passes
-    bool leaves = false;         // says nothing and leaves the output as it was
-    bool doesWithout = false;    // succeeds all the same
+    bool answers = false;        // returns the documented status
+    bool throws = false;         // OpenCV's exception or std::bad_alloc propagates
+    bool leaves = false;         // has no status and leaves the output unchanged
+    bool doesWithout = false;    // succeeds nevertheless
     bool losesABlock = false;    // of OpenCV's
-    std::string fault;           // what is not as documented; empty if all is
+    std::string fault;           // describes a deviation from the documentation; empty if none
 };
 
 // Each allocation of one call fails once, one after the other; then all from it on.

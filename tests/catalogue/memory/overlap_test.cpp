@@ -1,4 +1,4 @@
-// Conversions whose destination overlaps their source go by an image of their own, which may not be had.
+// Conversions whose destination overlaps their source need a temporary image, and allocating it may fail.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// What functions that make records and planes do with the caller's slot, when memory runs out.
+// What functions that create records do with the caller's slot if they are out of memory.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -43,7 +43,7 @@ TEST(OutOfMemory, AStaleRecordIsReleased) {
     }
 }
 
-// The creators free the block in the slot, and leave the slot, when the pixels cannot be had.
+// If allocating the pixels fails, the functions free the block in the slot and leave the slot unchanged.
 TEST(OutOfMemory, CreatorsFreeTheBlockInTheSlot) {
     const KVRect r = {0, 0, 10, 10};
     for (const auto creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite}) {
@@ -57,7 +57,7 @@ TEST(OutOfMemory, CreatorsFreeTheBlockInTheSlot) {
     }
 }
 
-TEST(OutOfMemory, NothingIsAllocatedForADepthWithoutARowRule) {
+TEST(OutOfMemory, NothingIsAllocatedForAnUnknownDepth) {
     const KVRect r = {0, 0, 10, 10};
     for (const auto creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite})
         for (const int depth : {0, 2, 16, 41}) {

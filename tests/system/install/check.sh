@@ -15,7 +15,7 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# The packages as an archive of their own.
+# A local archive of the packages.
 mkdir "$work/archive"
 cp "$packages"/*_"$(dpkg --print-architecture)".deb "$work/archive"
 (cd "$work/archive" && dpkg-scanpackages --multiversion . >Packages 2>/dev/null)

@@ -27,7 +27,7 @@ for page in "7 opcv_dlib" "3 IPPShare_ippiConvert_1u8u_C1R" "1 scanpage"; do
     grep -q "${page#* }" page.txt
 done
 
-echo "- no search path of its own, nothing of the machine that built it"
+echo "- no search path, and no path of the build machine"
 dpkg -L libopcv-dlib1 libopcv-dlib-dev opcv-tools python3-opcv-dlib | sort -u >files.txt
 while read -r file; do
     [ -f "$file" ] || continue

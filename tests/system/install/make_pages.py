@@ -1,4 +1,4 @@
-"""make_pages.py COUNT FOLDER: draws small pages with lines of ink, each with a skew of its own.
+"""make_pages.py COUNT FOLDER: draws small pages with lines of ink, each with a different skew.
 make_pages.py --check FOLDER: fails unless each page in the folder can be read and has kept its size and resolution."""
 
 import pathlib

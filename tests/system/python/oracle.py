@@ -5,7 +5,7 @@ from numpy.lib.stride_tricks import sliding_window_view
 
 
 def windows(src, width, height):
-    """Every window of a grey image that lies in it, as [row, column, cell]."""
+    """Returns every window inside a grey image, as [row, column, cell]."""
     found = sliding_window_view(src, (height, width))
     return found.reshape(found.shape[0], found.shape[1], width * height)
 

@@ -42,7 +42,7 @@ def pagegen(*arguments):
 
 
 def link_pages(sources, folder, count):
-    """`count` pages under names of their own that share the bytes of a few."""
+    """Writes `count` pages with different names that share the bytes of a few."""
     pages = []
     for i in range(count):
         pages.append(folder / f"page-{i:06}.jpg")

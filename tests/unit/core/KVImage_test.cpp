@@ -65,7 +65,7 @@ TEST(KVImage, RowRules) {
     }
 }
 
-TEST(KVImage, DepthsWithoutARowRuleGiveAQuietZeroAndNothingElse) {
+TEST(KVImage, UnknownDepthsReturnZeroAndCreateNothing) {
     const KVRect r = rectOf(10, 10);
     KVIMG untouched{};
     for (const Creator creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite})
@@ -77,7 +77,7 @@ TEST(KVImage, DepthsWithoutARowRuleGiveAQuietZeroAndNothingElse) {
         }
 }
 
-TEST(KVImage, NullArgumentsGiveAQuietZero) {
+TEST(KVImage, NullArgumentsReturnZero) {
     const KVRect r = rectOf(10, 10);
     KVIMG untouched{};
     KVIMG* out = &untouched;
@@ -125,7 +125,8 @@ TEST(KVImage, SizesOver31BitsAreOutOfMemory) {
         }
 }
 
-// When the pixels cannot be had, the block that the caller's variable points at goes, and the variable stays.
+// If allocating the pixels fails, the block that the caller's variable points to is freed and the variable is
+// unchanged.
 TEST(KVImage, AFailureFreesTheBlockThatTheSlotHeld) {
     for (const Creator creator : {CreateNewKVIMGPtr, CreateNewKVIMGPtrForUnite}) {
         auto* const stale = static_cast<KVIMG*>(std::malloc(sizeof(KVIMG)));
@@ -136,7 +137,7 @@ TEST(KVImage, AFailureFreesTheBlockThatTheSlotHeld) {
     }
 }
 
-// From 4 MB on the kernel is asked for huge pages. What stands in the blocks around it is not its business.
+// Blocks of 4 MB or more request huge pages. This must not affect the contents of neighbouring blocks.
 TEST(KVImage, LargeRecordsHoldWhatIsWrittenBesideOtherBlocks) {
     for (const int height : {1023, 1024, 1025, 2500}) {
         const KVRect r = rectOf(4096, height);

@@ -52,7 +52,7 @@ TEST(Planes, RefusedArgumentsLeaveTheStepUnwritten) {
 }
 
 // The true size never wraps to a small block; the step is told where it can be.
-TEST(Planes, SizesOver31BitsCannotBeHad) {
+TEST(Planes, SizesOver31BitsReturnNull) {
     int step = kUnwritten;
     EXPECT_EQ(IPPShare_ippiMalloc_16s_C1(1 << 16, 1 << 15, &step), nullptr);
     EXPECT_EQ(step, 1 << 17);

@@ -1,5 +1,5 @@
-// Bands of rows: each row comes once, whatever the number of rows and threads, and failures of the bands reach the caller.
-// How threads that cannot be started are replaced is tested for every function in tests/catalogue.
+// Bands of rows: each row comes once, whatever the number of rows and threads, and failures of the bands reach the
+// caller. How threads that cannot be started are replaced is tested for every function in tests/catalogue.
 #include "core/row_bands.h"
 
 #include <gtest/gtest.h>
@@ -28,7 +28,7 @@ void visitEachRow(int rows, double elements, Visits& visits) {
     });
 }
 
-TEST(RowBands, ReachEachRowOnce) {
+TEST(RowBands, CoverEachRowOnce) {
     for (const int rows : {1, 2, 3, 7, 100, 1023, 1024, 1025, 5000})
         for (const double bands : {0.0, 0.5, 1.0, 1.6, 2.0, 3.0, 50.0, 2000.0, 1e9}) {
             Visits visits(rows);
@@ -40,14 +40,14 @@ TEST(RowBands, ReachEachRowOnce) {
         }
 }
 
-TEST(RowBands, PassOnWhatTheBandsThrow) {
+TEST(RowBands, PropagateExceptions) {
     const auto fail = [](int, int) { throw std::bad_alloc(); };
     EXPECT_THROW(opcv::forEachBand(10, 0, fail), std::bad_alloc);
     EXPECT_THROW(opcv::forEachBand(10, 5 * kElementsOfBand, fail), std::bad_alloc);
 }
 
 // A band that fails like a thread: the others are run once, and it is run again.
-TEST(RowBands, FinishWhatAFailureLeaves) {
+TEST(RowBands, CompleteTheRowsAfterAFailure) {
     constexpr int kRows = 40;
     for (int failing = 0; failing < kRows; failing += 3) {
         std::vector<std::atomic<int>> visits(kRows);

@@ -114,7 +114,7 @@ TEST(Box, EverySumIsRoundedAsOpenCVRounds) {
     }
 }
 
-// The windows lie beside the region that is written, or reach into parts of it that are already filtered.
+// The windows are outside the region that is written, or extend into parts of it that are already filtered.
 TEST(Box, AnAnchorFarOutsideTheMaskMovesTheWindows) {
     Random random(628);
     constexpr int kFar = 60;
@@ -170,7 +170,7 @@ TEST(Box, ReadsAndWritesNoByteTooMany) {
             }
 }
 
-TEST(Box, AStepThatIsNoMultipleOfThePixelShiftsTheRows) {
+TEST(Box, StepsNotAMultipleOfThePixelDisplaceRows) {
     Random random(626);
     for (const int remainder : {1, 2}) {
         const int step = 3 * 40 + remainder;

@@ -1,11 +1,11 @@
-// Images on which the order of a bilateral filter's sums shows.
+// Images for which the result of a bilateral filter depends on the order of its sums.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
-// Neighbourhoods whose mean falls to the other side of a half when it is summed up in raster order instead of four cells
-// at a time, as happens in the last columns of a view: about one in a hundred thousand does.
+// Neighbourhoods whose mean falls to the other side of a half when it is summed up in raster order instead of four
+// cells at a time, as happens in the last columns of a view: about one in a hundred thousand does.
 struct Neighbourhood {
     int radius;
     int strength;

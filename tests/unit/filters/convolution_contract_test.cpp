@@ -1,4 +1,4 @@
-// What a convolution reads and writes, and what it refuses.
+// The bytes that a convolution reads and writes, and the arguments that it rejects.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -58,7 +58,7 @@ TEST(Convolution, SourceAndDestinationMayOverlap) {
 }
 
 // Rows start early by the remainder, on both sides.
-TEST(Convolution, AStepThatIsNoMultipleOfThePixelShiftsTheRows) {
+TEST(Convolution, StepsNotAMultipleOfThePixelDisplaceRows) {
     Random random(611);
     const auto kernel = kernelOf<int>({3, 3}, {1, 1}, [&] { return random.between(0, 9); });
     std::vector<uint8_t> src(3000);

@@ -1,4 +1,4 @@
-// Convolutions whose results are known without a computation beside them.
+// Convolutions whose results are known without computing them.
 #include <gtest/gtest.h>
 
 #include <algorithm>

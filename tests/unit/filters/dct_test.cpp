@@ -10,7 +10,7 @@
 
 namespace {
 
-// A table in rows that lie apart.
+// A table in rows that are not contiguous.
 struct Table {
     Table(Random& random, int n) : n(n), values(static_cast<size_t>(n * n)) {
         for (double& value : values) value = random.real(-100, 100);
@@ -28,7 +28,7 @@ struct Table {
     std::vector<double*> rows;
 };
 
-// Rows in one block, the table's first one behind `skipped` others.
+// Rows in one block; the table's first row comes after `skipped` others.
 std::vector<double*> rowsIn(std::vector<double>& block, int n, int skipped) {
     std::vector<double*> rows(static_cast<size_t>(n));
     for (int row = 0; row < n; ++row) rows[static_cast<size_t>(row)] = block.data() + (row + skipped) % n * n;
@@ -72,8 +72,8 @@ TEST(CosineTransform, IsOneTransformOfTheWholeTable) {
     EXPECT_NEAR(second[1], 0, 1e-12);
 }
 
-// The values of a table do not depend on where its rows lie.
-TEST(CosineTransform, RowsMayLieOneBehindTheOther) {
+// The results do not depend on the positions of the rows in memory.
+TEST(CosineTransform, RowsMayBeContiguous) {
     Random random(675);
     for (int n = 1; n <= 9; ++n)
         for (const int direction : {0, -1}) {

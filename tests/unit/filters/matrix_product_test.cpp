@@ -12,7 +12,7 @@
 
 namespace {
 
-// A stored matrix with some elements behind each row (column, if column-major).
+// A stored matrix with some elements after each row (column, if column-major).
 struct Stored {
     Stored(Random& random, bool rowMajor, int rows, int columns)
         : rowMajor(rowMajor), leading((rowMajor ? columns : rows) + random.between(0, 3)) {

@@ -148,7 +148,7 @@ TEST(DeosNrRGB, ReadsAndWritesNoByteTooMany) {
             }
 }
 
-TEST(DeosNrRGB, AnswersBadArgumentsInItsOrder) {
+TEST(DeosNrRGB, ChecksArgumentsInOrder) {
     Random random(656);
     const GuardedImage src(random, {8, 5}, {3, 0, 0, 0});
     GuardedImage dst(random, {8, 5}, {3, 0, 0, 0});

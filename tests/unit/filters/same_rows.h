@@ -1,4 +1,4 @@
-// Whether two images hold the same bytes in their regions, and where not.
+// Compares the regions of two images and reports the first difference.
 #pragma once
 
 #include <gtest/gtest.h>

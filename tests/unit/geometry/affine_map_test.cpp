@@ -1,4 +1,4 @@
-// Positions against the definition, and the limits of what fixed point can hold, each by itself.
+// Positions compared with the definition, and each limit of the fixed-point range.
 #include "geometry/affine_map.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ AffineMap mapOf(const Matrix& m) {
     return AffineMap::inverseOf(parts);
 }
 
-// The map that takes target pixels by exactly these parts: as each is a power of two or zero, so is its inverse.
+// The map of target pixels with exactly these parts. Each is a power of two or zero, and so is its inverse.
 AffineMap scaled(double xx, double yy, double x0, double y0) {
     return mapOf({1 / xx, 0, -x0 / xx, 0, 1 / yy, -y0 / yy});
 }
@@ -102,7 +102,7 @@ TEST(AffineMap, IsTameUpToItsLimitInEachPart) {
         }
 }
 
-// Halves go to the even neighbour, in each of the two parts by itself.
+// Halves are rounded to even, in each of the two parts.
 TEST(AffineMap, RoundsHalvesToEven) {
     const auto columnAfter = [](double offset) { return scaled(1, 1, offset, 0).row(0).x - 16; };
     EXPECT_EQ(columnAfter(0.5 / 1024), 0);

@@ -1,4 +1,4 @@
-// The three deskew functions by one signature.
+// The three deskew functions with one signature.
 #pragma once
 
 #include "OPCV_dlib.h"

@@ -1,4 +1,4 @@
-// Which arguments the deskew functions refuse, and that a failure leaves the slot empty.
+// The arguments that the deskew functions reject; a failure leaves the slot empty.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -60,7 +60,7 @@ TEST_P(DeskewStatus, DepthsThatAreRefused) {
     for (const int depth : {0, 1, 16, 40, 9, -8, 256 + 8, 256 + 24, 32767}) {
         page_.described().depth = static_cast<int16_t>(depth);
         expectFailure(GetParam(), good(), rotateFailedErr);
-        // A null pointer is told before a bad depth.
+        // A null pointer is reported before a bad depth.
         DeskewArguments a = good();
         if (GetParam() == DeskewFunction::kWhole) a.src = nullptr;
         a.crop = nullptr;
@@ -149,7 +149,7 @@ TEST(Deskew, RefusesAnglesThatGiveNoShift) {
     }
 }
 
-TEST(Deskew, WhatOpenCVThrowsLeavesTheSlotEmpty) {
+TEST(Deskew, OpenCVExceptionsLeaveTheSlotEmpty) {
     // One pixel too long for a warp.
     Random random(338);
     TestPage page(random, {32767, 1}, 8);
@@ -159,7 +159,7 @@ TEST(Deskew, WhatOpenCVThrowsLeavesTheSlotEmpty) {
 }
 
 // What the crop shows around the page counts.
-TEST(DeskewEx, WhatOpenCVThrowsLeavesTheSlotEmpty) {
+TEST(DeskewEx, OpenCVExceptionsLeaveTheSlotEmpty) {
     Random random(339);
     TestPage page(random, {20, 10}, 8);
     for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}, {-32757, 0, 3, 3}, {0, -32747, 3, 3}}) {
@@ -173,7 +173,7 @@ TEST(DeskewEx, WhatOpenCVThrowsLeavesTheSlotEmpty) {
     const RecordPtr owner(slot);
 }
 
-TEST(DeskewWithPoint, WhatOpenCVThrowsLeavesTheSlotEmpty) {
+TEST(DeskewWithPoint, OpenCVExceptionsLeaveTheSlotEmpty) {
     Random random(340);
     TestPage page(random, {20, 10}, 8);
     for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}}) {

@@ -125,7 +125,7 @@ TEST(DeskewWithPoint, MakesThePointTheFirstPixel) {
     }
 }
 
-TEST(Deskew, WithoutTurnGivesThePageBack) {
+TEST(Deskew, ZeroAngleReturnsThePage) {
     Random random(324);
     for (const int depth : kDepths) {
         TestPage page(random, {61, 17}, depth);
@@ -146,7 +146,7 @@ TEST(Deskew, CornersTakeTheFillOfTheDepth) {
                 TestPage page(random, {40, 40}, depth);
                 KVIMG* turned = nullptr;
                 KVRect crop = {0, 0, 40, 40};
-                // The point of the third function lies on the page's left edge, outside it above.
+                // The point of the third function is on the page's left edge, above the page.
                 ASSERT_EQ(deskew(function, {page.record(), page.description(), &turned, &crop, 45},
                                  static_cast<unsigned char>(white), 0, -30),
                           noErr);

@@ -25,7 +25,7 @@ void expectTurned(TestPage& page, double angle, int degreesClockwise) {
     ASSERT_EQ(turned->depth, page.depth());
     ASSERT_EQ(turned->rowBytes, rowBytesOf(turned->width, page.depth()));
     ASSERT_EQ(turned->size, turned->rowBytes * turned->height);
-    // The view's rows lie whole pixels apart.
+    // The rows of the view are whole pixels apart.
     const int pixelSize = page.pixelSize();
     const int pitch = page.pixels().step() / pixelSize * pixelSize;
     for (int y = 0; y < turned->height; ++y)
@@ -151,7 +151,7 @@ TEST(QuarterTurn, PositiveAngleTurnsClockwise) {
     for (int x = 0; x < 40; ++x) EXPECT_EQ(turned->data[x], *page.pixels().at(0, 39 - x));
 }
 
-TEST(QuarterTurn, FourQuartersGiveThePageBack) {
+TEST(QuarterTurn, FourQuarterTurnsRestoreThePage) {
     Random random(345);
     for (const int depth : kDepths) {
         TestPage page(random, {53, 38}, depth);
@@ -219,7 +219,7 @@ TEST_F(QuarterTurnStatus, NullArguments) {
     EXPECT_TRUE(page_.untouched());
 }
 
-TEST_F(QuarterTurnStatus, AnglesThatAreNoQuarterTurn) {
+TEST_F(QuarterTurnStatus, OtherAngles) {
     for (const double angle :
          {0.0,   1.0,   89.9,   -89.9, 91.0,   -91.0, 179.9,        -179.9,        181.0, 269.9, -269.9,
           271.0, 360.0, -360.0, 450.0, -450.0, 1e9,   4294967386.0, -4294967206.0, 1e300, -1e300})
@@ -230,7 +230,7 @@ TEST_F(QuarterTurnStatus, AnglesThatAreNoQuarterTurn) {
     EXPECT_TRUE(page_.untouched());
 }
 
-TEST_F(QuarterTurnStatus, PointerThenDepthThenAngleThenRecordThenRows) {
+TEST_F(QuarterTurnStatus, ChecksPointersThenDepthThenAngleThenRecordThenRows) {
     page_.described() = {-40, 30, 0, 0, 0, 16};
     page_.mutableRecord().rowBytes = 3;
     expectFailure(nullptr, page_.description(), 1, paramErr);

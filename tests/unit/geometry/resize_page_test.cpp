@@ -75,7 +75,7 @@ TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
         }
 }
 
-// A block of source bytes holds what neighbouring results read up to a reduction of its own for each depth.
+// A block of source bytes is large enough for neighbouring results up to some reduction, which depends on the depth.
 TEST(ResizePage, ReducesByAnyRatioLikeOpenCV) {
     Random random(605);
     for (const int depth : {8, 24, 32}) {
@@ -202,7 +202,7 @@ TEST(ResizePage, RefusesPagesThatDoNotFitTheirRows) {
     EXPECT_EQ(resizeIntoUsedSlot(&withoutPixels, 1, 2), paramErr);
 }
 
-TEST(ResizePage, SizesThatCannotBeHadAreOutOfMemory) {
+TEST(ResizePage, TooLargeSizesAreOutOfMemory) {
     Random random(609);
     const RecordPtr page = makePage(random, 1000, 10, 8);
     // In range for each side but not for the product; a side just beyond int; far beyond; infinite.

@@ -203,7 +203,7 @@ TEST(ResizePlaced, RefusesBadArguments) {
     for (const int step : {23, 0, -40}) EXPECT_EQ(callOn(source.data(), 20, target.data(), step), ippStsBadArgErr);
 }
 
-// A shift that leaves no column is refused even where the difference would leave the type.
+// A shift that leaves no column is rejected, even if the difference overflows.
 TEST(ResizePlaced, RefusesRectanglesThatLeaveTheType) {
     Random random(624);
     const GuardedImage source(random, {20, 6}, {});
@@ -270,8 +270,8 @@ TEST(ResizeColour, EqualSizesAreCopiedWhateverTheFactors) {
     EXPECT_EQ(firstDifferentRow(target, viewOf(source, CV_8UC3)(cv::Rect(5, 5, 40, 10))), -1);
 }
 
-// A packed row is taken to be as long as the whole pixels that the step holds.
-TEST(ResizeColour, StepsThatAreNoMultipleOf3MoveFurtherRowsBack) {
+// The length of a packed row is step / pixel size whole pixels.
+TEST(ResizeColour, StepsNotAMultipleOf3DisplaceRows) {
     Random random(633);
     const std::vector<uint8_t> source = [&] {
         std::vector<uint8_t> bytes(size_t{62} * 12);

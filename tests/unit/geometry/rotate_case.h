@@ -1,4 +1,4 @@
-// A turn drawn at random, and its result beside that of the plain OpenCV calls.
+// A random rotation, and its result compared with that of plain OpenCV calls.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -44,7 +44,7 @@ struct RotateCase {
         const int y = random.between(0, size.height - 1);
         return {x, y, random.between(1, size.width - x), random.between(1, size.height - y)};
     }
-    // Mostly whole pixels behind a row; sometimes a remainder, by which each further row then moves.
+    // Row padding: mostly whole pixels; sometimes a remainder, which displaces each row further.
     int anyStep(Random& random, IppiSize size) const {
         const int padding = random.chance(50) ? 0 : channels * random.between(1, 40);
         return size.width * channels + padding + (random.chance(20) ? random.between(0, channels - 1) : 0);

@@ -1,5 +1,5 @@
-// Rotation where positions, centres and sides reach the end of what fixed point can hold: the bytes are OpenCV's, and so
-// is the refusal of images that are too long.
+// Rotation at the limits of fixed-point positions, centres and sides: the bytes equal OpenCV's, and images that are too
+// long throw OpenCV's exception.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -75,7 +75,7 @@ TEST(RotateCenter, BreaksTiesOfPositionsLikeOpenCV) {
     }
 }
 
-// About 2^19 pixels of offset the direct way ends; each axis gets there by itself.
+// The direct method is limited to offsets of about 2^19 pixels; each axis is tested separately.
 TEST(RotateCenter, TakesFarCentresOnEachAxis) {
     for (const int type : {CV_8UC1, CV_8UC3, CV_8UC4}) {
         Picture picture({61, 23}, type);

@@ -1,4 +1,4 @@
-// Where the way that computes only the target's pixels just applies, and where it just does not.
+// The limits of the method that computes only the target's pixels.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -41,9 +41,9 @@ Bytes anyBytes(unsigned seed, size_t count) {
     return bytes;
 }
 
-// A group's last column may fall behind by one pixel. At these angles it does so exactly, in groups of 8, 16 and 32 bytes
-// of each pixel size.
-TEST(Rotate, IsTheFrameOfOpenCVCallsWhereGroupsBecomeSmaller) {
+// The last column of a group may be behind by one pixel. At these angles it is behind by exactly one, in groups of 8,
+// 16 and 32 bytes of each pixel size.
+TEST(Rotate, EqualsOpenCVCallsWhereGroupsBecomeSmaller) {
     constexpr IppiSize kSize = {131, 23};
     for (const int channels : {1, 3, 4})
         for (const int group : {8, 16, 32})
@@ -64,9 +64,9 @@ TEST(Rotate, IsTheFrameOfOpenCVCallsWhereGroupsBecomeSmaller) {
             }
 }
 
-// Some positions of these turns lie so close to the middle between two of the grid that one rounding more or less in
+// Some positions of these rotations are so close to the middle between two grid positions that a single rounding in
 // their sums decides.
-TEST(Rotate, IsTheFrameOfOpenCVCallsCloseToTies) {
+TEST(Rotate, EqualsOpenCVCallsCloseToTies) {
     constexpr IppiSize kSize = {131, 23};
     Bytes source = anyBytes(391, size_t{131} * 23 * 4);
     const Place from = {source.data(), kSize};

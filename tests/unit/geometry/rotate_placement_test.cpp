@@ -1,4 +1,4 @@
-// Where a turn puts each pixel, and what it shows where the source has none.
+// The position of each pixel after a rotation, and the values where the source has no pixel.
 #include <gtest/gtest.h>
 
 #include <algorithm>

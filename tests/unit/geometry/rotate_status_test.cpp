@@ -1,4 +1,4 @@
-// Which arguments a turn refuses, and that it then writes nothing.
+// The arguments that a rotation rejects; it then writes nothing.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -15,7 +15,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// Everything that a status depends on, good until a test spoils it.
+// All arguments that affect the status, valid until a test changes them.
 struct Call {
     IppiSize srcSize = {20, 10};
     int srcStep = 20;
@@ -162,7 +162,7 @@ TEST_F(RotateStatus, ShiftBeyondTheRangeOfInt) {
 }
 
 TEST_F(RotateStatus, WorkImageBeyondTheRangeOfInt) {
-    // The shift itself fits; region or rectangle behind it do not.
+    // The shift itself fits; the region or the rectangle, moved by it, does not.
     Call c;
     c.xShift = 2147483520.0;
     c.srcSize.width = c.srcRoi.width = 200;

@@ -18,7 +18,7 @@ using Bytes = std::vector<uint8_t>;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-TEST(Rotate, IsTheFrameOfOpenCVCalls) {
+TEST(Rotate, EqualsOpenCVCalls) {
     Random random(301);
     for (int round = 0; round < 1200; ++round) {
         RotateCase c(random, round % 2 == 0 ? 20 : 120);
@@ -26,7 +26,7 @@ TEST(Rotate, IsTheFrameOfOpenCVCalls) {
     }
 }
 
-TEST(RotateCenter, IsTheFrameOfOpenCVCalls) {
+TEST(RotateCenter, EqualsOpenCVCalls) {
     Random random(302);
     for (int round = 0; round < 1200; ++round) {
         RotateCase c(random, round % 2 == 0 ? 20 : 120);
@@ -38,7 +38,7 @@ TEST(RotateCenter, IsTheFrameOfOpenCVCalls) {
 }
 
 // Large enough for several strips of columns, for bands of rows and for groups of every kind.
-TEST(Rotate, IsTheFrameOfOpenCVCallsOnLargeImages) {
+TEST(Rotate, EqualsOpenCVCallsOnLargeImages) {
     Random random(313);
     for (int round = 0; round < 24; ++round) {
         RotateCase c(random, 1000);
@@ -56,7 +56,7 @@ TEST(Rotate, IsTheFrameOfOpenCVCallsOnLargeImages) {
 }
 
 // Groups of neighbouring bytes become smaller as the angle grows, at some angle for each pixel size.
-TEST(Rotate, IsTheFrameOfOpenCVCallsAtEveryAngle) {
+TEST(Rotate, EqualsOpenCVCallsAtEveryAngle) {
     Random random(314);
     for (const int channels : {1, 3, 4})
         for (int step = -250; step <= 250; ++step) {
@@ -69,7 +69,7 @@ TEST(Rotate, IsTheFrameOfOpenCVCallsAtEveryAngle) {
         }
 }
 
-TEST(Rotate, IsTheFrameOfOpenCVCallsOnTheLongestRows) {
+TEST(Rotate, EqualsOpenCVCallsOnTheLongestRows) {
     Random random(315);
     for (const int channels : {1, 3})
         for (const double angle : {0.001, -0.002, 0.01, 5.0}) {
@@ -182,7 +182,7 @@ TEST(Rotate, TakesAnyPixelTypeAndAngle) {
     }
 }
 
-TEST(Rotate, LeavesImagesThatAreTooLongToOpenCV) {
+TEST(Rotate, PassesImagesThatAreTooLongToOpenCV) {
     Bytes row(32766, 7);
     Bytes out(32766, 1);
     EXPECT_EQ(ippiRotate(row.data(), {32766, 1}, 32766, {0, 0, 32766, 1}, out.data(), 32766, {0, 0, 32766, 1}, 0, 0, 0,

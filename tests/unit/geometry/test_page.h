@@ -1,4 +1,4 @@
-// A page of random pixels with its description, and what the page routines are compared with.
+// A page of random pixels with its description, and the expected results of the page functions.
 #pragma once
 
 #include <vector>
@@ -11,10 +11,10 @@
 
 class TestPage {
 public:
-    // `rowRemainder` bytes make the rows' length no multiple of the pixel size.
+    // `rowRemainder` bytes make the row length not a multiple of the pixel size.
     TestPage(Random& random, IppiSize size, int depth, int rowRemainder = 0)
         : pixels_(random, size, layoutOf(random, depth, rowRemainder), random.anyValues()),
-          // What the routines must not look at is wrong.
+          // Fields that the functions must not use are wrong.
           record_{pixels_.data(), 77, size.width + 3, size.height - 2, pixels_.step(), 1},
           recordBefore_(record_),
           description_{size.width, size.height, 300, 301, 302, static_cast<int16_t>(depth)},

@@ -1,4 +1,4 @@
-// Angles so large that their sine depends on how they are brought below 180 degrees, and what a refusal leaves behind.
+// Angles so large that their sine depends on how they are brought below 180 degrees, and the state after a failure.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -41,7 +41,7 @@ TEST(Unite, WrapsLargeAnglesOnce) {
     }
 }
 
-TEST(Unite, WrapsNoNegativeAngle) {
+TEST(Unite, DoesNotWrapNegativeAngles) {
     Random random(382);
     TestPage page(random, kPage, 8);
     for (const double angle : {-1e15, -3e15, -7.7e14}) {

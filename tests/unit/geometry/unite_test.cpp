@@ -132,7 +132,7 @@ TEST(Unite, CornersAreWhiteExceptOnGrey) {
 }
 
 TEST(Unite, RowsOf24BitsArePaddedInTheRecordButCopiedByWholePixels) {
-    // 101 pixels are 303 bytes, 304 in the record; 304 bytes hold 101 pixels, so that the copy's rows lie 303 apart.
+    // 101 pixels are 303 bytes, 304 in the record; 304 bytes hold 101 pixels, so the copy's rows are 303 bytes apart.
     Random random(354);
     TestPage page(random, {101, 5}, 24);
     KVImageHeader to = canvasOf({101, 5}, 24);
@@ -262,7 +262,7 @@ TEST_F(UniteStatus, PixelPointerIsSetBeforeTheTurn) {
 }
 
 // One pixel too long for a warp.
-TEST_F(UniteStatus, WhatOpenCVThrowsLeavesTheSlotAlone) {
+TEST_F(UniteStatus, OpenCVExceptionsLeaveTheSlotUnchanged) {
     KVImageHeader canvas = to();
     canvas.depth = 8;
     canvas.width = 32768;

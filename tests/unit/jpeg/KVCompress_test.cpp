@@ -187,7 +187,7 @@ TEST(KVCompress, StoresTheUnitAsAByte) {
     }
 }
 
-TEST(KVCompress, AppendsBehindWhatTheVectorHolds) {
+TEST(KVCompress, AppendsToTheVector) {
     const unsigned char pixel = 9;
     Bytes alone;
     Bytes behind = {1, 2, 3};

@@ -24,7 +24,7 @@ struct Result {
     Bytes stream;
 };
 
-// A record over a guarded image, and a description with resolutions of its own.
+// A record over a guarded image, and a description with resolutions.
 struct Fixture {
     explicit Fixture(int depth, unsigned seed = 1, IppiSize size = {37, 29})
         : random(seed),
@@ -163,7 +163,7 @@ TEST(CompressJPEG, WritesLargeStreamsWhole) {
     EXPECT_EQ(result.stream, f.expected(f.settings(95, true, 1, 300, 300)));
 }
 
-TEST(CompressJPEG, HandsOutABlockOfTheStreamsSize) {
+TEST(CompressJPEG, ReturnsABlockOfTheStreamsSize) {
     Fixture f(24, 5, {500, 400});
     void* data = nullptr;
     unsigned size = 0;
@@ -209,7 +209,7 @@ TEST(CompressBuffers, AppendLikeLibjpeg) {
     }
 }
 
-TEST(CompressBuffers, SayThatAnEncodingFailed) {
+TEST(CompressBuffers, ReportThatEncodingFailed) {
     const Bytes pixels(70000);
     Bytes out;
     EXPECT_FALSE(CompressGray2Gray444(pixels.data(), 0, 1, 65501, out, 50, 1, 1, true));

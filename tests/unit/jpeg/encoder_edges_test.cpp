@@ -1,4 +1,4 @@
-// The encoder where its work buffer ends with the stream, and with one table of its own.
+// The encoder with a work buffer that ends with the stream, and with one custom table.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -39,7 +39,7 @@ TEST(KVCompress, WritesABufferThatEndsWithTheStreamOnce) {
     for (const int bufferSize : {length - 1, length, length + 1}) EXPECT_EQ(encodedThrough(bufferSize), expected);
 }
 
-// The missing one of luma is not made anew: it stays at libjpeg's quality of 75.
+// The missing luma table is not replaced: it keeps libjpeg's quality of 75.
 TEST(KVCompress, TakesATableForChromaAlone) {
     Bytes stream;
     KVCompress encoder;

@@ -11,7 +11,7 @@
 
 namespace {
 
-// A directory entry of 12 bytes. `value` stands in its last four, a short one in the first two of them.
+// A directory entry of 12 bytes. `value` is in its last four, a short one in the first two of them.
 struct Entry {
     unsigned tag;
     unsigned type;
@@ -67,7 +67,7 @@ Bytes blockOf(const std::vector<Entry>& entries, bool littleEndian = false) {
     return writer.bytes;
 }
 
-// The payload as an APP1 segment behind the start of the image.
+// The payload as an APP1 segment after the start of the image.
 Bytes withApp1(Bytes stream, const Bytes& payload) {
     const size_t length = payload.size() + 2;
     Bytes segment = {0xFF, 0xE1, static_cast<uint8_t>(length / 256), static_cast<uint8_t>(length % 256)};
@@ -120,7 +120,7 @@ TEST(ExifOrientation, ABrokenEntryInFrontHidesIt) {
         EXPECT_EQ(orientationOf(blockOf({{tag, 4, 1, far, false}, orientationEntry(6)})), 6U) << tag;
 }
 
-// The value of an entry in front ends with the block, or one byte behind it.
+// The value of an earlier entry ends with the block, or one byte after it.
 TEST(ExifOrientation, ValuesMayReachTheEndOfTheBlock) {
     struct Kind {
         unsigned tag;
@@ -197,7 +197,7 @@ TEST(ReadJPEG, TheFirstApp1SegmentCounts) {
     EXPECT_EQ(read(bogus).image->width, 7);
     expectAsOpenCV(bogus, "bogus length", 0);
 
-    Bytes behind = stored;    // behind the scan's header
+    Bytes behind = stored;    // after the scan's header
     const Bytes app1 = withApp1({0xFF, 0xD8}, turned);
     behind.insert(behind.end() - 2, app1.begin() + 2, app1.end());
     EXPECT_EQ(read(behind).image->width, 12);

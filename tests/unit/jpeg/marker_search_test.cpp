@@ -15,7 +15,7 @@ size_t markerAt(const uint8_t* bytes, size_t count) {
     return count;
 }
 
-// Bytes between a position and the end of a page that nothing can be read behind.
+// Bytes from a position to the end of a memory page that is followed by an inaccessible one.
 void expectFound(FencedMemory& block, size_t begin, const char* what) {
     const uint8_t* from = block.data() + begin;
     const size_t count = block.size() - begin;
@@ -23,7 +23,7 @@ void expectFound(FencedMemory& block, size_t begin, const char* what) {
         << what << ", " << count << " bytes";
 }
 
-TEST(FindMarker, StopsAt255WithNo0BehindIt) {
+TEST(FindMarker, StopsAtAnUnstuffed255) {
     Random random(17);
     FencedMemory block(200, FencedMemory::Fence::kBehind);
     for (int round = 0; round < 200; ++round) {
@@ -49,7 +49,7 @@ TEST(FindMarker, FindsTheOnlyOneAnywhere) {
     }
 }
 
-TEST(FindMarker, FindsNoneAmong255sWith0Behind) {
+TEST(FindMarker, FindsNoneAmongStuffed255s) {
     FencedMemory block(150, FencedMemory::Fence::kBehind);
     for (size_t i = 0; i < block.size(); ++i) block.data()[i] = i % 2 == 0 ? 255 : 0;
     for (size_t begin = 0; begin <= block.size(); ++begin) expectFound(block, begin, "escaped");

@@ -192,7 +192,7 @@ TEST(ReadJPEG, CutStreamsGiveTheDecodersPartialPageOrAreRefused) {
     EXPECT_GT(partial, 30);
 }
 
-// Streams of every kind, ended behind each of their bytes.
+// Streams of every kind, truncated after each of their bytes.
 TEST(ReadJPEG, EveryCutOfAStreamGivesTheDecodersPartialPageOrIsRefused) {
     Random random(29);
     const Bytes pixels = drawing(random, 36, 27, 3);
@@ -227,7 +227,7 @@ TEST(ReadJPEG, EveryCutOfAStreamGivesTheDecodersPartialPageOrIsRefused) {
     }
 }
 
-// Every length up to the coded data. No byte behind the stream is read.
+// Every length up to the coded data. No byte after the stream is read.
 TEST(ReadJPEG, EveryCutOfTheHeadersIsRefused) {
     const Bytes whole = colour(16, 16);
     size_t scan = 0;
@@ -300,7 +300,7 @@ TEST(ReadJPEG, RefusesOtherFormats) {
     }
 }
 
-// A header that claims more pixels than memory holds is refused by its claim.
+// A header that claims more pixels than memory can hold is rejected before decoding.
 TEST(ReadJPEG, RefusesAHeaderThatClaimsTooMuch) {
     const Bytes stream = {0xFF, 0xD8, 0xFF, 0xC0, 0, 11, 8, 0xFF, 0xDC, 0xFF, 0xDC, 1,    0,   0x11,
                           0,    0xFF, 0xDA, 0,    8, 1,  0, 0,    0,    63,   0,    0xFF, 0xD9};

@@ -45,7 +45,7 @@ StreamSurvey survey(const Bytes& stream) {
 
 int scansOf(const Bytes& stream) { return survey(stream).scans; }
 
-TEST(StreamSurvey, TellsTheFrameAndTheScans) {
+TEST(StreamSurvey, FindsTheFrameAndTheScans) {
     const StreamSurvey s = survey(chain({kStart, frame(), scan(), kEnd}));
     EXPECT_EQ(s.width, 772);
     EXPECT_EQ(s.height, 258);
@@ -75,13 +75,13 @@ TEST(StreamSurvey, MarkersWithinSegmentsAreData) {
     EXPECT_EQ(s.scans, 0);
 }
 
-TEST(StreamSurvey, CodedDataIsSteppedOver) {
+TEST(StreamSurvey, CodedDataIsSkipped) {
     const Bytes coded = {1, 0xFF, 0x00, 0xDA, 0xFF, 0xD0, 7,    0xFF, 0xD7,
                          7, 0xFF, 0x00, 0xFF, 0x02, 0xFF, 0xD8, 0xFF, 0xBF};
     EXPECT_EQ(scansOf(chain({kStart, frame(), scan(), coded, scan(), coded, kEnd})), 2);
 }
 
-TEST(StreamSurvey, FillBytesMayStandInFrontOfAMarker) {
+TEST(StreamSurvey, FillBytesMayPrecedeAMarker) {
     const Bytes fill(5, 0xFF);
     EXPECT_EQ(scansOf(chain({kStart, frame(), fill, scan(), {9, 9}, fill, scan(), kEnd})), 2);
     EXPECT_EQ(scansOf(chain({kStart, frame(), scan(), fill})), 1);
@@ -102,7 +102,7 @@ TEST(StreamSurvey, ALengthThatDoesNotCountItselfIsEmpty) {
     }
 }
 
-TEST(StreamSurvey, NeverReadsBehindTheStream) {
+TEST(StreamSurvey, NeverReadsPastTheStream) {
     const Bytes whole = chain({kStart, segment(0xE1, Bytes(9, 'x')), frame(), scan(), {1, 0xFF, 0, 2}, scan(), kEnd});
     const size_t frameEnds = 2 + 13 + 13;
     const size_t firstScanEnds = frameEnds + 10;
@@ -126,7 +126,7 @@ TEST(StreamSurvey, FindsTheFirstApp1SegmentInFrontOfTheScans) {
     EXPECT_EQ(surveyStream(behind.data(), behind.size()).exif, nullptr);
 }
 
-// A grey progressive page of this many scans (64 to 127): each coefficient has a scan of its own, and the first of them
+// A grey progressive page of this many scans (64 to 127): one scan for each coefficient, and for the first of them
 // a second one that refines it.
 Bytes scanned(int scans, int width, int height) {
     std::vector<jpeg_scan_info> script;
@@ -162,7 +162,7 @@ TEST(ReadJPEG, AHundredScansAreReadAndOneMoreIsRefused) {
     }
 }
 
-// Thousands of scans for a page of 2^30 pixels: nobody waits for it.
+// Thousands of scans for a page of 2^30 pixels are rejected before decoding.
 TEST(ReadJPEG, ABombOfScansIsRefusedAtOnce) {
     Bytes stream = chain({kStart, segment(0xC2, {8, 0x80, 0, 0x80, 0, 1, 0, 0x11, 0})});
     const Bytes empty = segment(0xDA, {1, 0, 0, 1, 63, 0});
@@ -194,7 +194,7 @@ Bytes withComponents(Bytes stream, uint8_t components) {
     return stream;
 }
 
-TEST(ReadJPEG, RefusesNumbersOfComponentsThatAreNoPage) {
+TEST(ReadJPEG, RefusesOtherNumbersOfComponents) {
     const Bytes claimed = claiming(30000, 30000);
     for (const uint8_t components : Bytes{0, 2, 5, 255}) {
         EXPECT_EQ(read(withComponents(claimed, components)).status, paramErr) << int{components};

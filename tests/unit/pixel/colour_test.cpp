@@ -28,7 +28,7 @@ struct Direction {
     oracle::Triple (*exact)(const uint8_t*);
     oracle::RealTriple (*real)(const uint8_t*);
 
-    // Without it a failure is told by the bytes of the structure, some of which are padding.
+    // Without it, failure messages print the bytes of the structure, including padding.
     friend std::ostream& operator<<(std::ostream& out, const Direction& d) { return out << d.name; }
 };
 
@@ -103,8 +103,8 @@ TEST_P(Colour, ConvertsInPlace) {
     }
 }
 
-// A packed row is taken to be as long as the whole pixels that the step holds.
-TEST_P(Colour, StepsThatAreNoMultipleOf3MoveFurtherRowsBack) {
+// The length of a packed row is step / pixel size whole pixels.
+TEST_P(Colour, StepsNotAMultipleOf3DisplaceRows) {
     Random random(503);
     const GuardedImage from(random, {17, 4}, {});
     GuardedImage to(random, {20, 4}, {});
@@ -196,7 +196,7 @@ TEST(PlanarColour, ConvertsWhereSourceAndDestinationOverlap) {
     const cv::Mat packed(size.height, size.width, CV_8UC3, const_cast<uint8_t*>(source.data()),
                          static_cast<size_t>(source.step()));
     for (const size_t shift : {size_t{0}, size_t{1}, area, 3 * area - 1}) {
-        // Planes one behind the other, the first of them somewhere in the packed image.
+        // Planes one after the other, the first of them somewhere in the packed image.
         std::vector<uint8_t> memory(6 * area);
         cv::Mat image(size.height, size.width, CV_8UC3, memory.data());
         packed.copyTo(image);
@@ -236,7 +236,7 @@ TEST(PlanarColour, GreyHasNoChroma) {
 
 // The packed image between the two steps comes first, so that a size that it cannot have is reported as no memory,
 // before any pointer is looked at.
-TEST(PlanarColour, SizesThatCannotBeHadAreOutOfMemory) {
+TEST(PlanarColour, TooLargeSizesAreOutOfMemory) {
     Random random(514);
     GuardedPlanes planes(random, {16, 2});
     GuardedImage packed(random, {16, 2}, {3});

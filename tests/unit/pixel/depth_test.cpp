@@ -76,8 +76,8 @@ TEST(Depth, SaturatesBelow0AndAbove255) {
     EXPECT_EQ(narrow, (std::vector<uint8_t>{0, 0, 128, 255}));
 }
 
-// A row is taken to be as long as the whole pixels that the step holds.
-TEST(Depth, OddStepsOf16BitImagesMoveEachFurtherRowBackByAByte) {
+// The length of a row is step / pixel size whole pixels.
+TEST(Depth, OddStepsOf16BitImagesDisplaceRows) {
     Random random(203);
     const IppiSize size = {5, 4};
     const int oddStep = 13;

@@ -45,7 +45,7 @@ TEST(PlaneLayout, MergesPlanes) {
     }
 }
 
-TEST(PlaneLayout, SplittingAndMergingGivesBackTheImage) {
+TEST(PlaneLayout, SplittingAndMergingRestoresTheImage) {
     Random random(403);
     for (const IppiSize size : {IppiSize{517, 40}, {640, 480}}) {
         const GuardedImage packed(random, size, GuardedImage::anyLayout(random, 3));
@@ -59,8 +59,8 @@ TEST(PlaneLayout, SplittingAndMergingGivesBackTheImage) {
     }
 }
 
-// A packed row is taken to be as long as the whole pixels that the step holds.
-TEST(PlaneLayout, StepsThatAreNoMultipleOf3MoveFurtherRowsBack) {
+// The length of a packed row is step / pixel size whole pixels.
+TEST(PlaneLayout, StepsNotAMultipleOf3DisplaceRows) {
     Random random(404);
     const IppiSize size = {5, 4};
     const int step = 17;

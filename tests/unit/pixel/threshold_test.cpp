@@ -40,7 +40,7 @@ TEST(Threshold, ReplacesLikeTheDefinition8Bit) {
     }
 }
 
-// Any step is allowed, odd ones as well, and negative ones walk upwards.
+// Any step is allowed, including odd ones; with negative ones the rows go upwards.
 TEST(Threshold, ReplacesLikeTheDefinition16Bit) {
     Random random(302);
     for (int round = 0; round < 1000; ++round) {
@@ -91,7 +91,7 @@ TEST(Threshold, ReadsAndWritesNoByteTooMany) {
         }
 }
 
-// The first row stands at the bottom.
+// The first row is at the bottom.
 TEST(Threshold, NegativeStepsWalkUpwards) {
     std::vector<short> words = {1, 2, 3, 4, 5, 6, 7, 8};
     EXPECT_EQ(IPPShare_ippiThreshold_LTVal_16s_C1IR(words.data() + 4, -8, {4, 2}, 2, 9), ippStsNoErr);

@@ -49,7 +49,7 @@ protected:
                 << "row " << y;
     }
 
-    // Steps that are no multiple of the pixel size, too.
+    // Also steps that are not a multiple of the pixel size.
     GuardedImage::Layout anyLayout(Random& random, int margin) const {
         return {filter().pixelSize, margin, random.between(0, 17), random.between(0, 31)};
     }

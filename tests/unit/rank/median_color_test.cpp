@@ -45,7 +45,7 @@ TEST(MedianColor, TakesTheMiddleOfARamp) {
     EXPECT_EQ(colorMedianOf(ramp), (Color{40, 40, 40}));
 }
 
-TEST(MedianColor, TakesTheFirstOfEqualsInRasterOrder) {
+TEST(MedianColor, TakesTheFirstOfEqualSumsInRasterOrder) {
     const std::array<Color, 9> thirdAndCentre = {{{0, 20, 30},
                                                   {30, 10, 0},
                                                   {10, 0, 20},

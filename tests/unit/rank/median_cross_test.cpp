@@ -25,7 +25,7 @@ TEST(MedianCross, ReadsNoCorner) {
         for (int width = 1; width <= 100; ++width) {
             const int step = width + 2 * reach;
             const int from = reach;                                // the first row's first needed byte
-            const int end = step * (2 * reach) + reach + width;    // one behind the last row's last
+            const int end = step * (2 * reach) + reach + width;    // one past the last byte of the last row
             FencedMemory behind(static_cast<size_t>(end), FencedMemory::Fence::kBehind);
             FencedMemory inFront(static_cast<size_t>(end - from), FencedMemory::Fence::kInFront);
             std::vector<uint8_t> result(static_cast<size_t>(width));

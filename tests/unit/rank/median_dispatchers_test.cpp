@@ -36,7 +36,7 @@ IppiPoint cellOfLargeCross(int i) {
 }
 
 // Every window of black and white pixels. A network of minimum and maximum that is right for these is right for all.
-TEST_P(FixedWindow, IsRightForEveryBlackAndWhiteWindow) {
+TEST_P(FixedWindow, IsCorrectForEveryBlackAndWhiteWindow) {
     Random random(203);
     const int side = 2 * filter().reach + 1;
     const IppiSize size = {512 * side, 1};
@@ -55,7 +55,8 @@ TEST_P(FixedWindow, IsRightForEveryBlackAndWhiteWindow) {
     ASSERT_NO_FATAL_FAILURE(expectLikeTheDefinition(source, result));
 }
 
-// The source's last byte is the last one a window holds, the destination's the last one written; likewise the first.
+// The source ends with the last byte of a window, the destination with the last byte written; and both begin with the
+// first.
 TEST_P(FixedWindow, ReadsAndWritesNoByteTooMany) {
     Random random(204);
     const int reach = filter().reach;

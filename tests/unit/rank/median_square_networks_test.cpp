@@ -1,4 +1,4 @@
-// The merging networks under the square medians, over every way that black and white can be spread in a window.
+// The merging networks of the square medians, for every distribution of black and white in a window.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kLargestKernel = 9;    // larger masks are OpenCV's
+constexpr int kLargestKernel = 9;    // larger masks use OpenCV
 
 // All windows of m columns with any number of ones each, when the base is m + 1: a cyclic sequence that holds every
 // tuple once (Fredricksen, Kessler and Maiorana).
@@ -61,7 +61,7 @@ void expectMajority(Random& random, int m, const std::vector<uint8_t>& whites) {
     }
 }
 
-TEST(SquareMedianNetworks, AreRightForEveryWindowOfSortedColumns) {
+TEST(SquareMedianNetworks, AreCorrectForEveryWindowOfSortedColumns) {
     Random random(312);
     for (const int m : {3, 5, 7}) {
         std::vector<uint8_t> word(static_cast<size_t>(m) + 1, 0);
@@ -72,7 +72,7 @@ TEST(SquareMedianNetworks, AreRightForEveryWindowOfSortedColumns) {
     }
 }
 
-TEST(SquareMedianNetworks, AreRightForWindowsThatAreNearlyEven) {
+TEST(SquareMedianNetworks, AreCorrectForWindowsThatAreNearlyEven) {
     Random random(313);
     for (int m = 3; m <= kLargestKernel; m += 2) {
         std::vector<uint8_t> whites;

@@ -90,7 +90,8 @@ TEST_P(SquareMedian, FiltersLikeOpenCV) {
     for (const int width : {2047, 2048, 2049, 2480}) ASSERT_NO_FATAL_FAILURE(filterAny(random, {width, 3}, 1, false));
 }
 
-// The source's last byte is the last one a window holds, the destination's the last one written; likewise the first.
+// The source ends with the last byte of a window, the destination with the last byte written; and both begin with the
+// first.
 TEST_P(SquareMedian, ReadsAndWritesNoByteTooMany) {
     Random random(303);
     for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
@@ -142,7 +143,7 @@ TEST_P(SquareMedian, OneSharedByteIsAnOverlap) {
     }
 }
 
-// Rows lie a whole number of pixels apart, whatever the step says.
+// Rows are a whole number of pixels apart, for any step.
 TEST_P(SquareMedian, DropsTheRemainderOfTheStep) {
     Random random(305);
     const IppiSize size = {11, 4};
@@ -324,7 +325,7 @@ TEST(SquareMedianTypes, OtherTypesGoThroughOpenCV) {
     }
 }
 
-TEST(SquareMedianTypes, WhatOpenCVCannotFilterThrows) {
+TEST(SquareMedianTypes, UnsupportedTypesThrow) {
     Random random(311);
     const GuardedImage source(random, {10, 4}, {4, 4, 0, 0});
     GuardedImage result(random, {10, 4}, {4, 0, 0, 0});
@@ -335,7 +336,7 @@ TEST(SquareMedianTypes, WhatOpenCVCannotFilterThrows) {
     };
     EXPECT_THROW(call(CV_32SC1, 3, result.data()), cv::Exception);
     EXPECT_THROW(call(CV_16SC1, 7, result.data()), cv::Exception);
-    // The filter runs before the destination is looked at, but after the checks of the source.
+    // The filter runs before the destination is checked, but after the source is checked.
     EXPECT_THROW(call(CV_32SC1, 3, nullptr), cv::Exception);
     EXPECT_EQ(call(CV_32SC1, 4, nullptr), ippStsBadArgErr);
     EXPECT_TRUE(result.untouched());

@@ -15,7 +15,7 @@ std::vector<int> run(const Network& network, std::vector<int> wires, int outputs
         int& low = wires.at(static_cast<size_t>(step.low));
         int& high = wires.at(static_cast<size_t>(step.high));
         const auto sorted = std::minmax({low, high});
-        // What is not computed is poison.
+        // Values that are not computed are poison.
         low = step.keepLow ? sorted.first : -1;
         high = step.keepHigh ? sorted.second : -1;
     }

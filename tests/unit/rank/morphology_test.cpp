@@ -165,7 +165,8 @@ TEST_P(Morphology, FiltersLikeOpenCV) {
     }
 }
 
-// The source's last byte is the last one a window holds, the destination's the last one written; likewise the first.
+// The source ends with the last byte of a window, the destination with the last byte written; and both begin with the
+// first.
 TEST_P(Morphology, ReadsAndWritesNoByteTooMany) {
     Random random(404);
     for (const auto fence : {FencedMemory::Fence::kBehind, FencedMemory::Fence::kInFront})
@@ -208,7 +209,7 @@ TEST(MorphologyMask, ReadsNoPixelThatNoCellSelects) {
     }
 }
 
-// What OpenCV filters, it filters within the windows, though the caller's rows go on beside them.
+// Masks that OpenCV filters also read only the windows, although the caller's rows continue beside them.
 TEST_P(Morphology, ReadsNoByteTooManyByOpenCV) {
     Random random(405);
     const IppiSize side = {65, 65};
@@ -251,7 +252,7 @@ TEST_P(Morphology, OneSharedByteIsAnOverlap) {
     }
 }
 
-// Two columns and rows more than the kernel needs have to be there.
+// Two more columns and rows than the kernel needs are required.
 TEST_P(Morphology, TakesAnEvenMaskWithAnOffCentreAnchor) {
     Random random(410);
     constexpr IppiSize kSize = {33, 5};
@@ -322,7 +323,7 @@ INSTANTIATE_TEST_SUITE_P(Filters, Morphology,
                                          Filter{"Max", true, false}, Filter{"Min", false, false}),
                          [](const auto& info) { return info.param.name; });
 
-TEST(MorphologyMask, ThatIsFullGivesTheMaximumAndTheMinimum) {
+TEST(MorphologyMask, FullGivesTheMaximumAndTheMinimum) {
     Random random(411);
     const IppiSize size = {90, 6};
     const Mask mask = Mask::full({3, 3});
@@ -370,8 +371,8 @@ TEST(MorphologyMask, IsNotTurned) {
     EXPECT_EQ(result, 1);
 }
 
-// A mask that selects nothing is OpenCV's affair, one of a single cell included.
-TEST(MorphologyMask, ThatIsAllZeroDoesWhatOpenCVDoes) {
+// For a mask that selects nothing, the result is OpenCV's, even with a single cell.
+TEST(MorphologyMask, AllZeroDoesWhatOpenCVDoes) {
     Random random(408);
     const IppiSize size = {20, 7};
     for (const IppiSize side : {IppiSize{1, 1}, {3, 3}, {2, 5}})

@@ -53,7 +53,7 @@ Calls callsOfRow(ptrdiff_t width) {
 Calls byteRow(ptrdiff_t width) { return callsOfRow<uint8_t>(width); }
 Calls floatRow(ptrdiff_t width) { return callsOfRow<float>(width); }
 
-// Increments in place: a column that comes twice, or a byte beside the row, would show.
+// Increments in place, which detects columns that are processed twice and writes outside the row.
 void incrementOnce(uint8_t* bytes, ptrdiff_t width) {
     row::coverRowOnce(kTag<uint8_t>, width, [&](auto d, ptrdiff_t x) HWY_ATTR {
         hn::StoreU(hn::Add(hn::LoadU(d, bytes + x), hn::Set(d, uint8_t{1})), d, bytes + x);
@@ -144,7 +144,7 @@ TEST(Row, EndsWithAVectorThatIsPulledBack) {
         EXPECT_EQ(HWY_DYNAMIC_DISPATCH(floatRow)(width), expectedOfRow(width, floats)) << width;
 }
 
-TEST(Row, IsCopiedWithNothingBesideIt) {
+TEST(Row, CopyWritesNothingElse) {
     const ptrdiff_t lanes = HWY_DYNAMIC_DISPATCH(byteLanes)();
     for (ptrdiff_t width = 0; width <= 2 * lanes + 1; ++width) {
         const auto size = static_cast<size_t>(width);
@@ -167,7 +167,7 @@ void expectEachColumnOnce(ptrdiff_t width, const Increment& increment) {
     EXPECT_EQ(values, expected) << width;
 }
 
-TEST(Row, ReachesEachColumnOnceWhereThatIsAskedFor) {
+TEST(Row, CoversEachColumnOnce) {
     const auto bytes = [](uint8_t* row, ptrdiff_t width) { HWY_DYNAMIC_DISPATCH(incrementOnce)(row, width); };
     for (ptrdiff_t width = 0; width <= 2 * HWY_DYNAMIC_DISPATCH(byteLanes)() + 1; ++width)
         expectEachColumnOnce<uint8_t>(width, bytes);
@@ -194,7 +194,7 @@ TEST(Row, LeavesTheRestToTheCaller) {
         }
 }
 
-TEST(Row, RunsOnPastTheEndByLessThanABlock) {
+TEST(Row, RunsPastTheEndByLessThanABlock) {
     for (const ptrdiff_t block : kBlocks)
         for (ptrdiff_t width = 0; width <= 2 * block + 1; ++width) {
             Calls expected;
