@@ -33,6 +33,7 @@
 #include <hwy/highway.h>
 
 #include "simd/row-inl.h"
+#include "simd/vector_size-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
@@ -368,7 +369,7 @@ void rotateByPixel(const RotationJob& job, int firstRow, int endRow) {
 }
 
 void rotate(const RotationJob& job, int firstRow, int endRow) {
-    const hn::ScalableTag<uint8_t> full;
+    const opcv::HWY_NAMESPACE::RotationTag<uint8_t> full;
     const hn::CappedTag<uint8_t, 16> half;
     const hn::CappedTag<uint8_t, kSmallestGroup> quarter;
     if (groupsFit(full, job)) return rotateInGroups(full, job, firstRow, endRow);

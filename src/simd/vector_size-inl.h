@@ -23,6 +23,9 @@ template <class T>
 using AtMost32Bytes = hn::CappedTag<T, 32 / sizeof(T)>;
 
 template <class T>
+using RotationTag = AtMost32Bytes<T>;    // 1.2 for grey at 8 degrees and for colour at 7: 64 bytes span too many rows
+
+template <class T>
 using BilateralTag = AtMost32Bytes<T>;    // 1.65: each weight is looked up by itself, from a block that was just stored
 
 }    // namespace HWY_NAMESPACE
