@@ -1,5 +1,5 @@
-// Bilateral filter of one 8-bit channel. Neighbourhoods of 3x3 and 5x5 pixels run directly from the source to the
-// destination, or from a copy of the source if the destination shares bytes with it. Other sizes are OpenCV's.
+// Bilateral filter of one 8-bit channel. The library's kernels filter 3x3 and 5x5 pixels, from a copy of the
+// source if the destination overlaps it. OpenCV filters other sizes.
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 

@@ -7,9 +7,9 @@
 //                                          . e d e .
 //                                          . . d . .
 //
-// The sums are floats. Their order is part of the result: the cells in raster order, each product added fused; in the last
-// (width of the view) mod 8 columns of the view, four cells at a time instead. This is what OpenCV does on x86-64 with
-// AVX2, whose vectors hold eight floats. Every processor does the same here.
+// The sums are floats. Their order is part of the result: the cells in raster order, each product added with fused
+// multiply-add; in the last (width of the view) mod 8 columns of the view, four cells at a time instead. This equals
+// OpenCV on x86-64 with AVX2, whose vectors hold eight floats. All processors compute it in this way.
 //
 // The region is filtered in strips, from a copy of the source rows under the window. Only the pixels within the radius
 // are read.
@@ -193,8 +193,8 @@ private:
     float pairWeights_[W::kWeightRows][kPitch];
 };
 
-// One pixel of the last columns, summed four cells at a time: the first and third, the second and fourth, then both sums.
-// The cell that is left is added fused.
+// One pixel of the last columns, summed four cells at a time: the first and third, the second and fourth, then both
+// sums. The remaining cell is added with fused multiply-add.
 template <int kRadius>
 uint8_t meanInFours(const BilateralRegion& region, const BilateralWeights& weights, const uint8_t* centre) {
     using W = Window<kRadius>;

@@ -1,6 +1,6 @@
-// Convolution of a whole packed 24-bit image with a square float kernel, one for all channels or one for each. The ring
-// along the edges, where the kernel would leave the image, is left out.
-// Three kernels run over the packed pixels in one pass.
+// Convolution of a whole packed 24-bit image with a square float kernel, one for all channels or one for each. The
+// outermost pixels, where the kernel would extend beyond the image, are not filtered.
+// Three kernels are applied to the packed pixels in one pass.
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -27,7 +27,7 @@ std::optional<Inside> insideOf(IppiSize size, int radius) {
         {size.width - 2 * radius, size.height - 2 * radius}, {2 * radius + 1, 2 * radius + 1}, {radius, radius}};
 }
 
-// The kernels turned by 180 degrees. They come in the reverse order of the channels.
+// The kernels, turned by 180 degrees. They are in the reverse order of the channels.
 void findTaps(const float* kernels, const Inside& inside, filters::Taps& taps) {
     const size_t cells = inside.cells();
     taps.rows = inside.kernel.height;

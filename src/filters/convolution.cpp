@@ -6,10 +6,10 @@
 //     first column of the view = anchor.x - 2 * half    (half = kernel width / 2, rows likewise)
 //     first column of the region in the result = half
 //
-// Pixels of 8-bit and 16-bit integers, in any number of channels, are filtered by the library's own kernels, from a copy of
-// the source if the destination shares bytes with it. Their sums are defined to the last bit (convolution_kernels.cpp), so
-// the result depends on no version of OpenCV. For usual kernels it is what OpenCV gives; from 50 or 130 cells on OpenCV may
-// transform the image instead and differ by one. Other types of pixels are OpenCV's.
+// The library's kernels filter pixels of 8-bit and 16-bit integers, in any number of channels, from a copy of the
+// source if the destination overlaps it. Their sums are defined to the last bit (convolution_kernels.cpp), so the
+// result does not depend on the version of OpenCV. For usual kernels it equals OpenCV's; with 50 or 130 cells or more
+// OpenCV may transform the image instead and differ by one. OpenCV filters all other pixel types.
 #include <opencv2/imgproc.hpp>
 #include <type_traits>
 
@@ -75,12 +75,12 @@ OSErr filterDirectly(const filters::SourceApart& view, const cv::Mat& kernel, cv
     }
 }
 
-// From this number of cells on, OpenCV may take a Fourier transform.
+// With this number of cells or more, OpenCV may use a Fourier transform.
 constexpr size_t kFewestTransformed = 50;
 
-// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, past the caller's last row as well. With it, OpenCV
-// takes a large view for one that is as wide as its rows, and its transform; so that is kept to the small kernels. The
-// border itself never reaches the region.
+// Without BORDER_ISOLATED, OpenCV reads the pixels around a view, even past the caller's last row. With it, OpenCV
+// treats every view as one that is as wide as its rows and may use its Fourier transform, so only small kernels set it.
+// The border itself never affects the region.
 int borderFor(const cv::Mat& kernel) {
     return kernel.total() < kFewestTransformed ? cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED : cv::BORDER_REFLECT_101;
 }

@@ -1,14 +1,15 @@
 // Convolution by the definition: each result is the rounded, saturated sum of pixel x weight over the kernel's cells in
-// raster order. The sum is a 32-bit float; it starts at 0, and each product is added fused. Sums round to the nearest
-// integer, halves to even; a sum that is NaN, which only weights of NaN or infinity give, becomes the type's least value.
+// raster order. The sum is a 32-bit float; it starts at 0, and each product is added with fused multiply-add. Sums are
+// rounded to the nearest integer, halves to even. NaN, which results only from weights of NaN or infinity, becomes the
+// least value of the type.
 //
-// The region is filtered in as few strips of columns as the scratch has room for. The source rows of a window are converted
-// to floats once, into a ring of rows:
+// The region is filtered in strips of columns, as wide as fits into the scratch memory. The source rows of a window are
+// converted to floats once, into a ring of rows:
 //
 //     ring row (y + j) mod rows:  | element 0 | 1 | 2 | ... | strip | reach |     j = 0 .. rows - 1
 //                                       |<-- tap -->| read at element + tap.element
 //
-// Only the window's own pixels are read.
+// Only pixels of the windows are read.
 #include "filters/convolution_kernels.h"
 
 #include <algorithm>
@@ -29,11 +30,11 @@ namespace {
 
 constexpr size_t kMostLanes = 16;    // of floats, on any target
 
-// What a kernel needs beside source and destination.
+// The scratch memory of a kernel.
 struct Scratch {
     float* ring;
     size_t ringFloats;
-    const float** reads;    // for each tap, where it reads in the ring
+    const float** reads;    // for each tap, its position in the ring
     float* weights;         // for each tap, three vectors, if elements differ in weight
 };
 

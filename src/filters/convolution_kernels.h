@@ -9,8 +9,8 @@
 
 namespace filters {
 
-// One cell of a turned kernel: what it reads, counted from the window's first row and element, and its weight for the
-// three elements of a pixel (or of any three in a row, if all elements have the same weight).
+// One cell of a turned kernel: the row and element that it reads, counted from the first of the window, and its weight
+// for the three elements of a pixel (or for any three adjacent elements, if all have the same weight).
 struct Tap {
     int row;
     int element;
@@ -33,7 +33,7 @@ struct Shape {
     int rows;
 };
 
-// Steps are in bytes; source and destination share no byte. False if allocating scratch for a large kernel fails.
+// Steps are in bytes; source and destination must not overlap. False if allocating scratch for a large kernel fails.
 bool convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps);
 bool convolve16u(const uint16_t* src, ptrdiff_t srcStep, uint16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps);
 bool convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps);

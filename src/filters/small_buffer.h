@@ -1,4 +1,4 @@
-// A block of scratch that lies in the object, or on the heap if it is larger.
+// Scratch memory inside the object, or on the heap if it is larger.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// A source that shares no byte with its destination.
+// A source that does not overlap its destination.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace filters {
 
-// The rows of a view, or of a copy if the destination shares bytes with the view.
+// The rows of a view, or of a copy if the destination overlaps the view.
 class SourceApart {
 public:
     SourceApart(const cv::Mat& view, const cv::Mat& destination)

@@ -1,4 +1,4 @@
-// Float arithmetic that gives the same bits on every target. Included once a target by the kernel files.
+// Float arithmetic with the same bits on every target. Kernel files include this once per target.
 #if defined(OPCV_DLIB_SIMD_EXACT_FLOAT_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef OPCV_DLIB_SIMD_EXACT_FLOAT_INL_H
 #undef OPCV_DLIB_SIMD_EXACT_FLOAT_INL_H
@@ -26,8 +26,9 @@ HWY_INLINE V fusedMulAdd(D /*d*/, V a, V b, V c) {
 
 #else
 
-// The sum of two doubles, rounded to odd: cut off, with the last bit set if anything was lost. Rounding that to a float
-// gives what rounding the exact sum gives (Boldo and Melquiond, "Emulation of a FMA and correctly rounded sums", 2008).
+// The sum of two doubles, rounded to odd: truncated, with the last bit set if anything was lost. Rounding this to a
+// float gives the same result as rounding the exact sum (Boldo and Melquiond, "Emulation of a FMA and correctly rounded
+// sums", 2008).
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE V sumRoundedToOdd(D d, V a, V b) {
     const hn::RebindToSigned<D> bits;
