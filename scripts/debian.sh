@@ -24,11 +24,13 @@ debian_tree() {
 # in_debian RELEASE COMMAND...: runs in that tree, with these sources in the same folder, but with a separate build
 # folder.
 in_debian() {
-    local folder=$PWD/build/debian/$1 ccache=
+    local folder=$PWD/build/debian/$1 ccache='' propagation=private
     shift
+    # In a chroot the root is not a mount point, so its propagation cannot be changed.
+    as_root unshare --mount --propagation private true 2>/dev/null || propagation=unchanged
     ! command -v ccache >/dev/null || ccache=$(ccache --get-config cache_dir)
     # shellcheck disable=SC2016
-    as_root unshare --mount --propagation private bash -euc '
+    as_root unshare --mount --propagation "$propagation" bash -euc '
         folder=$1 tree=$2 ccache=$3
         shift 3
         root=$folder/root
