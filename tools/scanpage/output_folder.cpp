@@ -6,6 +6,7 @@
 #include <cstring>
 #include <limits>
 #include <stdexcept>
+#include <system_error>
 
 #include "unnamed_file.h"
 
