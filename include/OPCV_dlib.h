@@ -682,8 +682,12 @@ OPCV_DLIB_API OSErr CompressJPEGWithIPPEx(const KVIMG* image, KVImageDescription
 /// truncated stream gives the rows that it holds, the last of them repeated to the bottom. The following streams are
 /// rejected: streams of another format (which do not begin with FF D8 FF), streams of more than 2^31 - 1 bytes, images
 /// of more than 2^30 pixels or with a side above 65500, streams without a frame or scan header or with more than 100
-/// scans, and streams of which no row can be decoded. Rows of the new record are packed (width or 3 x width bytes); it
-/// is released with `DisposeKVIMG`.
+/// scans, streams whose scans are too much work, and streams of which no row can be decoded. Rows of the new record are
+/// packed (width or 3 x width bytes); it is released with `DisposeKVIMG`.
+///
+/// The work is the number of samples that all scans code (width times height, in whole blocks, for each component of
+/// each scan) plus 2 for each byte of the stream. At most 2^33 are read; if the coding is arithmetic, 2^29. Within these
+/// limits a stream still takes up to a minute of one processor. `OPCV_dlib_read.h` has functions with tighter limits.
 /// @{
 
 /// Reads a JPEG stream into a new record: depth 8 if it is grey, otherwise 24 in the order red, green, blue.

@@ -6,11 +6,12 @@ namespace {
 
 constexpr int kMaxSide = 65500;    // libjpeg's
 
-// Limits on decoding time. Huffman decoding is also limited by the length of the stream, because every coefficient
-// takes bits. Arithmetic decoding is not: a few bytes are enough for a whole scan, so it has a tighter limit, on the
-// components of all scans.
-constexpr int64_t kMaxScannedPixels = int64_t{1} << 33;
-constexpr int64_t kMaxArithmeticSamples = int64_t{1} << 29;
+// Bounds of the time that decoding can take. A unit of work is a sample in a scan: 5 ns for Huffman's coding, 100 ns for
+// arithmetic coding, which also decodes them from next to no bytes. What the samples hold costs time as well, up to twice
+// that for each byte. docs/reliability.md has the measurements.
+constexpr int64_t kMaxHuffmanWork = int64_t{1} << 33;
+constexpr int64_t kMaxArithmeticWork = int64_t{1} << 29;
+constexpr int64_t kWorkOfAByte = 2;
 
 bool isJpeg(const unsigned char* stream, size_t length) {
     return length >= 3 && stream[0] == 0xFF && stream[1] == 0xD8 && stream[2] == 0xFF;
@@ -22,44 +23,55 @@ bool holdsAPage(const StreamSurvey& stored) {
            stored.height <= kMaxSide && stored.scans > 0;
 }
 
-bool exceeds(const ReadLimits& limits, const StreamSurvey& stored) {
-    const int64_t pixels = int64_t{stored.width} * stored.height;
-    if (pixels > limits.pixels || stored.scans > limits.scans) return true;
-    return stored.arithmetic ? pixels * stored.scannedComponents > kMaxArithmeticSamples
-                             : pixels * stored.scans > kMaxScannedPixels;
+// The image in units that hold a block or more of each component. Sampling factors that libjpeg refuses count as 1.
+struct Units {
+    static constexpr int64_t kBlock = 8;
+    static int64_t factor(int stated) {
+        constexpr int kMost = 4;
+        return std::clamp(stated, 1, kMost);
+    }
+
+    explicit Units(const StreamSurvey& stored) {
+        for (int i = 0; i < stored.components; ++i) {
+            widest = std::max(widest, factor(stored.sampling[static_cast<size_t>(i)].horizontal));
+            tallest = std::max(tallest, factor(stored.sampling[static_cast<size_t>(i)].vertical));
+        }
+        across = (stored.width - 1) / (kBlock * widest) + 1;
+        down = (stored.height - 1) / (kBlock * tallest) + 1;
+    }
+
+    int64_t paddedWidth() const { return across * widest * kBlock; }
+    int64_t samples() const { return paddedWidth() * down * tallest * kBlock; }    // of the largest component
+
+    int64_t widest = 1;    // blocks
+    int64_t tallest = 1;
+    int64_t across = 0;
+    int64_t down = 0;
+};
+
+bool exceeds(const ReadLimits& limits, const StreamSurvey& stored, size_t length) {
+    if (int64_t{stored.width} * stored.height > limits.pixels || stored.scans > limits.scans) return true;
+    const int64_t work =
+        Units(stored).samples() * stored.scannedComponents + kWorkOfAByte * static_cast<int64_t>(length);
+    return work > (stored.arithmetic ? kMaxArithmeticWork : kMaxHuffmanWork);
 }
 
-int64_t roundedUp(int64_t value, int64_t multiple) { return (value + multiple - 1) / multiple * multiple; }
-
-// libjpeg allocates some rows of blocks for each component and for the page, and all coefficients if the stream has
-// several scans. Sampling factors that libjpeg rejects count as 1.
+// libjpeg holds some rows of blocks of each component and of the page, and all coefficients of a stream of several
+// scans.
 int64_t bytesToDecode(const StreamSurvey& stored, int channels) {
-    constexpr int kBlock = 8;
     constexpr int64_t kBytesOfABlock = 128;    // coefficients
     constexpr int64_t kRowGroups = 10;         // of a block row and its neighbours
     constexpr int64_t kStripRows = 16;         // see decode.cpp
     constexpr int64_t kTablesAndPools = 1 << 17;
-    const auto factor = [](int stated) {
-        constexpr int kMost = 4;
-        return std::clamp(stated, 1, kMost);
-    };
-    int64_t widest = 1;
-    int64_t tallest = 1;
-    for (int i = 0; i < stored.components; ++i) {
-        widest = std::max<int64_t>(widest, factor(stored.sampling[static_cast<size_t>(i)].horizontal));
-        tallest = std::max<int64_t>(tallest, factor(stored.sampling[static_cast<size_t>(i)].vertical));
-    }
-    const int64_t columns =
-        roundedUp(stored.width, kBlock * widest) / (kBlock * widest);    // of units of all components
-    const int64_t rows = roundedUp(stored.height, kBlock * tallest) / (kBlock * tallest);
+    const Units units(stored);
     const bool keepsCoefficients = stored.progressive || stored.componentsOfFirstScan < stored.components;
     int64_t bytes = kTablesAndPools + kStripRows * stored.width * std::max(channels, stored.components);
     for (int i = 0; i < stored.components; ++i) {
         const StreamSurvey::Sampling& sampling = stored.sampling[static_cast<size_t>(i)];
-        const int64_t across = columns * factor(sampling.horizontal);
-        const int64_t down = rows * factor(sampling.vertical);
-        bytes += kRowGroups * factor(sampling.vertical) * across * kBlock;    // decoded rows
-        bytes += tallest * columns * widest * kBlock;                         // the same, upsampled
+        const int64_t across = units.across * Units::factor(sampling.horizontal);
+        const int64_t down = units.down * Units::factor(sampling.vertical);
+        bytes += kRowGroups * Units::factor(sampling.vertical) * across * Units::kBlock;    // decoded rows
+        bytes += units.tallest * units.paddedWidth();                                       // the same, upsampled
         if (keepsCoefficients) bytes += down * (across * kBytesOfABlock + static_cast<int64_t>(sizeof(void*)));
     }
     return bytes;
@@ -94,5 +106,5 @@ Outcome inspectStream(const unsigned char* stream, size_t length, const ReadLimi
     }
     page.channels = stored.components == 1 ? 1 : 3;
     page.decoderBytes = bytesToDecode(stored, page.channels);
-    return exceeds(limits, stored) ? Outcome::kOverLimit : Outcome::kDone;
+    return exceeds(limits, stored, length) ? Outcome::kOverLimit : Outcome::kDone;
 }

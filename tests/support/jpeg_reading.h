@@ -11,21 +11,10 @@
 #include <vector>
 
 #include "oracle/jpeg.h"
+#include "oracle/jpeg_decoding.h"
+#include "support/jpeg_drawing.h"
 #include "support/random.h"
 #include "support/reading.h"
-
-using Bytes = std::vector<uint8_t>;
-
-// A page of soft shapes and some noise, so that every stage of a decoder affects the result.
-inline Bytes drawing(Random& random, int width, int height, int components) {
-    cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), cv::Scalar(200, 190, 170));
-    for (int i = 0; i < 6; ++i)
-        cv::circle(image, {random.between(0, width), random.between(0, height)}, random.between(1, 1 + width / 3),
-                   cv::Scalar(random.byte(), random.byte(), random.byte()), cv::FILLED);
-    Bytes bytes(image.data, image.data + image.total() * image.elemSize());
-    for (uint8_t& b : bytes) b = static_cast<uint8_t>(std::clamp(b + random.between(-9, 9), 0, 255));
-    return bytes;
-}
 
 inline Bytes anyStream(Random& random, int components, int width, int height) {
     oracle::JpegSettings settings;
@@ -45,6 +34,16 @@ inline Bytes colour(int width, int height) {
     return anyStream(random, 3, width, height);
 }
 
+// Progressive, by OpenCV.
+inline Bytes foreignStreamOf(int components, int width, int height) {
+    Random random(13);
+    const Bytes pixels = drawing(random, width, height, components);
+    const cv::Mat image(height, width, CV_MAKETYPE(CV_8U, components), const_cast<uint8_t*>(pixels.data()));
+    Bytes stream;
+    cv::imencode(".jpg", image, stream, {cv::IMWRITE_JPEG_PROGRESSIVE, 1});
+    return stream;
+}
+
 // A stream written by OpenCV: progressive, optimised, with restart markers, or otherwise unlike the library's.
 inline Bytes foreignStream(Random& random, int components, int width, int height) {
     const Bytes pixels = drawing(random, width, height, components);
@@ -55,15 +54,6 @@ inline Bytes foreignStream(Random& random, int components, int width, int height
         {cv::IMWRITE_JPEG_QUALITY, random.between(5, 98), cv::IMWRITE_JPEG_PROGRESSIVE, random.between(0, 1),
          cv::IMWRITE_JPEG_OPTIMIZE, random.between(0, 1), cv::IMWRITE_JPEG_RST_INTERVAL, random.between(0, 3)});
     return stream;
-}
-
-// An APP1 segment with an orientation, after the start of the image.
-inline Bytes withOrientation(const Bytes& stream, uint8_t orientation) {
-    const Bytes exif = {0xFF, 0xE1, 0,    34,   'E', 'x', 'i', 'f', 0, 0, 'M', 'M',         0, 42, 0, 0, 0, 8,
-                        0,    1,    0x01, 0x12, 0,   3,   0,   0,   0, 1, 0,   orientation, 0, 0,  0, 0, 0, 0};
-    Bytes all = stream;
-    all.insert(all.begin() + 2, exif.begin(), exif.end());
-    return all;
 }
 
 inline cv::Mat decodeWithOpenCV(const Bytes& stream, int flags) {
@@ -98,6 +88,11 @@ inline void expectSame(const Reading& r, const cv::Mat& expected, const char* wh
     ASSERT_EQ(r.description.horizontalResolution, 300);
     ASSERT_EQ(r.description.verticalResolution, 600);
     ASSERT_EQ(r.description.reserved, 77);
+}
+
+inline cv::Mat asMatrix(const oracle::DecodedStream& page) {
+    return cv::Mat(page.height, page.width, CV_MAKETYPE(CV_8U, page.channels), const_cast<uint8_t*>(page.pixels.data()))
+        .clone();
 }
 
 inline void expectUntouched(const Reading& r) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
+#include <optional>
 #include <vector>
 
 #include "OPCV_dlib.h"
@@ -170,6 +171,18 @@ TEST(ReadJPEG, RefusesMissingArguments) {
     EXPECT_EQ(description.width, 0);
 }
 
+// OpenCV's decoder is no oracle for these: before 4.11 it leaves the rows behind the last one as its memory was, or
+// repeats that row, as its version has it.
+void expectTheRowsOf(const Bytes& stream, int orientation, int round) {
+    const Reading r = read(stream);
+    const std::optional<oracle::DecodedStream> expected = oracle::decodeStream(stream);
+    if (expected)
+        expectSame(r, asMatrix(oracle::turned(*expected, orientation)), "cut", round);
+    else
+        expectUntouched(r);
+    ASSERT_EQ(r.status, expected ? noErr : paramErr) << round;
+}
+
 TEST(ReadJPEG, CutStreamsGiveTheDecodersPartialPageOrAreRefused) {
     Random random(23);
     int partial = 0;
@@ -180,14 +193,8 @@ TEST(ReadJPEG, CutStreamsGiveTheDecodersPartialPageOrAreRefused) {
         Bytes stream = random.chance(50) ? anyStream(random, components, width, height)
                                          : foreignStream(random, components, width, height);
         stream.resize(static_cast<size_t>(random.between(1, static_cast<int>(stream.size()))));
-        const Reading r = read(stream);
-        const cv::Mat expected = decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR);
-        if (r.status == paramErr && holdsNoRow(expected)) {
-            expectUntouched(r);
-            continue;
-        }
-        expectSame(r, expected, "cut", round);
-        partial += r.status == noErr;
+        expectTheRowsOf(stream, 1, round);
+        partial += read(stream).status == noErr;
     }
     EXPECT_GT(partial, 30);
 }
@@ -211,16 +218,12 @@ TEST(ReadJPEG, EveryCutOfAStreamGivesTheDecodersPartialPageOrIsRefused) {
     int kind = 0;
     for (const Bytes& whole : streams) {
         int partial = 0;
+        const int orientation = kind == 4 ? 6 : kind == 5 ? 3 : 1;
         for (size_t length = 1; length <= whole.size(); ++length) {
             const Bytes stream(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(length));
-            const Reading r = read(stream);
-            const cv::Mat stored = decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR | cv::IMREAD_IGNORE_ORIENTATION);
-            if (r.status == paramErr && holdsNoRow(stored)) {
-                expectUntouched(r);
-                continue;
-            }
-            expectSame(r, decodeWithOpenCV(stream, cv::IMREAD_ANYCOLOR), "cut behind", static_cast<int>(length));
-            partial += r.status == noErr;
+            // Before the whole orientation is there the stream has no scan either.
+            expectTheRowsOf(stream, orientation, static_cast<int>(length));
+            partial += read(stream).status == noErr;
         }
         EXPECT_GT(partial, &whole == &streams[2] ? 0 : 30) << "stream " << kind;
         ++kind;
