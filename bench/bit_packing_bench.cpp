@@ -56,6 +56,13 @@ void compareBitPacking() {
         }
 }
 
+const bench::Goals goals({
+    {"IPPShare_ippiReduceBits_8u1u_C1R", "offset 0", 1.5, bench::Goal::kMemcpy},
+    {"IPPShare_ippiReduceBits_8u1u_C1R", "offset 3", 1.5, bench::Goal::kMemcpy},
+    {"IPPShare_ippiConvert_1u8u_C1R", "offset 0", 1.5, bench::Goal::kMemcpy},
+    {"IPPShare_ippiConvert_1u8u_C1R", "offset 3", 1.5, bench::Goal::kMemcpy},
+});
+
 const bench::Registration registration("Bit packing", compareBitPacking);
 
 }    // namespace

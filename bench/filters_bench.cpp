@@ -177,6 +177,29 @@ void compareFilters() {
         }
 }
 
+const bench::Goals goals({
+    {"IPPShare_ippiFilter_8u_C1R", "3x3", 0.47},
+    {"IPPShare_ippiFilter_8u_C1R", "5x5", 0.47},
+    {"IPPShare_ippiFilter_8u_C3R", "3x3", 0.47},
+    {"IPPShare_ippiFilter_8u_C3R", "5x5", 0.47},
+    {"IPPShare_ippiFilter_16s_C1R", "3x3", 0.2},
+    {"IPPShare_ippiFilter_16s_C1R", "5x5", 0.2},
+    {"IPPMini_ippiFilter32f_8u_C3R", "3x3", 0.47},
+    {"IPPMini_ippiFilter32f_8u_C3R", "5x5", 0.47},
+    {"IPPMini_ippiFilterBox_8u_C3IR", "3x3", 0.32},
+    {"IPPMini_ippiFilterBox_8u_C3IR", "5x5", 0.3},
+    {"Convolution24", "3x3", 0.5},
+    {"Convolution24", "5x5", 0.5},
+    {"Convolution24MonoFilter", "3x3", 0.5},
+    {"Convolution24MonoFilter", "5x5", 0.5},
+    {"OPCV_ippiFilterBilateral_8u_C1R", "3x3", 0.5},
+    {"OPCV_ippiFilterBilateral_8u_C1R", "5x5", 0.75},
+    {"DeosNr", "3x3", 0.5},
+    {"DeosNr", "5x5", 0.75},
+    {"DeosNrRGB", "3x3", 0.6},
+    {"DeosNrRGB", "5x5", 0.8},
+});
+
 const bench::Registration registration("Linear filters and noise reduction", compareFilters);
 
 }    // namespace

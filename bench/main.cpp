@@ -116,6 +116,9 @@ public:
              << '\t' << figures.ratio << '\t' << figures.copy << '\t' << figures.ratioToCopy << '\t'
              << figures.oursHeap.most << '\t' << figures.oursHeap.blocks << '\t' << figures.plainHeap.most << '\t'
              << figures.plainHeap.blocks;
+        const Goal* goal = goalOf(subject);
+        line << '\t' << (goal ? std::to_string(goal->ratio) : "") << '\t'
+             << (goal && goal->beside == Goal::kMemcpy ? "memcpy" : "");
         lines_[name] = line.str();
     }
 
@@ -125,7 +128,7 @@ public:
         std::ofstream out(file_);
         out << "name\theading\tfunction\tvariant\tsize\tthreads\tread\twritten\tours\tplain_"
                "name\tplain\tratio\tmemcpy\t"
-               "ratio_memcpy\theap\tblocks\tplain_heap\tplain_blocks\n";
+               "ratio_memcpy\theap\tblocks\tplain_heap\tplain_blocks\tgoal\tgoal_beside\n";
         for (const Comparison& comparison : comparisons())
             for (const int threads : threadCounts) {
                 const auto line = lines_.find(nameOf(comparison, threads));

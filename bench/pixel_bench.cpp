@@ -190,6 +190,16 @@ void comparePixelConversion() {
     }
 }
 
+const bench::Goals goals({
+    {"IPPShare_ippiThreshold_LTVal_8u_C1IR", "", 0.6, bench::Goal::kMemcpy},
+    {"IPPShare_ippiThreshold_LTVal_16s_C1IR", "", 0.6, bench::Goal::kMemcpy},
+    {"IPPShare_ippiSet_8u_C1R", "", 1.05, bench::Goal::kMemcpy},
+    {"IPPShare_ippiRGBToYUV_8u_C3R", "", 0.8},
+    {"IPPShare_ippiYUVToRGB_8u_C3R", "", 0.8},
+    {"IPPMini_ippiRGBToYUV_8u_C3P3R", "", 0.5},
+    {"IPPMini_ippiYUVToRGB_8u_P3C3R", "", 0.4},
+});
+
 const bench::Registration registration("Depth, thresholds, fill, colour and planes", comparePixelConversion);
 
 }    // namespace

@@ -191,6 +191,27 @@ void compareWindowsOfAnySize() {
 }
 
 const bench::Registration fixedWindows("Medians with a fixed window", compareFixedWindows);
+const bench::Goals goals({
+    {"IPPShare_ippiFilterMedianCross_8u_C1R", "33", 1.2, bench::Goal::kMemcpy},
+    {"IPPShare_ippiFilterMedianCross_8u_C1R", "55", 1.5, bench::Goal::kMemcpy},
+    {"IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R", "3", 2.0, bench::Goal::kMemcpy},
+    {"IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R", "5", 2.0, bench::Goal::kMemcpy},
+    {"IPPShare_ippiFilterMedianColor_8u_C3R", "33", 8, bench::Goal::kMemcpy},
+    {"IPPShare_ippiFilterMedian_8u_C1R", "3x3", 0.9},
+    {"IPPShare_ippiFilterMedian_8u_C1R", "5x5", 0.5},
+    {"IPPShare_ippiFilterMedian_8u_C1R", "7x7", 0.08},
+    {"IPPShare_ippiFilterMedian_8u_C1R", "9x9", 0.18},
+    {"IPPShare_ippiFilterMedian_8u_C3R", "3x3", 0.75},
+    {"IPPShare_ippiFilterMedian_8u_C3R", "5x5", 0.65},
+    {"IPPShare_ippiFilterMedian_8u_C3R", "7x7", 0.08},
+    {"IPPShare_ippiDilate_8u_C1R", "3x3", 0.5},
+    {"IPPShare_ippiErode_8u_C1R", "3x3", 0.5},
+    {"IPPMini_ippiFilterMax_8u_C1R", "3x3", 0.5},
+    {"IPPMini_ippiFilterMax_8u_C1R", "9x9", 0.75},
+    {"IPPMini_ippiFilterMin_8u_C1R", "3x3", 0.5},
+    {"IPPMini_ippiFilterMin_8u_C1R", "9x9", 0.75},
+});
+
 const bench::Registration windowsOfAnySize("Medians and morphology with any window", compareWindowsOfAnySize);
 
 }    // namespace

@@ -37,15 +37,6 @@ def significant(value):
     return f"{value:.3g}" if value < 1000 else f"{value:.0f}"
 
 
-def read_goals():
-    goals = {}
-    for line in (HERE / "goals.txt").read_text().splitlines():
-        if line and not line.startswith("#"):
-            function, variant, ratio, *beside = line.split("\t")
-            goals[function, variant] = (float(ratio), bool(beside))
-    return goals
-
-
 def read_same_code():
     """From docs/functions.md: the functions that are not measured, and what is measured in place of each."""
     rows = re.findall(r"^\| `(\w+)` \| .* \| (`\w+`|none) \|$", (HERE.parent / "docs" / "functions.md").read_text(), re.M)
@@ -103,8 +94,10 @@ def cost_per_pixel(call):
     return None if page is None or tile is None else tile / page * (2480 * 3508) / (256 * 256)
 
 
-def time_row(call, goals):
-    goal, beside_memcpy = goals.get((call.function, call.variant), (None, False))
+def time_row(call):
+    row = call.first()
+    goal = float(row["goal"]) if row.get("goal") else None
+    beside_memcpy = row.get("goal_beside") == "memcpy"
     reached = call.get(PAGE, "1", "ratio_memcpy" if beside_memcpy else "ratio")
     goal_text = "" if goal is None else f"{goal:g}" + (" x memcpy" if beside_memcpy else "")
     if goal is not None and reached is not None and reached > goal:
@@ -131,10 +124,10 @@ TIME_HEAD = ["call", "page, ms", "plain is", "/ plain", "goal", "/ memcpy", "/ p
 
 
 def time_tables(results):
-    goals, lines = read_goals(), []
+    lines = []
     calls = calls_of(results)
     for heading in dict.fromkeys(call.heading for call in calls):
-        group = [time_row(call, goals) for call in calls if call.heading == heading]
+        group = [time_row(call) for call in calls if call.heading == heading]
         lines += ["", f"### {heading}", ""] + table(TIME_HEAD, group)
     return lines
 

@@ -103,6 +103,15 @@ void compareResize() {
     }
 }
 
+const bench::Goals goals({
+    {"ResizeImageWithIPPEx", "8 bit 3:2", 0.65},
+    {"ResizeImageWithIPPEx", "8 bit 4:3", 0.65},
+    {"ResizeImageWithIPPEx", "8 bit 3:4", 0.65},
+    {"ResizeImageWithIPPEx", "24 bit 3:2", 0.8},
+    {"ResizeImageWithIPPEx", "24 bit 4:3", 0.8},
+    {"ResizeImageWithIPPEx", "24 bit 3:4", 0.8},
+});
+
 const bench::Registration registration("Resize", compareResize);
 
 }    // namespace

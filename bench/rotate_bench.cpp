@@ -75,7 +75,7 @@ void compareDeskew(IppiSize size, int depth, double angle) {
         [page, angle] {
             KVIMG* turned = nullptr;
             DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
-            DisposeKVIMG(turned);
+            const RecordPtr owner(turned);
         },
         bench::openCV([page, size, depth, angle] {
             intoNewRecord(size, depth, [&](const KVIMG& record) {
@@ -95,7 +95,7 @@ void compareHalfPage(IppiSize size, int depth, double angle) {
         KVIMG* turned = nullptr;
         KVRect crop = half;
         DeskewImageWithIPPEx(&page->record, &page->pointer, &turned, 0, 0, &crop, angle);
-        DisposeKVIMG(turned);
+        const RecordPtr owner(turned);
     };
     const std::string variant = "half page, " + std::to_string(depth) + " bit, " + degrees(angle);
     bench::compare(
@@ -111,7 +111,7 @@ void compareHalfPage(IppiSize size, int depth, double angle) {
                    ours, {"whole page", [page, angle] {
                               KVIMG* turned = nullptr;
                               DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
-                              DisposeKVIMG(turned);
+                              const RecordPtr owner(turned);
                           }});
 }
 
@@ -126,7 +126,7 @@ void compareAboutPoint(IppiSize size, int depth, double angle) {
             KVIMG* turned = nullptr;
             KVRect crop = {0, 0, size.height, size.width};
             DeskewImageWithIPPExWithShirftPoint(&page->record, &page->pointer, &turned, 0, 0, &crop, x, y, angle);
-            DisposeKVIMG(turned);
+            const RecordPtr owner(turned);
         },
         bench::openCV([=] {
             intoNewRecord(size, depth, [&](const KVIMG& record) {
@@ -179,7 +179,7 @@ void compareUnite(IppiSize size, int depth, double angle) {
             canvas.rowStep = (size.width * depth / 8 + 3) / 4 * 4;
             KVIMG* united = nullptr;
             UniteImageIplRotateImage(&canvas, header.get(), &united, angle);
-            DisposeKVIMG(united);
+            const RecordPtr owner(united);
         },
         bench::openCV([=] {
             intoNewRecord(size, depth, [&](const KVIMG& record) {
@@ -202,6 +202,21 @@ void compareRotations() {
             compareUnite(size, 8 * channels, 2.3);
         }
 }
+
+const bench::Goals goals({
+    {"KVMac_ippiRotate_8u_C1R", "0.5 deg", 0.2},
+    {"KVMac_ippiRotate_8u_C1R", "2.3 deg", 0.2},
+    {"KVMac_ippiRotate_8u_C1R", "7.0 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C1R", "33.0 deg", 0.9},
+    {"KVMac_ippiRotate_8u_C3R", "0.5 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C3R", "2.3 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C3R", "7.0 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C3R", "33.0 deg", 0.9},
+    {"DeskewImageWithIPP", "8 bit, 2.3 deg", 0.22},
+    {"DeskewImageWithIPP", "24 bit, 2.3 deg", 0.27},
+    {"DeskewImageWithIPPEx", "half page, 8 bit, 2.3 deg beside the whole", 0.5},
+    {"DeskewImageWithIPPEx", "half page, 24 bit, 2.3 deg beside the whole", 0.5},
+});
 
 const bench::Registration registration("Rotation", compareRotations);
 

@@ -35,6 +35,11 @@ std::vector<Comparison>& allComparisons() {
     return all;
 }
 
+std::vector<Goal>& allGoals() {
+    static std::vector<Goal> all;
+    return all;
+}
+
 const char* headingBeingMade = "";
 
 std::vector<IppiSize>& sizesBeingMade() {
@@ -107,6 +112,15 @@ void compare(const Subject& subject, const Action& ours, const Plain& plain, con
 }
 
 Registration::Registration(const char* heading, void (*make)()) { headings().push_back({heading, make}); }
+
+Goals::Goals(std::initializer_list<Goal> list) { allGoals().insert(allGoals().end(), list); }
+
+const Goal* goalOf(const Subject& subject) {
+    const auto found = std::find_if(allGoals().begin(), allGoals().end(), [&subject](const Goal& goal) {
+        return goal.function == subject.function && goal.variant == subject.variant;
+    });
+    return found == allGoals().end() ? nullptr : &*found;
+}
 
 void makeComparisons(const std::vector<IppiSize>& wanted) {
     sizesBeingMade() = wanted;

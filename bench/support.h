@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,25 @@ void compare(const Subject& subject, const Action& ours, const Plain& plain,
 struct Registration {
     Registration(const char* heading, void (*make)());
 };
+
+// The most that a call may cost: its time in one thread on the page, divided by that of the plain way or of memcpy.
+struct Goal {
+    enum Beside { kPlain, kMemcpy };
+
+    std::string function;
+    std::string variant;
+    double ratio;
+    Beside beside = kPlain;
+};
+
+// Each file of comparisons keeps the goals of its functions:
+//     const bench::Goals goals({{"KVMac_ippiRotate_8u_C1R", "2.3 deg", 0.2}});
+struct Goals {
+    Goals(std::initializer_list<Goal> list);
+};
+
+// Null if there is none.
+const Goal* goalOf(const Subject& subject);
 
 // Runs the registered functions once for images of these sizes, after which comparisons() returns the result.
 void makeComparisons(const std::vector<IppiSize>& wanted);

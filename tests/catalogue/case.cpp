@@ -102,7 +102,7 @@ void Case::restore() {
 }
 
 void Case::releaseResults() {
-    DisposeKVIMG(record);
+    const RecordPtr released(record);
     IPPMini_ippiFree(plane);
     std::free(stream);
     record = nullptr;

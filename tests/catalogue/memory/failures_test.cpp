@@ -67,7 +67,7 @@ TEST(Uninitialised, NoByteReachesTheCaller) {
 // of 16.
 TEST(Uninitialised, NoByteReachesAPageOfAnyWidth) {
     for (const Entry& entry : catalogue())
-        for (int variant = 0; entry.name == "ReadJPEG" && variant < entry.variants; ++variant)
+        for (int variant = 0; entry.name.rfind("Read", 0) == 0 && variant < entry.variants; ++variant)
             for (int width = 1; width <= 64; ++width) expectNothingOfTheFill(entry, variant, {width, 19});
 }
 

@@ -36,7 +36,7 @@ TEST(OutOfMemory, AStaleRecordIsReleased) {
         FailingHeap::arm(kStaleBlocks + n, FailingHeap::Failure::kOnce);
         KVIMG* slot = recordOf(5, 5, 24).release();
         ASSERT_EQ(FailingHeap::liveBlocks(), size_t{kStaleBlocks});
-        EXPECT_EQ(DeskewImageWithIPP(source.get(), &record, &slot, 0, 0, 1.0), memFullErr);
+        EXPECT_EQ(RotateImageWithIPP(source.get(), &record, &slot, 90), memFullErr);
         EXPECT_TRUE(FailingHeap::disarm());
         EXPECT_EQ(slot, nullptr);
         EXPECT_EQ(FailingHeap::liveBlocks(), 0U);

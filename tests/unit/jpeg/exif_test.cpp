@@ -167,7 +167,7 @@ void expectAsOpenCV(const Bytes& stream, const char* what, int round) {
     expectSame(readSplit(stream, colour.cols, colour.rows), colour, what, round);
 }
 
-TEST(ReadJPEG, TurnsPagesOfEveryShape) {
+TEST(ExifOrientation, TurnsPagesOfEveryShape) {
     Random random(31);
     const std::pair<int, int> shapes[] = {{1, 1}, {1, 40}, {40, 1}, {15, 16}, {16, 15}, {17, 33}, {33, 17}, {50, 64}};
     for (const auto& [width, height] : shapes)
@@ -182,7 +182,7 @@ TEST(ReadJPEG, TurnsPagesOfEveryShape) {
 }
 
 // Only the first APP1 segment in front of the scan is looked at, whatever it holds.
-TEST(ReadJPEG, TheFirstApp1SegmentCounts) {
+TEST(ExifOrientation, TheFirstApp1SegmentCounts) {
     Random random(32);
     const Bytes stored = anyStream(random, 3, 12, 7);
     const Bytes turned = blockOf({orientationEntry(6)});
@@ -229,7 +229,7 @@ Bytes brokenBlock(Random& random) {
     return block;
 }
 
-TEST(ReadJPEG, BrokenExifBlocksTurnAsOpenCVTurns) {
+TEST(ExifOrientation, BrokenExifBlocksTurnAsOpenCVTurns) {
     Random random(33);
     const Bytes stored = anyStream(random, 1, 5, 3);
     int turned = 0;

@@ -144,7 +144,7 @@ Bytes scanned(int scans, int width, int height) {
                         });
 }
 
-TEST(ReadJPEG, AHundredScansAreReadAndOneMoreIsRefused) {
+TEST(StreamSurvey, AHundredScansAreReadAndOneMoreIsRefused) {
     for (const int scans : {64, 99, 100}) {
         const Bytes stream = scanned(scans, 40, 30);
         ASSERT_EQ(scansOf(stream), scans);
@@ -163,7 +163,7 @@ TEST(ReadJPEG, AHundredScansAreReadAndOneMoreIsRefused) {
 }
 
 // Thousands of scans for a page of 2^30 pixels are rejected before decoding.
-TEST(ReadJPEG, ABombOfScansIsRefusedAtOnce) {
+TEST(StreamSurvey, ABombOfScansIsRefusedAtOnce) {
     Bytes stream = chain({kStart, segment(0xC2, {8, 0x80, 0, 0x80, 0, 1, 0, 0x11, 0})});
     const Bytes empty = segment(0xDA, {1, 0, 0, 1, 63, 0});
     for (int i = 0; i < 20000; ++i) stream.insert(stream.end(), empty.begin(), empty.end());
@@ -172,7 +172,7 @@ TEST(ReadJPEG, ABombOfScansIsRefusedAtOnce) {
     expectUntouched(r);
 }
 
-TEST(ReadJPEG, NeedsAFrameAndAScan) {
+TEST(StreamSurvey, NeedsAFrameAndAScan) {
     Bytes unscanned = claiming(30000, 30000);
     unscanned.resize(unscanned.size() - 16);    // no memory would be found out later
     EXPECT_EQ(read(unscanned).status, paramErr);
@@ -194,7 +194,7 @@ Bytes withComponents(Bytes stream, uint8_t components) {
     return stream;
 }
 
-TEST(ReadJPEG, RefusesOtherNumbersOfComponents) {
+TEST(StreamSurvey, RefusesOtherNumbersOfComponents) {
     const Bytes claimed = claiming(30000, 30000);
     for (const uint8_t components : Bytes{0, 2, 5, 255}) {
         EXPECT_EQ(read(withComponents(claimed, components)).status, paramErr) << int{components};
@@ -203,7 +203,7 @@ TEST(ReadJPEG, RefusesOtherNumbersOfComponents) {
 }
 
 // The largest side that a decoder takes is 65500.
-TEST(ReadJPEG, RefusesSidesThatNoDecoderTakes) {
+TEST(StreamSurvey, RefusesSidesThatNoDecoderTakes) {
     EXPECT_EQ(read(claiming(65500, 16000)).status, memFullErr);
     EXPECT_EQ(read(claiming(16000, 65500)).status, memFullErr);
     for (const auto& [width, height] : {std::pair{65501, 16000}, {16000, 65501}, {0, 16000}, {16000, 0}}) {
@@ -214,7 +214,7 @@ TEST(ReadJPEG, RefusesSidesThatNoDecoderTakes) {
 }
 
 // A turned page is described by its turned size, and a grey one is colour for the reader of pieces.
-TEST(ReadJPEG, ARasterThatCannotBeDescribedIsOutOfMemoryInEveryLayout) {
+TEST(StreamSurvey, ARasterThatCannotBeDescribedIsOutOfMemoryInEveryLayout) {
     const Bytes turned = withOrientation(claiming(30000, 30001), 6);
     const Reading r = read(turned);
     EXPECT_EQ(r.status, memFullErr);
@@ -229,7 +229,7 @@ TEST(ReadJPEG, ARasterThatCannotBeDescribedIsOutOfMemoryInEveryLayout) {
 
 // A signed 32-bit size ends between these two heights. The smaller page goes on to the decoder, which finds that the
 // scan names a component that is none of the frame's.
-TEST(ReadJPEG, TheLargestRasterThatCanBeDescribed) {
+TEST(StreamSurvey, TheLargestRasterThatCanBeDescribed) {
     const auto withoutItsComponent = [](Bytes stream) {
         stream[stream.size() - 11] = 77;    // in the scan header
         return stream;
@@ -241,7 +241,7 @@ TEST(ReadJPEG, TheLargestRasterThatCanBeDescribed) {
 }
 
 // The stream in front of zeros up to a length that no test could fill: pages of the system that are never touched.
-TEST(ReadJPEG, StreamsAreLimitedTo31BitsOfBytes) {
+TEST(StreamSurvey, StreamsAreLimitedTo31BitsOfBytes) {
     const size_t mapped = size_t{1} << 31;
     void* const block =
         mmap(nullptr, mapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
