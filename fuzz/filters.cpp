@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "oracle/convolution.h"
 #include "oracle/plain_filters.h"
 #include "support.h"
 
@@ -113,7 +114,7 @@ void integerConvolution(Draw& draw) {
     if (call.broken || wild) return;
     std::vector<uint8_t> expected = blankRegion(target);
     const Wider wider(source, reachOf(kernelSize, anchor));
-    oracle::plainFilter(wider.region, source.step(), type, expected.data(), size.width * pixelSize, size, kernel.data(),
+    oracle::convolve(wider.region, source.step(), type, expected.data(), size.width * pixelSize, size, kernel.data(),
                         kernelSize, anchor, divisor);
     requireSameRegion(target, expected, "convolution with integers");
 }
@@ -133,7 +134,7 @@ void floatConvolution(Draw& draw) {
     if (call.broken || !tame) return;
     std::vector<uint8_t> expected = blankRegion(target);
     const Wider wider(source, reachOf(kernelSize, anchor));
-    oracle::plainFilter32f(wider.region, source.step(), CV_8UC3, expected.data(), size.width * 3, size, kernel.data(),
+    oracle::convolve32f(wider.region, source.step(), CV_8UC3, expected.data(), size.width * 3, size, kernel.data(),
                            kernelSize, anchor);
     requireSameRegion(target, expected, "convolution with floats");
 }
@@ -254,7 +255,7 @@ void colourConvolution(Draw& draw) {
     require(done == possible, "images larger than the kernel are filtered");
     if (!done || !tame) return;
     std::vector<uint8_t> expected(image.source.size());
-    oracle::plainConvolution24(image.before.data(), expected.data(), image.size, radius, kernels.data());
+    oracle::convolve24(image.before.data(), expected.data(), image.size, radius, kernels.data());
     require(std::equal(expected.begin(), expected.end(), image.destination()), "colour convolution");
 }
 
