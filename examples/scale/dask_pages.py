@@ -5,10 +5,10 @@ any interruption, start it again: it processes the missing pages. Workers need t
 """
 
 import argparse
-import fcntl
 import itertools
 import os
 import sys
+import tempfile
 import time
 
 import opcv_dlib
@@ -20,15 +20,19 @@ MODE = 450    # JPEG quality
 
 
 def write_whole(path, data):
-    """Gives the file its name when it is complete. If two workers write it at once, the second one fails."""
-    with open(path + ".part", "ab") as part:
-        fcntl.flock(part, fcntl.LOCK_EX | fcntl.LOCK_NB)
-        if os.fstat(part.fileno()).st_ino != os.stat(part.name).st_ino:
-            raise OSError(f"{path} has just been written by another worker")
-        part.truncate(0)
+    """The file gets its name when it is complete and on disk. Of two writers at once the second fails."""
+    folder = os.path.dirname(path)
+    with tempfile.NamedTemporaryFile(dir=folder, prefix=".page-") as part:    # removed with the name that it has here
         part.write(data)
         part.flush()
-        os.replace(part.name, path)
+        os.fchmod(part.fileno(), 0o644)
+        os.fsync(part.fileno())
+        os.link(part.name, path)
+    directory = os.open(folder, os.O_RDONLY)
+    try:
+        os.fsync(directory)
+    finally:
+        os.close(directory)
 
 
 def straighten(file, folder):

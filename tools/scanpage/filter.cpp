@@ -31,7 +31,7 @@ Packed packedCopy(const KVIMG& page, int multiple) {
     return copy;
 }
 
-// One channel of windows 3 x 3, from the copy into the page's inner region.
+// Filters one channel by windows of 3 x 3 pixels, from the copy into the inner region of the page.
 void filterPlane(const uint8_t* from, int fromStep, uint8_t* to, int toStep, IppiSize inner, Median median) {
     if (median == Median::kCross)
         require(IPPShare_ippiFilterMedianCross_8u_C1R(from, fromStep, to, toStep, inner, kMask3x3), "cross median");

@@ -87,7 +87,9 @@ private:
         }
         const Grey grey = greyOf(*page_);
         const Bits bits = reduced(grey, otsuThreshold(grey));
-        result_.skewKnown = findSkew(bits, result_.skew);
+        const std::optional<double> skew = findSkew(bits);
+        result_.skewKnown = skew.has_value();
+        result_.skew = skew.value_or(0);
         watch_.lap("find skew", bits.bytes.size());
     }
 

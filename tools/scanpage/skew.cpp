@@ -19,12 +19,10 @@ PixPtr pixOf(const Bits& bits) {
 
 }    // namespace
 
-bool findSkew(const Bits& bits, double& degrees) {
+std::optional<double> findSkew(const Bits& bits) {
     const PixPtr pix = pixOf(bits);
     float clockwise = 0;
     float confidence = 0;
-    if (pixFindSkew(pix.get(), &clockwise, &confidence) != 0 || confidence < kLeastConfidence) return false;
-    // Leptonica returns the clockwise turn that straightens the page.
-    degrees = -static_cast<double>(clockwise);
-    return true;
+    if (pixFindSkew(pix.get(), &clockwise, &confidence) != 0 || confidence < kLeastConfidence) return std::nullopt;
+    return -static_cast<double>(clockwise);
 }

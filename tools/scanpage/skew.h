@@ -1,7 +1,9 @@
 // The skew of a page, measured by Leptonica.
 #pragma once
 
+#include <optional>
+
 #include "page.h"
 
-// False where no text lines can be told. Otherwise the degrees by which the page must be turned counter-clockwise.
-bool findSkew(const Bits& bits, double& degrees);
+// The angle that straightens the page, in degrees counter-clockwise; nothing if the page has no lines of text.
+std::optional<double> findSkew(const Bits& bits);

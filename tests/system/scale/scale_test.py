@@ -70,7 +70,7 @@ class Engine(unittest.TestCase):
     def check_once(self, unreported):
         """Each page has its result and was done once. `unreported` pages may have been in hand with a lost worker."""
         names = [os.path.basename(page) for page in self.pages]
-        self.assertEqual(names, sorted(result.name for result in self.results.iterdir()))
+        self.assertEqual(names, sorted(result.name for result in self.results.glob("*.jpg")))
         reports = self.reports()
         self.assertEqual({5}, {len(fields) for fields in reports})
         self.assertLessEqual({fields[1] for fields in reports}, {"done", "kept"})
@@ -182,7 +182,7 @@ class Dask(Engine):
         """Every result can be read, by the library."""
         again = self.folder / "again"
         again.mkdir()
-        names = "".join(f"{result}\n" for result in self.results.iterdir())
+        names = "".join(f"{result}\n" for result in self.results.glob("*.jpg"))
         read = subprocess.run(["scanpage", "-j", str(os.cpu_count()), "--angle", "0", "--from", "-", "-o", again],
                               input=names, text=True, capture_output=True)    # fmt: skip
         self.assertEqual(0, read.returncode, read.stderr)
