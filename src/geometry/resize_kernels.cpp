@@ -88,7 +88,7 @@ void prepare(const BilinearJob& job, ColumnTable& table) {
         uint8_t* shuffles = &table.shuffles[slot * kBlockBytes];
         int16_t* weights = &table.weights[slot * 2 * kFour];
         const int count = std::min(kFour, results - start);
-        int bytes[kFour];
+        int bytes[kFour] = {};
         for (int i = 0; i < count; ++i) {
             const int column = (start + i) / job.channels;
             const int channel = (start + i) % job.channels;
