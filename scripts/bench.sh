@@ -5,7 +5,7 @@
 cmd_bench() {
     local folder=build/bench
     install_packages
-    build release opcv_dlib_bench opcv_dlib_pipeline pagegen
+    build release opcv_dlib_bench opcv_dlib_hostile opcv_dlib_pipeline pagegen
     mkdir -p "$folder"
     say "Calls"
     ./build/release/bench/opcv_dlib_bench --results="$folder/calls.tsv" "$@"
@@ -13,6 +13,8 @@ cmd_bench() {
     say "The page pipeline"
     ./build/release/bin/pagegen --skew 2.3 "$folder/page.jpg"
     ./build/release/bench/opcv_dlib_pipeline "$folder/page.jpg" | tee "$folder/pipeline.tsv"
+    say "Hostile streams"
+    ./build/release/bench/opcv_dlib_hostile docs/reliability.md
     say "Instructions on arm64"
     arm64_sysroot
     build arm64 opcv_dlib_instructions
