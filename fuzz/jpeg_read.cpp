@@ -6,6 +6,7 @@
 #include "core/ownership.h"
 #include "core/pixel_memory.h"
 #include "support.h"
+#include "support/jpeg_report.h"
 #include "support/reading.h"
 
 namespace {
@@ -66,6 +67,22 @@ bool colourCanBeHad(const KVIMG& image) {
     return PixelBlock(static_cast<unsigned char*>(allocatePixels(bytes))) != nullptr;
 }
 
+// The reader with a report gives the same page, and says no less than the page shows.
+void requireSameWithReport(const Reading& r, const std::vector<uint8_t>& stream) {
+    const PageReading page = readPage(stream);
+    if (r.status == memFullErr || page.status == OPCV_READ_NO_MEMORY) return;
+    require((page.status == OPCV_READ_OK) == (r.status == noErr), "both readers read, or neither");
+    const opcv_read_report& report = page.report;
+    require(report.rows_decoded >= 0 && report.rows_decoded <= report.rows, "rows");
+    require(page.status != OPCV_READ_UNREADABLE || report.damaged == 1, "what cannot be read is damaged");
+    if (!page.image) return;
+    require(page.pixels() == r.pixels() && report.width == r.image->width && report.height == r.image->height,
+            "the same page");
+    require(report.damaged == 1 ||
+                (report.rows_decoded == report.rows && report.end_marker_seen == 1 && report.warnings == 0),
+            "a whole page");
+}
+
 bool isJpeg(const std::vector<uint8_t>& stream) {
     return stream.size() >= 3 && stream[0] == 0xFF && stream[1] == 0xD8 && stream[2] == 0xFF;
 }
@@ -76,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::vector<uint8_t> stream(data, data + size);    // ends where its allocation ends
     const Reading r = read(stream, size % 2 == 0 ? ReadJPEG : ReadJPEGWithIPP);
     requireWhole(r);
+    requireSameWithReport(r, stream);
     if (!isJpeg(stream)) {
         require(r.status == paramErr, "other formats are refused");
         return 0;
