@@ -89,15 +89,16 @@ void prepare(const BilinearJob& job, ColumnTable& table) {
         int16_t* weights = &table.weights[slot * 2 * kFour];
         const int count = std::min(kFour, results - start);
         int bytes[kFour] = {};
+        int firstByte = lastBlock;
         for (int i = 0; i < count; ++i) {
             const int column = (start + i) / job.channels;
             const int channel = (start + i) % job.channels;
             const Taps taps = columnTapsAt(job.x + column, job.xScale, job.sourceWidth);
             bytes[i] = taps.first * job.channels + channel;
+            firstByte = std::min(firstByte, bytes[i]);
             weights[2 * i] = taps.weightOfFirst;
             weights[2 * i + 1] = taps.weightOfSecond;
         }
-        const int firstByte = std::min(*std::min_element(bytes, bytes + count), lastBlock);
         table.firstBytes[slot] = firstByte;
         for (int i = 0; i < count; ++i) {
             const int inBlock = bytes[i] - firstByte;
