@@ -50,18 +50,18 @@ const Stream& streamOf(IppiSize size, Layout layout) {
     return stream;
 }
 
-RecordPtr readPage(const Stream& stream, KVImageDescription& description) {
+opcv::RecordPtr readPage(const Stream& stream, KVImageDescription& description) {
     KVImageDescription* record = &description;
     KVImageDescriptionHandle handle = &record;
     KVIMG* page = nullptr;
     ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &page);
-    return RecordPtr(page);
+    return opcv::RecordPtr(page);
 }
 
 void readPlain(const Stream& stream) {
     const cv::Mat page = cv::imdecode(stream, cv::IMREAD_ANYCOLOR);
-    RecordPtr record;
-    createRecord({0, 0, page.rows, page.cols}, static_cast<unsigned char>(8 * page.channels()), record);
+    opcv::RecordPtr record;
+    opcv::createRecord({0, 0, page.rows, page.cols}, static_cast<unsigned char>(8 * page.channels()), record);
     cv::Mat to(page.rows, page.cols, page.type(), record->data, static_cast<size_t>(record->rowBytes));
     if (page.channels() == 3)
         cv::cvtColor(page, to, cv::COLOR_BGR2RGB);
@@ -234,7 +234,7 @@ void compareRoundTrip(IppiSize size, Layout layout) {
         [size, layout] {
             KVImageDescription description{0, 0, 300, 300, 0, 0};
             KVImageDescription* record = &description;
-            const RecordPtr page = readPage(streamOf(size, layout), description);
+            const opcv::RecordPtr page = readPage(streamOf(size, layout), description);
             KVIMG* straight = nullptr;
             DeskewImageWithIPP(page.get(), &record, &straight, 0, 1, kAngle);
             void* data = nullptr;

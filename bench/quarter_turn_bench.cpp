@@ -29,8 +29,8 @@ void compareTurn(IppiSize size, int depth, int code) {
             const RecordPtr owner(turned);
         },
         bench::openCV([page, turnedSize, depth, code] {
-            RecordPtr record;
-            createRecord({0, 0, turnedSize.height, turnedSize.width}, static_cast<unsigned char>(depth), record);
+            opcv::RecordPtr record;
+            opcv::createRecord({0, 0, turnedSize.height, turnedSize.width}, static_cast<unsigned char>(depth), record);
             cv::Mat to = viewOf(*record);
             cv::rotate(viewOf(page->record), to, code);
         }));

@@ -14,17 +14,17 @@ KVIMG recordOf(const bench::Page& page, int channels) {
     return {const_cast<uint8_t*>(page.data()), 8 * channels, page.size().width, page.size().height, page.step(), 0};
 }
 
-RecordPtr ours(const KVIMG& from, double denominator, double numerator) {
+opcv::RecordPtr ours(const KVIMG& from, double denominator, double numerator) {
     KVIMG* scaled = nullptr;
     ResizeImageWithIPPEx(&from, &scaled, denominator, numerator);
-    return RecordPtr(scaled);
+    return opcv::RecordPtr(scaled);
 }
 
-RecordPtr plain(const KVIMG& from, double denominator, double numerator) {
+opcv::RecordPtr plain(const KVIMG& from, double denominator, double numerator) {
     const double scale = numerator / denominator;
-    RecordPtr record;
-    createRecord({0, 0, static_cast<int>(scale * from.height), static_cast<int>(scale * from.width)},
-                 static_cast<unsigned char>(from.depth), record);
+    opcv::RecordPtr record;
+    opcv::createRecord({0, 0, static_cast<int>(scale * from.height), static_cast<int>(scale * from.width)},
+                       static_cast<unsigned char>(from.depth), record);
     cv::Mat to = viewOf(*record);
     cv::resize(viewOf(from), to, to.size(), 0, 0, cv::INTER_LINEAR);
     return record;

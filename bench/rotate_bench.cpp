@@ -50,8 +50,8 @@ void compareRegion(IppiSize size, int channels, double angle) {
 // A new record, filled by the plain calls.
 template <class Fill>
 void intoNewRecord(IppiSize size, int depth, const Fill& fill) {
-    RecordPtr record;
-    createRecord({0, 0, size.height, size.width}, static_cast<unsigned char>(depth), record);
+    opcv::RecordPtr record;
+    opcv::createRecord({0, 0, size.height, size.width}, static_cast<unsigned char>(depth), record);
     fill(*record);
 }
 

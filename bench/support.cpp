@@ -49,8 +49,8 @@ std::vector<IppiSize>& sizesBeingMade() {
 
 }    // namespace
 
-PixelBlock pixelBlock(size_t bytes) {
-    PixelBlock block(static_cast<unsigned char*>(allocatePixels(bytes)));
+opcv::PixelBlock pixelBlock(size_t bytes) {
+    opcv::PixelBlock block(static_cast<unsigned char*>(opcv::allocatePixels(bytes)));
     if (!block) throw std::bad_alloc();
     return block;
 }
@@ -94,12 +94,12 @@ Plain openCV(const Action& run) { return {"OpenCV", run}; }
 Action memcpyOf(const Subject& subject) {
     constexpr size_t kLargest = size_t{1} << 26;
     const auto touched = [](int value) {
-        PixelBlock block = pixelBlock(kLargest);
+        opcv::PixelBlock block = pixelBlock(kLargest);
         std::memset(block.get(), value, kLargest);
         return block;
     };
-    static const PixelBlock from = touched(1);
-    static const PixelBlock to = touched(0);
+    static const opcv::PixelBlock from = touched(1);
+    static const opcv::PixelBlock to = touched(0);
     const size_t half = std::min((subject.bytesRead + subject.bytesWritten) / 2, kLargest);
     return [half] {
         std::memcpy(to.get(), from.get(), half);

@@ -20,7 +20,7 @@ constexpr int kMargin = 16;
 
 // A block in huge pages if the kernel grants them, as for the pixels of the library's records. With small pages the
 // time would depend on their physical addresses.
-PixelBlock pixelBlock(size_t bytes);
+opcv::PixelBlock pixelBlock(size_t bytes);
 
 // A page with margins on all sides: text-like blocks, shading and noise.
 class Page {
@@ -37,7 +37,7 @@ private:
     IppiSize size_;
     int pixelSize_;
     int step_;
-    PixelBlock bytes_;
+    opcv::PixelBlock bytes_;
 };
 
 // Pages that are created once and shared: for each size and pixel size, one to read and two to write.

@@ -170,7 +170,7 @@ struct Page {
 
 // A record, or null and a status. All its bytes must be writable.
 void requireRecord(OSErr status, KVIMG* made, int depth) {
-    const RecordPtr owner(made);
+    const opcv::RecordPtr owner(made);
     require((status == noErr) == (made != nullptr), "a record is made exactly on success");
     if (!made) return;
     require(made->depth == depth && made->size == made->rowBytes * made->height, "the record describes its block");

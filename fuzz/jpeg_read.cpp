@@ -64,7 +64,7 @@ void requireAsOpenCV(const Reading& r, const std::vector<uint8_t>& stream, int f
 // A grey page needs three times its memory in colour.
 bool colourCanBeHad(const KVIMG& image) {
     const size_t bytes = 3 * static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
-    return PixelBlock(static_cast<unsigned char*>(allocatePixels(bytes))) != nullptr;
+    return opcv::PixelBlock(static_cast<unsigned char*>(opcv::allocatePixels(bytes))) != nullptr;
 }
 
 // The reader with a report gives the same page, and says no less than the page shows.

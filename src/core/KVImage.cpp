@@ -6,6 +6,7 @@
 #include "OPCV_dlib.h"
 #include "core/pixel_memory.h"
 
+namespace opcv {
 namespace {
 
 constexpr int64_t roundUpTo16(int64_t bytes) { return (bytes + 15) & ~int64_t{15}; }
@@ -59,6 +60,9 @@ OSErr createInSlot(KVIMG** out, const KVRect* r, unsigned char depth, int64_t (*
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 void KVSetRect(KVRect* r, int left, int top, int right, int bottom) { *r = {top, left, bottom, right}; }
 

@@ -6,6 +6,8 @@
 
 #include "OPCV_dlib.h"
 
+namespace opcv {
+
 struct FreeDeleter {
     void operator()(void* p) const { std::free(p); }
 };
@@ -49,3 +51,5 @@ inline OSErr createRecord(const KVRect& r, unsigned char depth, RecordPtr& recor
     record.reset(made);
     return err;
 }
+
+}    // namespace opcv

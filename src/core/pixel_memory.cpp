@@ -6,6 +6,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+namespace opcv {
+
 namespace {
 
 constexpr size_t kLargeBlock = size_t{4} << 20;    // smaller blocks hardly contain a whole huge page
@@ -24,3 +26,5 @@ void* allocatePixels(size_t bytes) {
     if (block && bytes >= kLargeBlock) askForHugePages(block, bytes);
     return block;
 }
+
+}    // namespace opcv

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace opcv {
+
 // malloc. Large blocks request huge pages, if the kernel grants them on request: thousands of page faults per image,
 // each of which costs as much as filling the page, become a few.
 void* allocatePixels(size_t bytes);
@@ -17,3 +19,5 @@ constexpr bool planeFits(int64_t width, int64_t height, int pixelSize) {
     const int64_t step = planeStep(width, pixelSize);
     return step <= INT_MAX && step * height <= INT_MAX;
 }
+
+}    // namespace opcv

@@ -6,6 +6,7 @@
 #include "OPCV_dlib.h"
 #include "core/pixel_memory.h"
 
+namespace opcv {
 namespace {
 
 void* allocatePlane(int width, int height, int pixelSize, int* stepBytes) {
@@ -18,6 +19,9 @@ void* allocatePlane(int width, int height, int pixelSize, int* stepBytes) {
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 short* IPPShare_ippiMalloc_16s_C1(int width, int height, int* pStepBytes) {
     return static_cast<short*>(allocatePlane(width, height, 2, pStepBytes));

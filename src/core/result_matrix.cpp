@@ -2,6 +2,8 @@
 
 #include <memory>
 
+namespace opcv {
+
 namespace {
 
 struct FastFree {
@@ -34,3 +36,5 @@ void SafeAllocator::deallocate(cv::UMatData* data) const {
     cv::fastFree(data->origdata);
     delete data;
 }
+
+}    // namespace opcv

@@ -3,6 +3,8 @@
 
 #include <opencv2/core.hpp>
 
+namespace opcv {
+
 // An allocator of dense matrices, like OpenCV's, but without its leak: OpenCV allocates the pixels first and the block
 // with the reference count second, and leaks the first if allocating the second fails.
 class SafeAllocator : public cv::MatAllocator {
@@ -22,3 +24,5 @@ public:
     ResultMatrix& operator=(const ResultMatrix&) = delete;
     using cv::Mat::operator=;
 };
+
+}    // namespace opcv

@@ -38,7 +38,7 @@ OSErr filterBilateral(const unsigned char* src, int srcStep, unsigned char* dst,
     // BORDER_ISOLATED: OpenCV must not read the pixels around the view, which do not affect the region. A side of 1 is
     // the exception: it filters over 3x3 pixels, with the result of the plain border mode.
     const int border = kernel.width == 1 ? cv::BORDER_REFLECT_101 : cv::BORDER_REFLECT_101 | cv::BORDER_ISOLATED;
-    ResultMatrix filtered;
+    opcv::ResultMatrix filtered;
     opcv::withOpenCVThreads([&] { cv::bilateralFilter(view, filtered, kernel.width, sigmaColor, sigmaSpace, border); });
     if (!filtered.data) return memFullErr;
     return Tools::CopyImageMatData(filtered, cv::Point(half.width, half.height), dst, dstStep, cv::Point(0, 0),

@@ -31,7 +31,7 @@ OSErr filterBox(unsigned char* srcDst, int step, const IppiSize& roi, const Ippi
                                                                                                        : memFullErr;
 
     // BORDER_ISOLATED: OpenCV must not read the pixels around the view, which do not affect the region.
-    ResultMatrix filtered;
+    opcv::ResultMatrix filtered;
     const cv::Point centre(-1, -1);
     const bool mean = true;
     cv::boxFilter(view, filtered, -1, cv::Size(mask.width, mask.height), centre, mean,

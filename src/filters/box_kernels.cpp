@@ -140,8 +140,9 @@ std::optional<filters::MeanRule> filters::meanRuleOf(int64_t area) {
 
 bool filters::filterBox24(const BoxRegion& region, IppiSize mask, const MeanRule& rule) {
     const size_t read = static_cast<size_t>(region.elements) + 3 * static_cast<size_t>(mask.width - 1);
-    const std::unique_ptr<uint16_t, FreeDeleter> columns(static_cast<uint16_t*>(std::calloc(read, sizeof(uint16_t))));
-    const PixelBlock ring(static_cast<uint8_t*>(std::calloc(read, static_cast<size_t>(mask.height))));
+    const std::unique_ptr<uint16_t, opcv::FreeDeleter> columns(
+        static_cast<uint16_t*>(std::calloc(read, sizeof(uint16_t))));
+    const opcv::PixelBlock ring(static_cast<uint8_t*>(std::calloc(read, static_cast<size_t>(mask.height))));
     if (!columns || !ring) return false;
     HWY_DYNAMIC_DISPATCH(filterBox)(region, mask, rule, ring.get(), columns.get());
     return true;

@@ -59,7 +59,7 @@ bool Convolution24(const unsigned char* src, unsigned char* dst, IppiSize size, 
     if (!src || !dst || !kernels || !inside || !filters::isColourImage(size)) return false;
 
     const ptrdiff_t step = 3 * ptrdiff_t{size.width};
-    PixelBlock copy;
+    opcv::PixelBlock copy;
     const unsigned char* source = filters::sourceApart(src, dst, static_cast<size_t>(step * size.height), copy);
     if (!source) return false;
 

@@ -8,9 +8,10 @@
 
 namespace filters {
 
-bool isColourImage(IppiSize size) { return !opcv::isEmpty(size) && planeFits(size.width, size.height, 3); }
+bool isColourImage(IppiSize size) { return !opcv::isEmpty(size) && opcv::planeFits(size.width, size.height, 3); }
 
-const unsigned char* sourceApart(const unsigned char* src, const unsigned char* dst, size_t bytes, PixelBlock& copy) {
+const unsigned char* sourceApart(const unsigned char* src, const unsigned char* dst, size_t bytes,
+                                 opcv::PixelBlock& copy) {
     if (!opcv::overlap(opcv::ByteSpan(src, src + bytes), opcv::ByteSpan(dst, dst + bytes))) return src;
     copy.reset(static_cast<unsigned char*>(std::malloc(bytes)));
     if (copy) std::memcpy(copy.get(), src, bytes);

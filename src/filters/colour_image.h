@@ -12,7 +12,8 @@ namespace filters {
 bool isColourImage(IppiSize size);
 
 // The source, or a copy of it if the destination overlaps it. Null if allocating the copy fails.
-const unsigned char* sourceApart(const unsigned char* src, const unsigned char* dst, size_t bytes, PixelBlock& copy);
+const unsigned char* sourceApart(const unsigned char* src, const unsigned char* dst, size_t bytes,
+                                 opcv::PixelBlock& copy);
 
 // Copies the outermost `width` pixels at each edge, which the filters do not write.
 void copyRing(const unsigned char* src, unsigned char* dst, IppiSize size, int width);

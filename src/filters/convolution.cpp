@@ -90,7 +90,7 @@ OSErr filterWithOpenCV(const cv::Mat& view, const cv::Mat& kernel, const IppiSiz
     // calls through a null pointer.
     if (view.depth() == CV_16F && view.channels() > 1)
         CV_Error(cv::Error::StsNotImplemented, "no convolution of several channels of 16-bit floats");
-    ResultMatrix filtered;
+    opcv::ResultMatrix filtered;
     const cv::Point centre(-1, -1);
     cv::filter2D(view, filtered, -1, kernel, centre, 0.0, borderFor(kernel));
     if (!filtered.data) return memFullErr;
@@ -116,9 +116,9 @@ OSErr filter(const Source& source, const Target& target, const IppiSize& roi, co
              const IppiSize& kernelSize, const IppiPoint& anchor, int divisor) {
     if (!source.pixels || divisor == 0) return paramErr;
 
-    ResultMatrix turned;
+    opcv::ResultMatrix turned;
     if (const OSErr err = Tools::CreateKernelMatReverse<int, CV_32S>(kernel, kernelSize, turned)) return err;
-    ResultMatrix weights;
+    opcv::ResultMatrix weights;
     turned.convertTo(weights, CV_32F);
     if (!weights.data) return memFullErr;
     weights.convertTo(weights, CV_32F, 1.0 / divisor);
@@ -129,7 +129,7 @@ OSErr filter32f(const Source& source, const Target& target, const IppiSize& roi,
                 const IppiSize& kernelSize, const IppiPoint& anchor) {
     if (!source.pixels) return paramErr;
 
-    ResultMatrix turned;
+    opcv::ResultMatrix turned;
     if (const OSErr err = Tools::CreateKernelMatReverse<float, CV_32F>(kernel, kernelSize, turned)) return err;
     return convolve(source, target, roi, turned, anchor);
 }

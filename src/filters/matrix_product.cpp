@@ -41,8 +41,8 @@ void OPCV_cblas_sgemm(int order, int transA, int transB, int M, int N, int K, fl
 
     const Operand a = {A, lda, transA != kNotTransposed};
     const Operand b = {B, ldb, transB != kNotTransposed};
-    ResultMatrix left;
-    ResultMatrix right;
+    opcv::ResultMatrix left;
+    opcv::ResultMatrix right;
     cv::Mat product;
     if (order == kRowMajor) {
         if (viewOf(C, ldc, N, M, product) || matrixOf(a, K, M, left) || matrixOf(b, N, K, right)) return;

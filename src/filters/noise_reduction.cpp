@@ -56,7 +56,7 @@ int DeosNrRGB(const unsigned char* src, unsigned char* dst, int width, int heigh
     const IppiSize size = {width, height};
     if (!src || !dst || !filters::isColourImage(size)) return 0;
     const ptrdiff_t step = 3 * ptrdiff_t{width};
-    PixelBlock copy;
+    opcv::PixelBlock copy;
     const unsigned char* source = filters::sourceApart(src, dst, static_cast<size_t>(step * height), copy);
     if (!source) return 0;
 

@@ -28,7 +28,7 @@ private:
     static size_t bytesOf(size_t count) { return (count * sizeof(T) + kAlignment - 1) / kAlignment * kAlignment; }
 
     alignas(kAlignment) T inline_[kInline];
-    std::unique_ptr<T, FreeDeleter> heap_;
+    std::unique_ptr<T, opcv::FreeDeleter> heap_;
     T* data_;
 };
 

@@ -31,7 +31,7 @@ public:
 private:
     const uint8_t* rows_;
     ptrdiff_t step_;
-    PixelBlock copy_;
+    opcv::PixelBlock copy_;
 };
 
 }    // namespace filters

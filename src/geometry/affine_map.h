@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace opcv {
+
 // Position in the source in units of 1/1024 pixel.
 struct MapPosition {
     int x = 0;
@@ -85,3 +87,5 @@ private:
     int targetY_ = 0;
     MapPosition source_;
 };
+
+}    // namespace opcv

@@ -2,6 +2,7 @@
 #include "core/ownership.h"
 #include "geometry/page.h"
 
+namespace opcv {
 namespace {
 
 cv::Scalar fillOf(const Page& page, unsigned char whiteFill) {
@@ -28,6 +29,9 @@ void moveIntoPage(KVRect& crop) {
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 OSErr DeskewImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst, int interpolation,
                          unsigned char whiteFill, double angle) {

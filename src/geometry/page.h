@@ -4,6 +4,8 @@
 #include "OPCV_dlib.h"
 #include "geometry/page_format.h"
 
+namespace opcv {
+
 struct Page {
     const KVIMG* record = nullptr;    // only its pixels and bytes per row are used
     int width = 0;
@@ -28,3 +30,5 @@ inline OSErr describePage(const KVIMG* src, KVImageDescriptionHandle description
     page.depth = static_cast<unsigned char>(d.depth);
     return noErr;
 }
+
+}    // namespace opcv

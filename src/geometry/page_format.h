@@ -4,6 +4,8 @@
 #include <opencv2/core.hpp>
 #include <optional>
 
+namespace opcv {
+
 struct PageFormat {
     int type = 0;        // OpenCV type code
     cv::Scalar white;    // value of uncovered pixels with white fill
@@ -20,3 +22,5 @@ inline std::optional<PageFormat> pageFormatOf(int depth) {
         default: return std::nullopt;
     }
 }
+
+}    // namespace opcv

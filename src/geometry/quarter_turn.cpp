@@ -8,6 +8,7 @@
 #include "geometry/page.h"
 #include "geometry/quarter_turn_kernels.h"
 
+namespace opcv {
 namespace {
 
 enum class Turn { kQuarterClockwise, kHalf, kQuarterCounterClockwise };
@@ -42,16 +43,19 @@ void turnPixels(const cv::Mat& from, cv::Mat& to, Turn turn) {
 
 OSErr turnPage(const Page& page, const KVIMG& turned, Turn turn) {
     cv::Mat from;
-    if (const OSErr err = opcv::viewOf(page.record->data, page.record->rowBytes, page.format.type, page.size(), from))
+    if (const OSErr err = viewOf(page.record->data, page.record->rowBytes, page.format.type, page.size(), from))
         return err;
     cv::Mat to;
     const IppiSize turnedSize = {turned.width, turned.height};
-    if (const OSErr err = opcv::viewOf(turned.data, turned.rowBytes, page.format.type, turnedSize, to)) return err;
+    if (const OSErr err = viewOf(turned.data, turned.rowBytes, page.format.type, turnedSize, to)) return err;
     turnPixels(from, to, turn);
     return noErr;
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 OSErr RotateImageWithIPP(const KVIMG* src, KVImageDescriptionHandle description, KVIMG** dst, double angle) {
     if (!dst) return paramErr;

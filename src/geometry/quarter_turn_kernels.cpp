@@ -20,6 +20,7 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -209,9 +210,12 @@ void mirrorPixels(SourceRows from, TargetRows to, int width, int height, int pix
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
+
 namespace {
 HWY_EXPORT(transposePixels);
 HWY_EXPORT(mirrorPixels);
@@ -224,4 +228,6 @@ void transpose(SourceRows from, TargetRows to, int sourceWidth, int sourceHeight
 void mirror(SourceRows from, TargetRows to, int width, int height, int pixelSize) {
     HWY_DYNAMIC_DISPATCH(mirrorPixels)(from, to, width, height, pixelSize);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

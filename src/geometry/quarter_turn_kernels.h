@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace opcv {
+
 // A raster in the order in which a turn reads or writes it; with a negative step, upwards from its last row.
 struct SourceRows {
     const uint8_t* first;
@@ -20,3 +22,5 @@ void transpose(SourceRows from, TargetRows to, int sourceWidth, int sourceHeight
 
 // Each row becomes its mirror image in the same row of the target.
 void mirror(SourceRows from, TargetRows to, int width, int height, int pixelSize);
+
+}    // namespace opcv

@@ -16,6 +16,7 @@
 #include "geometry/page_format.h"
 #include "geometry/resize_kernels.h"
 
+namespace opcv {
 namespace {
 
 bool fitsInt(int64_t value) { return value >= INT_MIN && value <= INT_MAX; }
@@ -26,8 +27,8 @@ std::optional<int> truncatedToInt(double value) {
     return std::isnan(value) ? 0 : static_cast<int>(value);
 }
 
-OSErr viewOf(const KVIMG& record, int type, cv::Mat& view) {
-    return opcv::viewOf(record.data, record.rowBytes, type, IppiSize{record.width, record.height}, view);
+OSErr viewOfRecord(const KVIMG& record, int type, cv::Mat& view) {
+    return viewOf(record.data, record.rowBytes, type, IppiSize{record.width, record.height}, view);
 }
 
 // A source and the rectangle of the scaled image to compute.
@@ -56,8 +57,8 @@ bool isDirect(const BilinearJob& job, const cv::Size& scaled) {
 
 void resizeDirectly(const BilinearJob& job) {
     const BilinearResize resize(job);
-    opcv::forEachBand(job.height, double{1} * job.width * job.height,
-                      [&](int firstRow, int endRow) { resize.run(firstRow, endRow - firstRow); });
+    forEachBand(job.height, double{1} * job.width * job.height,
+                [&](int firstRow, int endRow) { resize.run(firstRow, endRow - firstRow); });
 }
 
 // The scale is the ratio of the two sizes.
@@ -68,7 +69,7 @@ void resizeInto(const cv::Mat& from, cv::Mat& to) {
     if (isDirect(job, to.size()))
         resizeDirectly(job);
     else
-        opcv::withOpenCVThreads([&] { cv::resize(from, to, to.size(), 0, 0, cv::INTER_LINEAR); });
+        withOpenCVThreads([&] { cv::resize(from, to, to.size(), 0, 0, cv::INTER_LINEAR); });
 }
 
 OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
@@ -81,9 +82,9 @@ OSErr resizePage(const KVIMG& src, double scale, RecordPtr& scaled) {
     const std::optional<PageFormat> format = pageFormatOf(src.depth);
     if (!format) return rotateFailedErr;
     cv::Mat from;
-    if (const OSErr err = viewOf(src, format->type, from)) return err;
+    if (const OSErr err = viewOfRecord(src, format->type, from)) return err;
     cv::Mat to;
-    if (const OSErr err = viewOf(*scaled, format->type, to)) return err;
+    if (const OSErr err = viewOfRecord(*scaled, format->type, to)) return err;
     resizeInto(from, to);
     return noErr;
 }
@@ -124,7 +125,7 @@ bool placeDirectly(const cv::Mat& from, Factors factors, const Spans& at, unsign
     const IppiRect covered = {at.columns.to, at.rows.to, std::min(scaled.width - at.columns.from, at.columns.count),
                               std::min(scaled.height - at.rows.from, at.rows.count)};
     cv::Mat to;
-    if (opcv::viewOf(dst, dstStep, CV_8UC1, covered, to) != noErr || opcv::overlap(from, to)) return false;
+    if (viewOf(dst, dstStep, CV_8UC1, covered, to) != noErr || overlap(from, to)) return false;
     const cv::Point origin(at.columns.from, at.rows.from);
     const BilinearJob job = jobOf(from, 1 / factors.x, 1 / factors.y, origin, to);
     if (!isDirect(job, scaled)) return false;
@@ -135,15 +136,15 @@ bool placeDirectly(const cv::Mat& from, Factors factors, const Spans& at, unsign
 OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
                      unsigned char* dst, int dstStep, const IppiRect& dstRoi, Factors factors, double xShift,
                      double yShift) {
-    if (!opcv::fitsIn(srcSize, srcRoi)) return paramErr;
+    if (!fitsIn(srcSize, srcRoi)) return paramErr;
     cv::Mat from;
-    if (const OSErr err = opcv::viewOf(src, srcStep, CV_8UC1, srcRoi, from)) return err;
+    if (const OSErr err = viewOf(src, srcStep, CV_8UC1, srcRoi, from)) return err;
     const std::optional<Span> columns = spanOf(xShift, dstRoi.x, dstRoi.width);
     const std::optional<Span> rows = spanOf(yShift, dstRoi.y, dstRoi.height);
     if (columns && rows && placeDirectly(from, factors, {*columns, *rows}, dst, dstStep)) return noErr;
 
     ResultMatrix scaled;
-    opcv::withOpenCVThreads([&] { cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR); });
+    withOpenCVThreads([&] { cv::resize(from, scaled, cv::Size(), factors.x, factors.y, cv::INTER_LINEAR); });
     if (!scaled.data) return memFullErr;
     if (!columns || !rows) return paramErr;
     return Tools::CopyImageMatData(scaled, cv::Point(columns->from, rows->from), dst, dstStep,
@@ -152,16 +153,19 @@ OSErr resizeAndPlace(const unsigned char* src, const IppiSize& srcSize, int srcS
 
 OSErr resizeToFit(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
                   unsigned char* dst, int dstStep, const IppiSize& dstSize) {
-    if (!opcv::fitsIn(srcSize, srcRoi)) return paramErr;
+    if (!fitsIn(srcSize, srcRoi)) return paramErr;
     cv::Mat from;
-    if (const OSErr err = opcv::viewOf(src, srcStep, CV_8UC3, srcRoi, from)) return err;
+    if (const OSErr err = viewOf(src, srcStep, CV_8UC3, srcRoi, from)) return err;
     cv::Mat to;
-    if (const OSErr err = opcv::viewOf(dst, dstStep, CV_8UC3, dstSize, to)) return err;
+    if (const OSErr err = viewOf(dst, dstStep, CV_8UC3, dstSize, to)) return err;
     resizeInto(from, to);
     return noErr;
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 OSErr ResizeImageWithIPPEx(const KVIMG* src, KVIMG** dst, double denominator, double numerator) {
     if (!dst) return paramErr;

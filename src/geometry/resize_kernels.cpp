@@ -25,6 +25,7 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -236,9 +237,12 @@ void resizeRows(const BilinearJob& job, const ColumnTable& table, int firstRow, 
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
+
 namespace {
 HWY_EXPORT(prepare);
 HWY_EXPORT(resizeRows);
@@ -259,4 +263,6 @@ BilinearResize::BilinearResize(const BilinearJob& job) : job_(job) { HWY_DYNAMIC
 void BilinearResize::run(int firstRow, int rowCount) const {
     HWY_DYNAMIC_DISPATCH(resizeRows)(job_, columns_, firstRow, rowCount);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

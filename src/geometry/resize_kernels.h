@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace opcv {
+
 struct BilinearJob {
     const uint8_t* source;
     ptrdiff_t sourceStep;
@@ -42,3 +44,5 @@ private:
     BilinearJob job_;
     ColumnTable columns_;
 };
+
+}    // namespace opcv

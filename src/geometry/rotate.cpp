@@ -13,6 +13,7 @@
 #include "core/row_bands.h"
 #include "geometry/rotate_kernel.h"
 
+namespace opcv {
 namespace {
 
 struct Image {
@@ -92,7 +93,7 @@ OSErr turnByOpenCV(const Turn& turn) {
 
     const cv::Matx23d matrix = cv::getRotationMatrix2D_(turn.centre, turn.angle, 1.0);
     ResultMatrix turned;
-    opcv::withOpenCVThreads(
+    withOpenCVThreads(
         [&] { cv::warpAffine(work, turned, matrix, work.size(), cv::INTER_LINEAR, cv::BORDER_CONSTANT, turn.border); });
     if (!turned.data) return memFullErr;
 
@@ -113,8 +114,7 @@ OSErr turnDirectly(const Turn& turn, AffineMap map) {
     const cv::Size rest = turn.workSize() - cv::Size(turn.origin());
     const IppiRect covered = {r.x, r.y, std::min(r.width, rest.width), std::min(r.height, rest.height)};
     cv::Mat to;
-    if (const OSErr err = opcv::viewOf(turn.target.pixels, turn.target.step, turn.region.type(), covered, to))
-        return err;
+    if (const OSErr err = viewOf(turn.target.pixels, turn.target.step, turn.region.type(), covered, to)) return err;
 
     const WorkArea& area = turn.area;
     cv::Size whole;
@@ -124,7 +124,7 @@ OSErr turnDirectly(const Turn& turn, AffineMap map) {
     if (area.padded())
         from.adjustROI(static_cast<int>(area.top), static_cast<int>(area.bottom), static_cast<int>(area.left),
                        static_cast<int>(area.right));
-    if (opcv::overlap(from, to)) return turnByOpenCV(turn);
+    if (overlap(from, to)) return turnByOpenCV(turn);
     cv::Point fromAt;
     from.locateROI(whole, fromAt);
 
@@ -142,8 +142,8 @@ OSErr turnDirectly(const Turn& turn, AffineMap map) {
     job.channels = from.channels();
     for (int i = 0; i < RotationJob::kMaxChannels; ++i)
         job.border[static_cast<size_t>(i)] = cv::saturate_cast<uint8_t>(turn.border[i]);
-    opcv::forEachBand(to.rows, double{1} * to.cols * to.rows,
-                      [&](int firstRow, int endRow) { rotateRows(job, firstRow, endRow); });
+    forEachBand(to.rows, double{1} * to.cols * to.rows,
+                [&](int firstRow, int endRow) { rotateRows(job, firstRow, endRow); });
     return noErr;
 }
 
@@ -154,20 +154,20 @@ OSErr run(const Turn& turn) {
 
 OSErr rotate(const Image& source, const Target& target, double angle, float xShift, float yShift,
              const cv::Scalar& border) {
-    if (!opcv::fitsIn(source.size, source.roi)) return paramErr;
+    if (!fitsIn(source.size, source.roi)) return paramErr;
     const std::optional<WorkArea> area = workAreaOf(xShift, yShift, source.roi, target.roi);
     if (!area) return paramErr;
     cv::Mat region;
-    if (const OSErr err = opcv::viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
+    if (const OSErr err = viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
     const cv::Point2f centre(static_cast<float>(area->left), static_cast<float>(area->top));
     return run({region, *area, centre, angle, border, target});
 }
 
 OSErr rotateAbout(const Image& source, const Target& target, double angle, cv::Point2f centre,
                   const cv::Scalar& border) {
-    if (!opcv::fitsIn(source.size, source.roi)) return paramErr;
+    if (!fitsIn(source.size, source.roi)) return paramErr;
     cv::Mat region;
-    if (const OSErr err = opcv::viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
+    if (const OSErr err = viewOf(source.pixels, source.step, source.type, source.roi, region)) return err;
     return run({region, WorkArea(), centre, angle, border, target});
 }
 
@@ -179,6 +179,9 @@ OSErr rotateOnBlack(const Image& source, const Target& target, double angle, dou
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus ippiRotate(const unsigned char* src, const IppiSize& srcSize, int srcStep, const IppiRect& srcRoi,
                      unsigned char* dst, int dstStep, const IppiRect& dstRoi, double angle, float xShift, float yShift,

@@ -36,6 +36,7 @@
 #include "simd/vector_size-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -384,9 +385,12 @@ void rotate(const RotationJob& job, int firstRow, int endRow) {
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
+
 namespace {
 HWY_EXPORT(rotate);
 }    // namespace
@@ -394,4 +398,6 @@ HWY_EXPORT(rotate);
 void rotateRows(const RotationJob& job, int firstRow, int endRow) {
     HWY_DYNAMIC_DISPATCH(rotate)(job, firstRow, endRow);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

@@ -7,6 +7,8 @@
 
 #include "geometry/affine_map.h"
 
+namespace opcv {
+
 struct RotationJob {
     static constexpr int kMaxChannels = 4;
 
@@ -24,3 +26,5 @@ struct RotationJob {
 
 // Fills the target's rows from `firstRow` to `endRow`, exclusive.
 void rotateRows(const RotationJob& job, int firstRow, int endRow);
+
+}    // namespace opcv

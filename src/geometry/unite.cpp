@@ -6,6 +6,7 @@
 #include "core/ownership.h"
 #include "geometry/page_format.h"
 
+namespace opcv {
 namespace {
 
 constexpr int kLinearSmoothEdge = static_cast<int>(0x80000002U);
@@ -27,6 +28,9 @@ bool staysWithin(const KVIMG& record, int rowStep) {
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* srcHeader, KVIMG** unitedRecord,
                                double angle) {

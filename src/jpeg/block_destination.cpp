@@ -43,7 +43,7 @@ boolean BlockDestination::onFull(j_compress_ptr cinfo) {
     return TRUE;
 }
 
-PixelBlock BlockDestination::take() {
+opcv::PixelBlock BlockDestination::take() {
     if (auto* trimmed = static_cast<unsigned char*>(block_ ? std::realloc(block_.get(), length()) : nullptr)) {
         static_cast<void>(block_.release());
         block_.reset(trimmed);

@@ -24,7 +24,7 @@ public:
     size_t length() const { return counted_ + room_ - pub_.free_in_buffer; }
 
     // Null if the block could not grow.
-    PixelBlock take();
+    opcv::PixelBlock take();
 
 private:
     static void nothing(j_compress_ptr /*cinfo*/) {}
@@ -34,7 +34,7 @@ private:
     void writeTo(unsigned char* bytes, size_t count);
 
     jpeg_destination_mgr pub_{};    // first, so that libjpeg's pointer also points to this object
-    PixelBlock block_;
+    opcv::PixelBlock block_;
     size_t counted_ = 0;    // bytes before the buffer that libjpeg is writing to
     size_t room_ = 0;
     bool givenUp_ = false;

@@ -13,7 +13,7 @@ struct NewPage {
     int width = 0;
     int height = 0;
     int channels = 0;    // packed rows of grey (1) or red, green, blue (3)
-    PixelBlock pixels;
+    opcv::PixelBlock pixels;
 
     NewPage() = default;
     explicit NewPage(const PageInfo& page) : width(page.width), height(page.height), channels(page.channels) {}
@@ -25,7 +25,7 @@ struct NewPage {
     // The block is allocated once the decoder has accepted the headers.
     Outcome read(const PageInfo& page, Decoder& decoder) {
         if (const Outcome opened = decoder.open(page); opened != Outcome::kDone) return opened;
-        pixels.reset(static_cast<unsigned char*>(allocatePixels(bytes())));
+        pixels.reset(static_cast<unsigned char*>(opcv::allocatePixels(bytes())));
         if (!pixels) return Outcome::kNoMemory;
         return decoder.read({pixels.get(), rowBytes(), channels});
     }

@@ -4,6 +4,7 @@
 #include "OPCV_dlib.h"
 #include "core/region.h"
 
+namespace opcv {
 namespace {
 
 bool isBitOffset(int offset) { return offset >= 0 && offset <= 7; }
@@ -11,10 +12,13 @@ bool isBitOffset(int offset) { return offset >= 0 && offset <= 7; }
 bool bitsFit(int offset, int width, int step) { return int64_t{offset} + width <= 8 * int64_t{step}; }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPShare_ippiConvert_1u8u_C1R(const unsigned char* pSrc, int srcStep, int srcBitOffset, unsigned char* pDst,
                                         int dstStep, IppiSize roiSize) {
-    if (!pSrc || !pDst || !isBitOffset(srcBitOffset) || opcv::isEmpty(roiSize)) return ippStsBadArgErr;
+    if (!pSrc || !pDst || !isBitOffset(srcBitOffset) || isEmpty(roiSize)) return ippStsBadArgErr;
     if (!bitsFit(srcBitOffset, roiSize.width, srcStep) || roiSize.width > dstStep) return ippStsBadArgErr;
     Convert_1u8u_C1R(pSrc, srcStep, srcBitOffset, pDst, dstStep, roiSize.width, roiSize.height);
     return ippStsNoErr;
@@ -23,7 +27,7 @@ IppStatus IPPShare_ippiConvert_1u8u_C1R(const unsigned char* pSrc, int srcStep, 
 IppStatus IPPShare_ippiReduceBits_8u1u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                            int dstBitOffset, IppiSize roiSize, int /*noise*/, int /*seed*/,
                                            int /*ditherType*/, unsigned char threshold) {
-    if (!pSrc || !pDst || !isBitOffset(dstBitOffset) || opcv::isEmpty(roiSize)) return ippStsBadArgErr;
+    if (!pSrc || !pDst || !isBitOffset(dstBitOffset) || isEmpty(roiSize)) return ippStsBadArgErr;
     if (roiSize.width > srcStep || !bitsFit(dstBitOffset, roiSize.width, dstStep)) return ippStsBadArgErr;
     Convert_8u1u_C1R(pSrc, srcStep, pDst, dstStep, dstBitOffset, roiSize.width, roiSize.height, threshold);
     return ippStsNoErr;

@@ -25,6 +25,7 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -204,9 +205,12 @@ void merge(const PlanarImage& from, const PackedImage& to, int width, int height
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
+
 namespace {
 HWY_EXPORT(rgbToYuv);
 HWY_EXPORT(yuvToRgb);
@@ -239,4 +243,6 @@ void splitChannels(const PackedImage& packed, const PlanarImage& planes, int wid
 void mergeChannels(const PlanarImage& planes, const PackedImage& packed, int width, int height) {
     HWY_DYNAMIC_DISPATCH(merge)(planes, packed, width, height);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

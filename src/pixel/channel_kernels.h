@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace opcv {
+
 struct PackedImage {
     uint8_t* pixels;
     ptrdiff_t step;
@@ -31,3 +33,5 @@ void convertRgbToYuv(const PackedImage& rgb, const PlanarImage& yuv, int width, 
 void convertYuvToRgb(const PlanarImage& yuv, const PackedImage& rgb, int width, int height);
 void splitChannels(const PackedImage& packed, const PlanarImage& planes, int width, int height);
 void mergeChannels(const PlanarImage& planes, const PackedImage& packed, int width, int height);
+
+}    // namespace opcv

@@ -10,6 +10,7 @@
 #include "core/row_bands.h"
 #include "pixel/views.h"
 
+namespace opcv {
 namespace {
 
 template <class From, class To>
@@ -17,7 +18,7 @@ using Conversion = void (*)(const From&, const To&, int width, int height);
 
 template <class From, class To>
 void runInBands(Conversion<From, To> convert, const From& from, const To& to, IppiSize roi) {
-    opcv::forEachBand(roi.height, double{1} * roi.width * roi.height, [&](int firstRow, int endRow) {
+    forEachBand(roi.height, double{1} * roi.width * roi.height, [&](int firstRow, int endRow) {
         convert(from.below(firstRow), to.below(firstRow), roi.width, endRow - firstRow);
     });
 }
@@ -34,16 +35,16 @@ OSErr convertPacked(Conversion<PackedImage, PackedImage> convert, const unsigned
 
 // By contract, a planar conversion has two steps with a packed image between them. One pass does both without that
 // image, but the conversion still reports out of memory if the image would be too large.
-bool packedImageFits(IppiSize roi) { return !opcv::isEmpty(roi) && planeFits(roi.width, roi.height, 3); }
+bool packedImageFits(IppiSize roi) { return !isEmpty(roi) && planeFits(roi.width, roi.height, 3); }
 
 // The steps return an IppStatus, which is translated as if it were an OSErr: every failure in them is reported as a bad
 // argument. Callers rely on it.
 IppStatus statusOfSteps(IppStatus status) { return Tools::OSErrToIppStatus(static_cast<OSErr>(status)); }
 
-bool overlap(const PackedImage& packed, const PlanarImage& planes, IppiSize roi) {
-    const opcv::ByteSpan bytes(packed.pixels, packed.step, 3 * ptrdiff_t{roi.width}, roi.height);
+bool shareBytes(const PackedImage& packed, const PlanarImage& planes, IppiSize roi) {
+    const ByteSpan bytes(packed.pixels, packed.step, 3 * ptrdiff_t{roi.width}, roi.height);
     return std::any_of(planes.planes.begin(), planes.planes.end(), [&](const uint8_t* plane) {
-        return opcv::overlap(bytes, opcv::ByteSpan(plane, planes.step, roi.width, roi.height));
+        return overlap(bytes, ByteSpan(plane, planes.step, roi.width, roi.height));
     });
 }
 
@@ -60,6 +61,9 @@ struct Between {
 };
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPShare_ippiRGBToYUV_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                        IppiSize roiSize) {
@@ -77,7 +81,7 @@ IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep, 
     PackedImage rgb{};
     PlanarImage yuv{};
     if (viewPacked(pSrc, srcStep, roiSize, rgb) || viewPlanes(pDst, dstStep, roiSize, yuv)) return ippStsBadArgErr;
-    if (!overlap(rgb, yuv, roiSize)) {
+    if (!shareBytes(rgb, yuv, roiSize)) {
         runInBands<PackedImage, PlanarImage>(convertRgbToYuv, rgb, yuv, roiSize);
         return ippStsNoErr;
     }
@@ -95,7 +99,7 @@ IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int 
     PlanarImage yuv{};
     PackedImage rgb{};
     if (viewPlanes(pSrc, srcStep, roiSize, yuv) || viewPacked(pDst, dstStep, roiSize, rgb)) return ippStsBadArgErr;
-    if (!overlap(rgb, yuv, roiSize)) {
+    if (!shareBytes(rgb, yuv, roiSize)) {
         runInBands<PlanarImage, PackedImage>(convertYuvToRgb, yuv, rgb, roiSize);
         return ippStsNoErr;
     }

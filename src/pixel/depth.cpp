@@ -3,18 +3,22 @@
 #include "core/Tools.h"
 #include "core/region.h"
 
+namespace opcv {
 namespace {
 
 OSErr convertDepth(const void* pSrc, int srcStep, int srcType, void* pDst, int dstStep, int dstType, IppiSize roi) {
     cv::Mat from;
-    if (const OSErr err = opcv::viewOf(pSrc, srcStep, srcType, roi, from)) return err;
+    if (const OSErr err = viewOf(pSrc, srcStep, srcType, roi, from)) return err;
     cv::Mat to;
-    if (const OSErr err = opcv::viewOf(pDst, dstStep, dstType, roi, to)) return err;
+    if (const OSErr err = viewOf(pDst, dstStep, dstType, roi, to)) return err;
     from.convertTo(to, dstType);
     return noErr;
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPShare_ippiConvert_8u16s_C1R(const unsigned char* pSrc, int srcStep, short* pDst, int dstStep,
                                          IppiSize roiSize) {

@@ -2,6 +2,7 @@
 #include "OPCV_dlib.h"
 #include "pixel/views.h"
 
+namespace opcv {
 namespace {
 
 OSErr toPlanes(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3], int dstStep, IppiSize roi) {
@@ -23,6 +24,9 @@ OSErr toPacked(const unsigned char* const pSrc[3], int srcStep, unsigned char* p
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPMini_ippiCopy_8u_C3P3R(const unsigned char* pSrc, int srcStep, unsigned char* const pDst[3], int dstStep,
                                     IppiSize roiSize) {

@@ -6,6 +6,7 @@
 #include "OPCV_dlib.h"
 #include "core/region.h"
 
+namespace opcv {
 namespace {
 
 // Deliberately compared as unsigned: a negative step counts as very long, so that the rows of 16-bit images may go
@@ -15,23 +16,26 @@ bool fits16Bit(int width, int step) {
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPShare_ippiThreshold_LTVal_8u_C1IR(unsigned char* pSrcDst, int srcDstStep, IppiSize roiSize,
                                                unsigned char threshold, unsigned char value) {
-    if (!pSrcDst || roiSize.width > srcDstStep || opcv::isEmpty(roiSize)) return ippStsBadArgErr;
+    if (!pSrcDst || roiSize.width > srcDstStep || isEmpty(roiSize)) return ippStsBadArgErr;
     Threshold_LTVal_8u_C1IR(pSrcDst, srcDstStep, roiSize.width, roiSize.height, threshold, value);
     return ippStsNoErr;
 }
 
 IppStatus IPPShare_ippiThreshold_LTVal_16s_C1IR(short* pSrcDst, int srcDstStep, IppiSize roiSize, short threshold,
                                                 short value) {
-    if (!pSrcDst || opcv::isEmpty(roiSize) || !fits16Bit(roiSize.width, srcDstStep)) return ippStsBadArgErr;
+    if (!pSrcDst || isEmpty(roiSize) || !fits16Bit(roiSize.width, srcDstStep)) return ippStsBadArgErr;
     Threshold_LTVal_16s_C1IR(pSrcDst, srcDstStep, roiSize.width, roiSize.height, threshold, value);
     return ippStsNoErr;
 }
 
 IppStatus IPPShare_ippiSet_8u_C1R(unsigned char value, unsigned char* pDst, int dstStep, IppiSize roiSize) {
-    if (!pDst || roiSize.width > dstStep || opcv::isEmpty(roiSize)) return ippStsBadArgErr;
+    if (!pDst || roiSize.width > dstStep || isEmpty(roiSize)) return ippStsBadArgErr;
     for (int y = 0; y < roiSize.height; ++y, pDst += dstStep)
         std::memset(pDst, value, static_cast<size_t>(roiSize.width));
     return ippStsNoErr;

@@ -14,6 +14,7 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -47,13 +48,18 @@ void threshold16s(uint8_t* p, int step, int width, int height, int16_t threshold
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
 namespace {
 HWY_EXPORT(threshold8u);
 HWY_EXPORT(threshold16s);
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 void Threshold_LTVal_8u_C1IR(unsigned char* p, int step, int width, int height, unsigned char threshold,
                              unsigned char value) {

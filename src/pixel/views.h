@@ -7,10 +7,12 @@
 #include "core/region.h"
 #include "pixel/channel_kernels.h"
 
+namespace opcv {
+
 // The pitch of a view is a whole number of pixels; the step need not be.
 inline OSErr viewRegion(const unsigned char* p, int step, IppiSize roi, int type, uint8_t*& first, ptrdiff_t& pitch) {
     cv::Mat view;
-    if (const OSErr err = opcv::viewOf(p, step, type, roi, view)) return err;
+    if (const OSErr err = viewOf(p, step, type, roi, view)) return err;
     first = view.data;
     pitch = static_cast<ptrdiff_t>(view.step[0]);
     return noErr;
@@ -26,3 +28,5 @@ inline OSErr viewPlanes(const unsigned char* const p[3], int step, IppiSize roi,
         if (const OSErr err = viewRegion(p[i], step, roi, CV_8UC1, image.planes[i], image.step)) return err;
     return noErr;
 }
+
+}    // namespace opcv

@@ -33,6 +33,7 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -289,12 +290,17 @@ void filter(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int widt
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
 namespace {
 HWY_EXPORT(filter);
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, int width,
                                  int height) {

@@ -15,6 +15,7 @@
 #include "rank/row_pair-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -130,13 +131,18 @@ void cross5x5(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int wi
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
 namespace {
 HWY_EXPORT(cross3x3);
 HWY_EXPORT(cross5x5);
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 void FilterMedianCross3x3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, int width,
                                  int height) {

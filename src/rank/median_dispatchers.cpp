@@ -3,6 +3,7 @@
 
 #include "OPCV_dlib.h"
 
+namespace opcv {
 namespace {
 
 using Kernel = void (*)(const unsigned char*, int, unsigned char*, int, int, int);
@@ -35,6 +36,9 @@ Kernel weightedCenterKernel(int weight) {
 Kernel colorKernel(int mask) { return mask == 33 ? FilterMedianColor3x3_8u_C3R : nullptr; }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPShare_ippiFilterMedianCross_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
                                                 int dstStep, IppiSize dstRoiSize, int mask) {

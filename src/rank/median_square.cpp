@@ -8,6 +8,7 @@
 #include "core/region.h"
 #include "core/result_matrix.h"
 
+namespace opcv {
 namespace {
 
 bool isOddSquare(const IppiSize& mask) { return mask.width > 0 && mask.width % 2 == 1 && mask.height == mask.width; }
@@ -19,12 +20,12 @@ OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstS
     if (!pSrc || !isOddSquare(mask)) return paramErr;
     const int m = mask.width;
     cv::Mat source;
-    if (const OSErr err = opcv::Region(pSrc, srcStep, type, roi).underMask(mask, anchor).view(source)) return err;
+    if (const OSErr err = Region(pSrc, srcStep, type, roi).underMask(mask, anchor).view(source)) return err;
 
     if (hasKernel(type, m)) {
         cv::Mat target;
-        if (const OSErr err = opcv::viewOf(pDst, dstStep, type, roi, target)) return err;
-        if (!opcv::overlap(source, target)) {
+        if (const OSErr err = viewOf(pDst, dstStep, type, roi, target)) return err;
+        if (!overlap(source, target)) {
             const int channels = target.channels();
             squareMedian(source.data, static_cast<ptrdiff_t>(source.step), target.data,
                          static_cast<ptrdiff_t>(target.step), ptrdiff_t{roi.width} * channels, roi.height, m, channels);
@@ -40,6 +41,9 @@ OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstS
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus ippiFilterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstStep, const IppiSize& roiSize,
                            const IppiSize& maskSize, const IppiPoint& anchor) {

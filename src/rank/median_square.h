@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace opcv {
+
 // Whether there is a kernel for m x m windows.
 bool hasSquareMedian(int m);
 
@@ -11,3 +13,5 @@ bool hasSquareMedian(int m);
 // bytes apart. Reads only bytes of the windows. Source and destination must not overlap.
 void squareMedian(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width,
                   ptrdiff_t height, int m, int channels);
+
+}    // namespace opcv

@@ -24,6 +24,7 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -32,7 +33,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 using opcv::HWY_NAMESPACE::coverBeyond;
 using opcv::HWY_NAMESPACE::coverPulledBack;
 using opcv::HWY_NAMESPACE::lanesOf;
-using rank_network::MedianRanks;
 using D = hn::ScalableTag<uint8_t>;
 using V = hn::Vec<D>;
 
@@ -61,12 +61,12 @@ HWY_INLINE void run(V* wires) {
 
 template <int kCount>
 struct Sorter {
-    static constexpr auto kNetwork = rank_network::sorter<kCount>();
+    static constexpr auto kNetwork = sorter<kCount>();
 };
 
 template <int kA, int kB, int kFirst, int kCount>
 struct Merger {
-    static constexpr auto kNetwork = rank_network::merger<kA, kB, kFirst, kCount>();
+    static constexpr auto kNetwork = merger<kA, kB, kFirst, kCount>();
 };
 
 // kSubset values of a window, sorted; only the ranks that can be its median.
@@ -300,9 +300,12 @@ void squareMedianKernel(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptr
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
+
 namespace {
 HWY_EXPORT(squareMedianKernel);
 }    // namespace
@@ -313,4 +316,6 @@ void squareMedian(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t
                   ptrdiff_t height, int m, int channels) {
     HWY_DYNAMIC_DISPATCH(squareMedianKernel)(src, srcStep, dst, dstStep, width, height, m, channels);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

@@ -23,6 +23,7 @@
 #include "rank/row_pair-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -105,13 +106,18 @@ void weight5(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, int wid
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
 namespace {
 HWY_EXPORT(weight3);
 HWY_EXPORT(weight5);
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 void FilterMedianWeightedCenter3x3_3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                             int width, int height) {

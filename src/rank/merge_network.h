@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace rank_network {
+namespace opcv {
 
 // Puts the smaller of two wires on `low` and the larger on `high`; a result that is not used is not computed.
 struct Comparator {
@@ -126,4 +126,4 @@ struct MedianRanks {
     static constexpr int kCount = std::min(kSubset - 1, kHalf) - kFirst + 1;
 };
 
-}    // namespace rank_network
+}    // namespace opcv

@@ -11,6 +11,7 @@
 #include "core/region.h"
 #include "core/result_matrix.h"
 
+namespace opcv {
 namespace {
 
 struct Source {
@@ -53,14 +54,14 @@ void filterByOpenCV(const cv::Mat& source, const cv::Mat& mask, Extremum extremu
 
 OSErr filter(const Source& src, const Target& dst, const cv::Mat& mask, IppiPoint anchor, Extremum extremum) {
     cv::Mat source;
-    const opcv::Region region(src.pixels, src.step, CV_8UC1, dst.size);
+    const Region region(src.pixels, src.step, CV_8UC1, dst.size);
     if (const OSErr err = region.underMask({mask.cols, mask.rows}, anchor).view(source)) return err;
     cv::Mat target;
-    if (const OSErr err = opcv::viewOf(dst.pixels, dst.step, CV_8UC1, dst.size, target)) return err;
+    if (const OSErr err = viewOf(dst.pixels, dst.step, CV_8UC1, dst.size, target)) return err;
     const WindowRows rows = {source.data,    static_cast<ptrdiff_t>(source.step),
                              target.data,    static_cast<ptrdiff_t>(target.step),
                              dst.size.width, dst.size.height};
-    if (!opcv::overlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
+    if (!overlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
 
     ResultMatrix filtered;
     filterByOpenCV(source, mask, extremum, filtered);
@@ -88,6 +89,9 @@ OSErr filterUnderRectangle(const Source& src, const Target& dst, IppiSize maskSi
 }
 
 }    // namespace
+}    // namespace opcv
+
+using namespace opcv;
 
 IppStatus IPPShare_ippiDilate_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                      IppiSize dstRoiSize, const unsigned char* pMask, IppiSize maskSize,

@@ -6,6 +6,8 @@
 
 #include "OPCV_dlib.h"
 
+namespace opcv {
+
 enum class Extremum { kMax, kMin };
 
 // Bytes of a source and a destination that do not overlap; `src` is the corner of the first window.
@@ -27,3 +29,5 @@ void filterUnderRectangle(const WindowRows& rows, IppiSize rectangle, Extremum e
 // Under up to kMostMaskCells cells, given by their distance in bytes from the window's corner; at least one. Reads only
 // bytes that cells select.
 void filterUnderCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extremum extremum);
+
+}    // namespace opcv

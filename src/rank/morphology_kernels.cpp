@@ -24,6 +24,7 @@
 #include "rank/row_pair-inl.h"
 
 HWY_BEFORE_NAMESPACE();
+namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
 
@@ -212,9 +213,12 @@ void underCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extre
 
 }    // namespace HWY_NAMESPACE
 }    // namespace
+}    // namespace opcv
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace opcv {
+
 namespace {
 HWY_EXPORT(underRectangle);
 HWY_EXPORT(underCells);
@@ -227,4 +231,6 @@ void filterUnderRectangle(const WindowRows& rows, IppiSize rectangle, Extremum e
 void filterUnderCells(const WindowRows& rows, const ptrdiff_t* cells, int count, Extremum extremum) {
     HWY_DYNAMIC_DISPATCH(underCells)(rows, cells, count, extremum);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

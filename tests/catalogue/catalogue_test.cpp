@@ -16,7 +16,8 @@ namespace {
 // The name alone of a C++ function.
 std::string demangled(const std::string& symbol) {
     int status = 0;
-    const std::unique_ptr<char, FreeDeleter> whole(abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status));
+    const std::unique_ptr<char, opcv::FreeDeleter> whole(
+        abi::__cxa_demangle(symbol.c_str(), nullptr, nullptr, &status));
     if (!whole) return symbol;
     const std::string text = whole.get();
     return text.substr(0, text.find('('));

@@ -26,8 +26,8 @@ std::function<void(Case&)> creation(Creator create) {
 void disposal(Case& c) {
     auto* image = c.addressesIn<KVIMG*>(nullptr);
     c.before = [&c, image] {
-        RecordPtr made;
-        createRecord({0, 0, c.size.height, c.size.width}, 24, made);
+        opcv::RecordPtr made;
+        opcv::createRecord({0, 0, c.size.height, c.size.width}, 24, made);
         *image = made.release();
     };
     c.call = [image] {

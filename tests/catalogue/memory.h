@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    std::vector<PixelBlock> blocks_;
+    std::vector<opcv::PixelBlock> blocks_;
 };
 
 // Each block ends at an inaccessible page or begins after one. Input blocks are read-only. Successive cases share the

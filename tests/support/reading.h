@@ -12,7 +12,7 @@
 
 struct Reading {
     OSErr status = noErr;
-    RecordPtr image;
+    opcv::RecordPtr image;
     KVImageDescription description{-1, -2, 300, 600, 77, -3};
 
     std::vector<uint8_t> pixels() const { return {image->data, image->data + image->size}; }

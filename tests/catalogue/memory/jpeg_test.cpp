@@ -27,7 +27,7 @@ TEST(OutOfMemory, CompressorsOfLongStreams) {
 }
 
 TEST(OutOfMemory, TheLengthIsWrittenWhenOnlyTheBlockIsMissing) {
-    const RecordPtr image = recordOf(20, 20, 8);
+    const opcv::RecordPtr image = recordOf(20, 20, 8);
     bool written = false;
     for (long n = 1; !written; ++n) {
         unsigned size = 0;
@@ -42,7 +42,7 @@ TEST(OutOfMemory, TheLengthIsWrittenWhenOnlyTheBlockIsMissing) {
 
 // A piece of another size is refused before there is a block for its pixels.
 TEST(OutOfMemory, APieceOfAnotherSizeLeavesNothing) {
-    const RecordPtr page = recordOf(40, 30, 24);
+    const opcv::RecordPtr page = recordOf(40, 30, 24);
     std::vector<unsigned char> stream;
     ASSERT_TRUE(CompressRGB2YCbCr411(page->data, page->rowBytes, 40, 30, stream, 80, 300, 300));
     KVImageDescription description{41, 30, 0, 0, 0, 0};

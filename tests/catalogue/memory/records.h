@@ -7,9 +7,9 @@
 #include "core/ownership.h"
 #include "support/random.h"
 
-inline RecordPtr recordOf(int width, int height, int depth) {
-    RecordPtr record;
-    EXPECT_EQ(createRecord({0, 0, height, width}, static_cast<unsigned char>(depth), record), noErr);
+inline opcv::RecordPtr recordOf(int width, int height, int depth) {
+    opcv::RecordPtr record;
+    EXPECT_EQ(opcv::createRecord({0, 0, height, width}, static_cast<unsigned char>(depth), record), noErr);
     Random random(91);
     random.fill(record->data, static_cast<size_t>(record->size));
     return record;

@@ -28,7 +28,7 @@ TEST(OutOfMemory, PlaneAllocators) {
 
 // A caller's own record in the slot is released when the new one cannot be made.
 TEST(OutOfMemory, AStaleRecordIsReleased) {
-    const RecordPtr source = recordOf(20, 10, 8);
+    const opcv::RecordPtr source = recordOf(20, 10, 8);
     KVImageDescription description{20, 10, 0, 0, 0, 8};
     KVImageDescription* record = &description;
     for (long n = 1; n <= 2; ++n) {

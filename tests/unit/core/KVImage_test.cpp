@@ -27,7 +27,7 @@ void expectRecord(Creator creator, int width, int height, unsigned char depth, i
     KVIMG* made = nullptr;
     ASSERT_EQ(creator(&made, &r, depth), noErr);
     ASSERT_NE(made, nullptr);
-    const RecordPtr owner(made);
+    const opcv::RecordPtr owner(made);
     EXPECT_EQ(made->depth, depth);
     EXPECT_EQ(made->width, width);
     EXPECT_EQ(made->height, height);
@@ -141,13 +141,13 @@ TEST(KVImage, AFailureFreesTheBlockThatTheSlotHeld) {
 TEST(KVImage, LargeRecordsHoldWhatIsWrittenBesideOtherBlocks) {
     for (const int height : {1023, 1024, 1025, 2500}) {
         const KVRect r = rectOf(4096, height);
-        RecordPtr records[3];
+        opcv::RecordPtr records[3];
         for (size_t i = 0; i < 3; ++i) {
-            ASSERT_EQ(createRecord(r, 8, records[i]), noErr);
+            ASSERT_EQ(opcv::createRecord(r, 8, records[i]), noErr);
             std::memset(records[i]->data, static_cast<int>(i + 1), static_cast<size_t>(records[i]->size));
         }
         records[1].reset();
-        ASSERT_EQ(createRecord(r, 8, records[1]), noErr);
+        ASSERT_EQ(opcv::createRecord(r, 8, records[1]), noErr);
         std::memset(records[1]->data, 9, static_cast<size_t>(records[1]->size));
         for (const size_t i : {size_t{0}, size_t{2}}) {
             const unsigned char* const data = records[i]->data;

@@ -8,7 +8,7 @@
 namespace {
 
 TEST(ResultMatrix, IsDenseAndKeepsItsAllocator) {
-    ResultMatrix m;
+    opcv::ResultMatrix m;
     EXPECT_TRUE(m.empty());
     for (const int type : {CV_8UC1, CV_8UC3, CV_16SC1, CV_32FC4}) {
         m.create(7, 13, type);
@@ -28,7 +28,7 @@ TEST(ResultMatrix, ReceivesWhatOpenCVComputes) {
     cv::randu(source, 0, 256);
     cv::Mat expected;
     cv::blur(source, expected, {3, 3});
-    ResultMatrix result;
+    opcv::ResultMatrix result;
     cv::blur(source, result, {3, 3});
     EXPECT_EQ(cv::countNonZero(result != expected), 0);
     EXPECT_EQ(result.u->currAllocator, result.allocator);
@@ -36,7 +36,7 @@ TEST(ResultMatrix, ReceivesWhatOpenCVComputes) {
 
 TEST(ResultMatrix, MayBecomeAViewOfAnother) {
     cv::Mat source(4, 5, CV_8UC1, cv::Scalar(7));
-    ResultMatrix view;
+    opcv::ResultMatrix view;
     view = source(cv::Rect(1, 1, 2, 2));
     EXPECT_EQ(view.data, source.ptr(1) + 1);
     EXPECT_EQ(view.size(), cv::Size(2, 2));

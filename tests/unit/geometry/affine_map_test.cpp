@@ -14,16 +14,16 @@ namespace {
 
 using Matrix = std::array<double, 6>;
 
-AffineMap mapOf(const Matrix& m) {
+opcv::AffineMap mapOf(const Matrix& m) {
     const double parts[6] = {m[0], m[1], m[2], m[3], m[4], m[5]};
-    return AffineMap::inverseOf(parts);
+    return opcv::AffineMap::inverseOf(parts);
 }
 
 // The map of target pixels with exactly these parts. Each is a power of two or zero, and so is its inverse.
-AffineMap scaled(double xx, double yy, double x0, double y0) {
+opcv::AffineMap scaled(double xx, double yy, double x0, double y0) {
     return mapOf({1 / xx, 0, -x0 / xx, 0, 1 / yy, -y0 / yy});
 }
-AffineMap crossed(double xy, double yx) { return mapOf({0, 1 / yx, 0, 1 / xy, 0, 0}); }
+opcv::AffineMap crossed(double xy, double yx) { return mapOf({0, 1 / yx, 0, 1 / xy, 0, 0}); }
 
 TEST(AffineMap, IsTheInverseInUnitsOf1024thOfAPixel) {
     Random random(371);
@@ -32,13 +32,13 @@ TEST(AffineMap, IsTheInverseInUnitsOf1024thOfAPixel) {
         for (int i = 0; i < 6; ++i) forward.at<double>(i / 3, i % 3) = random.real(-2, 2) * (i % 3 == 2 ? 50 : 1);
         const double* m = forward.ptr<double>();
         if (std::abs(m[0] * m[4] - m[1] * m[3]) < 0.05) continue;
-        const AffineMap map = mapOf({m[0], m[1], m[2], m[3], m[4], m[5]});
+        const opcv::AffineMap map = mapOf({m[0], m[1], m[2], m[3], m[4], m[5]});
         cv::Mat back;
         cv::invertAffineTransform(forward, back);
         const double* b = back.ptr<double>();
         const int x = random.between(0, 300);
         const int y = random.between(0, 300);
-        const MapPosition at = map.column(x) + map.row(y);
+        const opcv::MapPosition at = map.column(x) + map.row(y);
         // Each of two parts is rounded, and half a step of 32 added.
         EXPECT_NEAR(at.x - 16, (b[0] * x + b[1] * y + b[2]) * 1024, 1.01);
         EXPECT_NEAR(at.y - 16, (b[3] * x + b[4] * y + b[5]) * 1024, 1.01);
@@ -48,8 +48,8 @@ TEST(AffineMap, IsTheInverseInUnitsOf1024thOfAPixel) {
 }
 
 TEST(AffineMap, OfASingularMatrixLeadsToTheOrigin) {
-    const AffineMap map = mapOf({2, 1, 5, 4, 2, 7});
-    const MapPosition at = map.column(100) + map.row(90);
+    const opcv::AffineMap map = mapOf({2, 1, 5, 4, 2, 7});
+    const opcv::MapPosition at = map.column(100) + map.row(90);
     EXPECT_EQ(at.x, 16);
     EXPECT_EQ(at.y, 16);
     EXPECT_TRUE(map.isWellConditioned());
@@ -58,16 +58,16 @@ TEST(AffineMap, OfASingularMatrixLeadsToTheOrigin) {
 TEST(AffineMap, MovedOriginsShiftBothImages) {
     Random random(372);
     for (int round = 0; round < 200; ++round) {
-        const AffineMap map = mapOf({std::cos(0.1 * round), std::sin(0.1 * round), random.real(-99, 99),
-                                     -std::sin(0.1 * round), std::cos(0.1 * round), random.real(-99, 99)});
-        AffineMap moved = map;
+        const opcv::AffineMap map = mapOf({std::cos(0.1 * round), std::sin(0.1 * round), random.real(-99, 99),
+                                           -std::sin(0.1 * round), std::cos(0.1 * round), random.real(-99, 99)});
+        opcv::AffineMap moved = map;
         const int targetX = random.between(0, 500);
         const int targetY = random.between(0, 500);
         const int sourceX = random.between(-500, 500);
         const int sourceY = random.between(-500, 500);
         moved.moveOrigins(targetX, targetY, sourceX, sourceY);
-        const MapPosition there = map.column(targetX + 3) + map.row(targetY + 7);
-        const MapPosition here = moved.column(3) + moved.row(7);
+        const opcv::MapPosition there = map.column(targetX + 3) + map.row(targetY + 7);
+        const opcv::MapPosition here = moved.column(3) + moved.row(7);
         EXPECT_EQ(here.x, there.x - 1024 * sourceX);
         EXPECT_EQ(here.y, there.y - 1024 * sourceY);
     }
@@ -110,7 +110,7 @@ TEST(AffineMap, RoundsHalvesToEven) {
     EXPECT_EQ(columnAfter(2.5 / 1024), 2);
     EXPECT_EQ(columnAfter(-0.5 / 1024), 0);
     EXPECT_EQ(columnAfter(-1.5 / 1024), -2);
-    const AffineMap half = scaled(1.0 / 2048, 1.0 / 2048, 0, 0);
+    const opcv::AffineMap half = scaled(1.0 / 2048, 1.0 / 2048, 0, 0);
     EXPECT_EQ(half.column(1).x, 0);
     EXPECT_EQ(half.column(3).x, 2);
     EXPECT_EQ(half.column(5).x, 2);

@@ -170,7 +170,7 @@ TEST(DeskewEx, OpenCVExceptionsLeaveTheSlotEmpty) {
     KVRect crop = {0, 0, 3, 32766};
     KVIMG* slot = nullptr;
     EXPECT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), noErr);
-    const RecordPtr owner(slot);
+    const opcv::RecordPtr owner(slot);
 }
 
 TEST(DeskewWithPoint, OpenCVExceptionsLeaveTheSlotEmpty) {

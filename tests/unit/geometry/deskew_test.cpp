@@ -53,7 +53,7 @@ TEST(Deskew, TurnsAboutTheCentreOfThePage) {
         ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, random.between(-5, 5),
                                      white ? static_cast<unsigned char>(random.between(1, 255)) : 0, angle),
                   noErr);
-        const RecordPtr owner(turned);
+        const opcv::RecordPtr owner(turned);
         ASSERT_NO_FATAL_FAILURE(expectRecord(*turned, size, depth, expected)) << "round " << round;
         ASSERT_TRUE(page.untouched());
     }
@@ -81,7 +81,7 @@ TEST(DeskewEx, ShowsTheTurnedPageThroughTheCrop) {
         ASSERT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &turned, random.between(-5, 5), white, &crop,
                                        angle),
                   noErr);
-        const RecordPtr owner(turned);
+        const opcv::RecordPtr owner(turned);
         ASSERT_NO_FATAL_FAILURE(expectRecord(*turned, shown, depth, expected)) << "round " << round;
         ASSERT_TRUE(page.untouched());
         ASSERT_EQ(crop.top, std::max(asked.top, 0));
@@ -117,7 +117,7 @@ TEST(DeskewWithPoint, MakesThePointTheFirstPixel) {
         ASSERT_EQ(DeskewImageWithIPPExWithShirftPoint(page.record(), page.description(), &turned, random.between(-5, 5),
                                                       white, &crop, x, y, angle),
                   noErr);
-        const RecordPtr owner(turned);
+        const opcv::RecordPtr owner(turned);
         ASSERT_NO_FATAL_FAILURE(expectRecord(*turned, shown, depth, expected)) << "round " << round;
         ASSERT_TRUE(page.untouched());
         ASSERT_TRUE(crop.top == asked.top && crop.left == asked.left && crop.bottom == asked.bottom &&
@@ -131,7 +131,7 @@ TEST(Deskew, ZeroAngleReturnsThePage) {
         TestPage page(random, {61, 17}, depth);
         KVIMG* turned = nullptr;
         ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 1, 0), noErr);
-        const RecordPtr owner(turned);
+        const opcv::RecordPtr owner(turned);
         for (int y = 0; y < 17; ++y)
             EXPECT_EQ(rowOf(turned->data, turned->rowBytes, y, 61 * depth / 8),
                       rowOf(page.pixels().data(), page.pixels().step(), y, 61 * depth / 8));
@@ -150,7 +150,7 @@ TEST(Deskew, CornersTakeTheFillOfTheDepth) {
                 ASSERT_EQ(deskew(function, {page.record(), page.description(), &turned, &crop, 45},
                                  static_cast<unsigned char>(white), 0, -30),
                           noErr);
-                const RecordPtr owner(turned);
+                const opcv::RecordPtr owner(turned);
                 Bytes fill(static_cast<size_t>(depth / 8));
                 if (white && depth == 24) fill = {255, 255, 255};
                 if (white && depth == 32) fill = {0, 255, 255, 255};
@@ -165,7 +165,7 @@ TEST(Deskew, PositiveAngleTurnsCounterClockwiseOnScreen) {
     *page.pixels().at(17, 10) = 255;    // right of the centre
     KVIMG* turned = nullptr;
     ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 0, 90), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     EXPECT_EQ(turned->data[3 * turned->rowBytes + 10], 255);    // above it
     EXPECT_EQ(turned->data[10 * turned->rowBytes + 17], 0);
 }
@@ -187,7 +187,7 @@ TEST(Deskew, PixelsLieWhereGeometrySays) {
         const oracle::Point centre = {(size.width - 1) * 0.5, (size.height - 1) * 0.5};
         KVIMG* turned = nullptr;
         ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 0, angle), noErr);
-        const RecordPtr owner(turned);
+        const opcv::RecordPtr owner(turned);
         for (int y = 0; y < size.height; ++y)
             for (int x = 0; x < size.width; ++x)
                 ASSERT_TRUE(oracle::isNear(turned->data[y * turned->rowBytes + x], at,
@@ -202,7 +202,7 @@ TEST(DeskewEx, CropOutsideThePageIsMovedIntoItAfterUse) {
     KVRect crop = {-10, -20, 90, 180};
     KVIMG* turned = nullptr;
     ASSERT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &turned, 0, 1, &crop, 0), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     EXPECT_EQ(turned->width, 200);
     EXPECT_EQ(turned->height, 100);
     EXPECT_TRUE(crop.top == 0 && crop.left == 0 && crop.bottom == 100 && crop.right == 200);
@@ -226,7 +226,7 @@ TEST(DeskewEx, CropMayBeLargerThanThePageOnAllSides) {
     KVRect crop = {-5, -7, 20, 30};
     KVIMG* turned = nullptr;
     ASSERT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &turned, 0, 0, &crop, 0), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, 37);
     ASSERT_EQ(turned->height, 25);
     for (int y = 0; y < 25; ++y)
@@ -246,10 +246,10 @@ TEST(DeskewWithPoint, IgnoresWhereTheCropLies) {
         const auto deskewed = [&](KVRect& crop) {
             KVIMG* turned = nullptr;
             EXPECT_EQ(deskew(DeskewFunction::kPoint, {page.record(), page.description(), &turned, &crop, 2.3}), noErr);
-            return RecordPtr(turned);
+            return opcv::RecordPtr(turned);
         };
-        const RecordPtr first = deskewed(here);
-        for (const RecordPtr& other : {deskewed(there), deskewed(outside)})
+        const opcv::RecordPtr first = deskewed(here);
+        for (const opcv::RecordPtr& other : {deskewed(there), deskewed(outside)})
             for (int y = 0; y < 100; ++y)
                 EXPECT_EQ(rowOf(first->data, first->rowBytes, y, 100 * depth / 8),
                           rowOf(other->data, other->rowBytes, y, 100 * depth / 8));
@@ -264,7 +264,7 @@ TEST(Deskew, DescriptionGovernsSizeAndDepth) {
     page.described().height = 20;
     KVIMG* turned = nullptr;
     ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 0, 0), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, 25);
     ASSERT_EQ(turned->height, 20);
     ASSERT_EQ(turned->rowBytes, 75);
@@ -275,10 +275,10 @@ TEST(Deskew, DescriptionGovernsSizeAndDepth) {
 TEST(Deskew, SuccessOverwritesTheSlot) {
     Random random(337);
     TestPage page(random, {40, 30}, 8);
-    const RecordPtr before = makeRecord({5, 5}, 8);
+    const opcv::RecordPtr before = makeRecord({5, 5}, 8);
     KVIMG* slot = before.get();
     ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &slot, 0, 0, 1), noErr);
-    const RecordPtr owner(slot);
+    const opcv::RecordPtr owner(slot);
     EXPECT_NE(slot, before.get());
     EXPECT_EQ(before->width, 5);
 }

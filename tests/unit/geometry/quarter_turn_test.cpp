@@ -19,7 +19,7 @@ void expectTurned(TestPage& page, double angle, int degreesClockwise) {
     const bool onItsSide = degreesClockwise != 180;
     KVIMG* turned = nullptr;
     ASSERT_EQ(RotateImageWithIPP(page.record(), page.description(), &turned, angle), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, onItsSide ? size.height : size.width);
     ASSERT_EQ(turned->height, onItsSide ? size.width : size.height);
     ASSERT_EQ(turned->depth, page.depth());
@@ -72,7 +72,7 @@ TEST(QuarterTurn, IsWhatOpenCVTurns) {
                 TestPage page(random, size, depth);
                 KVIMG* turned = nullptr;
                 ASSERT_EQ(RotateImageWithIPP(page.record(), page.description(), &turned, 90.0 * (code + 1)), noErr);
-                const RecordPtr owner(turned);
+                const opcv::RecordPtr owner(turned);
                 cv::Mat expected;
                 cv::rotate(oracle::regionOf(page.pixels().data(), page.pixels().step(), {0, 0, size.width, size.height},
                                             page.type()),
@@ -116,10 +116,10 @@ TEST(QuarterTurn, KernelsWriteNoByteTooMany) {
             const GuardedImage source(random, size, GuardedImage::anyLayout(random, pixelSize));
             GuardedImage onItsSide(random, {size.height, size.width}, GuardedImage::anyLayout(random, pixelSize));
             GuardedImage mirrored(random, size, GuardedImage::anyLayout(random, pixelSize));
-            transpose({source.data(), source.step()}, {onItsSide.data(), onItsSide.step()}, size.width, size.height,
-                      pixelSize);
-            mirror({source.data(), source.step()}, {mirrored.data(), mirrored.step()}, size.width, size.height,
-                   pixelSize);
+            opcv::transpose({source.data(), source.step()}, {onItsSide.data(), onItsSide.step()}, size.width,
+                            size.height, pixelSize);
+            opcv::mirror({source.data(), source.step()}, {mirrored.data(), mirrored.step()}, size.width, size.height,
+                         pixelSize);
             ASSERT_TRUE(onItsSide.untouchedOutsideRegion());
             ASSERT_TRUE(mirrored.untouchedOutsideRegion());
             for (int y = 0; y < size.height; ++y)
@@ -145,7 +145,7 @@ TEST(QuarterTurn, PositiveAngleTurnsClockwise) {
     TestPage page(random, {100, 40}, 8);
     KVIMG* turned = nullptr;
     ASSERT_EQ(RotateImageWithIPP(page.record(), page.description(), &turned, 90), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, 40);
     ASSERT_EQ(turned->height, 100);
     for (int x = 0; x < 40; ++x) EXPECT_EQ(turned->data[x], *page.pixels().at(0, 39 - x));
@@ -155,7 +155,7 @@ TEST(QuarterTurn, FourQuarterTurnsRestoreThePage) {
     Random random(345);
     for (const int depth : kDepths) {
         TestPage page(random, {53, 38}, depth);
-        RecordPtr turned;
+        opcv::RecordPtr turned;
         const KVIMG* from = page.record();
         for (int i = 0; i < 4; ++i) {
             KVImageDescription description = page.described();
@@ -179,7 +179,7 @@ TEST(QuarterTurn, DescriptionGovernsSizeAndDepth) {
     page.described().height = 20;
     KVIMG* turned = nullptr;
     ASSERT_EQ(RotateImageWithIPP(page.record(), page.description(), &turned, 180), noErr);
-    const RecordPtr owner(turned);
+    const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, 25);
     ASSERT_EQ(turned->height, 20);
     EXPECT_EQ(turned->data[0], *page.pixels().at(24, 19));

@@ -15,9 +15,10 @@ namespace {
 
 int channelsOf(int depth) { return depth / 8; }
 
-RecordPtr makePage(Random& random, int width, int height, int depth, Random::Values values = Random::Values::kAny) {
-    RecordPtr page;
-    EXPECT_EQ(createRecord({0, 0, height, width}, static_cast<unsigned char>(depth), page), noErr);
+opcv::RecordPtr makePage(Random& random, int width, int height, int depth,
+                         Random::Values values = Random::Values::kAny) {
+    opcv::RecordPtr page;
+    EXPECT_EQ(opcv::createRecord({0, 0, height, width}, static_cast<unsigned char>(depth), page), noErr);
     random.fill(page->data, static_cast<size_t>(page->size), values);
     return page;
 }
@@ -36,7 +37,7 @@ TEST(ResizePage, ScalesLikeTheDefinition) {
     Random random(601);
     for (int round = 0; round < 250; ++round) {
         const int depth = anyDepth(random);
-        const RecordPtr page =
+        const opcv::RecordPtr page =
             makePage(random, random.between(8, 150), random.between(2, 40), depth, random.anyValues());
         const double denominator = random.between(1, 12) * 50;
         const double numerator = random.between(1, 12) * 50;
@@ -45,7 +46,7 @@ TEST(ResizePage, ScalesLikeTheDefinition) {
         if (width < 1 || height < 1 || width > 900) continue;
         KVIMG* out = nullptr;
         ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, denominator, numerator), noErr);
-        const RecordPtr scaled(out);
+        const opcv::RecordPtr scaled(out);
         ASSERT_EQ(scaled->width, width);
         ASSERT_EQ(scaled->height, height);
         ASSERT_EQ(scaled->depth, depth);
@@ -65,10 +66,10 @@ TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
     for (const int depth : {8, 24, 32})
         for (const double numerator : {45.0, 74.0, 75.0, 76.0, 82.0, 99.0, 100.0, 101.0, 119.0, 120.0, 121.0, 150.0,
                                        200.0, 225.0, 299.0, 400.0, 301.0}) {
-            const RecordPtr page = makePage(random, random.between(900, 1300), random.between(100, 300), depth);
+            const opcv::RecordPtr page = makePage(random, random.between(900, 1300), random.between(100, 300), depth);
             KVIMG* out = nullptr;
             ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 300, numerator), noErr);
-            const RecordPtr scaled(out);
+            const opcv::RecordPtr scaled(out);
             cv::Mat expected;
             cv::resize(viewOf(*page), expected, cv::Size(scaled->width, scaled->height), 0, 0, cv::INTER_LINEAR);
             ASSERT_EQ(cv::norm(viewOf(*scaled), expected, cv::NORM_INF), 0) << depth << ' ' << numerator;
@@ -79,11 +80,11 @@ TEST(ResizePage, ScalesWholePagesLikeOpenCV) {
 TEST(ResizePage, ReducesByAnyRatioLikeOpenCV) {
     Random random(605);
     for (const int depth : {8, 24, 32}) {
-        const RecordPtr page = makePage(random, 211, 9, depth);
+        const opcv::RecordPtr page = makePage(random, 211, 9, depth);
         for (int width = 211 / 5; width <= 211 / 2; ++width) {
             KVIMG* out = nullptr;
             ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 211, width + 0.5), noErr);
-            const RecordPtr scaled(out);
+            const opcv::RecordPtr scaled(out);
             ASSERT_EQ(scaled->width, width);
             cv::Mat expected;
             cv::resize(viewOf(*page), expected, cv::Size(width, scaled->height), 0, 0, cv::INTER_LINEAR);
@@ -94,10 +95,10 @@ TEST(ResizePage, ReducesByAnyRatioLikeOpenCV) {
 
 TEST(ResizePage, TruncatesTheNewSize) {
     Random random(603);
-    const RecordPtr page = makePage(random, 101, 51, 8);
+    const opcv::RecordPtr page = makePage(random, 101, 51, 8);
     KVIMG* out = nullptr;
     ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 400, 200), noErr);
-    const RecordPtr half(out);
+    const opcv::RecordPtr half(out);
     EXPECT_EQ(half->width, 50);
     EXPECT_EQ(half->height, 25);
     EXPECT_EQ(half->rowBytes, 64);
@@ -107,10 +108,10 @@ TEST(ResizePage, TruncatesTheNewSize) {
 TEST(ResizePage, EqualNumbersCopyThePage) {
     Random random(604);
     for (const int depth : {8, 24, 32}) {
-        const RecordPtr page = makePage(random, 77, 13, depth);
+        const opcv::RecordPtr page = makePage(random, 77, 13, depth);
         KVIMG* out = nullptr;
         ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 300, 300), noErr);
-        const RecordPtr copy(out);
+        const opcv::RecordPtr copy(out);
         EXPECT_EQ(copy->width, 77);
         EXPECT_EQ(copy->height, 13);
         EXPECT_EQ(cv::norm(viewOf(*page), viewOf(*copy), cv::NORM_INF), 0);
@@ -118,15 +119,15 @@ TEST(ResizePage, EqualNumbersCopyThePage) {
 }
 
 TEST(ResizePage, ExactHalfIsTheMeanOfFourPixels) {
-    RecordPtr page;
-    ASSERT_EQ(createRecord({0, 0, 2, 4}, 8, page), noErr);
+    opcv::RecordPtr page;
+    ASSERT_EQ(opcv::createRecord({0, 0, 2, 4}, 8, page), noErr);
     const std::vector<uint8_t> above = {0, 1, 255, 255};
     const std::vector<uint8_t> below = {0, 0, 255, 252};
     std::memcpy(page->data, above.data(), 4);
     std::memcpy(page->data + page->rowBytes, below.data(), 4);
     KVIMG* out = nullptr;
     ASSERT_EQ(ResizeImageWithIPPEx(page.get(), &out, 2, 1), noErr);
-    const RecordPtr half(out);
+    const opcv::RecordPtr half(out);
     EXPECT_EQ(half->data[0], 0);
     EXPECT_EQ(half->data[1], 254);
 }
@@ -143,7 +144,7 @@ OSErr resizeIntoUsedSlot(const KVIMG* page, double denominator, double numerator
 
 TEST(ResizePage, RefusesNullRecords) {
     Random random(605);
-    const RecordPtr page = makePage(random, 10, 10, 8);
+    const opcv::RecordPtr page = makePage(random, 10, 10, 8);
     EXPECT_EQ(ResizeImageWithIPPEx(page.get(), nullptr, 1, 1), paramErr);
     EXPECT_EQ(ResizeImageWithIPPEx(nullptr, nullptr, 1, 1), paramErr);
     EXPECT_EQ(resizeIntoUsedSlot(nullptr, 1, 1), paramErr);
@@ -155,11 +156,11 @@ TEST(ResizePage, RefusesNullRecords) {
 TEST(ResizePage, RefusesOtherDepths) {
     Random random(606);
     for (const int depth : {1, 40}) {    // of which a record can be made
-        const RecordPtr page = makePage(random, 32, 4, depth);
+        const opcv::RecordPtr page = makePage(random, 32, 4, depth);
         EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1), rotateFailedErr) << depth;
         EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 1e8), memFullErr) << depth;
     }
-    const RecordPtr page = makePage(random, 32, 4, 8);
+    const opcv::RecordPtr page = makePage(random, 32, 4, 8);
     // Of the last ones only the low byte is that of a depth.
     for (const int depth : {0, 2, 16, 41, -8, 256 + 8, 256 + 24, 65536 + 32}) {
         page->depth = depth;
@@ -175,7 +176,7 @@ TEST(ResizePage, RefusesOtherDepths) {
 TEST(ResizePage, RefusesEmptyResults) {
     Random random(607);
     for (const int depth : {8, 24, 32}) {
-        const RecordPtr page = makePage(random, 16, 4, depth);
+        const opcv::RecordPtr page = makePage(random, 16, 4, depth);
         EXPECT_EQ(resizeIntoUsedSlot(page.get(), 5, 1), paramErr);      // 3 x 0
         EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 0), paramErr);      // 0 x 0
         EXPECT_EQ(resizeIntoUsedSlot(page.get(), 0, 0), paramErr);      // no number
@@ -185,7 +186,7 @@ TEST(ResizePage, RefusesEmptyResults) {
 
 TEST(ResizePage, RefusesPagesThatDoNotFitTheirRows) {
     Random random(608);
-    const RecordPtr page = makePage(random, 16, 4, 24);
+    const opcv::RecordPtr page = makePage(random, 16, 4, 24);
     const KVIMG good = *page;
     page->rowBytes = 47;
     EXPECT_EQ(resizeIntoUsedSlot(page.get(), 1, 2), paramErr);
@@ -204,7 +205,7 @@ TEST(ResizePage, RefusesPagesThatDoNotFitTheirRows) {
 
 TEST(ResizePage, TooLargeSizesAreOutOfMemory) {
     Random random(609);
-    const RecordPtr page = makePage(random, 1000, 10, 8);
+    const opcv::RecordPtr page = makePage(random, 1000, 10, 8);
     // In range for each side but not for the product; a side just beyond int; far beyond; infinite.
     for (const double scale : {50000.0, 2147483.648, -2147483.649, 1e300, std::numeric_limits<double>::infinity(),
                                -std::numeric_limits<double>::infinity()})

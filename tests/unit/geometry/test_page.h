@@ -85,8 +85,8 @@ inline std::vector<uint8_t> rowOf(const uint8_t* pixels, int rowBytes, int y, in
     return {row, row + bytes};
 }
 
-inline RecordPtr makeRecord(IppiSize size, int depth) {
-    RecordPtr record;
-    createRecord({0, 0, size.height, size.width}, static_cast<unsigned char>(depth), record);
+inline opcv::RecordPtr makeRecord(IppiSize size, int depth) {
+    opcv::RecordPtr record;
+    opcv::createRecord({0, 0, size.height, size.width}, static_cast<unsigned char>(depth), record);
     return record;
 }

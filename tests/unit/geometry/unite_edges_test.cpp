@@ -16,7 +16,7 @@ std::vector<uint8_t> united(TestPage& page, double angle) {
     const KVImageHeader from = {page.pixels().data(), 0, 8, kPage.width, kPage.height, page.pixels().step()};
     KVIMG* record = nullptr;
     EXPECT_EQ(UniteImageIplRotateImage(&to, &from, &record, angle), noErr);
-    const RecordPtr owner(record);
+    const opcv::RecordPtr owner(record);
     return {record->data, record->data + record->size};
 }
 

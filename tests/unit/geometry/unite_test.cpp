@@ -48,7 +48,7 @@ void expectUnited(TestPage& page, IppiSize canvas, double angle) {
     const KVImageHeader from = headerOf(page);
     KVIMG* united = nullptr;
     ASSERT_EQ(UniteImageIplRotateImage(&to, &from, &united, angle), noErr);
-    const RecordPtr owner(united);
+    const opcv::RecordPtr owner(united);
     ASSERT_EQ(united->width, canvas.width);
     ASSERT_EQ(united->height, canvas.height);
     ASSERT_EQ(united->depth, depth);
@@ -93,7 +93,7 @@ IppiPoint dotAfter(double angle) {
     KVImageHeader to = canvasOf({41, 41}, 8);
     KVIMG* united = nullptr;
     EXPECT_EQ(UniteImageIplRotateImage(&to, &from, &united, angle), noErr);
-    const RecordPtr owner(united);
+    const opcv::RecordPtr owner(united);
     IppiPoint brightest = {0, 0};
     const auto at = [&](IppiPoint p) { return united->data[p.y * united->rowBytes + p.x]; };
     for (int y = 0; y < 41; ++y)
@@ -125,7 +125,7 @@ TEST(Unite, CornersAreWhiteExceptOnGrey) {
         const KVImageHeader from = headerOf(page);
         KVIMG* united = nullptr;
         ASSERT_EQ(UniteImageIplRotateImage(&to, &from, &united, 3), noErr);
-        const RecordPtr owner(united);
+        const opcv::RecordPtr owner(united);
         const Bytes fill = depth == 8 ? Bytes{0} : depth == 24 ? Bytes{255, 255, 255} : Bytes{0, 255, 255, 255};
         EXPECT_EQ(Bytes(united->data, united->data + depth / 8), fill);
     }
@@ -139,13 +139,13 @@ TEST(Unite, RowsOf24BitsArePaddedInTheRecordButCopiedByWholePixels) {
     const KVImageHeader from = headerOf(page);
     KVIMG* united = nullptr;
     ASSERT_EQ(UniteImageIplRotateImage(&to, &from, &united, 0), noErr);
-    const RecordPtr owner(united);
+    const opcv::RecordPtr owner(united);
     ASSERT_EQ(united->rowBytes, 304);
     for (int y = 0; y < 5; ++y)
         EXPECT_EQ(rowOf(united->data, 303, y, 303), rowOf(page.pixels().data(), page.pixels().step(), y, 303));
     KVIMG* packed = nullptr;
     ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &packed, 0, 0, 0), noErr);
-    const RecordPtr packedOwner(packed);
+    const opcv::RecordPtr packedOwner(packed);
     EXPECT_EQ(packed->rowBytes, 303);
 }
 
@@ -158,7 +158,7 @@ TEST(Unite, ReadsOneByteOfTheDepth) {
         to.depth = depth;
         KVIMG* united = nullptr;
         ASSERT_EQ(UniteImageIplRotateImage(&to, &from, &united, 0), noErr) << depth;
-        const RecordPtr owner(united);
+        const opcv::RecordPtr owner(united);
         EXPECT_EQ(united->depth, 8);
         EXPECT_EQ(united->rowBytes, 32);
         EXPECT_EQ(rowOf(united->data, 32, 7, 20), rowOf(page.pixels().data(), page.pixels().step(), 7, 20));
@@ -169,7 +169,7 @@ class UniteStatus : public testing::Test {
 protected:
     // Refused; the slot keeps what it held, as it is written on success only.
     void expectRefused(KVImageHeader to, const KVImageHeader& from, double angle = 2) {
-        const RecordPtr before = makeRecord({5, 5}, 8);
+        const opcv::RecordPtr before = makeRecord({5, 5}, 8);
         KVIMG* slot = before.get();
         EXPECT_EQ(UniteImageIplRotateImage(&to, &from, &slot, angle), uniteFailedErr);
         EXPECT_EQ(slot, before.get());
@@ -241,14 +241,14 @@ TEST_F(UniteStatus, StepOfTheCanvasMustStayInsideTheRecord) {
         canvas.rowStep = step;
         KVIMG* slot = nullptr;
         EXPECT_EQ(UniteImageIplRotateImage(&canvas, &from_, &slot, 2), noErr) << step;
-        const RecordPtr owner(slot);
+        const opcv::RecordPtr owner(slot);
     }
     KVImageHeader canvas = to();
     canvas.height = 1;
     canvas.rowStep = 999;
     KVIMG* slot = nullptr;
     EXPECT_EQ(UniteImageIplRotateImage(&canvas, &from_, &slot, 2), noErr);
-    const RecordPtr owner(slot);
+    const opcv::RecordPtr owner(slot);
 }
 
 TEST_F(UniteStatus, PixelPointerIsSetBeforeTheTurn) {

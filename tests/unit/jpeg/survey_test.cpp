@@ -256,7 +256,7 @@ TEST(StreamSurvey, StreamsAreLimitedTo31BitsOfBytes) {
     EXPECT_EQ(image, nullptr);
     EXPECT_EQ(description.width, -1);
     EXPECT_EQ(ReadJPEG(block, INT_MAX, &handle, &image), noErr);
-    const RecordPtr owner(image);
+    const opcv::RecordPtr owner(image);
     EXPECT_EQ(description.width, 20);
     KVIMG* piece = nullptr;
     EXPECT_EQ(ReadSplitJPEG(static_cast<uint8_t*>(block), static_cast<unsigned>(INT_MAX) + 1, handle, &piece),

@@ -27,7 +27,7 @@ std::vector<int> run(const Network& network, std::vector<int> wires, int outputs
 
 template <int kCount>
 void expectSorts() {
-    constexpr auto network = rank_network::sorter<kCount>();
+    constexpr auto network = opcv::sorter<kCount>();
     for (int pattern = 0; pattern < 1 << kCount; ++pattern) {
         std::vector<int> wires;
         wires.reserve(kCount);
@@ -40,7 +40,7 @@ void expectSorts() {
 
 template <int kA, int kB, int kFirst, int kCount>
 void expectMerges() {
-    constexpr auto network = rank_network::merger<kA, kB, kFirst, kCount>();
+    constexpr auto network = opcv::merger<kA, kB, kFirst, kCount>();
     for (int onesA = 0; onesA <= kA; ++onesA)
         for (int onesB = 0; onesB <= kB; ++onesB) {
             std::vector<int> wires;
@@ -89,8 +89,8 @@ TEST(MergeNetwork, KeepsTheWantedRanks) {
 }
 
 TEST(MergeNetwork, LeavesOutWhatTheWantedRanksDoNotNeed) {
-    constexpr auto all = rank_network::merger<8, 8, 0, 16>();
-    constexpr auto least = rank_network::merger<8, 8, 0, 1>();
+    constexpr auto all = opcv::merger<8, 8, 0, 16>();
+    constexpr auto least = opcv::merger<8, 8, 0, 1>();
     EXPECT_EQ(all.size, 25);    // Batcher's count for two lists of eight
     EXPECT_EQ(least.size, 1);
     EXPECT_TRUE(least.steps[0].keepLow);
@@ -107,7 +107,7 @@ TEST(MergeNetwork, KnowsWhichRanksCanBeTheMedian) {
             EXPECT_EQ(possible, rank >= first && rank < first + count) << m << ": " << rank << " of " << subset;
         }
     };
-    using rank_network::MedianRanks;
+    using opcv::MedianRanks;
     expectRanks(3, 6, MedianRanks<3, 6>::kFirst, MedianRanks<3, 6>::kCount);
     expectRanks(5, 5, MedianRanks<5, 5>::kFirst, MedianRanks<5, 5>::kCount);
     expectRanks(5, 20, MedianRanks<5, 20>::kFirst, MedianRanks<5, 20>::kCount);
