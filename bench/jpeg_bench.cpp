@@ -113,7 +113,7 @@ void compareReading(IppiSize size, Layout layout) {
             KVImageDescription* record = &description;
             KVIMG* page = nullptr;
             ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &page);
-            const RecordPtr owner(page);
+            const opcv::RecordPtr owner(page);
         },
         bench::openCV([size, layout] { readPlain(streamOf(size, layout)); }));
 }
@@ -241,7 +241,7 @@ void compareRoundTrip(IppiSize size, Layout layout) {
             unsigned bytes = 0;
             CompressJPEGEx(straight, &record, kMode, &data, &bytes);
             std::free(data);
-            const RecordPtr owner(straight);
+            const opcv::RecordPtr owner(straight);
         },
         bench::openCV([size, layout] {
             const cv::Mat page = cv::imdecode(streamOf(size, layout), cv::IMREAD_ANYCOLOR);

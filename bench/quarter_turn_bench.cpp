@@ -26,7 +26,7 @@ void compareTurn(IppiSize size, int depth, int code) {
         [page, angle] {
             KVIMG* turned = nullptr;
             RotateImageWithIPP(&page->record, &page->pointer, &turned, angle);
-            const RecordPtr owner(turned);
+            const opcv::RecordPtr owner(turned);
         },
         bench::openCV([page, turnedSize, depth, code] {
             opcv::RecordPtr record;

@@ -75,7 +75,7 @@ void compareDeskew(IppiSize size, int depth, double angle) {
         [page, angle] {
             KVIMG* turned = nullptr;
             DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
-            const RecordPtr owner(turned);
+            const opcv::RecordPtr owner(turned);
         },
         bench::openCV([page, size, depth, angle] {
             intoNewRecord(size, depth, [&](const KVIMG& record) {
@@ -95,7 +95,7 @@ void compareHalfPage(IppiSize size, int depth, double angle) {
         KVIMG* turned = nullptr;
         KVRect crop = half;
         DeskewImageWithIPPEx(&page->record, &page->pointer, &turned, 0, 0, &crop, angle);
-        const RecordPtr owner(turned);
+        const opcv::RecordPtr owner(turned);
     };
     const std::string variant = "half page, " + std::to_string(depth) + " bit, " + degrees(angle);
     bench::compare(
@@ -111,7 +111,7 @@ void compareHalfPage(IppiSize size, int depth, double angle) {
                    ours, {"whole page", [page, angle] {
                               KVIMG* turned = nullptr;
                               DeskewImageWithIPP(&page->record, &page->pointer, &turned, 0, 0, angle);
-                              const RecordPtr owner(turned);
+                              const opcv::RecordPtr owner(turned);
                           }});
 }
 
@@ -126,7 +126,7 @@ void compareAboutPoint(IppiSize size, int depth, double angle) {
             KVIMG* turned = nullptr;
             KVRect crop = {0, 0, size.height, size.width};
             DeskewImageWithIPPExWithShirftPoint(&page->record, &page->pointer, &turned, 0, 0, &crop, x, y, angle);
-            const RecordPtr owner(turned);
+            const opcv::RecordPtr owner(turned);
         },
         bench::openCV([=] {
             intoNewRecord(size, depth, [&](const KVIMG& record) {
@@ -179,7 +179,7 @@ void compareUnite(IppiSize size, int depth, double angle) {
             canvas.rowStep = (size.width * depth / 8 + 3) / 4 * 4;
             KVIMG* united = nullptr;
             UniteImageIplRotateImage(&canvas, header.get(), &united, angle);
-            const RecordPtr owner(united);
+            const opcv::RecordPtr owner(united);
         },
         bench::openCV([=] {
             intoNewRecord(size, depth, [&](const KVIMG& record) {

@@ -102,7 +102,7 @@ void Case::restore() {
 }
 
 void Case::releaseResults() {
-    const RecordPtr released(record);
+    const opcv::RecordPtr released(record);
     IPPMini_ippiFree(plane);
     std::free(stream);
     record = nullptr;

@@ -23,7 +23,7 @@ inline opcv_read_options newOptions() {
 struct PageReading {
     opcv_read_status status = OPCV_READ_OK;
     opcv_read_report report = newReport();
-    RecordPtr image;
+    opcv::RecordPtr image;
 
     std::vector<uint8_t> pixels() const { return {image->data, image->data + image->size}; }
 };

@@ -83,7 +83,7 @@ void expectNoMemoryFrom(const std::vector<unsigned char>& stream, bool intoRows)
 }
 
 TEST(OutOfMemory, ReadersWithAReport) {
-    const RecordPtr image = recordOf(40, 30, 24);
+    const opcv::RecordPtr image = recordOf(40, 30, 24);
     for (const bool progressive : {false, true}) {
         oracle::JpegSettings settings;
         settings.components = 3;

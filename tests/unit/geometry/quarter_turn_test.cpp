@@ -102,7 +102,7 @@ TEST(QuarterTurn, ReadsNoByteTooMany) {
                 for (const double angle : {90, 180, 270}) {
                     KVIMG* turned = nullptr;
                     ASSERT_EQ(RotateImageWithIPP(&page, &pointer, &turned, angle), noErr);
-                    const RecordPtr owner(turned);
+                    const opcv::RecordPtr owner(turned);
                 }
             }
 }
