@@ -77,7 +77,7 @@ void expectNoMemoryFrom(const std::vector<unsigned char>& stream, bool intoRows)
             ASSERT_EQ(report.damaged, 0);
             if (failed) continue;
             ASSERT_EQ(status, OPCV_READ_OK);
-            ASSERT_GT(n, 10);
+            ASSERT_GT(n, 5) << "a read takes more than one block from the heap";
             break;
         }
 }
