@@ -103,19 +103,6 @@ Outcome outcomeOf(const std::function<int()>& call) {
     return outcome;
 }
 
-std::string nameOf(int status) {
-    switch (status) {
-        case ippStsNoMemErr: return "ippStsNoMemErr";
-        case ippStsBadArgErr: return "ippStsBadArgErr";
-        case paramErr: return "paramErr";
-        case memFullErr: return "memFullErr";
-        case rotateFailedErr: return "rotateFailedErr";
-        case badAngleErr: return "badAngleErr";
-        case uniteFailedErr: return "uniteFailedErr";
-        default: return "status";
-    }
-}
-
 [[noreturn]] void raise(const char* kind, const char* libraryFunction, const py::object& status,
                         const std::string& why) {
     const py::object type = py::module_::import("opcv_dlib._errors").attr(kind);
@@ -278,12 +265,26 @@ TightRows::TightRows(const Image& image, int spare) : image_(image) {
     image_.step = static_cast<int>(wanted);
 }
 
-void run(const char* libraryFunction, const std::function<int()>& call) {
+std::string nameOf(int status) {
+    switch (status) {
+        case ippStsNoMemErr: return "ippStsNoMemErr";
+        case ippStsBadArgErr: return "ippStsBadArgErr";
+        case paramErr: return "paramErr";
+        case memFullErr: return "memFullErr";
+        case rotateFailedErr: return "rotateFailedErr";
+        case badAngleErr: return "badAngleErr";
+        case uniteFailedErr: return "uniteFailedErr";
+        default: return "status";
+    }
+}
+
+void run(const char* libraryFunction, const std::function<int()>& call,
+         const std::function<std::string(int)>& nameOfStatus) {
     const Outcome outcome = outcomeOf(call);
     if (!outcome.thrown && outcome.status == 0) return;
     const py::object status = outcome.thrown ? py::object(py::none()) : py::int_(outcome.status);
     const std::string why =
-        outcome.thrown ? *outcome.thrown : nameOf(outcome.status) + " (" + std::to_string(outcome.status) + ")";
+        outcome.thrown ? *outcome.thrown : nameOfStatus(outcome.status) + " (" + std::to_string(outcome.status) + ")";
     raise(outcome.outOfMemory ? "OutOfMemoryError" : "Error", libraryFunction, status, why);
 }
 

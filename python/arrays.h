@@ -134,8 +134,10 @@ private:
 };
 
 // Calls the library without the interpreter's lock. A status other than 0 and C++ exceptions raise opcv_dlib.Error,
-// out of memory raises opcv_dlib.OutOfMemoryError; both name the library's function.
-void run(const char* libraryFunction, const std::function<int()>& call);
+// out of memory raises opcv_dlib.OutOfMemoryError; both name the library's function and the status.
+std::string nameOf(int status);
+void run(const char* libraryFunction, const std::function<int()>& call,
+         const std::function<std::string(int)>& nameOfStatus = nameOf);
 
 // Raises opcv_dlib.Error for a function that reports failure without a status.
 [[noreturn]] void fail(const char* libraryFunction, const std::string& why);

@@ -12,5 +12,6 @@ void addPixelFunctions(pybind11::module_& module);
 void addGeometry(pybind11::module_& module);
 void addPages(pybind11::module_& module);
 void addJpeg(pybind11::module_& module);
+void addJpegReading(pybind11::module_& module);
 
 }    // namespace binding

@@ -1,14 +1,12 @@
-// JPEG streams: reading into pages, and compression of pages and arrays.
+// JPEG streams: compression of pages and arrays.
 #include <pybind11/stl.h>
 
-#include <climits>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "arrays.h"
 #include "bindings.h"
-#include "jpeg_resolution.h"
 #include "page.h"
 
 namespace binding {
@@ -120,78 +118,9 @@ py::bytes compressRGB411(const py::array& pixels, int quality, int64_t dpiX, con
     });
 }
 
-// The bytes of an object, which cannot be resized while this exists.
-class Bytes {
-public:
-    Bytes(const Argument& argument, const py::object& object) {
-        if (PyObject_GetBuffer(object.ptr(), &view_, PyBUF_SIMPLE) != 0) throw py::error_already_set();
-        if (view_.len > 0 && static_cast<uint64_t>(view_.len) <= UINT_MAX) return;
-        PyBuffer_Release(&view_);
-        refuse(argument, "is empty or has 2^32 bytes or more");
-    }
-    Bytes(const Bytes&) = delete;
-    Bytes& operator=(const Bytes&) = delete;
-    ~Bytes() { PyBuffer_Release(&view_); }
-
-    const unsigned char* data() const { return static_cast<const unsigned char*>(view_.buf); }
-    unsigned size() const { return static_cast<unsigned>(view_.len); }
-
-private:
-    Py_buffer view_{};
-};
-
-// A page of the record that was read and the resolution in the stream.
-PagePtr pageRead(KVIMG* image, const Bytes& stream, int otherwise) {
-    PagePtr page = pageOf(image, {});
-    const Dpi dpi = resolutionOf(stream.data(), stream.size(), *image, otherwise);
-    page->setDpiX(dpi.x);
-    page->setDpiY(dpi.y);
-    return page;
-}
-
-PagePtr readJpeg(const py::object& data, int64_t defaultDpi) {
-    const char* function = "read_jpeg";
-    const Bytes stream({function, "data"}, data);
-    const int otherwise = dpiOf({function, "default_dpi"}, defaultDpi);
-    KVIMG* image = nullptr;
-    run("ReadJPEG", [&] {
-        KVImageDescription description{};
-        KVImageDescription* record = &description;
-        KVImageDescriptionHandle handle = &record;
-        return int{ReadJPEG(stream.data(), stream.size(), &handle, &image)};
-    });
-    return pageRead(image, stream, otherwise);
-}
-
-PagePtr readSplitJpeg(const py::object& data, const Pair& size, int64_t defaultDpi) {
-    const char* function = "read_split_jpeg";
-    const Bytes stream({function, "data"}, data);
-    const IppiSize stated = sizeOf({function, "size"}, size);
-    const int otherwise = dpiOf({function, "default_dpi"}, defaultDpi);
-    KVIMG* image = nullptr;
-    run("ReadSplitJPEG", [&] {
-        KVImageDescription description{};
-        description.width = stated.width;
-        description.height = stated.height;
-        KVImageDescription* record = &description;
-        return int{ReadSplitJPEG(stream.data(), stream.size(), &record, &image)};
-    });
-    return pageRead(image, stream, otherwise);
-}
-
 }    // namespace
 
 void addJpeg(py::module_& module) {
-    module.def("read_jpeg", readJpeg, "data"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
-               R"(Reads a JPEG stream (bytes or another buffer) into a page of depth 8 if it is grey, otherwise 24.
-
-The resolution is that of the JFIF header, or `default_dpi` if there is none.
-
-Calls `ReadJPEG`, of which `ReadJPEGWithIPP` is a second name.)");
-    module.def("read_split_jpeg", readSplitJpeg, "data"_a, "size"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
-               R"(Reads a JPEG stream of known size (width, height), always into 24 bits; otherwise like `read_jpeg`.
-
-Calls `ReadSplitJPEG`.)");
     module.def("compress_jpeg", compressJpeg, "page"_a, "mode"_a,
                R"(Compresses a page of depth 8 or 24 with the library's own quantisation tables, without subsampling.
 

@@ -16,4 +16,5 @@ PYBIND11_MODULE(_native, module) {
     binding::addGeometry(module);
     binding::addPages(module);
     binding::addJpeg(module);
+    binding::addJpegReading(module);
 }

@@ -54,6 +54,7 @@ from ._native import (
     new_image_8u_c3,
     new_plane_16s,
     read_jpeg,
+    read_jpeg_info,
     read_split_jpeg,
     reduce_bits,
     reduce_noise,
@@ -77,5 +78,6 @@ from ._native import (
     yuv_planes_to_rgb,
     yuv_to_rgb,
 )
+from ._reading import ReadLimits, ReadReport
 
 __all__ = [name for name in dir() if not name.startswith("_")]

@@ -1,5 +1,6 @@
 from collections.abc import Sequence
-from typing import Any, Union
+from dataclasses import dataclass
+from typing import Any, Union, overload
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -8,6 +9,8 @@ __all__ = [
     "Error",
     "OutOfMemoryError",
     "Page",
+    "ReadLimits",
+    "ReadReport",
     "compress_gray",
     "compress_jpeg",
     "compress_jpeg_ex",
@@ -42,6 +45,7 @@ __all__ = [
     "new_image_8u_c3",
     "new_plane_16s",
     "read_jpeg",
+    "read_jpeg_info",
     "read_split_jpeg",
     "reduce_bits",
     "reduce_noise",
@@ -84,6 +88,32 @@ class Error(Exception):
     def __init__(self, function: str, status: int | None, message: str) -> None: ...
 
 class OutOfMemoryError(Error, MemoryError): ...
+
+@dataclass(frozen=True)
+class ReadLimits:
+    pixels: int | None = None
+    memory: int | None = None
+    scans: int | None = None
+    bytes: int | None = None
+
+@dataclass
+class ReadReport:
+    width: int = 0
+    height: int = 0
+    channels: int = 0
+    components: int = 0
+    progressive: bool = False
+    arithmetic: bool = False
+    scans: int = 0
+    orientation: int = 1
+    dpi_x: float = 0.0
+    dpi_y: float = 0.0
+    memory: int = 0
+    warnings: int = 0
+    rows: int = 0
+    rows_decoded: int = 0
+    end_marker_seen: bool = False
+    damaged: bool = False
 
 class Page:
     def __init__(self, pixels: _Pixels, dpi_x: int = 300, dpi_y: int | None = None) -> None: ...
@@ -272,7 +302,25 @@ def unite_rotate(
 def resize(page: Page, numerator: float, denominator: float) -> Page: ...
 
 # JPEG
-def read_jpeg(data: _Buffer, *, default_dpi: int = 300) -> Page: ...
+@overload
+def read_jpeg(
+    data: _Buffer,
+    *,
+    default_dpi: int = 300,
+    limits: ReadLimits | None = None,
+    report: ReadReport | None = None,
+    out: None = None,
+) -> Page: ...
+@overload
+def read_jpeg(
+    data: _Buffer,
+    *,
+    default_dpi: int = 300,
+    limits: ReadLimits | None = None,
+    report: ReadReport | None = None,
+    out: _Pixels,
+) -> _Pixels: ...
+def read_jpeg_info(data: _Buffer, *, limits: ReadLimits | None = None) -> ReadReport: ...
 def read_split_jpeg(data: _Buffer, size: _Pair, *, default_dpi: int = 300) -> Page: ...
 def compress_jpeg(page: Page, mode: int) -> bytes: ...
 def compress_jpeg_ex(page: Page, mode: int) -> bytes: ...

@@ -159,16 +159,18 @@ def long_calls(rng):
     src = image(rng, 2000, 2000)
     stream = opcv_dlib.compress_gray(src, 90)
     page = opcv_dlib.Page(src)
+    out = np.empty_like(src)
     table = rng.standard_normal((900, 900)).astype(np.float32)
     return {
         "filter_median": lambda: opcv_dlib.filter_median(src, 15),
         "read_jpeg": lambda: opcv_dlib.read_jpeg(stream),
+        "read_jpeg into an array": lambda: opcv_dlib.read_jpeg(stream, out=out),
         "compress_jpeg": lambda: opcv_dlib.compress_jpeg(page, 788),
         "sgemm": lambda: opcv_dlib.sgemm(table, table),
     }
 
 
-@pytest.mark.parametrize("name", ["filter_median", "read_jpeg", "compress_jpeg", "sgemm"])
+@pytest.mark.parametrize("name", ["filter_median", "read_jpeg", "read_jpeg into an array", "compress_jpeg", "sgemm"])
 def test_other_threads_run_while_the_library_works(rng, name):
     call = long_calls(rng)[name]
     ticks = []

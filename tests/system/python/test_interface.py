@@ -16,9 +16,10 @@ FUNCTIONS = [name for name in NAMES if not isinstance(getattr(opcv_dlib, name), 
 
 
 def exported():
-    for line in (SOURCE / "cmake/exports.txt").read_text().split():
-        mangled = re.match(r"_Z(\d+)", line)
-        yield line[mangled.end() :][: int(mangled[1])] if mangled else line
+    for names in ("exports.txt", "exports_1.1.txt"):
+        for line in (SOURCE / "cmake" / names).read_text().split():
+            mangled = re.match(r"_Z(\d+)", line)
+            yield line[mangled.end() :][: int(mangled[1])] if mangled else line
 
 
 def documentation():
