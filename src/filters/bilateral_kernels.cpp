@@ -36,12 +36,12 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 using filters::BilateralRegion;
 using filters::BilateralWeights;
-using opcv::HWY_NAMESPACE::fusedMulAdd;
-using opcv::HWY_NAMESPACE::nearestWithin;
+using opcv::simd::HWY_NAMESPACE::fusedMulAdd;
+using opcv::simd::HWY_NAMESPACE::nearestWithin;
 
-using D = opcv::HWY_NAMESPACE::BilateralTag<float>;
+using D = opcv::simd::HWY_NAMESPACE::BilateralTag<float>;
 using V = hn::Vec<D>;
-using Bytes = opcv::HWY_NAMESPACE::BilateralTag<uint8_t>;
+using Bytes = opcv::simd::HWY_NAMESPACE::BilateralTag<uint8_t>;
 constexpr ptrdiff_t kLanes = hn::MaxLanes(D());
 constexpr ptrdiff_t kByteLanes = hn::MaxLanes(Bytes());
 

@@ -50,10 +50,10 @@ using filters::Shape;
 using filters::Tap;
 using filters::Taps;
 
-using opcv::HWY_NAMESPACE::fusedMulAdd;
-using opcv::HWY_NAMESPACE::nearestWithin;
+using opcv::simd::HWY_NAMESPACE::fusedMulAdd;
+using opcv::simd::HWY_NAMESPACE::nearestWithin;
 
-using D = opcv::HWY_NAMESPACE::Widest<float>;
+using D = opcv::simd::HWY_NAMESPACE::Widest<float>;
 using V = hn::Vec<D>;
 constexpr size_t kLanes = hn::MaxLanes(D());
 constexpr size_t kVectors = 6;    // summed together: two periods of the three alignments of a vector to pixels

@@ -178,7 +178,7 @@ void mirrorRow(const uint8_t* from, uint8_t* to, int width) {
     constexpr ptrdiff_t kPixels = Mirror<kPixelSize>::kPixels;
     const uint8_t* const end = from + width * ptrdiff_t{kPixelSize};
     // Writing the target forwards is twice as fast if memory bandwidth is the limit.
-    opcv::HWY_NAMESPACE::coverPulledBack(
+    simd::HWY_NAMESPACE::coverPulledBack(
         width, kPixels,
         [=](ptrdiff_t x) HWY_ATTR { Mirror<kPixelSize>::block(end - (x + kPixels) * kPixelSize, to + x * kPixelSize); },
         [=] {

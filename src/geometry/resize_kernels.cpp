@@ -31,8 +31,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using opcv::HWY_NAMESPACE::coverBeyond;
-using opcv::HWY_NAMESPACE::coverWithRest;
+using simd::HWY_NAMESPACE::coverBeyond;
+using simd::HWY_NAMESPACE::coverWithRest;
 
 constexpr int kBlockBytes = 16;
 constexpr int kFour = 4;               // results of a block

@@ -295,7 +295,7 @@ void rotateStrip(D d, const RotationJob& job, const BorderRow& border, int first
     for (int y = firstRow; y < endRow; ++y) {
         const MapPosition row = job.map.row(y);
         uint8_t* out = job.target + y * job.targetStep + firstByte;
-        opcv::HWY_NAMESPACE::coverBeyond(bytes, size, [&](ptrdiff_t i) HWY_ATTR {
+        simd::HWY_NAMESPACE::coverBeyond(bytes, size, [&](ptrdiff_t i) HWY_ATTR {
             const Group& group = strip.groups[i / size];
             uint8_t* const to = i + size <= bytes ? out + i : block;
             rotateGroupAt(d, job, border, row + group.start, group, strip.behind + i, strip.down + i, to);
@@ -370,7 +370,7 @@ void rotateByPixel(const RotationJob& job, int firstRow, int endRow) {
 }
 
 void rotate(const RotationJob& job, int firstRow, int endRow) {
-    const opcv::HWY_NAMESPACE::RotationTag<uint8_t> full;
+    const simd::HWY_NAMESPACE::RotationTag<uint8_t> full;
     const hn::CappedTag<uint8_t, 16> half;
     const hn::CappedTag<uint8_t, kSmallestGroup> quarter;
     if (groupsFit(full, job)) return rotateInGroups(full, job, firstRow, endRow);

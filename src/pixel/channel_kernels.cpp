@@ -173,7 +173,7 @@ PlanarRow firstRow(const PlanarImage& image) { return {image.planes}; }
 
 template <class Formula, class From, class To>
 void passRow(const From& from, const To& to, ptrdiff_t width) {
-    opcv::HWY_NAMESPACE::coverWithRest(
+    simd::HWY_NAMESPACE::coverWithRest(
         width, kLanes, [&](ptrdiff_t x) HWY_ATTR { to.store(Formula::apply(from.load(x)), x); },
         [=](ptrdiff_t x, ptrdiff_t count)
             HWY_ATTR { to.storePart(Formula::apply(from.loadPart(x, count)), x, count); });

@@ -33,7 +33,7 @@ template <typename T>
 void thresholdImage(uint8_t* p, int step, int width, int height, T threshold, T value) {
     constexpr auto kPixelSize = static_cast<ptrdiff_t>(sizeof(T));
     for (; height > 0; --height, p += step)
-        opcv::HWY_NAMESPACE::coverRow(hn::ScalableTag<T>(), width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+        simd::HWY_NAMESPACE::coverRow(hn::ScalableTag<T>(), width, [=](auto d, ptrdiff_t x) HWY_ATTR {
             thresholdAt(d, p + kPixelSize * x, threshold, value);
         });
 }

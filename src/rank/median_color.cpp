@@ -39,10 +39,10 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using opcv::HWY_NAMESPACE::coverBeyond;
-using opcv::HWY_NAMESPACE::coverPulledBack;
-using opcv::HWY_NAMESPACE::lanesOf;
-using opcv::HWY_NAMESPACE::prefetchRow;
+using simd::HWY_NAMESPACE::coverBeyond;
+using simd::HWY_NAMESPACE::coverPulledBack;
+using simd::HWY_NAMESPACE::lanesOf;
+using simd::HWY_NAMESPACE::prefetchRow;
 
 using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::ScalableTag<uint16_t>;

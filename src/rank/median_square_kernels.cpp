@@ -30,9 +30,9 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using opcv::HWY_NAMESPACE::coverBeyond;
-using opcv::HWY_NAMESPACE::coverPulledBack;
-using opcv::HWY_NAMESPACE::lanesOf;
+using simd::HWY_NAMESPACE::coverBeyond;
+using simd::HWY_NAMESPACE::coverPulledBack;
+using simd::HWY_NAMESPACE::lanesOf;
 using D = hn::ScalableTag<uint8_t>;
 using V = hn::Vec<D>;
 

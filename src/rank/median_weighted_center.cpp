@@ -29,9 +29,9 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using opcv::HWY_NAMESPACE::coverPair;
-using opcv::HWY_NAMESPACE::forEachRowPair;
-using opcv::HWY_NAMESPACE::RowPair;
+using rank::HWY_NAMESPACE::coverPair;
+using rank::HWY_NAMESPACE::forEachRowPair;
+using rank::HWY_NAMESPACE::RowPair;
 
 using hn::Max;
 using hn::Min;

@@ -30,12 +30,12 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using opcv::HWY_NAMESPACE::coverBeyond;
-using opcv::HWY_NAMESPACE::coverPair;
-using opcv::HWY_NAMESPACE::coverRow;
-using opcv::HWY_NAMESPACE::forEachRowPair;
-using opcv::HWY_NAMESPACE::lanesOf;
-using opcv::HWY_NAMESPACE::RowPair;
+using rank::HWY_NAMESPACE::coverPair;
+using rank::HWY_NAMESPACE::forEachRowPair;
+using rank::HWY_NAMESPACE::RowPair;
+using simd::HWY_NAMESPACE::coverBeyond;
+using simd::HWY_NAMESPACE::coverRow;
+using simd::HWY_NAMESPACE::lanesOf;
 
 struct Max {
     template <class V>

@@ -9,8 +9,11 @@
 #include "simd/row-inl.h"
 
 HWY_BEFORE_NAMESPACE();
-namespace opcv {
+namespace opcv::rank {
 namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+using simd::HWY_NAMESPACE::coverRow;
 
 // Two rows that are filtered together, because their windows share pixels. A last row without a partner is paired with
 // itself: both results go to the same place, so the upper one must be stored last.
@@ -47,7 +50,7 @@ HWY_INLINE void coverPair(const RowPair& pair, ptrdiff_t width, const FilterAt& 
 }
 
 }    // namespace HWY_NAMESPACE
-}    // namespace opcv
+}    // namespace opcv::rank
 HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target

@@ -11,7 +11,7 @@
 #include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
-namespace opcv {
+namespace opcv::simd {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -71,7 +71,7 @@ HWY_INLINE hn::Vec<hn::RebindToSigned<D>> nearestWithin(D d, V values, float low
 }
 
 }    // namespace HWY_NAMESPACE
-}    // namespace opcv
+}    // namespace opcv::simd
 HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target

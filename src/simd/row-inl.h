@@ -24,7 +24,7 @@
 #include <cstdint>
 
 HWY_BEFORE_NAMESPACE();
-namespace opcv {
+namespace opcv::simd {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -91,7 +91,7 @@ HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
 }
 
 }    // namespace HWY_NAMESPACE
-}    // namespace opcv
+}    // namespace opcv::simd
 HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target

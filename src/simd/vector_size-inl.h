@@ -11,7 +11,7 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace opcv {
+namespace opcv::simd {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -29,7 +29,7 @@ template <class T>
 using BilateralTag = AtMost32Bytes<T>;    // 1.65: each weight is a separate load from a block that was just stored
 
 }    // namespace HWY_NAMESPACE
-}    // namespace opcv
+}    // namespace opcv::simd
 HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target

@@ -29,14 +29,15 @@ void fusedMulAdd(const float* a, const float* b, const float* c, float* sums) {
     const hn::ScalableTag<float> d;
     static_assert(kCount % hn::MaxLanes(d) == 0, "whole vectors");
     for (size_t i = 0; i < kCount; i += hn::Lanes(d))
-        hn::StoreU(opcv::HWY_NAMESPACE::fusedMulAdd(d, hn::LoadU(d, a + i), hn::LoadU(d, b + i), hn::LoadU(d, c + i)),
-                   d, sums + i);
+        hn::StoreU(
+            opcv::simd::HWY_NAMESPACE::fusedMulAdd(d, hn::LoadU(d, a + i), hn::LoadU(d, b + i), hn::LoadU(d, c + i)), d,
+            sums + i);
 }
 
 void nearestWithin(const float* values, float low, float high, int32_t* nearest) {
     const hn::ScalableTag<float> d;
     for (size_t i = 0; i < kCount; i += hn::Lanes(d))
-        hn::StoreU(opcv::HWY_NAMESPACE::nearestWithin(d, hn::LoadU(d, values + i), low, high),
+        hn::StoreU(opcv::simd::HWY_NAMESPACE::nearestWithin(d, hn::LoadU(d, values + i), low, high),
                    hn::RebindToSigned<decltype(d)>(), nearest + i);
 }
 

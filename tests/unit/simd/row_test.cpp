@@ -35,7 +35,7 @@ namespace {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
-namespace row = opcv::HWY_NAMESPACE;
+namespace row = opcv::simd::HWY_NAMESPACE;
 
 template <class T>
 constexpr hn::ScalableTag<T> kTag;
