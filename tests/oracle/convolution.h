@@ -9,7 +9,6 @@
 #include <cstring>
 #include <limits>
 #include <opencv2/core.hpp>
-#include <vector>
 
 #include "OPCV_dlib.h"
 #include "oracle/plain_filters.h"
@@ -83,17 +82,11 @@ inline void convolve32f(const uint8_t* src, int srcStep, int type, uint8_t* dst,
 
 // Three kernels, in the reverse order of the channels. The ring along the edges holds the source's pixels.
 inline void convolve24(const uint8_t* src, uint8_t* dst, IppiSize size, int radius, const float* kernels) {
-    const std::vector<uint8_t> from = splitPlanes(src, size);
-    std::vector<uint8_t> to = from;
     const int side = 2 * radius + 1;
-    const int offset = radius * (size.width + 1);
-    for (int k = 0; k < 3; ++k) {
-        const int first = k * size.width * size.height + offset;
-        convolve32f(from.data() + first, size.width, CV_8UC1, to.data() + first, size.width,
-                    {size.width - 2 * radius, size.height - 2 * radius}, kernels + (2 - k) * side * side, {side, side},
+    filterPlanes(src, dst, size, radius, [&](int k, const uint8_t* from, uint8_t* to, IppiSize roi) {
+        convolve32f(from, size.width, CV_8UC1, to, size.width, roi, kernels + (2 - k) * side * side, {side, side},
                     {radius, radius});
-    }
-    mergePlanes(to, dst, size);
+    });
 }
 
 }    // namespace oracle

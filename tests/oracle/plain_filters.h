@@ -98,31 +98,33 @@ inline void mergePlanes(std::vector<uint8_t>& planes, uint8_t* dst, IppiSize siz
     cv::merge(views, packed);
 }
 
-// The outermost pixels, which are not filtered, hold those of the source.
-inline void plainConvolution24(const uint8_t* src, uint8_t* dst, IppiSize size, int radius, const float* kernels) {
+// Calls `filter(channel, from, to, roi)` for the inside of each plane of a packed image. The ring of `margin` pixels along
+// the edges holds the source's pixels.
+template <typename Filter>
+void filterPlanes(const uint8_t* src, uint8_t* dst, IppiSize size, int margin, const Filter& filter) {
     const std::vector<uint8_t> from = splitPlanes(src, size);
     std::vector<uint8_t> to = from;
-    const int side = 2 * radius + 1;
-    const int offset = radius * (size.width + 1);
+    const IppiSize roi = {size.width - 2 * margin, size.height - 2 * margin};
     for (int k = 0; k < 3; ++k) {
-        const int first = k * size.width * size.height + offset;
-        plainFilter32f(from.data() + first, size.width, CV_8UC1, to.data() + first, size.width,
-                       {size.width - 2 * radius, size.height - 2 * radius}, kernels + (2 - k) * side * side,
-                       {side, side}, {radius, radius});
+        const int first = k * size.width * size.height + margin * (size.width + 1);
+        filter(k, from.data() + first, to.data() + first, roi);
     }
     mergePlanes(to, dst, size);
 }
 
+// Three kernels, in the reverse order of the channels.
+inline void plainConvolution24(const uint8_t* src, uint8_t* dst, IppiSize size, int radius, const float* kernels) {
+    const int side = 2 * radius + 1;
+    filterPlanes(src, dst, size, radius, [&](int k, const uint8_t* from, uint8_t* to, IppiSize roi) {
+        plainFilter32f(from, size.width, CV_8UC1, to, size.width, roi, kernels + (2 - k) * side * side, {side, side},
+                       {radius, radius});
+    });
+}
+
 inline void plainNoiseReduction24(const uint8_t* src, uint8_t* dst, IppiSize size, int side, float squareSigma) {
-    const std::vector<uint8_t> from = splitPlanes(src, size);
-    std::vector<uint8_t> to = from;
-    const int half = side / 2;
-    for (int k = 0; k < 3; ++k) {
-        const int first = k * size.width * size.height + half * (size.width + 1);
-        plainBilateral(from.data() + first, size.width, to.data() + first, size.width,
-                       {size.width - 2 * half, size.height - 2 * half}, side, squareSigma, squareSigma);
-    }
-    mergePlanes(to, dst, size);
+    filterPlanes(src, dst, size, side / 2, [&](int, const uint8_t* from, uint8_t* to, IppiSize roi) {
+        plainBilateral(from, size.width, to, size.width, roi, side, squareSigma, squareSigma);
+    });
 }
 
 }    // namespace oracle

@@ -10,6 +10,7 @@
 #include "OPCV_dlib.h"
 #include "filters/close_neighbourhoods.h"
 #include "filters/same_rows.h"
+#include "oracle/bilateral.h"
 #include "oracle/filters.h"
 #include "oracle/plain_filters.h"
 #include "support/fenced_memory.h"
@@ -45,10 +46,19 @@ void expectBilateral(Random& random, IppiSize size, int side, float colorSquareS
                                               colorSquareSigma, spaceSquareSigma),
               ippStsNoErr);
     ASSERT_TRUE(dst.untouchedOutsideRegion());
+    // OpenCV itself filters windows other than 3x3 and 5x5. It sums the last columns differently on arm64.
+    const bool ours = side == 3 || side == 5;
     oracle::plainBilateral(src.data(), src.step(), expected.data(), expected.step(), size, side, colorSquareSigma,
                            spaceSquareSigma);
-    ASSERT_TRUE(sameRows(dst, expected)) << "side " << side << " size " << size.width << "x" << size.height
-                                         << " sigmas " << colorSquareSigma << " " << spaceSquareSigma;
+    ASSERT_TRUE(closeRows(dst, expected, ours ? 1 : 0))
+        << "side " << side << " size " << size.width << "x" << size.height << " sigmas " << colorSquareSigma << " "
+        << spaceSquareSigma;
+    if (ours) {
+        oracle::bilateral(src.data(), src.step(), expected.data(), expected.step(), size, side, colorSquareSigma,
+                          spaceSquareSigma);
+        ASSERT_TRUE(sameRows(dst, expected)) << "side " << side << " size " << size.width << "x" << size.height
+                                             << " sigmas " << colorSquareSigma << " " << spaceSquareSigma;
+    }
     if (side == 1) return;    // filters with 3x3 pixels and a border of OpenCV's
     const auto at = [&](int x, int y) { return *src.at(x, y); };
     for (int y = 0; y < size.height; ++y)
@@ -89,7 +99,7 @@ TEST(Bilateral, EveryWidthIsFilteredToItsEnd) {
         }
 }
 
-TEST(Bilateral, TheLastColumnsAreSummedAsOpenCVSums) {
+TEST(Bilateral, TheLastColumnsAreSummedInFours) {
     for (const Neighbourhood& neighbourhood : kNeighbourhoods) {
         const int radius = neighbourhood.radius;
         const int side = 2 * radius + 1;
@@ -105,7 +115,7 @@ TEST(Bilateral, TheLastColumnsAreSummedAsOpenCVSums) {
                 ASSERT_EQ(OPCV_ippiFilterBilateral_8u_C1R(first, width, dst.data(), width, roi, {side, side},
                                                           squareSigma, squareSigma),
                           ippStsNoErr);
-                oracle::plainBilateral(first, width, expected.data(), width, roi, side, squareSigma, squareSigma);
+                oracle::bilateral(first, width, expected.data(), width, roi, side, squareSigma, squareSigma);
                 ASSERT_EQ(dst, expected) << "radius " << radius << " width " << width << " column " << column;
             }
     }
@@ -124,14 +134,14 @@ TEST(Bilateral, LargeRegionsAreFilteredAlikeOnAnyNumberOfThreads) {
             ASSERT_EQ(OPCV_ippiFilterBilateral_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size(),
                                                       {side, side}, 96, 96),
                       ippStsNoErr);
-            oracle::plainBilateral(src.data(), src.step(), expected.data(), expected.step(), src.size(), side, 96, 96);
+            oracle::bilateral(src.data(), src.step(), expected.data(), expected.step(), src.size(), side, 96, 96);
             EXPECT_TRUE(sameRows(dst, expected));
         }
     }
     cv::setNumThreads(threads);
 }
 
-TEST(Bilateral, UnusualSigmasGiveWhatOpenCVGives) {
+TEST(Bilateral, UnusualSigmasCountAsDefined) {
     Random random(644);
     const GuardedImage src(random, {40, 6}, {1, 2, 0, 0});
     for (const float color : {0.0F, -1.0F, 1e-30F, 1e30F, std::numeric_limits<float>::infinity(),
@@ -143,8 +153,8 @@ TEST(Bilateral, UnusualSigmasGiveWhatOpenCVGives) {
                 ASSERT_EQ(OPCV_ippiFilterBilateral_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), src.size(),
                                                           {side, side}, color, space),
                           ippStsNoErr);
-                oracle::plainBilateral(src.data(), src.step(), expected.data(), expected.step(), src.size(), side,
-                                       color, space);
+                oracle::bilateral(src.data(), src.step(), expected.data(), expected.step(), src.size(), side, color,
+                                  space);
                 EXPECT_TRUE(sameRows(dst, expected)) << color << " " << space;
             }
 }
@@ -172,7 +182,7 @@ TEST(Bilateral, SourceAndDestinationMayOverlap) {
         for (const int shift : {0, 1, -1, 2}) {
             GuardedImage image(random, {70, 9}, {1, 5, 0, 0}, Random::Values::kFew);
             GuardedImage expected(random, {70, 9}, {});
-            oracle::plainBilateral(image.data(), image.step(), expected.data(), expected.step(), {70, 9}, side, 96, 96);
+            oracle::bilateral(image.data(), image.step(), expected.data(), expected.step(), {70, 9}, side, 96, 96);
             ASSERT_EQ(OPCV_ippiFilterBilateral_8u_C1R(image.data(), image.step(), image.at(shift, shift), image.step(),
                                                       {70, 9}, {side, side}, 96, 96),
                       ippStsNoErr);

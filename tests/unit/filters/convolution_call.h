@@ -86,16 +86,16 @@ inline IppStatus filter(const PixelType& type, const GuardedImage& src, GuardedI
                          kernel.size, kernel.anchor);
 }
 
-inline void filterByDefinition(const PixelType& type, const GuardedImage& src, GuardedImage& dst, const Kernel<int>& kernel,
-                          int divisor) {
+inline void filterByDefinition(const PixelType& type, const GuardedImage& src, GuardedImage& dst,
+                               const Kernel<int>& kernel, int divisor) {
     oracle::convolve(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
-                        kernel.size, kernel.anchor, divisor);
+                     kernel.size, kernel.anchor, divisor);
 }
 
 inline void filterByDefinition(const PixelType& type, const GuardedImage& src, GuardedImage& dst,
-                          const Kernel<float>& kernel, int) {
+                               const Kernel<float>& kernel, int) {
     oracle::convolve32f(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
-                           kernel.size, kernel.anchor);
+                        kernel.size, kernel.anchor);
 }
 
 inline bool sameRegion(const GuardedImage& a, const GuardedImage& b) {

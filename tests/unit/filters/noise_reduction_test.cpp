@@ -8,7 +8,7 @@
 #include "OPCV_dlib.h"
 #include "filters/close_neighbourhoods.h"
 #include "filters/same_rows.h"
-#include "oracle/plain_filters.h"
+#include "oracle/bilateral.h"
 #include "support/fenced_memory.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
@@ -26,9 +26,9 @@ TEST(DeosNr, FiltersTheInsideAndLeavesTheRing) {
             GuardedImage expected = dst;
             DeosNr(src.data(), dst.data(), size, mode, strength);
             const auto squareSigma = static_cast<float>(strength == 0 ? 1 : 96 * strength);
-            oracle::plainBilateral(src.at(inset, inset), size.width, expected.at(inset, inset), size.width,
-                                   {size.width - 2 * inset, size.height - 2 * inset}, 2 * inset + 1, squareSigma,
-                                   squareSigma);
+            oracle::bilateral(src.at(inset, inset), size.width, expected.at(inset, inset), size.width,
+                              {size.width - 2 * inset, size.height - 2 * inset}, 2 * inset + 1, squareSigma,
+                              squareSigma);
             ASSERT_TRUE(sameRows(dst, expected)) << "mode " << mode << " strength " << strength;
             ASSERT_TRUE(dst.untouchedOutsideRegion());
         }
@@ -85,8 +85,8 @@ TEST(DeosNrRGB, FiltersEachChannel) {
                 GuardedImage dst(random, size, {3, 0, 0, random.between(0, 31)});
                 GuardedImage expected(random, size, {3, 0, 0, 0});
                 ASSERT_EQ(DeosNrRGB(src.data(), dst.data(), size.width, size.height, mode, strength), 0);
-                oracle::plainNoiseReduction24(src.data(), expected.data(), size, side,
-                                              static_cast<float>(strength == 0 ? 1 : 96 * strength));
+                oracle::noiseReduction24(src.data(), expected.data(), size, side,
+                                         static_cast<float>(strength == 0 ? 1 : 96 * strength));
                 ASSERT_TRUE(sameRows(dst, expected)) << "mode " << mode << " strength " << strength;
                 ASSERT_TRUE(dst.untouchedOutsideRegion());
             }
@@ -103,7 +103,7 @@ TEST(DeosNrRGB, LargeImagesAreFilteredAlikeOnAnyNumberOfThreads) {
             GuardedImage dst(random, size, {3, 0, 0, 0});
             GuardedImage expected(random, size, {3, 0, 0, 0});
             ASSERT_EQ(DeosNrRGB(src.data(), dst.data(), size.width, size.height, mode, 3), 0);
-            oracle::plainNoiseReduction24(src.data(), expected.data(), size, mode == 2 ? 5 : 3, 288);
+            oracle::noiseReduction24(src.data(), expected.data(), size, mode == 2 ? 5 : 3, 288);
             EXPECT_TRUE(sameRows(dst, expected));
         }
     }
@@ -129,7 +129,7 @@ TEST(DeosNrRGB, SourceAndDestinationMayOverlap) {
         random.fill(bytes.data(), bytes.size(), Random::Values::kFew);
         uint8_t* src = bytes.data() + 300;
         std::vector<uint8_t> expected(3 * 60 * 9);
-        oracle::plainNoiseReduction24(src, expected.data(), size, 5, 192);
+        oracle::noiseReduction24(src, expected.data(), size, 5, 192);
         ASSERT_EQ(DeosNrRGB(src, src + shift, 60, 9, 2, 2), 0);
         EXPECT_EQ(std::memcmp(src + shift, expected.data(), expected.size()), 0) << shift;
     }
@@ -171,7 +171,7 @@ TEST(DeosNrRGB, ChecksArgumentsInOrder) {
 }
 
 // In each channel of a packed image, next to flat channels.
-TEST(DeosNrRGB, SumsAsOpenCVSums) {
+TEST(DeosNrRGB, TheLastColumnsAreSummedInFours) {
     for (size_t i = 0; i < kNeighbourhoods.size(); ++i) {
         const Neighbourhood& neighbourhood = kNeighbourhoods[i];
         const int radius = neighbourhood.radius;
@@ -187,7 +187,7 @@ TEST(DeosNrRGB, SumsAsOpenCVSums) {
                     std::vector<uint8_t> expected(src.size());
                     ASSERT_EQ(
                         DeosNrRGB(src.data(), dst.data(), width, side, radius == 2 ? 2 : 0, neighbourhood.strength), 0);
-                    oracle::plainNoiseReduction24(src.data(), expected.data(), {width, side}, side, squareSigma);
+                    oracle::noiseReduction24(src.data(), expected.data(), {width, side}, side, squareSigma);
                     ASSERT_EQ(dst, expected) << "neighbourhood " << i << " width " << width << " column " << column;
                 }
     }
