@@ -58,6 +58,12 @@ typedef struct opcv_read_options {
 } opcv_read_options;
 
 /// Information about a stream and its page. A function fills in what it has found, whatever its status is.
+///
+/// The decoder needs some bytes behind a row to decode it. A stream that lacks only its end marker therefore loses its
+/// last rows too: `rows_decoded` does not count them.
+///
+/// `damaged` is 1 if rows, the end marker or all scans of a component are missing. A progressive stream that lacks
+/// other scans, and has its end marker, is not damaged: the standard permits streams that never refine a page.
 typedef struct opcv_read_report {
     size_t struct_size;         ///< `sizeof(opcv_read_report)`; set by the caller.
     int32_t width;              ///< Pixels per row of the page, after the EXIF orientation is applied. 0: unknown.
@@ -73,9 +79,9 @@ typedef struct opcv_read_report {
     int64_t memory;             ///< Upper bound of the bytes that the call allocates at the same time.
     int64_t warnings;           ///< Warnings of the decoder about the data.
     int32_t rows;               ///< Rows of the stored image: the height, or the width if the orientation transposes.
-    int32_t rows_decoded;       ///< Rows of the stored image that the stream contains. The others repeat the last one.
+    int32_t rows_decoded;       ///< Rows of the stored image that were decoded. The others repeat the last one.
     int32_t end_marker_seen;    ///< 1 if the stream ends with its end marker.
-    int32_t damaged;            ///< 1 if rows or the end marker are missing, the decoder warned, or decoding failed.
+    int32_t damaged;            ///< 1 if a part is missing, the decoder warned, or decoding failed; see below.
 } opcv_read_report;
 
 /// The caller's rows, which receive a page.

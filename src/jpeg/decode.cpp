@@ -117,6 +117,9 @@ Outcome Decoder::readHeader() {
 Outcome Decoder::readRows(const PageRows& page) {
     cinfo_.out_color_space = page.channels == 1 ? JCS_GRAYSCALE : cinfo_.num_components == 4 ? JCS_CMYK : JCS_RGB;
     if (!jpeg_start_decompress(&cinfo_)) return Outcome::kUnreadable;
+    // All scans are read now, except a single one. libjpeg sets the table with the first scan of a component.
+    lacksComponent_ = std::any_of(cinfo_.comp_info, cinfo_.comp_info + cinfo_.num_components,
+                                  [](const jpeg_component_info& c) { return c.quant_table == nullptr; });
     const auto width = static_cast<int>(cinfo_.output_width);
     const auto height = static_cast<int>(cinfo_.output_height);
     const size_t rowBytes = size_t{cinfo_.output_width} * static_cast<size_t>(cinfo_.output_components);

@@ -41,7 +41,9 @@ public:
     int rowsDecoded() const { return rowsDecoded_; }    // of the stored image
     bool endSeen() const { return endSeen_; }
     int64_t warnings() const { return warnings_; }
-    bool isDamaged() const { return rowsDecoded_ < page_.stored.height || !endSeen_ || warnings_ > 0; }
+    bool isDamaged() const {
+        return rowsDecoded_ < page_.stored.height || !endSeen_ || warnings_ > 0 || lacksComponent_;
+    }
 
 private:
     template <class Calls>
@@ -63,6 +65,7 @@ private:
     PageInfo page_;
     int rowsDecoded_ = 0;
     bool endSeen_ = false;
+    bool lacksComponent_ = false;
     bool cancelled_ = false;
     int64_t warnings_ = 0;
 };

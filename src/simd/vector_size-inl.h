@@ -10,7 +10,7 @@
 
 #include <hwy/highway.h>
 
-HWY_BEFORE_NAMESPACE();
+// No HWY_BEFORE_NAMESPACE: there are no functions here, and clang rejects an attribute without one.
 namespace opcv::simd {
 namespace HWY_NAMESPACE {
 
@@ -30,6 +30,5 @@ using BilateralTag = AtMost32Bytes<T>;    // 1.65: each weight is a separate loa
 
 }    // namespace HWY_NAMESPACE
 }    // namespace opcv::simd
-HWY_AFTER_NAMESPACE();
 
 #endif    // include guard of the target

@@ -21,9 +21,10 @@ struct DecodedStream {
     int rows = 0;        // that the stream held
     long warnings = 0;
     bool whole = false;    // decoded to its end marker
+    bool empty = false;    // of a component that no scan holds
     std::vector<uint8_t> pixels;
 
-    bool isDamaged() const { return !whole || warnings > 0; }
+    bool isDamaged() const { return !whole || warnings > 0 || empty; }
     const uint8_t* at(int x, int y) const {
         return &pixels[(static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)) *
                        static_cast<size_t>(channels)];
@@ -60,6 +61,9 @@ inline std::optional<DecodedStream> decodeStream(const std::vector<uint8_t>& str
                 page.width = static_cast<int>(cinfo.output_width);
                 page.height = static_cast<int>(cinfo.output_height);
                 page.channels = cinfo.output_components == 1 ? 1 : 3;
+                for (int i = 0; i < cinfo.num_components; ++i)
+                    page.empty = page.empty ||
+                                 (cinfo.progressive_mode ? cinfo.coef_bits[i][0] < 0 : !cinfo.comp_info[i].quant_table);
                 std::vector<uint8_t>& pixels = page.pixels;
                 const size_t rowBytes = static_cast<size_t>(page.width) * static_cast<size_t>(page.channels);
                 pixels.resize(rowBytes * static_cast<size_t>(page.height));

@@ -10,6 +10,7 @@
 #include "support/jpeg_corpus.h"
 #include "support/jpeg_reading.h"
 #include "support/jpeg_report.h"
+#include "support/jpeg_stream.h"
 #include "support/random.h"
 
 namespace {
@@ -84,6 +85,62 @@ TEST(ReadPage, CountsTheRowsOfACutStream) {
     EXPECT_EQ(std::memcmp(r.image->data, good.image->data, last + 101), 0);
     for (int y = r.report.rows_decoded; y < 64; ++y)
         EXPECT_EQ(std::memcmp(r.image->data + ptrdiff_t{101} * y, r.image->data + last, 101), 0) << y;
+}
+
+// Where the scan headers of a stream stand, and at last its end marker.
+std::vector<size_t> scanHeaders(const Bytes& stream) {
+    std::vector<size_t> places;
+    for (size_t i = 0; i + 1 < stream.size(); ++i)
+        if (stream[i] == 0xFF && (stream[i + 1] == JpegStream::kSOS || stream[i + 1] == JpegStream::kEOI))
+            places.push_back(i);
+    return places;
+}
+
+Bytes without(const Bytes& stream, size_t from, size_t to) {
+    Bytes rest(stream.begin(), stream.begin() + static_cast<ptrdiff_t>(from));
+    rest.insert(rest.end(), stream.begin() + static_cast<ptrdiff_t>(to), stream.end());
+    return rest;
+}
+
+// Its data and end marker are there, and libjpeg does not warn.
+TEST(ReadPage, AComponentWithoutAScanIsDamage) {
+    for (const NamedStream& s : jpegCorpus()) {
+        if (!s.severalScans || s.progressive) continue;
+        const std::vector<size_t> scans = scanHeaders(s.stream);
+        ASSERT_EQ(scans.size(), 4U);
+        for (size_t i = 1; i < 3; ++i) {
+            const PageReading r = readPage(without(s.stream, scans[i], scans[i + 1]));
+            ASSERT_EQ(r.status, OPCV_READ_OK);
+            EXPECT_EQ(r.report.warnings, 0);
+            EXPECT_EQ(r.report.end_marker_seen, 1);
+            EXPECT_EQ(r.report.rows_decoded, r.report.rows);
+            EXPECT_EQ(r.report.damaged, 1) << i;
+        }
+    }
+}
+
+// A stream may end before its page is fully refined.
+TEST(ReadPage, AMissingLastScanOfAProgressiveStreamIsNoDamage) {
+    int streams = 0;
+    for (const NamedStream& s : jpegCorpus()) {
+        if (!s.progressive) continue;
+        ++streams;
+        const std::vector<size_t> scans = scanHeaders(s.stream);
+        const PageReading r = readPage(without(s.stream, scans[scans.size() - 2], scans.back()));
+        ASSERT_EQ(r.status, OPCV_READ_OK) << s.name;
+        EXPECT_EQ(r.report.damaged, 0) << s.name;
+    }
+    EXPECT_EQ(streams, 3);
+}
+
+// The decoder needs bytes behind the last rows.
+TEST(ReadPage, WithoutItsEndMarkerAStreamLosesItsLastRows) {
+    const Bytes whole = grey(101, 702);
+    const PageReading r = readPage(Bytes(whole.begin(), whole.end() - 2));
+    ASSERT_EQ(r.status, OPCV_READ_OK);
+    EXPECT_EQ(r.report.rows_decoded, 696);
+    for (int y = 696; y < 702; ++y)
+        EXPECT_EQ(std::memcmp(r.image->data + ptrdiff_t{101} * y, r.image->data + ptrdiff_t{101} * 695, 101), 0) << y;
 }
 
 TEST(ReadPage, AnErrorBehindTheLastRowLeavesThePage) {

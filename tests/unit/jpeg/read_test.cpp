@@ -171,8 +171,8 @@ TEST(ReadJPEG, RefusesMissingArguments) {
     EXPECT_EQ(description.width, 0);
 }
 
-// OpenCV's decoder is no oracle for these: before 4.11 it leaves the rows behind the last one as its memory was, or
-// repeats that row, as its version has it.
+// OpenCV's decoder is no oracle for these: depending on its version, it repeats the last row or leaves the rows behind it
+// as its memory was.
 void expectTheRowsOf(const Bytes& stream, int orientation, int round) {
     const Reading r = read(stream);
     const std::optional<oracle::DecodedStream> expected = oracle::decodeStream(stream);
