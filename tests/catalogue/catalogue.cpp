@@ -7,7 +7,8 @@
 const Entries& catalogue() {
     static const Entries all = [] {
         Entries entries;
-        for (const auto part : {coreEntries, rankEntries, geometryEntries, jpegEntries, pixelEntries, filterEntries}) {
+        for (const auto part : {coreEntries, rankEntries, geometryEntries, jpegEntries, pixelEntries, filterEntries,
+                                limitedReadingEntries}) {
             Entries more = part();
             std::move(more.begin(), more.end(), std::back_inserter(entries));
         }

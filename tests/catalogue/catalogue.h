@@ -58,6 +58,7 @@ Entries geometryEntries();
 Entries jpegEntries();
 Entries pixelEntries();
 Entries filterEntries();
+Entries limitedReadingEntries();    // of OPCV_dlib_read.h
 
 // All of them.
 const Entries& catalogue();

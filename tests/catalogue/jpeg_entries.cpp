@@ -3,8 +3,10 @@
 #include <array>
 #include <memory>
 
+#include "OPCV_dlib_read.h"
 #include "catalogue/catalogue.h"
 #include "oracle/jpeg.h"
+#include "support/jpeg_report.h"
 
 namespace {
 
@@ -218,7 +220,94 @@ void readPiece(Case& c) {
     c.refuse("another size", paramErr, read(stream, c.sourceOf(other), &c.record));
 }
 
+// The arguments that the functions of OPCV_dlib_read.h share, and their checks.
+struct LimitedCall {
+    const unsigned char* stream;
+    size_t length;
+    const opcv_read_options* options;
+    opcv_read_report* report;
+};
+
+template <class Read>
+LimitedCall readLimited(Case& c, Read read) {
+    const Bytes bytes = streamOf(c);
+    const auto options = newOptions();
+    const LimitedCall good = {c.sourceOf(bytes), bytes.size(), c.sourceOf(options), c.targetEvenOnFailure(newReport())};
+    c.call = [read, good] { return read(good); };
+    const auto refuse = [&](const char* what, int status, auto change) {
+        LimitedCall wrong = good;
+        change(wrong);
+        c.refuse(what, status, [read, wrong] { return read(wrong); });
+    };
+    refuse("a null stream", OPCV_READ_BAD_ARGUMENT, [](LimitedCall& l) { l.stream = nullptr; });
+    refuse("an empty stream", OPCV_READ_BAD_ARGUMENT, [](LimitedCall& l) { l.length = 0; });
+    refuse("a stream that is not JPEG", OPCV_READ_UNREADABLE, [](LimitedCall& l) {
+        l.stream += 2;
+        l.length -= 2;
+    });
+    refuse("headers alone", OPCV_READ_UNREADABLE, [](LimitedCall& l) { l.length = 20; });
+    const auto refuseOptions = [&](const char* what, int status, auto change) {
+        opcv_read_options wrong = options;
+        change(wrong);
+        refuse(what, status, [where = c.sourceOf(wrong)](LimitedCall& l) { l.options = where; });
+    };
+    refuseOptions("short options", OPCV_READ_BAD_ARGUMENT, [](opcv_read_options& o) { --o.struct_size; });
+    refuseOptions("a negative limit", OPCV_READ_BAD_ARGUMENT, [](opcv_read_options& o) { o.max_pixels = -1; });
+    refuseOptions("a limit of bytes", OPCV_READ_OVER_LIMIT, [](opcv_read_options& o) { o.max_bytes = 30; });
+    refuseOptions("a limit of memory", OPCV_READ_OVER_LIMIT, [](opcv_read_options& o) { o.max_memory = 1; });
+    opcv_read_report shortReport = newReport();
+    --shortReport.struct_size;
+    refuse("a short report", OPCV_READ_BAD_ARGUMENT,
+           [where = c.sourceOf(shortReport)](LimitedCall& l) { l.report = where; });
+    return good;
+}
+
+void readHeaders(Case& c) {
+    const auto read = [](const LimitedCall& l) { return opcv_read_info(l.stream, l.length, l.options, l.report); };
+    LimitedCall wrong = readLimited(c, read);
+    wrong.report = nullptr;
+    c.refuse("no report", OPCV_READ_BAD_ARGUMENT, [read, wrong] { return read(wrong); });
+}
+
+void readRecord(Case& c) {
+    const LimitedCall good = readLimited(
+        c, [&c](const LimitedCall& l) { return opcv_read_page(l.stream, l.length, l.options, &c.record, l.report); });
+    c.refuse("no slot", OPCV_READ_BAD_ARGUMENT,
+             [good] { return opcv_read_page(good.stream, good.length, good.options, nullptr, good.report); });
+}
+
+void readRows(Case& c) {
+    const IppiSize size = sizeOfPage(c);
+    const int channels = isGrey(c) ? 1 : 3;
+    const Image to = c.target({size, channels});
+    const opcv_rows rows = {to.data, to.step, size.width, size.height, channels};
+    const auto readInto = [](const opcv_rows* where) {
+        return [where](const LimitedCall& l) { return opcv_read_rows(l.stream, l.length, l.options, where, l.report); };
+    };
+    const LimitedCall good = readLimited(c, readInto(c.sourceOf(rows)));
+    const auto refuse = [&](const char* what, int status, auto change) {
+        opcv_rows wrong = rows;
+        change(wrong);
+        c.refuse(what, status, [read = readInto(c.sourceOf(wrong)), good] { return read(good); });
+    };
+    refuse("no pixels", OPCV_READ_BAD_ARGUMENT, [](opcv_rows& r) { r.data = nullptr; });
+    refuse("a short step", OPCV_READ_BAD_ARGUMENT, [](opcv_rows& r) { r.step = r.width * r.channels - 1; });
+    refuse("two channels", OPCV_READ_BAD_ARGUMENT, [](opcv_rows& r) { r.channels = 2; });
+    refuse("another height", OPCV_READ_WRONG_SIZE, [](opcv_rows& r) { ++r.height; });
+    c.refuse("no rows", OPCV_READ_BAD_ARGUMENT, [read = readInto(nullptr), good] { return read(good); });
+}
+
 }    // namespace
+
+Entries limitedReadingEntries() {
+    const OutOfMemory answers = OutOfMemory::answers(OPCV_READ_NO_MEMORY);
+    const std::vector<Shape> pages = {{"8 bits", 0}, {"24 bits", 2}};
+    return {
+        {"opcv_read_info", kStreamVariants, OutOfMemory::never(), readHeaders, {{"", 0}}, kNoImageWork},
+        {"opcv_read_page", kStreamVariants, answers, readRecord, pages, "ReadJPEG"},
+        {"opcv_read_rows", kStreamVariants, answers, readRows, pages, "ReadJPEG"},
+    };
+}
 
 Entries jpegEntries() {
     const OutOfMemory records = OutOfMemory::answers(memFullErr);

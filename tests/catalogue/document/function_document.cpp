@@ -24,9 +24,13 @@ namespace {
 
 using Header = std::map<std::string, Described>;
 
-const std::vector<std::pair<std::string, Entries (*)()>> kParts = {
-    {"core", coreEntries}, {"geometry", geometryEntries}, {"jpeg", jpegEntries},
-    {"rank", rankEntries}, {"pixel", pixelEntries},       {"filters", filterEntries}};
+const std::vector<std::pair<std::string, Entries (*)()>> kParts = {{"core", coreEntries},
+                                                                   {"geometry", geometryEntries},
+                                                                   {"jpeg", jpegEntries},
+                                                                   {"rank", rankEntries},
+                                                                   {"pixel", pixelEntries},
+                                                                   {"filters", filterEntries},
+                                                                   {"second", limitedReadingEntries}};
 
 // Of a text, for a cell of a table.
 std::string firstSentence(const std::string& text) {
@@ -43,12 +47,6 @@ std::string briefTable(const Entries& entries, const Header& header) {
         const std::string benchmark = other.empty() ? "" : other == kNoImageWork ? "none" : "`" + other + "`";
         table += "| `" + entry.name + "` | " + firstSentence(header.at(entry.name).brief) + " | " + benchmark + " |\n";
     }
-    return table;
-}
-
-std::string secondTable(const Header& header) {
-    std::string table = "| function | what it does |\n|---|---|\n";
-    for (const auto& [name, text] : header) table += "| `" + name + "` | " + firstSentence(text.brief) + " |\n";
     return table;
 }
 
@@ -107,11 +105,11 @@ void replace(std::string& text, const std::string& place, const std::string& by)
 }
 
 std::string documentOf(const std::string& header, const std::string& second, const std::string& frame) {
-    const Header functions = described(header);
-    if (functions.size() != catalogue().size()) throw std::runtime_error("the header has other functions");
+    Header functions = described(header);
+    functions.merge(described(second));
+    if (functions.size() != catalogue().size()) throw std::runtime_error("the headers have other functions");
     std::string text = contentsOf(frame);
     for (const auto& [name, entries] : kParts) replace(text, "@" + name + "@\n", briefTable(entries(), functions));
-    replace(text, "@second@\n", secondTable(described(second)));
     replace(text, "@use@\n", useTable(functions));
     return text;
 }

@@ -5,10 +5,22 @@
 
 namespace {
 
-const std::map<std::string, std::string> kStatusValues = {
-    {"ippStsNoErr", "0"},       {"ippStsNoMemErr", "-4"}, {"ippStsBadArgErr", "-5"}, {"noErr", "0"},
-    {"paramErr", "-50"},        {"memFullErr", "-108"},   {"rotateFailedErr", "-2"}, {"badAngleErr", "-3"},
-    {"uniteFailedErr", "-1001"}};
+const std::map<std::string, std::string> kStatusValues = {{"ippStsNoErr", "0"},
+                                                          {"ippStsNoMemErr", "-4"},
+                                                          {"ippStsBadArgErr", "-5"},
+                                                          {"noErr", "0"},
+                                                          {"paramErr", "-50"},
+                                                          {"memFullErr", "-108"},
+                                                          {"rotateFailedErr", "-2"},
+                                                          {"badAngleErr", "-3"},
+                                                          {"uniteFailedErr", "-1001"},
+                                                          {"OPCV_READ_OK", "0"},
+                                                          {"OPCV_READ_BAD_ARGUMENT", "-1"},
+                                                          {"OPCV_READ_UNREADABLE", "-2"},
+                                                          {"OPCV_READ_OVER_LIMIT", "-3"},
+                                                          {"OPCV_READ_NO_MEMORY", "-4"},
+                                                          {"OPCV_READ_CANCELLED", "-5"},
+                                                          {"OPCV_READ_WRONG_SIZE", "-6"}};
 
 bool beginsWith(const std::string& text, const std::string& prefix) { return text.rfind(prefix, 0) == 0; }
 
