@@ -13,6 +13,7 @@
 #include <hwy/highway.h>
 
 #include "rank/row_pair-inl.h"
+#include "simd/vector_size-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace opcv {
@@ -117,7 +118,8 @@ HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst,
                             int height) {
     forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
         const Crosses crosses(pair, srcStep, Cross::kReach);
-        coverPair(pair, width, [=](auto d, ptrdiff_t x) HWY_ATTR { Cross::filterAt(d, crosses, x, pair); });
+        coverPair(simd::HWY_NAMESPACE::Widest<uint8_t>(), pair, width,
+                  [=](auto d, ptrdiff_t x) HWY_ATTR { Cross::filterAt(d, crosses, x, pair); });
     });
 }
 

@@ -22,6 +22,7 @@
 #include <hwy/highway.h>
 
 #include "rank/row_pair-inl.h"
+#include "simd/vector_size-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace opcv {
@@ -51,7 +52,7 @@ struct Min {
     }
 };
 
-constexpr hn::ScalableTag<uint8_t> dFull;
+constexpr simd::HWY_NAMESPACE::ExtremumTag<uint8_t> dFull;
 constexpr auto kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(dFull));
 
 template <class Op>
@@ -157,7 +158,7 @@ void filterSquare3x3(const WindowRows& rows) {
             const uint8_t* const above = pair.upper - step;
             const uint8_t* const lower = pair.upper + step;
             const uint8_t* const below = pair.hasLower ? lower + step : lower;
-            coverPair(pair, rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            coverPair(dFull, pair, rows.width, [=](auto d, ptrdiff_t x) HWY_ATTR {
                 const auto at = [=](const uint8_t* row, ptrdiff_t dx) HWY_ATTR { return hn::LoadU(d, row + x + dx); };
                 const auto shared = [=](ptrdiff_t dx) HWY_ATTR { return Op::of(at(pair.upper, dx), at(lower, dx)); };
                 const auto left = shared(0);

@@ -12,7 +12,6 @@ HWY_BEFORE_NAMESPACE();
 namespace opcv::rank {
 namespace HWY_NAMESPACE {
 
-namespace hn = hwy::HWY_NAMESPACE;
 using simd::HWY_NAMESPACE::coverRow;
 
 // Two rows that are filtered together, because their windows share pixels. A last row without a partner is paired with
@@ -41,9 +40,9 @@ HWY_INLINE void forEachRowPair(const uint8_t* src, ptrdiff_t srcStep, uint8_t* d
 
 // coverRow for both rows of a pair. It also prefetches the pixels of the next pair, one vector at a time: rows are too
 // short for the hardware prefetcher, and prefetching them all at once would stall the arithmetic.
-template <class FilterAt>
-HWY_INLINE void coverPair(const RowPair& pair, ptrdiff_t width, const FilterAt& filterAt) {
-    coverRow(hn::ScalableTag<uint8_t>(), width, [&](auto d, ptrdiff_t x) HWY_ATTR {
+template <class D, class FilterAt>
+HWY_INLINE void coverPair(D full, const RowPair& pair, ptrdiff_t width, const FilterAt& filterAt) {
+    coverRow(full, width, [&](auto d, ptrdiff_t x) HWY_ATTR {
         for (const uint8_t* row : pair.next) hwy::Prefetch(row + x);
         filterAt(d, x);
     });

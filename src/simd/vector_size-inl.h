@@ -28,6 +28,12 @@ using RotationTag = AtMost32Bytes<T>;    // 1.2 for grey at 8 degrees and for co
 template <class T>
 using BilateralTag = AtMost32Bytes<T>;    // 1.65: each weight is a separate load from a block that was just stored
 
+template <class T>
+using ExtremumTag = AtMost32Bytes<T>;    // minimum and maximum of 3x3: page 1.14, tile 0.75; of 9x9: 1.10 and 1.27
+
+template <class T>
+using WeightedMedian3Tag = AtMost32Bytes<T>;    // page 1.15 to 1.24, tile 0.86
+
 }    // namespace HWY_NAMESPACE
 }    // namespace opcv::simd
 

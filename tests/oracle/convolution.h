@@ -60,7 +60,7 @@ inline void convolve(const uint8_t* src, int srcStep, int type, uint8_t* dst, in
         case CV_8U: return convolveElements<uint8_t>(first, from, channels, dst, to, roi, turned, anchor);
         case CV_16U: return convolveElements<uint16_t>(first, from, channels, dst, to, roi, turned, anchor);
         case CV_16S: return convolveElements<int16_t>(first, from, channels, dst, to, roi, turned, anchor);
-        default: CV_Assert(!"an integer type");
+        default: CV_Error(cv::Error::StsUnsupportedFormat, "an integer type is needed");
     }
 }
 
