@@ -7,7 +7,7 @@
 
 namespace filters {
 
-// Whether `IPPMini_ippiMalloc_8u_C3` accepts the size: both sides above 0 and, with rows of a multiple of 64 bytes, at
+// Whether the library allocates three-channel planes of the size: both sides are above 0 and, with rows of a multiple of 64 bytes, at
 // most 2^31 - 1 bytes. Products of its sides then cannot overflow.
 bool isColourImage(IppiSize size);
 

@@ -1,8 +1,9 @@
-// Checked entry points of the bit packing kernels.
+// Bit packing, with and without checks.
 #include <cstdint>
 
 #include "OPCV_dlib.h"
 #include "core/region.h"
+#include "pixel/bit_packing_kernels.h"
 
 namespace opcv {
 namespace {
@@ -15,6 +16,16 @@ bool bitsFit(int offset, int width, int step) { return int64_t{offset} + width <
 }    // namespace opcv
 
 using namespace opcv;
+
+void Convert_1u8u_C1R(const unsigned char* src, int srcStep, int bitOffset, unsigned char* dst, int dstStep, int width,
+                      int height) {
+    expandBits(src, srcStep, bitOffset, dst, dstStep, width, height);
+}
+
+void Convert_8u1u_C1R(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep, int bitOffset, int width,
+                      int height, unsigned char threshold) {
+    packBits(src, srcStep, dst, dstStep, bitOffset, width, height, threshold);
+}
 
 IppStatus IPPShare_ippiConvert_1u8u_C1R(const unsigned char* pSrc, int srcStep, int srcBitOffset, unsigned char* pDst,
                                         int dstStep, IppiSize roiSize) {

@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "OPCV_dlib.h"
+#include "pixel/bit_packing_kernels.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pixel/bit_packing_kernels.cpp"
@@ -191,13 +191,13 @@ HWY_EXPORT(expand);
 HWY_EXPORT(pack);
 }    // namespace
 
-void Convert_1u8u_C1R(const unsigned char* src, int srcStep, int bitOffset, unsigned char* dst, int dstStep, int width,
+void opcv::expandBits(const unsigned char* src, int srcStep, int bitOffset, unsigned char* dst, int dstStep, int width,
                       int height) {
     HWY_DYNAMIC_DISPATCH(expand)(src, srcStep, bitOffset, dst, dstStep, width, height);
 }
 
-void Convert_8u1u_C1R(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep, int bitOffset, int width,
-                      int height, unsigned char threshold) {
+void opcv::packBits(const unsigned char* src, int srcStep, unsigned char* dst, int dstStep, int bitOffset, int width,
+                    int height, unsigned char threshold) {
     HWY_DYNAMIC_DISPATCH(pack)(src, srcStep, dst, dstStep, bitOffset, width, height, threshold);
 }
 #endif    // HWY_ONCE

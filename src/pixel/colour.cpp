@@ -1,10 +1,11 @@
 // Conversion between RGB and YUV, packed and planar.
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <opencv2/core.hpp>
 
 #include "OPCV_dlib.h"
+#include "core/ownership.h"
 #include "core/pixel_memory.h"
 #include "core/region.h"
 #include "core/row_bands.h"
@@ -37,10 +38,6 @@ OSErr convertPacked(Conversion<PackedImage, PackedImage> convert, const unsigned
 // image, but the conversion still reports out of memory if the image would be too large.
 bool packedImageFits(IppiSize roi) { return !isEmpty(roi) && planeFits(roi.width, roi.height, 3); }
 
-// The steps return an IppStatus, which is translated as if it were an OSErr: every failure in them is reported as a bad
-// argument. Callers rely on it.
-IppStatus statusOfSteps(IppStatus status) { return Tools::OSErrToIppStatus(static_cast<OSErr>(status)); }
-
 bool shareBytes(const PackedImage& packed, const PlanarImage& planes, IppiSize roi) {
     const ByteSpan bytes(packed.pixels, packed.step, 3 * ptrdiff_t{roi.width}, roi.height);
     return std::any_of(planes.planes.begin(), planes.planes.end(), [&](const uint8_t* plane) {
@@ -48,16 +45,15 @@ bool shareBytes(const PackedImage& packed, const PlanarImage& planes, IppiSize r
     });
 }
 
-struct PackedDeleter {
-    void operator()(unsigned char* p) const { IPPMini_ippiFree(p); }
-};
-
 // The packed image between the two steps, for a destination that overlaps the source.
 struct Between {
-    explicit Between(IppiSize roi) { pixels.reset(IPPMini_ippiMalloc_8u_C3(roi.width, roi.height, &step)); }
+    explicit Between(IppiSize roi)
+        : step(static_cast<ptrdiff_t>(planeStep(roi.width, 3))),
+          block(static_cast<unsigned char*>(allocatePixels(static_cast<size_t>(step * roi.height)))) {}
+    PackedImage image() const { return {block.get(), step}; }
 
-    int step = 0;
-    std::unique_ptr<unsigned char, PackedDeleter> pixels;
+    ptrdiff_t step;
+    PixelBlock block;
 };
 
 }    // namespace
@@ -86,11 +82,10 @@ IppStatus IPPMini_ippiRGBToYUV_8u_C3P3R(const unsigned char* pSrc, int srcStep, 
         return ippStsNoErr;
     }
     const Between packed(roiSize);
-    if (!packed.pixels) return ippStsNoMemErr;
-    IppStatus status = IPPShare_ippiRGBToYUV_8u_C3R(pSrc, srcStep, packed.pixels.get(), packed.step, roiSize);
-    if (status == ippStsNoErr)
-        status = IPPMini_ippiCopy_8u_C3P3R(packed.pixels.get(), packed.step, pDst, dstStep, roiSize);
-    return statusOfSteps(status);
+    if (!packed.block) return ippStsNoMemErr;
+    runInBands<PackedImage, PackedImage>(convertRgbToYuv, rgb, packed.image(), roiSize);
+    splitChannels(packed.image(), yuv, roiSize.width, roiSize.height);
+    return ippStsNoErr;
 }
 
 IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int srcStep, unsigned char* pDst,
@@ -104,9 +99,8 @@ IppStatus IPPMini_ippiYUVToRGB_8u_P3C3R(const unsigned char* const pSrc[3], int 
         return ippStsNoErr;
     }
     const Between packed(roiSize);
-    if (!packed.pixels) return ippStsNoMemErr;
-    IppStatus status = IPPMini_ippiCopy_8u_P3C3R(pSrc, srcStep, packed.pixels.get(), packed.step, roiSize);
-    if (status == ippStsNoErr)
-        status = IPPShare_ippiYUVToRGB_8u_C3R(packed.pixels.get(), packed.step, pDst, dstStep, roiSize);
-    return statusOfSteps(status);
+    if (!packed.block) return ippStsNoMemErr;
+    mergeChannels(yuv, packed.image(), roiSize.width, roiSize.height);
+    runInBands<PackedImage, PackedImage>(convertYuvToRgb, packed.image(), rgb, roiSize);
+    return ippStsNoErr;
 }

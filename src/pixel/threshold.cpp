@@ -1,10 +1,11 @@
-// Checked entry points of the thresholds and the fill.
+// Thresholds and the fill.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 #include "OPCV_dlib.h"
 #include "core/region.h"
+#include "pixel/threshold_kernels.h"
 
 namespace opcv {
 namespace {
@@ -19,6 +20,15 @@ bool fits16Bit(int width, int step) {
 }    // namespace opcv
 
 using namespace opcv;
+
+void Threshold_LTVal_8u_C1IR(unsigned char* p, int step, int width, int height, unsigned char threshold,
+                             unsigned char value) {
+    thresholdBytes(p, step, width, height, threshold, value);
+}
+
+void Threshold_LTVal_16s_C1IR(short* p, int step, int width, int height, short threshold, short value) {
+    thresholdSamples(p, step, width, height, threshold, value);
+}
 
 IppStatus IPPShare_ippiThreshold_LTVal_8u_C1IR(unsigned char* pSrcDst, int srcDstStep, IppiSize roiSize,
                                                unsigned char threshold, unsigned char value) {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "OPCV_dlib.h"
+#include "pixel/threshold_kernels.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "pixel/threshold_kernels.cpp"
@@ -53,20 +53,19 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace opcv {
+
 namespace {
 HWY_EXPORT(threshold8u);
 HWY_EXPORT(threshold16s);
 }    // namespace
-}    // namespace opcv
 
-using namespace opcv;
-
-void Threshold_LTVal_8u_C1IR(unsigned char* p, int step, int width, int height, unsigned char threshold,
-                             unsigned char value) {
+void thresholdBytes(unsigned char* p, int step, int width, int height, unsigned char threshold, unsigned char value) {
     HWY_DYNAMIC_DISPATCH(threshold8u)(p, step, width, height, threshold, value);
 }
 
-void Threshold_LTVal_16s_C1IR(short* p, int step, int width, int height, short threshold, short value) {
+void thresholdSamples(short* p, int step, int width, int height, short threshold, short value) {
     HWY_DYNAMIC_DISPATCH(threshold16s)(reinterpret_cast<uint8_t*>(p), step, width, height, threshold, value);
 }
+
+}    // namespace opcv
 #endif    // HWY_ONCE

@@ -24,6 +24,7 @@
 #include <cstring>
 
 #include "OPCV_dlib.h"
+#include "rank/fixed_window.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rank/median_color.cpp"
@@ -297,6 +298,8 @@ HWY_AFTER_NAMESPACE();
 namespace opcv {
 namespace {
 HWY_EXPORT(filter);
+
+FixedWindowKernel kernelOf(int mask) { return mask == 33 ? FilterMedianColor3x3_8u_C3R : nullptr; }
 }    // namespace
 }    // namespace opcv
 
@@ -305,5 +308,10 @@ using namespace opcv;
 void FilterMedianColor3x3_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, int width,
                                  int height) {
     HWY_DYNAMIC_DISPATCH(filter)(pSrc, srcStep, pDst, dstStep, width, height);
+}
+
+IppStatus IPPShare_ippiFilterMedianColor_8u_C3R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                int dstStep, IppiSize dstRoiSize, int mask) {
+    return filterFixedWindow(kernelOf(mask), pSrc, srcStep, pDst, dstStep, dstRoiSize, 3);
 }
 #endif    // HWY_ONCE

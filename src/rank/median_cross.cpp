@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "OPCV_dlib.h"
+#include "rank/fixed_window.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rank/median_cross.cpp"
@@ -141,6 +142,14 @@ namespace opcv {
 namespace {
 HWY_EXPORT(cross3x3);
 HWY_EXPORT(cross5x5);
+
+FixedWindowKernel kernelOf(int mask) {
+    switch (mask) {
+        case 33: return FilterMedianCross3x3_8u_C1R;
+        case 55: return FilterMedianCross5x5_8u_C1R;
+        default: return nullptr;
+    }
+}
 }    // namespace
 }    // namespace opcv
 
@@ -154,5 +163,10 @@ void FilterMedianCross3x3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigne
 void FilterMedianCross5x5_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep, int width,
                                  int height) {
     HWY_DYNAMIC_DISPATCH(cross5x5)(pSrc, srcStep, pDst, dstStep, width, height);
+}
+
+IppStatus IPPShare_ippiFilterMedianCross_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                int dstStep, IppiSize dstRoiSize, int mask) {
+    return filterFixedWindow(kernelOf(mask), pSrc, srcStep, pDst, dstStep, dstRoiSize, 1);
 }
 #endif    // HWY_ONCE

@@ -14,6 +14,7 @@
 #include <cstdint>
 
 #include "OPCV_dlib.h"
+#include "rank/fixed_window.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "rank/median_weighted_center.cpp"
@@ -120,6 +121,14 @@ namespace opcv {
 namespace {
 HWY_EXPORT(weight3);
 HWY_EXPORT(weight5);
+
+FixedWindowKernel kernelOf(int weight) {
+    switch (weight) {
+        case 3: return FilterMedianWeightedCenter3x3_3_8u_C1R;
+        case 5: return FilterMedianWeightedCenter3x3_5_8u_C1R;
+        default: return nullptr;
+    }
+}
 }    // namespace
 }    // namespace opcv
 
@@ -133,5 +142,10 @@ void FilterMedianWeightedCenter3x3_3_8u_C1R(const unsigned char* pSrc, int srcSt
 void FilterMedianWeightedCenter3x3_5_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst, int dstStep,
                                             int width, int height) {
     HWY_DYNAMIC_DISPATCH(weight5)(pSrc, srcStep, pDst, dstStep, width, height);
+}
+
+IppStatus IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R(const unsigned char* pSrc, int srcStep, unsigned char* pDst,
+                                                            int dstStep, IppiSize dstRoiSize, int weight) {
+    return filterFixedWindow(kernelOf(weight), pSrc, srcStep, pDst, dstStep, dstRoiSize, 1);
 }
 #endif    // HWY_ONCE

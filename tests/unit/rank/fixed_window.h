@@ -1,4 +1,4 @@
-// A median with a fixed window, described for the tests that every one of them runs (median_dispatchers_test.cpp). The
+// A median with a fixed window, described for the tests that every one of them runs (fixed_window_test.cpp). The
 // test beside each median's source makes instances of them.
 #pragma once
 
@@ -68,4 +68,13 @@ inline uint8_t filterOnDark(FixedWindowFilter::EntryPoint entryPoint, int code, 
     uint8_t result = 1;
     EXPECT_EQ(entryPoint(&image[24], 7, &result, 1, {1, 1}, code), ippStsNoErr);
     return result;
+}
+
+// The codes of other filters.
+inline void expectRefused(FixedWindowFilter::EntryPoint entryPoint, std::initializer_list<int> codes) {
+    const std::vector<uint8_t> source(1000, 7);
+    uint8_t result = 9;
+    for (const int code : codes)
+        EXPECT_EQ(entryPoint(source.data() + 500, 60, &result, 3, {1, 1}, code), ippStsBadArgErr) << code;
+    EXPECT_EQ(result, 9);
 }

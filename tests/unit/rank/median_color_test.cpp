@@ -96,4 +96,6 @@ TEST(MedianColor, RefusesRowsShorterThanTheRegion) {
     EXPECT_EQ(result, std::vector<uint8_t>(12, 9));
 }
 
+TEST(MedianColor, RefusesTheCodesOfOtherFilters) { expectRefused(IPPShare_ippiFilterMedianColor_8u_C3R, {3, 5, 55}); }
+
 }    // namespace

@@ -46,4 +46,6 @@ TEST(MedianCross, RemovesADotAndKeepsALine) {
     }
 }
 
+TEST(MedianCross, RefusesTheCodesOfOtherFilters) { expectRefused(IPPShare_ippiFilterMedianCross_8u_C1R, {3, 5}); }
+
 }    // namespace

@@ -26,4 +26,8 @@ TEST(MedianWeightedCenter, KeepsADotThatHasEnoughNeighbours) {
     EXPECT_EQ(filterOnDark(filter, 3, {{0, 0}, {-1, -1}, {1, 0}, {0, 1}}), 200);
 }
 
+TEST(MedianWeightedCenter, RefusesTheCodesOfOtherFilters) {
+    expectRefused(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, {33, 55});
+}
+
 }    // namespace

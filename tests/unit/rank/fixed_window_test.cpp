@@ -152,18 +152,4 @@ TEST_P(FixedWindow, KernelDoesNothingWithoutRows) {
     EXPECT_EQ(result, std::vector<uint8_t>(100, 0x55));
 }
 
-TEST(FixedWindowCodes, AreThoseOfTheFilterItself) {
-    const std::vector<uint8_t> source(1000, 7);
-    uint8_t result = 9;
-    const auto call = [&](FixedWindowFilter::EntryPoint entryPoint, int code) {
-        return entryPoint(source.data() + 500, 60, &result, 3, {1, 1}, code);
-    };
-    for (const int weight : {3, 5})
-        EXPECT_EQ(call(IPPShare_ippiFilterMedianCross_8u_C1R, weight), ippStsBadArgErr) << weight;
-    for (const int mask : {33, 55})
-        EXPECT_EQ(call(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R, mask), ippStsBadArgErr) << mask;
-    for (const int code : {3, 5, 55}) EXPECT_EQ(call(IPPShare_ippiFilterMedianColor_8u_C3R, code), ippStsBadArgErr);
-    EXPECT_EQ(result, 9);
-}
-
 }    // namespace
