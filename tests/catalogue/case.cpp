@@ -103,7 +103,7 @@ void Case::restore() {
 
 void Case::releaseResults() {
     const opcv::RecordPtr released(record);
-    IPPMini_ippiFree(plane);
+    const opcv::PixelBlock releasedPlane(static_cast<unsigned char*>(plane));
     std::free(stream);
     record = nullptr;
     plane = nullptr;

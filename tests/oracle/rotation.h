@@ -13,7 +13,7 @@ namespace oracle {
 constexpr double kPi = 3.14159265358979323846;
 
 struct Rotation {
-    uint8_t* src;
+    const uint8_t* src;
     int srcStep;
     IppiRect srcRoi;
     uint8_t* dst;
@@ -25,8 +25,9 @@ struct Rotation {
 };
 
 // Rows are step / pixel size whole pixels apart, up to the last row of the rectangle.
-inline cv::Mat regionOf(uint8_t* data, int step, const IppiRect& r, int type) {
-    const cv::Mat image(r.y + r.height, step / static_cast<int>(CV_ELEM_SIZE(type)), type, data);
+inline cv::Mat regionOf(const uint8_t* data, int step, const IppiRect& r, int type) {
+    const int columns = step / static_cast<int>(CV_ELEM_SIZE(type));
+    const cv::Mat image(r.y + r.height, columns, type, const_cast<uint8_t*>(data));
     return image(cv::Rect(r.x, r.y, r.width, r.height));
 }
 

@@ -18,26 +18,35 @@ struct Reading {
     std::vector<uint8_t> pixels() const { return {image->data, image->data + image->size}; }
 };
 
-inline Reading read(const std::vector<uint8_t>& stream, decltype(&ReadJPEG) reader = ReadJPEG) {
+inline Reading read(const void* stream, unsigned length, decltype(&ReadJPEG) reader = ReadJPEG) {
     Reading r;
     KVImageDescription* record = &r.description;
     KVImageDescriptionHandle handle = &record;
     KVIMG* image = nullptr;
-    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &handle, &image);
+    r.status = reader(stream, length, &handle, &image);
     r.image.reset(image);
     return r;
 }
 
-inline Reading readSplit(const std::vector<uint8_t>& stream, int width, int height,
+inline Reading read(const std::vector<uint8_t>& stream, decltype(&ReadJPEG) reader = ReadJPEG) {
+    return read(stream.data(), static_cast<unsigned>(stream.size()), reader);
+}
+
+inline Reading readSplit(const uint8_t* stream, unsigned length, int width, int height,
                          decltype(&ReadSplitJPEG) reader = ReadSplitJPEG) {
     Reading r;
     r.description.width = width;
     r.description.height = height;
     KVImageDescription* record = &r.description;
     KVIMG* image = nullptr;
-    r.status = reader(stream.data(), static_cast<unsigned>(stream.size()), &record, &image);
+    r.status = reader(stream, length, &record, &image);
     r.image.reset(image);
     return r;
+}
+
+inline Reading readSplit(const std::vector<uint8_t>& stream, int width, int height,
+                         decltype(&ReadSplitJPEG) reader = ReadSplitJPEG) {
+    return readSplit(stream.data(), static_cast<unsigned>(stream.size()), width, height, reader);
 }
 
 // If no row can be decoded, OpenCV repeats one row of memory that it never wrote; such streams must be rejected. In all

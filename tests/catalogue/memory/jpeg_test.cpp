@@ -10,6 +10,7 @@
 #include "observation.h"
 #include "oracle/jpeg.h"
 #include "records.h"
+#include "support/reading.h"
 
 namespace {
 
@@ -43,16 +44,15 @@ TEST(OutOfMemory, TheLengthIsWrittenWhenOnlyTheBlockIsMissing) {
 // A piece of another size is refused before there is a block for its pixels.
 TEST(OutOfMemory, APieceOfAnotherSizeLeavesNothing) {
     const opcv::RecordPtr page = recordOf(40, 30, 24);
-    std::vector<unsigned char> stream;
-    ASSERT_TRUE(CompressRGB2YCbCr411(page->data, page->rowBytes, 40, 30, stream, 80, 300, 300));
-    KVImageDescription description{41, 30, 0, 0, 0, 0};
-    KVImageDescription* record = &description;
-    KVIMG* image = nullptr;
+    oracle::JpegSettings settings;
+    settings.components = 3;
+    const std::vector<unsigned char> stream = oracle::encodeJpeg(page->data, page->rowBytes, 40, 30, settings);
     FailingHeap::arm(FailingHeap::kNever, FailingHeap::Failure::kOnce);
-    EXPECT_EQ(ReadSplitJPEG(stream.data(), static_cast<unsigned>(stream.size()), &record, &image), paramErr);
+    const Reading piece = readSplit(stream, 41, 30);
     EXPECT_FALSE(FailingHeap::disarm());
+    EXPECT_EQ(piece.status, paramErr);
     EXPECT_EQ(FailingHeap::liveBlocks(), 0U);
-    EXPECT_EQ(image, nullptr);
+    EXPECT_EQ(piece.image, nullptr);
 }
 
 // Each allocation of a read with a report fails once, one after the other, and then all from it on.
@@ -70,7 +70,7 @@ void expectNoMemoryFrom(const std::vector<unsigned char>& stream, bool intoRows)
                                                 : opcv_read_page(stream.data(), stream.size(), nullptr, &page, &report);
             const bool failed = FailingHeap::disarm();
             ASSERT_EQ(status == OPCV_READ_OK && !intoRows, page != nullptr) << n;
-            DisposeKVIMG(page);
+            opcv::RecordPtr(page).reset();
             ASSERT_EQ(FailingHeap::liveBlocks(), 0U) << n;
             ASSERT_TRUE(status == OPCV_READ_NO_MEMORY || status == OPCV_READ_OK) << n << " " << status;
             ASSERT_EQ(report.width, 40);

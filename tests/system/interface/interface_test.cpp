@@ -2,14 +2,14 @@
 
 #include "OPCV_dlib_read.h"
 
-extern "C" int deskewInC(void);
+extern "C" int turnInC(void);
 extern "C" int readInC(void);
 int streamLengthInCpp();
 opcv_read_status readNothingInCpp();
 
 namespace {
 
-TEST(Interface, WorksFromC) { EXPECT_EQ(deskewInC(), 0); }
+TEST(Interface, WorksFromC) { EXPECT_EQ(turnInC(), 0); }
 
 TEST(Interface, WorksFromCpp) { EXPECT_GT(streamLengthInCpp(), 100); }
 

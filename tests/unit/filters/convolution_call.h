@@ -57,33 +57,58 @@ Kernel<T> kernelOf(IppiSize size, IppiPoint anchor, const Cell& cell) {
     return kernel;
 }
 
+// The images of a call.
+struct Images {
+    const void* src;
+    int srcStep;
+    int type;
+    void* dst;
+    int dstStep;
+    IppiSize roi;
+};
+
+inline Images imagesOf(const PixelType& type, const GuardedImage& src, GuardedImage& dst) {
+    return {src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size()};
+}
+
+inline IppStatus filterAnyType(const Images& i, const int* cells, IppiSize size, IppiPoint anchor, int divisor) {
+    return ippiFilter(i.src, i.srcStep, i.type, i.dst, i.dstStep, i.roi, cells, size, anchor, divisor);
+}
+
+inline IppStatus filterAnyType(const Images& i, const float* cells, IppiSize size, IppiPoint anchor) {
+    return ippiFilter32f(i.src, i.srcStep, i.type, i.dst, i.dstStep, i.roi, cells, size, anchor);
+}
+
+// By the function of the pixel type if it has one.
+inline IppStatus filterByType(const Images& i, const int* cells, IppiSize size, IppiPoint anchor, int divisor) {
+    const auto* src = static_cast<const uint8_t*>(i.src);
+    auto* dst = static_cast<uint8_t*>(i.dst);
+    switch (i.type) {
+        case CV_8UC1:
+            return IPPShare_ippiFilter_8u_C1R(src, i.srcStep, dst, i.dstStep, i.roi, cells, size, anchor, divisor);
+        case CV_8UC3:
+            return IPPShare_ippiFilter_8u_C3R(src, i.srcStep, dst, i.dstStep, i.roi, cells, size, anchor, divisor);
+        case CV_16SC1:
+            return IPPShare_ippiFilter_16s_C1R(static_cast<const short*>(i.src), i.srcStep, static_cast<short*>(i.dst),
+                                               i.dstStep, i.roi, cells, size, anchor, divisor);
+        default: return filterAnyType(i, cells, size, anchor, divisor);
+    }
+}
+
+inline IppStatus filterByType(const Images& i, const float* cells, IppiSize size, IppiPoint anchor) {
+    if (i.type != CV_8UC3) return filterAnyType(i, cells, size, anchor);
+    return IPPMini_ippiFilter32f_8u_C3R(static_cast<const uint8_t*>(i.src), i.srcStep, static_cast<uint8_t*>(i.dst),
+                                        i.dstStep, i.roi, cells, size, anchor);
+}
+
 inline IppStatus filter(const PixelType& type, const GuardedImage& src, GuardedImage& dst, const Kernel<int>& kernel,
                         int divisor) {
-    const auto* source16 = reinterpret_cast<const short*>(src.data());
-    auto* target16 = reinterpret_cast<short*>(dst.data());
-    switch (type.code) {
-        case CV_8UC1:
-            return IPPShare_ippiFilter_8u_C1R(src.data(), src.step(), dst.data(), dst.step(), dst.size(),
-                                              kernel.cells.data(), kernel.size, kernel.anchor, divisor);
-        case CV_8UC3:
-            return IPPShare_ippiFilter_8u_C3R(src.data(), src.step(), dst.data(), dst.step(), dst.size(),
-                                              kernel.cells.data(), kernel.size, kernel.anchor, divisor);
-        case CV_16SC1:
-            return IPPShare_ippiFilter_16s_C1R(source16, src.step(), target16, dst.step(), dst.size(),
-                                               kernel.cells.data(), kernel.size, kernel.anchor, divisor);
-        default:
-            return ippiFilter(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(),
-                              kernel.cells.data(), kernel.size, kernel.anchor, divisor);
-    }
+    return filterByType(imagesOf(type, src, dst), kernel.cells.data(), kernel.size, kernel.anchor, divisor);
 }
 
 inline IppStatus filter(const PixelType& type, const GuardedImage& src, GuardedImage& dst, const Kernel<float>& kernel,
                         int) {
-    if (type.code == CV_8UC3)
-        return IPPMini_ippiFilter32f_8u_C3R(src.data(), src.step(), dst.data(), dst.step(), dst.size(),
-                                            kernel.cells.data(), kernel.size, kernel.anchor);
-    return ippiFilter32f(src.data(), src.step(), type.code, dst.data(), dst.step(), dst.size(), kernel.cells.data(),
-                         kernel.size, kernel.anchor);
+    return filterByType(imagesOf(type, src, dst), kernel.cells.data(), kernel.size, kernel.anchor);
 }
 
 inline void filterByDefinition(const PixelType& type, const GuardedImage& src, GuardedImage& dst,

@@ -32,9 +32,10 @@ TEST(Convolution, ReadsAndWritesNoByteTooMany) {
                     FencedMemory dst(static_cast<size_t>((dstRow + 2 * type.bytes()) * (height - 1) + dstRow), fence);
                     const uint8_t* first =
                         src.data() + side.height / 2 * step + ptrdiff_t{side.width / 2} * type.bytes();
-                    ASSERT_EQ(ippiFilter(first, step, type.code, dst.data(), dstRow + 2 * type.bytes(), {width, height},
-                                         kernel.cells.data(), side, kernel.anchor, 20),
-                              ippStsNoErr);
+                    ASSERT_EQ(
+                        filterAnyType({first, step, type.code, dst.data(), dstRow + 2 * type.bytes(), {width, height}},
+                                      kernel.cells.data(), side, kernel.anchor, 20),
+                        ippStsNoErr);
                 }
 }
 
@@ -46,9 +47,10 @@ TEST(Convolution, SourceAndDestinationMayOverlap) {
             GuardedImage image(random, {120, 9}, {type.bytes(), 6, 0, 0});
             GuardedImage expected(random, {120, 9}, {type.bytes(), 0, 0, 0});
             filterByDefinition(type, image, expected, kernel, 30);
-            ASSERT_EQ(ippiFilter(image.data(), image.step(), type.code, image.at(shift, shift), image.step(), {120, 9},
-                                 kernel.cells.data(), kernel.size, kernel.anchor, 30),
-                      ippStsNoErr);
+            ASSERT_EQ(
+                filterAnyType({image.data(), image.step(), type.code, image.at(shift, shift), image.step(), {120, 9}},
+                              kernel.cells.data(), kernel.size, kernel.anchor, 30),
+                ippStsNoErr);
             for (int y = 0; y < 9; ++y)
                 ASSERT_EQ(std::memcmp(image.at(shift, y + shift), expected.at(0, y),
                                       static_cast<size_t>(expected.rowBytes())),
@@ -67,8 +69,8 @@ TEST(Convolution, StepsNotAMultipleOfThePixelDisplaceRows) {
         const int step = 3 * 40 + remainder;
         std::vector<uint8_t> dst(1000, 7);
         std::vector<uint8_t> expected(1000, 7);
-        ASSERT_EQ(IPPShare_ippiFilter_8u_C3R(src.data() + 600, step, dst.data(), step, {30, 5}, kernel.cells.data(),
-                                             kernel.size, kernel.anchor, 40),
+        ASSERT_EQ(filterByType({src.data() + 600, step, CV_8UC3, dst.data(), step, {30, 5}}, kernel.cells.data(),
+                               kernel.size, kernel.anchor, 40),
                   ippStsNoErr);
         oracle::convolve(src.data() + 600, step, CV_8UC3, expected.data(), step, {30, 5}, kernel.cells.data(),
                          kernel.size, kernel.anchor, 40);
@@ -84,12 +86,12 @@ TEST(Convolution, RefusesBadArguments) {
     const std::vector<float> weights(9, 0.1F);
     const auto refused = [&](const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep, IppiSize roi,
                              bool withKernel, IppiSize kernelSize, IppiPoint anchor, int divisor) {
-        const IppStatus status = IPPShare_ippiFilter_8u_C3R(
-            pSrc, srcStep, pDst, dstStep, roi, withKernel ? cells.data() : nullptr, kernelSize, anchor, divisor);
+        const IppStatus status = filterByType({pSrc, srcStep, CV_8UC3, pDst, dstStep, roi},
+                                              withKernel ? cells.data() : nullptr, kernelSize, anchor, divisor);
         EXPECT_TRUE(dst.untouched());
         if (divisor == 0) return status == ippStsBadArgErr;
-        const IppStatus status32f = IPPMini_ippiFilter32f_8u_C3R(
-            pSrc, srcStep, pDst, dstStep, roi, withKernel ? weights.data() : nullptr, kernelSize, anchor);
+        const IppStatus status32f = filterByType({pSrc, srcStep, CV_8UC3, pDst, dstStep, roi},
+                                                 withKernel ? weights.data() : nullptr, kernelSize, anchor);
         EXPECT_TRUE(dst.untouched());
         return status == ippStsBadArgErr && status32f == ippStsBadArgErr;
     };
@@ -112,8 +114,7 @@ TEST(Convolution, RefusesBadArguments) {
     EXPECT_TRUE(refused(pSrc, step, pDst, -66, roi, true, {3, 3}, {1, 1}, 1));
     EXPECT_TRUE(refused(pSrc, INT_MAX, pDst, INT_MAX, {INT_MAX, 1}, true, {3, 3}, {1, 1}, 1));
     EXPECT_TRUE(refused(pSrc, step, pDst, 66, {1, INT_MAX}, true, {3, 3}, {1, 1}, 1));
-    EXPECT_EQ(IPPShare_ippiFilter_8u_C3R(pSrc, 22 * 3, pDst, 60, {20, 1}, cells.data(), {3, 3}, {1, 1}, 9),
-              ippStsNoErr);
+    EXPECT_EQ(filterByType({pSrc, 22 * 3, CV_8UC3, pDst, 60, {20, 1}}, cells.data(), {3, 3}, {1, 1}, 9), ippStsNoErr);
 }
 
 TEST(Convolution, CoreRoutinesRefuseANullSourceAndADivisorOfZero) {
@@ -121,11 +122,11 @@ TEST(Convolution, CoreRoutinesRefuseANullSourceAndADivisorOfZero) {
     uint8_t dst = 5;
     const int one = 1;
     const float weight = 1;
-    EXPECT_EQ(ippiFilter(nullptr, 1, CV_8UC1, &dst, 1, {1, 1}, &one, {1, 1}, {0, 0}, 1), ippStsBadArgErr);
-    EXPECT_EQ(ippiFilter(&src, 1, CV_8UC1, &dst, 1, {1, 1}, &one, {1, 1}, {0, 0}, 0), ippStsBadArgErr);
-    EXPECT_EQ(ippiFilter32f(nullptr, 1, CV_8UC1, &dst, 1, {1, 1}, &weight, {1, 1}, {0, 0}), ippStsBadArgErr);
+    EXPECT_EQ(filterAnyType({nullptr, 1, CV_8UC1, &dst, 1, {1, 1}}, &one, {1, 1}, {0, 0}, 1), ippStsBadArgErr);
+    EXPECT_EQ(filterAnyType({&src, 1, CV_8UC1, &dst, 1, {1, 1}}, &one, {1, 1}, {0, 0}, 0), ippStsBadArgErr);
+    EXPECT_EQ(filterAnyType({nullptr, 1, CV_8UC1, &dst, 1, {1, 1}}, &weight, {1, 1}, {0, 0}), ippStsBadArgErr);
     EXPECT_EQ(dst, 5);
-    EXPECT_EQ(ippiFilter32f(&src, 1, CV_8UC1, &dst, 1, {1, 1}, &weight, {1, 1}, {0, 0}), ippStsNoErr);
+    EXPECT_EQ(filterAnyType({&src, 1, CV_8UC1, &dst, 1, {1, 1}}, &weight, {1, 1}, {0, 0}), ippStsNoErr);
     EXPECT_EQ(dst, 9);
 }
 
@@ -137,7 +138,7 @@ TEST(FilterOfAnyType, HalvesOfSeveralChannelsThrowUnderAnyKernel) {
         std::vector<uint16_t> output(3, 0xBEEF);
         const uint16_t* middle = &source[(kSide / 2 * kSide + kSide / 2) * 3];
         const int half = side / 2;
-        EXPECT_THROW(ippiFilter32f(middle, kSide * 6, CV_16FC3, output.data(), 6, {1, 1}, kernel.data(), {side, side},
+        EXPECT_THROW(filterAnyType({middle, kSide * 6, CV_16FC3, output.data(), 6, {1, 1}}, kernel.data(), {side, side},
                                    {half, half}),
                      cv::Exception)
             << side;
@@ -149,7 +150,7 @@ TEST(FilterOfAnyType, HalvesOfOneChannelThrowUnderASmallKernel) {
     const std::vector<float> kernel(9, 1.0F);
     const std::vector<uint16_t> source(9, 0x3C00);
     uint16_t output = 0xBEEF;
-    EXPECT_THROW(ippiFilter32f(&source[4], 6, CV_16FC1, &output, 2, {1, 1}, kernel.data(), {3, 3}, {1, 1}),
+    EXPECT_THROW(filterAnyType({&source[4], 6, CV_16FC1, &output, 2, {1, 1}}, kernel.data(), {3, 3}, {1, 1}),
                  cv::Exception);
     EXPECT_EQ(output, 0xBEEF);
 }

@@ -189,7 +189,7 @@ TEST(Convolution, LargeKernelsGiveWhatTheDefinitionGives) {
                 const int step = wholeRows ? exact.step() : wide.step();
                 GuardedImage dst(random, region, {type.bytes(), 0, 0, 0});
                 GuardedImage expected(random, region, {type.bytes(), 0, 0, 0});
-                ASSERT_EQ(ippiFilter32f(source, step, type.code, dst.data(), dst.step(), region, kernel.cells.data(),
+                ASSERT_EQ(filterAnyType({source, step, type.code, dst.data(), dst.step(), region}, kernel.cells.data(),
                                         kernel.size, kernel.anchor),
                           ippStsNoErr);
                 oracle::convolve32f(source, step, type.code, expected.data(), expected.step(), region,
@@ -242,7 +242,7 @@ TEST(Convolution, FloatPixelsAreOpenCVs) {
     const std::vector<float> src = {1, 2, 3, 4, 5, 6, 7, 8, 9};
     const std::vector<float> kernel = {0, 0.5F, 0, 0.25F, 1, -0.25F, 0, -0.5F, 0};
     float dst = 0;
-    ASSERT_EQ(ippiFilter32f(&src[4], 12, CV_32FC1, &dst, 4, {1, 1}, kernel.data(), {3, 3}, {1, 1}), ippStsNoErr);
+    ASSERT_EQ(filterAnyType({&src[4], 12, CV_32FC1, &dst, 4, {1, 1}}, kernel.data(), {3, 3}, {1, 1}), ippStsNoErr);
     EXPECT_EQ(dst, 8 * 0.5F + 6 * 0.25F + 5 - 4 * 0.25F - 2 * 0.5F);
 }
 

@@ -45,7 +45,7 @@ TEST(Convolution, HalvesAreRoundedToEven) {
     std::array<uint8_t, 8> src = {0, 1, 2, 3, 4, 5, 6, 7};
     std::array<uint8_t, 8> dst{};
     const int one = 1;
-    ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(src.data(), 8, dst.data(), 8, {8, 1}, &one, {1, 1}, {0, 0}, 2), ippStsNoErr);
+    ASSERT_EQ(filterByType({src.data(), 8, CV_8UC1, dst.data(), 8, {8, 1}}, &one, {1, 1}, {0, 0}, 2), ippStsNoErr);
     EXPECT_EQ(dst, (std::array<uint8_t, 8>{0, 0, 1, 2, 2, 2, 3, 4}));
 }
 
@@ -53,19 +53,19 @@ TEST(Convolution, SaturatesAtBothEnds) {
     const std::array<short, 4> src = {30000, -30000, 20000, -16384};
     std::array<short, 4> dst{};
     const std::array<int, 2> cells = {2, -2};
-    ASSERT_EQ(IPPShare_ippiFilter_16s_C1R(src.data(), 8, dst.data(), 8, {4, 1}, cells.data(), {1, 1}, {0, 0}, 1),
+    ASSERT_EQ(filterByType({src.data(), 8, CV_16SC1, dst.data(), 8, {4, 1}}, cells.data(), {1, 1}, {0, 0}, 1),
               ippStsNoErr);
     EXPECT_EQ(dst, (std::array<short, 4>{32767, -32768, 32767, -32768}));
-    ASSERT_EQ(IPPShare_ippiFilter_16s_C1R(src.data(), 8, dst.data(), 8, {4, 1}, &cells[1], {1, 1}, {0, 0}, 1),
+    ASSERT_EQ(filterByType({src.data(), 8, CV_16SC1, dst.data(), 8, {4, 1}}, &cells[1], {1, 1}, {0, 0}, 1),
               ippStsNoErr);
     EXPECT_EQ(dst, (std::array<short, 4>{-32768, 32767, -32768, 32767}));
 
     const std::array<uint8_t, 3> grey = {0, 100, 200};
     std::array<uint8_t, 3> filtered{};
-    ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(grey.data(), 3, filtered.data(), 3, {3, 1}, cells.data(), {1, 1}, {0, 0}, 1),
+    ASSERT_EQ(filterByType({grey.data(), 3, CV_8UC1, filtered.data(), 3, {3, 1}}, cells.data(), {1, 1}, {0, 0}, 1),
               ippStsNoErr);
     EXPECT_EQ(filtered, (std::array<uint8_t, 3>{0, 200, 255}));
-    ASSERT_EQ(IPPShare_ippiFilter_8u_C1R(grey.data(), 3, filtered.data(), 3, {3, 1}, cells.data(), {1, 1}, {0, 0}, -1),
+    ASSERT_EQ(filterByType({grey.data(), 3, CV_8UC1, filtered.data(), 3, {3, 1}}, cells.data(), {1, 1}, {0, 0}, -1),
               ippStsNoErr);
     EXPECT_EQ(filtered, (std::array<uint8_t, 3>{0, 0, 0}));
 }
@@ -88,8 +88,8 @@ void expectSaturated(int type, int width, int side, int weight) {
                                           double{std::numeric_limits<Pixel>::max()}));
     const auto step = static_cast<int>(rowPixels * sizeof(Pixel));
     const auto run = [&](Pixel* dst) {
-        return ippiFilter(first, step, type, dst, step, {width, 1}, cells.data(), {side, side}, {side / 2, side / 2},
-                          1);
+        return filterAnyType({first, step, type, dst, step, {width, 1}}, cells.data(), {side, side},
+                             {side / 2, side / 2}, 1);
     };
     std::vector<Pixel> apart(expected.size());
     ASSERT_EQ(run(apart.data()), ippStsNoErr);
@@ -116,7 +116,7 @@ void expectOfWeight(int type, float weight, Pixel pixel, Pixel expected) {
     const std::vector<Pixel> src(70, pixel);
     std::vector<Pixel> dst(70);
     const auto step = static_cast<int>(70 * sizeof(Pixel));
-    ASSERT_EQ(ippiFilter32f(src.data(), step, type, dst.data(), step, {70, 1}, &weight, {1, 1}, {0, 0}), ippStsNoErr);
+    ASSERT_EQ(filterAnyType({src.data(), step, type, dst.data(), step, {70, 1}}, &weight, {1, 1}, {0, 0}), ippStsNoErr);
     EXPECT_EQ(dst, std::vector<Pixel>(70, expected)) << "type " << type << " weight " << weight << " pixel " << pixel;
 }
 

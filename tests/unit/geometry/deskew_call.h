@@ -12,15 +12,18 @@ struct DeskewArguments {
     KVIMG** dst = nullptr;
     KVRect* crop = nullptr;
     double angle = 2;
+    int interpolation = 2;    // ignored
 };
 
 inline OSErr deskew(DeskewFunction function, const DeskewArguments& a, unsigned char white = 0, int64_t xPoint = 5,
                     int64_t yPoint = 6) {
     switch (function) {
-        case DeskewFunction::kWhole: return DeskewImageWithIPP(a.src, a.description, a.dst, 2, white, a.angle);
-        case DeskewFunction::kCrop: return DeskewImageWithIPPEx(a.src, a.description, a.dst, 2, white, a.crop, a.angle);
+        case DeskewFunction::kWhole:
+            return DeskewImageWithIPP(a.src, a.description, a.dst, a.interpolation, white, a.angle);
+        case DeskewFunction::kCrop:
+            return DeskewImageWithIPPEx(a.src, a.description, a.dst, a.interpolation, white, a.crop, a.angle);
         default:
-            return DeskewImageWithIPPExWithShirftPoint(a.src, a.description, a.dst, 2, white, a.crop, xPoint, yPoint,
-                                                       a.angle);
+            return DeskewImageWithIPPExWithShirftPoint(a.src, a.description, a.dst, a.interpolation, white, a.crop,
+                                                       xPoint, yPoint, a.angle);
     }
 }

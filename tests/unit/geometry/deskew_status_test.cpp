@@ -154,7 +154,7 @@ TEST(Deskew, OpenCVExceptionsLeaveTheSlotEmpty) {
     Random random(338);
     TestPage page(random, {32767, 1}, 8);
     KVIMG* slot = makeRecord({5, 5}, 8).release();
-    EXPECT_THROW(DeskewImageWithIPP(page.record(), page.description(), &slot, 0, 0, 1), cv::Exception);
+    EXPECT_THROW(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &slot, nullptr, 1}), cv::Exception);
     EXPECT_EQ(slot, nullptr);
 }
 
@@ -164,12 +164,13 @@ TEST(DeskewEx, OpenCVExceptionsLeaveTheSlotEmpty) {
     TestPage page(random, {20, 10}, 8);
     for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}, {-32757, 0, 3, 3}, {0, -32747, 3, 3}}) {
         KVIMG* slot = makeRecord({5, 5}, 8).release();
-        EXPECT_THROW(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), cv::Exception);
+        EXPECT_THROW(deskew(DeskewFunction::kCrop, {page.record(), page.description(), &slot, &crop, 0}),
+                     cv::Exception);
         EXPECT_EQ(slot, nullptr);
     }
     KVRect crop = {0, 0, 3, 32766};
     KVIMG* slot = nullptr;
-    EXPECT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &slot, 0, 0, &crop, 0), noErr);
+    EXPECT_EQ(deskew(DeskewFunction::kCrop, {page.record(), page.description(), &slot, &crop, 0}), noErr);
     const opcv::RecordPtr owner(slot);
 }
 
@@ -178,9 +179,8 @@ TEST(DeskewWithPoint, OpenCVExceptionsLeaveTheSlotEmpty) {
     TestPage page(random, {20, 10}, 8);
     for (KVRect crop : {KVRect{0, 0, 3, 32767}, {0, 0, 32767, 3}}) {
         KVIMG* slot = makeRecord({5, 5}, 8).release();
-        EXPECT_THROW(
-            DeskewImageWithIPPExWithShirftPoint(page.record(), page.description(), &slot, 0, 0, &crop, 0, 0, 0),
-            cv::Exception);
+        EXPECT_THROW(deskew(DeskewFunction::kPoint, {page.record(), page.description(), &slot, &crop, 0}, 0, 0, 0),
+                     cv::Exception);
         EXPECT_EQ(slot, nullptr);
     }
 }

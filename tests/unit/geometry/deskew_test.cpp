@@ -50,8 +50,9 @@ TEST(Deskew, TurnsAboutTheCentreOfThePage) {
         oracle::rotateAboutByOpenCV(page.onto(expected, rowBytesOf(size.width, depth), size, angle, white),
                                     (size.width - 1) * 0.5, (size.height - 1) * 0.5);
         KVIMG* turned = nullptr;
-        ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, random.between(-5, 5),
-                                     white ? static_cast<unsigned char>(random.between(1, 255)) : 0, angle),
+        ASSERT_EQ(deskew(DeskewFunction::kWhole,
+                         {page.record(), page.description(), &turned, nullptr, angle, random.between(-5, 5)},
+                         white ? static_cast<unsigned char>(random.between(1, 255)) : 0),
                   noErr);
         const opcv::RecordPtr owner(turned);
         ASSERT_NO_FATAL_FAILURE(expectRecord(*turned, size, depth, expected)) << "round " << round;
@@ -78,8 +79,8 @@ TEST(DeskewEx, ShowsTheTurnedPageThroughTheCrop) {
         oracle::rotateByOpenCV(page.onto(expected, rowBytesOf(shown.width, depth), shown, angle, white),
                                static_cast<float>(shift.x - asked.left), static_cast<float>(shift.y - asked.top));
         KVIMG* turned = nullptr;
-        ASSERT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &turned, random.between(-5, 5), white, &crop,
-                                       angle),
+        ASSERT_EQ(deskew(DeskewFunction::kCrop,
+                         {page.record(), page.description(), &turned, &crop, angle, random.between(-5, 5)}, white),
                   noErr);
         const opcv::RecordPtr owner(turned);
         ASSERT_NO_FATAL_FAILURE(expectRecord(*turned, shown, depth, expected)) << "round " << round;
@@ -114,9 +115,10 @@ TEST(DeskewWithPoint, MakesThePointTheFirstPixel) {
         oracle::rotateByOpenCV(page.onto(expected, rowBytesOf(shown.width, depth), shown, angle, white),
                                static_cast<float>(shift.x - xc), static_cast<float>(shift.y - yc));
         KVIMG* turned = nullptr;
-        ASSERT_EQ(DeskewImageWithIPPExWithShirftPoint(page.record(), page.description(), &turned, random.between(-5, 5),
-                                                      white, &crop, x, y, angle),
-                  noErr);
+        ASSERT_EQ(
+            deskew(DeskewFunction::kPoint,
+                   {page.record(), page.description(), &turned, &crop, angle, random.between(-5, 5)}, white, x, y),
+            noErr);
         const opcv::RecordPtr owner(turned);
         ASSERT_NO_FATAL_FAILURE(expectRecord(*turned, shown, depth, expected)) << "round " << round;
         ASSERT_TRUE(page.untouched());
@@ -130,7 +132,7 @@ TEST(Deskew, ZeroAngleReturnsThePage) {
     for (const int depth : kDepths) {
         TestPage page(random, {61, 17}, depth);
         KVIMG* turned = nullptr;
-        ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 1, 0), noErr);
+        ASSERT_EQ(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &turned, nullptr, 0}, 1), noErr);
         const opcv::RecordPtr owner(turned);
         for (int y = 0; y < 17; ++y)
             EXPECT_EQ(rowOf(turned->data, turned->rowBytes, y, 61 * depth / 8),
@@ -164,7 +166,7 @@ TEST(Deskew, PositiveAngleTurnsCounterClockwiseOnScreen) {
     std::fill_n(page.pixels().data(), 21 * page.pixels().step() - (page.pixels().step() - 21), uint8_t{0});
     *page.pixels().at(17, 10) = 255;    // right of the centre
     KVIMG* turned = nullptr;
-    ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 0, 90), noErr);
+    ASSERT_EQ(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &turned, nullptr, 90}), noErr);
     const opcv::RecordPtr owner(turned);
     EXPECT_EQ(turned->data[3 * turned->rowBytes + 10], 255);    // above it
     EXPECT_EQ(turned->data[10 * turned->rowBytes + 17], 0);
@@ -186,7 +188,7 @@ TEST(Deskew, PixelsLieWhereGeometrySays) {
         const double angle = anyAngle(random);
         const oracle::Point centre = {(size.width - 1) * 0.5, (size.height - 1) * 0.5};
         KVIMG* turned = nullptr;
-        ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 0, angle), noErr);
+        ASSERT_EQ(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &turned, nullptr, angle}), noErr);
         const opcv::RecordPtr owner(turned);
         for (int y = 0; y < size.height; ++y)
             for (int x = 0; x < size.width; ++x)
@@ -201,7 +203,7 @@ TEST(DeskewEx, CropOutsideThePageIsMovedIntoItAfterUse) {
     TestPage page(random, {300, 200}, 24);
     KVRect crop = {-10, -20, 90, 180};
     KVIMG* turned = nullptr;
-    ASSERT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &turned, 0, 1, &crop, 0), noErr);
+    ASSERT_EQ(deskew(DeskewFunction::kCrop, {page.record(), page.description(), &turned, &crop, 0}, 1), noErr);
     const opcv::RecordPtr owner(turned);
     EXPECT_EQ(turned->width, 200);
     EXPECT_EQ(turned->height, 100);
@@ -225,7 +227,7 @@ TEST(DeskewEx, CropMayBeLargerThanThePageOnAllSides) {
     page.mutableRecord().rowBytes = page.pixels().step();
     KVRect crop = {-5, -7, 20, 30};
     KVIMG* turned = nullptr;
-    ASSERT_EQ(DeskewImageWithIPPEx(page.record(), page.description(), &turned, 0, 0, &crop, 0), noErr);
+    ASSERT_EQ(deskew(DeskewFunction::kCrop, {page.record(), page.description(), &turned, &crop, 0}), noErr);
     const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, 37);
     ASSERT_EQ(turned->height, 25);
@@ -263,7 +265,7 @@ TEST(Deskew, DescriptionGovernsSizeAndDepth) {
     page.described().width = 25;
     page.described().height = 20;
     KVIMG* turned = nullptr;
-    ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &turned, 0, 0, 0), noErr);
+    ASSERT_EQ(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &turned, nullptr, 0}), noErr);
     const opcv::RecordPtr owner(turned);
     ASSERT_EQ(turned->width, 25);
     ASSERT_EQ(turned->height, 20);
@@ -277,7 +279,7 @@ TEST(Deskew, SuccessOverwritesTheSlot) {
     TestPage page(random, {40, 30}, 8);
     const opcv::RecordPtr before = makeRecord({5, 5}, 8);
     KVIMG* slot = before.get();
-    ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &slot, 0, 0, 1), noErr);
+    ASSERT_EQ(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &slot, nullptr, 1}), noErr);
     const opcv::RecordPtr owner(slot);
     EXPECT_NE(slot, before.get());
     EXPECT_EQ(before->width, 5);

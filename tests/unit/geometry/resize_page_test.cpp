@@ -134,9 +134,9 @@ TEST(ResizePage, ExactHalfIsTheMeanOfFourPixels) {
 
 // The slot holds a record of the caller's, which every failure releases.
 OSErr resizeIntoUsedSlot(const KVIMG* page, double denominator, double numerator) {
-    KVIMG* slot = nullptr;
-    const KVRect bounds = {0, 0, 2, 2};
-    EXPECT_EQ(CreateNewKVIMGPtr(&slot, &bounds, 8), noErr);
+    opcv::RecordPtr used;
+    EXPECT_EQ(opcv::createRecord({0, 0, 2, 2}, 8, used), noErr);
+    KVIMG* slot = used.release();
     const OSErr err = ResizeImageWithIPPEx(page, &slot, denominator, numerator);
     EXPECT_EQ(slot, nullptr);
     return err;

@@ -8,10 +8,9 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "geometry/rotate_call.h"
 #include "oracle/rotation.h"
 #include "support/random.h"
-
-constexpr int kLinear = 2;
 
 inline int typeOf(int channels) { return CV_MAKETYPE(CV_8U, channels); }
 
@@ -117,10 +116,7 @@ inline void expectTurnedLikeOpenCV(RotateCase& c, int interpolation) {
     std::vector<uint8_t> expected = c.target;
     std::vector<uint8_t> actual = c.target;
     oracle::rotateByOpenCV(c.into(expected), c.xShift, c.yShift);
-    ASSERT_EQ(ippiRotate(c.source.data(), c.srcSize, c.srcStep, c.srcRoi, c.inTarget(actual), c.dstStep, c.dstRoi,
-                         c.angle, c.xShift, c.yShift, interpolation, typeOf(c.channels), c.border),
-              ippStsNoErr)
-        << c;
+    ASSERT_EQ(rotate(c.into(actual), c.srcSize, c.xShift, c.yShift, interpolation), ippStsNoErr) << c;
     ASSERT_TRUE(actual == expected) << c;
     ASSERT_TRUE(c.source == sourceBefore) << c;
 }
@@ -130,9 +126,7 @@ inline void expectTurnedAboutLikeOpenCV(RotateCase& c, double xCentre, double yC
     std::vector<uint8_t> expected = c.target;
     std::vector<uint8_t> actual = c.target;
     oracle::rotateAboutByOpenCV(c.into(expected), xCentre, yCentre);
-    ASSERT_EQ(ippiRotateCenter(c.source.data(), c.srcSize, c.srcStep, c.srcRoi, c.inTarget(actual), c.dstStep, c.dstRoi,
-                               c.angle, xCentre, yCentre, interpolation, typeOf(c.channels), c.border),
-              ippStsNoErr)
+    ASSERT_EQ(rotateAbout(c.into(actual), c.srcSize, xCentre, yCentre, interpolation), ippStsNoErr)
         << c << " centre " << xCentre << ' ' << yCentre;
     ASSERT_TRUE(actual == expected) << c << " centre " << xCentre << ' ' << yCentre;
     ASSERT_TRUE(c.source == sourceBefore) << c;

@@ -6,14 +6,13 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "geometry/rotate_call.h"
 #include "oracle/rotation.h"
 #include "support/random.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-constexpr int kLinear = 2;
 
 struct Picture {
     Picture(IppiSize imageSize, int pixelType)
@@ -39,10 +38,7 @@ void expectTurnedAboutLikeOpenCV(Picture& picture, double angle, double xCentre,
     Bytes expected(picture.pixels.size(), 1);
     Bytes actual = expected;
     oracle::rotateAboutByOpenCV(picture.into(expected, angle), xCentre, yCentre);
-    ASSERT_EQ(
-        ippiRotateCenter(picture.pixels.data(), picture.size, picture.step, picture.all(), actual.data(), picture.step,
-                         picture.all(), angle, xCentre, yCentre, kLinear, picture.type, cv::Scalar(9, 99, 199)),
-        ippStsNoErr);
+    ASSERT_EQ(rotateAbout(picture.into(actual, angle), picture.size, xCentre, yCentre), ippStsNoErr);
     ASSERT_EQ(actual, expected) << "type " << picture.type << " angle " << angle << " centre " << xCentre << ' '
                                 << yCentre;
 }
@@ -51,9 +47,7 @@ void expectTurnedLikeOpenCV(Picture& picture, double angle, float xShift, float 
     Bytes expected(picture.pixels.size(), 1);
     Bytes actual = expected;
     oracle::rotateByOpenCV(picture.into(expected, angle), xShift, yShift);
-    ASSERT_EQ(ippiRotate(picture.pixels.data(), picture.size, picture.step, picture.all(), actual.data(), picture.step,
-                         picture.all(), angle, xShift, yShift, kLinear, picture.type, cv::Scalar(9, 99, 199)),
-              ippStsNoErr);
+    ASSERT_EQ(rotate(picture.into(actual, angle), picture.size, xShift, yShift), ippStsNoErr);
     ASSERT_EQ(actual, expected) << "type " << picture.type << " angle " << angle << " shift " << xShift << ' '
                                 << yShift;
 }
@@ -101,8 +95,9 @@ TEST(Rotate, TwoChannelsAtSteepAngles) {
 constexpr int kTooLong = 32767;
 
 IppStatus moved(const Picture& picture, Bytes& out, float xShift, float yShift) {
-    return ippiRotate(picture.pixels.data(), picture.size, picture.step, picture.all(), out.data(), picture.step,
-                      picture.all(), 0, xShift, yShift, kLinear, picture.type, cv::Scalar());
+    return rotate({picture.pixels.data(), picture.step, picture.all(), out.data(), picture.step, picture.all(), 0,
+                   picture.type, cv::Scalar()},
+                  picture.size, xShift, yShift);
 }
 
 TEST(Rotate, ThrowsForImagesThatAreTooTallOrTooWide) {
@@ -122,10 +117,10 @@ TEST(Rotate, ThrowsForImagesThatAreTooTallOrTooWide) {
         Picture tooLong(tall ? IppiSize{2, kTooLong} : IppiSize{kTooLong, 2}, CV_8UC1);
         Bytes untouched(tooLong.pixels.size(), 1);
         EXPECT_THROW(moved(tooLong, untouched, 0, 0), cv::Exception);
-        EXPECT_THROW(
-            ippiRotateCenter(tooLong.pixels.data(), tooLong.size, tooLong.step, tooLong.all(), untouched.data(),
-                             tooLong.step, tooLong.all(), 0, 1, 1, kLinear, tooLong.type, cv::Scalar()),
-            cv::Exception);
+        EXPECT_THROW(rotateAbout({tooLong.pixels.data(), tooLong.step, tooLong.all(), untouched.data(), tooLong.step,
+                                  tooLong.all(), 0, tooLong.type, cv::Scalar()},
+                                 tooLong.size, 1, 1),
+                     cv::Exception);
         EXPECT_EQ(untouched, Bytes(untouched.size(), 1));
     }
 }

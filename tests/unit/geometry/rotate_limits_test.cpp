@@ -6,14 +6,13 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "geometry/rotate_call.h"
 #include "oracle/rotation.h"
 #include "support/random.h"
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-constexpr int kLinear = 2;
 
 // A region and a target with packed rows, somewhere in the same bytes or in others.
 struct Place {
@@ -24,9 +23,9 @@ struct Place {
 };
 
 IppStatus rotated(const Place& from, const Place& to, int channels, double angle, float xShift, float yShift) {
-    return ippiRotate(from.pixels, from.size, from.size.width * channels, from.all(), to.pixels,
-                      to.size.width * channels, to.all(), angle, xShift, yShift, kLinear, CV_MAKETYPE(CV_8U, channels),
-                      cv::Scalar(9, 99, 199, 77));
+    return rotate({from.pixels, from.size.width * channels, from.all(), to.pixels, to.size.width * channels, to.all(),
+                   angle, CV_MAKETYPE(CV_8U, channels), cv::Scalar(9, 99, 199, 77)},
+                  from.size, xShift, yShift);
 }
 
 void rotateByOracle(const Place& from, const Place& to, int channels, double angle, float xShift, float yShift) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "geometry/rotate_call.h"
 #include "geometry/rotate_case.h"
 #include "oracle/rotation.h"
 #include "support/guarded_image.h"
@@ -65,7 +66,7 @@ TEST(Rotate, PutsEachPixelWhereGeometrySays) {
     Random random(303);
     for (int round = 0; round < 40; ++round) {
         SmoothImage source({random.between(30, 90), random.between(30, 90)}, round % 2 == 0 ? 1 : 3);
-        const IppiRect all = {0, 0, source.size.width, source.size.height};
+        const IppiRect all = wholeOf(source.size);
         const IppiSize size = {random.between(30, 120), random.between(30, 120)};
         const int step = size.width * source.channels;
         Bytes turned(static_cast<size_t>(step) * static_cast<size_t>(size.height));
@@ -73,9 +74,9 @@ TEST(Rotate, PutsEachPixelWhereGeometrySays) {
         const int dx = random.between(-80, 80);
         const int dy = random.between(-80, 80);
         const cv::Scalar border(10, 200, 90);
-        ASSERT_EQ(ippiRotate(source.bytes.data(), source.size, source.step(), all, turned.data(), step,
-                             {0, 0, size.width, size.height}, angle, static_cast<float>(dx), static_cast<float>(dy),
-                             kLinear, typeOf(source.channels), border),
+        ASSERT_EQ(rotate({source.bytes.data(), source.step(), all, turned.data(), step, wholeOf(size), angle,
+                          typeOf(source.channels), border},
+                         source.size, static_cast<float>(dx), static_cast<float>(dy)),
                   ippStsNoErr);
         const auto pointOf = [&](int x, int y) {
             return oracle::beforeTurn({double(x - dx), double(y - dy)}, {0, 0}, angle);
@@ -89,13 +90,14 @@ TEST(RotateCenter, PutsEachPixelWhereGeometrySays) {
     Random random(304);
     for (int round = 0; round < 40; ++round) {
         SmoothImage source({random.between(30, 90), random.between(30, 90)}, round % 2 == 0 ? 1 : 3);
-        const IppiRect all = {0, 0, source.size.width, source.size.height};
+        const IppiRect all = wholeOf(source.size);
         Bytes turned(source.bytes.size());
         const double angle = random.chance(50) ? random.real(-5, 5) : random.real(-360, 360);
         const oracle::Point centre = {random.between(-60, 240) / 2.0, random.between(-60, 240) / 2.0};
         const cv::Scalar border(10, 200, 90);
-        ASSERT_EQ(ippiRotateCenter(source.bytes.data(), source.size, source.step(), all, turned.data(), source.step(),
-                                   all, angle, centre.x, centre.y, kLinear, typeOf(source.channels), border),
+        ASSERT_EQ(rotateAbout({source.bytes.data(), source.step(), all, turned.data(), source.step(), all, angle,
+                               typeOf(source.channels), border},
+                              source.size, centre.x, centre.y),
                   ippStsNoErr);
         const auto pointOf = [&](int x, int y) { return oracle::beforeTurn({double(x), double(y)}, centre, angle); };
         ASSERT_NO_FATAL_FAILURE(expectShown(turned, source.size, source, border, pointOf))
@@ -108,8 +110,10 @@ TEST(Rotate, WithoutTurnOrShiftCopies) {
     for (const int channels : {1, 3, 4}) {
         const GuardedImage source(random, {37, 21}, {channels, 3, 0, 5});
         GuardedImage target(random, {37, 21}, {channels, 2, 0, 1});
-        ASSERT_EQ(ippiRotate(source.data(), source.size(), source.step(), {0, 0, 37, 21}, target.data(), target.step(),
-                             {0, 0, 37, 21}, 0, 0, 0, kLinear, typeOf(channels), cv::Scalar::all(9)),
+        const IppiRect all = wholeOf(source.size());
+        ASSERT_EQ(rotate({source.data(), source.step(), all, target.data(), target.step(), all, 0, typeOf(channels),
+                          cv::Scalar::all(9)},
+                         source.size(), 0, 0),
                   ippStsNoErr);
         EXPECT_TRUE(target.untouchedOutsideRegion());
         for (int y = 0; y < 21; ++y)
@@ -122,9 +126,10 @@ Bytes moved(float xShift, float yShift, IppiSize target) {
     Bytes image(24);
     for (size_t i = 0; i < image.size(); ++i) image[i] = static_cast<uint8_t>(i);
     Bytes out(static_cast<size_t>(target.width) * static_cast<size_t>(target.height));
-    EXPECT_EQ(ippiRotate(image.data(), {6, 4}, 6, {2, 1, 3, 2}, out.data(), target.width,
-                         {0, 0, target.width, target.height}, 0, xShift, yShift, kLinear, CV_8UC1, cv::Scalar(99)),
-              ippStsNoErr);
+    EXPECT_EQ(
+        rotate({image.data(), 6, {2, 1, 3, 2}, out.data(), target.width, wholeOf(target), 0, CV_8UC1, cv::Scalar(99)},
+               {6, 4}, xShift, yShift),
+        ippStsNoErr);
     return out;
 }
 
@@ -163,8 +168,8 @@ TEST(Rotate, PaddingOnOneSideShowsTheImageOnThatSideOnly) {
     Bytes image(20 * 8, 250);
     for (size_t y = 0; y < 8; ++y) std::fill_n(image.begin() + static_cast<ptrdiff_t>(20 * y + 5), 10, uint8_t{200});
     Bytes out(10 * 9);
-    ASSERT_EQ(ippiRotate(image.data(), {20, 8}, 20, {5, 0, 10, 8}, out.data(), 10, {0, 0, 10, 9}, 8, 0, 0, kLinear,
-                         CV_8UC1, cv::Scalar(0)),
+    ASSERT_EQ(rotate({image.data(), 20, {5, 0, 10, 8}, out.data(), 10, {0, 0, 10, 9}, 8, CV_8UC1, cv::Scalar(0)},
+                     {20, 8}, 0, 0),
               ippStsNoErr);
     for (const uint8_t v : out) EXPECT_LE(v, 200);
     EXPECT_EQ(out[0], 200);
@@ -174,9 +179,11 @@ TEST(Rotate, PaddingOnOneSideShowsTheImageOnThatSideOnly) {
 TEST(Rotate, EveryBorderComponentIsRoundedAndClamped) {
     Bytes pixel = {1, 2, 3, 4};
     Bytes out(8);
-    ASSERT_EQ(ippiRotate(pixel.data(), {1, 1}, 4, {0, 0, 1, 1}, out.data(), 8, {0, 0, 2, 1}, 0, 0, 0, kLinear, CV_8UC4,
-                         cv::Scalar(-7, 300, 12.5, 13.5)),
-              ippStsNoErr);
+    ASSERT_EQ(
+        rotate(
+            {pixel.data(), 4, {0, 0, 1, 1}, out.data(), 8, {0, 0, 2, 1}, 0, CV_8UC4, cv::Scalar(-7, 300, 12.5, 13.5)},
+            {1, 1}, 0, 0),
+        ippStsNoErr);
     EXPECT_EQ(out, (Bytes{1, 2, 3, 4, 0, 255, 12, 14}));
 }
 
@@ -184,8 +191,10 @@ TEST(RotateCenter, LargerRectangleIsFilledInPart) {
     Random random(306);
     const GuardedImage source(random, {12, 9}, {});
     GuardedImage target(random, {30, 20}, {});
-    ASSERT_EQ(ippiRotateCenter(source.data(), {12, 9}, source.step(), {0, 0, 12, 9}, target.data(), target.step(),
-                               {4, 5, 20, 14}, 0, 5.5, 4, kLinear, CV_8UC1, cv::Scalar(0)),
+    const IppiRect at = {4, 5, 20, 14};
+    ASSERT_EQ(rotateAbout({source.data(), source.step(), wholeOf(source.size()), target.data(), target.step(), at, 0,
+                           CV_8UC1, cv::Scalar(0)},
+                          {12, 9}, 5.5, 4),
               ippStsNoErr);
     EXPECT_TRUE(target.untouchedOutside(4, 5, 12, 9));
     for (int y = 0; y < 9; ++y)
@@ -196,9 +205,10 @@ TEST(RotateCenter, SeesNothingAroundTheRegion) {
     Bytes image(30 * 30, 200);
     for (size_t y = 10; y < 20; ++y) std::fill_n(image.begin() + static_cast<ptrdiff_t>(30 * y + 10), 10, uint8_t{0});
     Bytes out(100, 77);
-    ASSERT_EQ(ippiRotateCenter(image.data(), {30, 30}, 30, {10, 10, 10, 10}, out.data(), 10, {0, 0, 10, 10}, 30, 4.5,
-                               4.5, kLinear, CV_8UC1, cv::Scalar(0)),
-              ippStsNoErr);
+    ASSERT_EQ(
+        rotateAbout({image.data(), 30, {10, 10, 10, 10}, out.data(), 10, {0, 0, 10, 10}, 30, CV_8UC1, cv::Scalar(0)},
+                    {30, 30}, 4.5, 4.5),
+        ippStsNoErr);
     EXPECT_EQ(out, Bytes(100, 0));
 }
 
@@ -207,8 +217,8 @@ TEST(Rotate, PositiveAngleTurnsCounterClockwiseOnScreen) {
     Bytes image(21 * 21);
     image[7] = 255;
     Bytes out(21 * 21);
-    ASSERT_EQ(KVMac_ippiRotate_8u_C1R(image.data(), {21, 21}, 21, {0, 0, 21, 21}, out.data(), 21, {0, 0, 21, 21}, 90,
-                                      10, 10, kLinear),
+    ASSERT_EQ(rotateOnBlack({image.data(), 21, {0, 0, 21, 21}, out.data(), 21, {0, 0, 21, 21}, 90, CV_8UC1, {}},
+                            {21, 21}, 10, 10),
               noErr);
     EXPECT_EQ(out[21 * 3 + 10], 255);
     EXPECT_EQ(std::count(out.begin(), out.end(), 0), 21 * 21 - 1);

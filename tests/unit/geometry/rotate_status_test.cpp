@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "OPCV_dlib.h"
+#include "geometry/rotate_call.h"
 #include "geometry/rotate_case.h"
 #include "support/guarded_image.h"
 #include "support/random.h"
@@ -42,14 +43,12 @@ protected:
             random_.fill(target_.data(), 1);
             target_.remember();
         };
-        checked(general, ippiRotate(src, c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle,
-                                    static_cast<float>(c.xShift), static_cast<float>(c.yShift), kLinear, c.type,
-                                    cv::Scalar::all(255)));
-        checked(about, ippiRotateCenter(src, c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle,
-                                        c.xShift, c.yShift, kLinear, c.type, cv::Scalar::all(255)));
+        const oracle::Rotation r = {src,    c.srcStep,           c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle,
+                                    c.type, cv::Scalar::all(255)};
+        checked(general, rotate(r, c.srcSize, static_cast<float>(c.xShift), static_cast<float>(c.yShift)));
+        checked(about, rotateAbout(r, c.srcSize, c.xShift, c.yShift));
         if (c.type != CV_8UC1 && c.type != CV_8UC3) return;
-        const OSErr err = (c.type == CV_8UC1 ? KVMac_ippiRotate_8u_C1R : KVMac_ippiRotate_8u_C3R)(
-            src, c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle, c.xShift, c.yShift, kLinear);
+        const OSErr err = rotateOnBlack(r, c.srcSize, c.xShift, c.yShift);
         EXPECT_EQ(err, general == ippStsNoErr ? noErr : paramErr);
         EXPECT_EQ(target_.untouched(), err != noErr);
         random_.fill(target_.data(), 1);
@@ -147,12 +146,13 @@ TEST_F(RotateStatus, ShiftBeyondTheRangeOfInt) {
         const auto refused = [&] {
             uint8_t* dst = target_.data();
             EXPECT_EQ(
-                ippiRotate(source_.data(), c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle,
-                           static_cast<float>(c.xShift), static_cast<float>(c.yShift), kLinear, c.type, cv::Scalar()),
+                rotate({source_.data(), c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle, c.type, cv::Scalar()},
+                       c.srcSize, static_cast<float>(c.xShift), static_cast<float>(c.yShift)),
                 ippStsBadArgErr);
-            EXPECT_EQ(KVMac_ippiRotate_8u_C1R(source_.data(), c.srcSize, c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi,
-                                              c.angle, c.xShift, c.yShift, kLinear),
-                      paramErr);
+            EXPECT_EQ(
+                rotateOnBlack({source_.data(), c.srcStep, c.srcRoi, dst, c.dstStep, c.dstRoi, c.angle, CV_8UC1, {}},
+                              c.srcSize, c.xShift, c.yShift),
+                paramErr);
             EXPECT_TRUE(target_.untouched());
         };
         refused();
@@ -167,12 +167,15 @@ TEST_F(RotateStatus, WorkImageBeyondTheRangeOfInt) {
     c.xShift = 2147483520.0;
     c.srcSize.width = c.srcRoi.width = 200;
     c.srcStep = 400;
-    EXPECT_EQ(ippiRotate(source_.data(), c.srcSize, c.srcStep, {0, 0, 200, 1}, target_.data(), c.dstStep, c.dstRoi, 0,
-                         static_cast<float>(c.xShift), 0, kLinear, c.type, cv::Scalar()),
-              ippStsBadArgErr);
-    EXPECT_EQ(ippiRotate(source_.data(), {1, 10}, 1, {0, 0, 1, 10}, target_.data(), 20, {0, 0, 1, INT_MAX}, 0, 0,
-                         -2147483520.0F, kLinear, c.type, cv::Scalar()),
-              ippStsBadArgErr);
+    EXPECT_EQ(
+        rotate(
+            {source_.data(), c.srcStep, {0, 0, 200, 1}, target_.data(), c.dstStep, c.dstRoi, 0, c.type, cv::Scalar()},
+            c.srcSize, static_cast<float>(c.xShift), 0),
+        ippStsBadArgErr);
+    EXPECT_EQ(
+        rotate({source_.data(), 1, {0, 0, 1, 10}, target_.data(), 20, {0, 0, 1, INT_MAX}, 0, c.type, cv::Scalar()},
+               {1, 10}, 0, -2147483520.0F),
+        ippStsBadArgErr);
     EXPECT_TRUE(target_.untouched());
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "OPCV_dlib.h"
+#include "geometry/rotate_call.h"
 #include "geometry/rotate_case.h"
 #include "oracle/rotation.h"
 #include "support/fenced_memory.h"
@@ -107,15 +108,20 @@ TEST(Rotate, ReadsAndWritesNoByteTooMany) {
             FencedMemory target(bytes(to), fence);
             random.fill(source.data(), source.size());
             const double angle = RotateCase::anyAngle(random);
-            ASSERT_EQ(
-                ippiRotate(source.data(), from, from.width * channels, {0, 0, from.width, from.height}, target.data(),
-                           to.width * channels, {0, 0, to.width, to.height}, angle, RotateCase::anyShift(random, 60),
-                           RotateCase::anyShift(random, 60), kLinear, typeOf(channels), cv::Scalar(1, 2, 3, 4)),
-                ippStsNoErr);
-            ASSERT_EQ(ippiRotateCenter(source.data(), from, from.width * channels, {0, 0, from.width, from.height},
-                                       target.data(), to.width * channels,
-                                       {0, 0, std::min(to.width, from.width), to.height}, angle, random.real(-20, 120),
-                                       random.real(-20, 80), kLinear, typeOf(channels), cv::Scalar(1, 2, 3, 4)),
+            ASSERT_EQ(rotate({source.data(), from.width * channels, wholeOf(from), target.data(), to.width * channels,
+                              wholeOf(to), angle, typeOf(channels), cv::Scalar(1, 2, 3, 4)},
+                             from, RotateCase::anyShift(random, 60), RotateCase::anyShift(random, 60)),
+                      ippStsNoErr);
+            ASSERT_EQ(rotateAbout({source.data(),
+                                   from.width * channels,
+                                   wholeOf(from),
+                                   target.data(),
+                                   to.width * channels,
+                                   {0, 0, std::min(to.width, from.width), to.height},
+                                   angle,
+                                   typeOf(channels),
+                                   cv::Scalar(1, 2, 3, 4)},
+                                  from, random.real(-20, 120), random.real(-20, 80)),
                       ippStsNoErr);
         }
 }
@@ -137,8 +143,8 @@ TEST(Rotate, SourceMayOverlapTheDestination) {
             {unchanged.data(), 50, c.srcRoi, expected.data(), 50, c.dstRoi, c.angle, CV_8UC1, c.border}, c.xShift,
             c.yShift);
         Bytes actual = image;
-        ASSERT_EQ(ippiRotate(actual.data(), c.srcSize, 50, c.srcRoi, actual.data(), 50, c.dstRoi, c.angle, c.xShift,
-                             c.yShift, kLinear, CV_8UC1, c.border),
+        ASSERT_EQ(rotate({actual.data(), 50, c.srcRoi, actual.data(), 50, c.dstRoi, c.angle, CV_8UC1, c.border},
+                         c.srcSize, c.xShift, c.yShift),
                   ippStsNoErr);
         ASSERT_EQ(actual, expected) << c;
 
@@ -146,8 +152,8 @@ TEST(Rotate, SourceMayOverlapTheDestination) {
         oracle::rotateAboutByOpenCV(
             {unchanged.data(), 50, c.srcRoi, expected.data(), 50, c.dstRoi, c.angle, CV_8UC1, c.border}, 10, 12);
         actual = image;
-        ASSERT_EQ(ippiRotateCenter(actual.data(), c.srcSize, 50, c.srcRoi, actual.data(), 50, c.dstRoi, c.angle, 10, 12,
-                                   kLinear, CV_8UC1, c.border),
+        ASSERT_EQ(rotateAbout({actual.data(), 50, c.srcRoi, actual.data(), 50, c.dstRoi, c.angle, CV_8UC1, c.border},
+                              c.srcSize, 10, 12),
                   ippStsNoErr);
         ASSERT_EQ(actual, expected) << c;
     }
@@ -164,8 +170,8 @@ TEST(Rotate, TakesAnyPixelTypeAndAngle) {
         const IppiRect all = {0, 0, 40, 30};
         oracle::rotateByOpenCV({source.data(), step, all, expected.data(), step, all, 11, type, cv::Scalar(1, 2, 3)}, 4,
                                -3);
-        ASSERT_EQ(ippiRotate(source.data(), {40, 30}, step, all, actual.data(), step, all, 11, 4, -3, kLinear, type,
-                             cv::Scalar(1, 2, 3)),
+        ASSERT_EQ(rotate({source.data(), step, all, actual.data(), step, all, 11, type, cv::Scalar(1, 2, 3)}, {40, 30},
+                         4, -3),
                   ippStsNoErr);
         EXPECT_EQ(actual, expected) << type;
     }
@@ -185,14 +191,16 @@ TEST(Rotate, TakesAnyPixelTypeAndAngle) {
 TEST(Rotate, PassesImagesThatAreTooLongToOpenCV) {
     Bytes row(32766, 7);
     Bytes out(32766, 1);
-    EXPECT_EQ(ippiRotate(row.data(), {32766, 1}, 32766, {0, 0, 32766, 1}, out.data(), 32766, {0, 0, 32766, 1}, 0, 0, 0,
-                         kLinear, CV_8UC1, cv::Scalar()),
-              ippStsNoErr);
+    EXPECT_EQ(
+        rotate({row.data(), 32766, {0, 0, 32766, 1}, out.data(), 32766, {0, 0, 32766, 1}, 0, CV_8UC1, cv::Scalar()},
+               {32766, 1}, 0, 0),
+        ippStsNoErr);
     EXPECT_EQ(out, row);
     out.assign(32766, 1);
-    EXPECT_THROW(ippiRotate(row.data(), {32766, 1}, 32766, {0, 0, 32766, 1}, out.data(), 32766, {0, 0, 32766, 1}, 0, 1,
-                            0, kLinear, CV_8UC1, cv::Scalar()),
-                 cv::Exception);
+    EXPECT_THROW(
+        rotate({row.data(), 32766, {0, 0, 32766, 1}, out.data(), 32766, {0, 0, 32766, 1}, 0, CV_8UC1, cv::Scalar()},
+               {32766, 1}, 1, 0),
+        cv::Exception);
     EXPECT_EQ(out, Bytes(32766, 1));
 }
 
@@ -208,10 +216,7 @@ TEST(KVMacRotate, IsRotateOnBlackWithShiftsAsFloat) {
         Bytes expected = c.target;
         Bytes actual = c.target;
         oracle::rotateByOpenCV(c.into(expected), static_cast<float>(xShift), static_cast<float>(yShift));
-        ASSERT_EQ((c.channels == 1 ? KVMac_ippiRotate_8u_C1R : KVMac_ippiRotate_8u_C3R)(
-                      c.source.data(), c.srcSize, c.srcStep, c.srcRoi, c.inTarget(actual), c.dstStep, c.dstRoi, c.angle,
-                      xShift, yShift, random.between(-9, 9)),
-                  noErr);
+        ASSERT_EQ(rotateOnBlack(c.into(actual), c.srcSize, xShift, yShift, random.between(-9, 9)), noErr);
         ASSERT_TRUE(actual == expected) << c;
     }
 }

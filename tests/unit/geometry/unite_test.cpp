@@ -3,6 +3,7 @@
 #include <climits>
 #include <cmath>
 
+#include "geometry/deskew_call.h"
 #include "geometry/test_page.h"
 
 namespace {
@@ -144,7 +145,7 @@ TEST(Unite, RowsOf24BitsArePaddedInTheRecordButCopiedByWholePixels) {
     for (int y = 0; y < 5; ++y)
         EXPECT_EQ(rowOf(united->data, 303, y, 303), rowOf(page.pixels().data(), page.pixels().step(), y, 303));
     KVIMG* packed = nullptr;
-    ASSERT_EQ(DeskewImageWithIPP(page.record(), page.description(), &packed, 0, 0, 0), noErr);
+    ASSERT_EQ(deskew(DeskewFunction::kWhole, {page.record(), page.description(), &packed, nullptr, 0}), noErr);
     const opcv::RecordPtr packedOwner(packed);
     EXPECT_EQ(packed->rowBytes, 303);
 }
@@ -279,6 +280,61 @@ TEST_F(UniteStatus, RefusesTheLowestHeight) {
     canvas.width = 0;
     canvas.height = INT_MIN;
     expectRefused(canvas, from_);
+}
+
+constexpr IppiSize kPage = {40, 28};
+constexpr IppiSize kCanvas = {64, 56};
+
+// Angles so large that their sine depends on how they are brought below 180 degrees.
+Bytes unitedBytes(TestPage& page, double angle) {
+    KVImageHeader to = {nullptr, 0, 8, kCanvas.width, kCanvas.height, kCanvas.width};
+    const KVImageHeader from = {page.pixels().data(), 0, 8, kPage.width, kPage.height, page.pixels().step()};
+    KVIMG* record = nullptr;
+    EXPECT_EQ(UniteImageIplRotateImage(&to, &from, &record, angle), noErr);
+    const opcv::RecordPtr owner(record);
+    return {record->data, record->data + record->size};
+}
+
+Bytes turnedBy(TestPage& page, double counterClockwise) {
+    const double r = counterClockwise * 3.141592653589793 / 180;
+    const double xc = kPage.width * 0.5;
+    const double yc = kPage.height * 0.5;
+    const double xShift = kCanvas.width * 0.5 - xc + (xc - xc * std::cos(r) - yc * std::sin(r));
+    const double yShift = kCanvas.height * 0.5 - yc + (yc + xc * std::sin(r) - yc * std::cos(r));
+    Bytes expected(static_cast<size_t>(kCanvas.width) * kCanvas.height);
+    oracle::rotateByOpenCV(page.onto(expected, kCanvas.width, kCanvas, counterClockwise, true),
+                           static_cast<float>(xShift), static_cast<float>(yShift));
+    return expected;
+}
+
+TEST(Unite, WrapsLargeAnglesOnce) {
+    Random random(381);
+    TestPage page(random, kPage, 8);
+    for (const double angle : {1e15, 3e15, 7.7e14}) {
+        EXPECT_EQ(unitedBytes(page, angle), turnedBy(page, -(angle - 360))) << angle;
+        EXPECT_NE(unitedBytes(page, angle), turnedBy(page, -angle)) << angle;
+    }
+}
+
+TEST(Unite, DoesNotWrapNegativeAngles) {
+    Random random(382);
+    TestPage page(random, kPage, 8);
+    for (const double angle : {-1e15, -3e15, -7.7e14}) {
+        EXPECT_EQ(unitedBytes(page, angle), turnedBy(page, -angle)) << angle;
+        EXPECT_NE(unitedBytes(page, angle), turnedBy(page, -(angle + 360))) << angle;
+    }
+}
+
+// As before every other refusal of a canvas that can be made.
+TEST(Unite, SetsThePixelsOfACanvasWhoseStepIsRefused) {
+    Random random(383);
+    TestPage page(random, kPage, 8);
+    KVImageHeader to = {nullptr, 0, 8, kCanvas.width, kCanvas.height, 2 * kCanvas.width};
+    const KVImageHeader from = {page.pixels().data(), 0, 8, kPage.width, kPage.height, page.pixels().step()};
+    KVIMG* record = nullptr;
+    EXPECT_EQ(UniteImageIplRotateImage(&to, &from, &record, 2), uniteFailedErr);
+    EXPECT_EQ(record, nullptr);
+    EXPECT_NE(to.pixels, nullptr);
 }
 
 }    // namespace

@@ -362,7 +362,7 @@ TEST(ReadRows, KeepsToTheLimits) {
 }
 
 // libjpeg takes a limit for its memory from there, and then has no place for the coefficients of a progressive page.
-TEST(ReadJPEG, TheEnvironmentHasNoSayInWhatIsRead) {
+TEST(ReadPage, TheEnvironmentHasNoSayInWhatIsRead) {
     const Bytes stream = foreignStreamOf(3, 400, 300);
     const Reading expected = read(stream);
     ASSERT_EQ(expected.status, noErr);

@@ -11,6 +11,7 @@
 #include "support/jpeg_compression.h"
 #include "support/jpeg_reading.h"
 #include "support/random.h"
+#include "support/reading.h"
 
 namespace {
 
@@ -248,20 +249,17 @@ TEST(StreamSurvey, StreamsAreLimitedTo31BitsOfBytes) {
     ASSERT_NE(block, MAP_FAILED);
     const Bytes stream = colour(20, 10);
     std::copy(stream.begin(), stream.end(), static_cast<uint8_t*>(block));
-    KVImageDescription description{-1, -2, 0, 0, 0, -3};
-    KVImageDescription* record = &description;
-    KVImageDescriptionHandle handle = &record;
-    KVIMG* image = nullptr;
-    EXPECT_EQ(ReadJPEG(block, static_cast<unsigned>(INT_MAX) + 1, &handle, &image), paramErr);
-    EXPECT_EQ(image, nullptr);
-    EXPECT_EQ(description.width, -1);
-    EXPECT_EQ(ReadJPEG(block, INT_MAX, &handle, &image), noErr);
-    const opcv::RecordPtr owner(image);
-    EXPECT_EQ(description.width, 20);
-    KVIMG* piece = nullptr;
-    EXPECT_EQ(ReadSplitJPEG(static_cast<uint8_t*>(block), static_cast<unsigned>(INT_MAX) + 1, handle, &piece),
-              paramErr);
-    EXPECT_EQ(piece, nullptr);
+    constexpr unsigned kTooLong = static_cast<unsigned>(INT_MAX) + 1;
+    const Reading refused = read(block, kTooLong);
+    EXPECT_EQ(refused.status, paramErr);
+    EXPECT_EQ(refused.image, nullptr);
+    EXPECT_EQ(refused.description.width, -1);
+    const Reading longest = read(block, INT_MAX);
+    EXPECT_EQ(longest.status, noErr);
+    EXPECT_EQ(longest.description.width, 20);
+    const Reading piece = readSplit(static_cast<uint8_t*>(block), kTooLong, 20, 10);
+    EXPECT_EQ(piece.status, paramErr);
+    EXPECT_EQ(piece.image, nullptr);
     munmap(block, mapped);
 }
 
