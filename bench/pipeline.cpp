@@ -17,7 +17,6 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <memory>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
@@ -26,6 +25,8 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include "page_steps.h"
 
 namespace {
 
@@ -52,25 +53,12 @@ void require(bool ok, const char* what) {
     std::_Exit(1);
 }
 
-struct RecordDeleter {
-    void operator()(KVIMG* record) const { DisposeKVIMG(record); }
-};
-using Record = std::unique_ptr<KVIMG, RecordDeleter>;
-
-Record straightPage(const Stream& stream, KVImageDescription& description) {
-    KVImageDescription* record = &description;
-    KVImageDescriptionHandle handle = &record;
-    KVIMG* page = nullptr;
-    require(ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &page) == noErr, "ReadJPEG");
-    const Record owner(page);
-    KVIMG* straight = nullptr;
-    require(DeskewImageWithIPP(page, &record, &straight, 0, 1, kAngle) == noErr, "DeskewImageWithIPP");
-    return Record(straight);
-}
-
 void runOurs(Work work, const Stream& stream) {
     KVImageDescription description{0, 0, 300, 300, 0, 0};
-    Record page = straightPage(stream, description);
+    steps::Record page = steps::readPage(stream, description);
+    require(page != nullptr, "reading");
+    page = steps::deskewed(*page, description, kAngle);
+    require(page != nullptr, "deskewing");
     const IppiSize size = {page->width, page->height};
     if (work == Work::kToBits) {
         const int step = (size.width + 7) / 8;
@@ -80,20 +68,18 @@ void runOurs(Work work, const Stream& stream) {
                 "ReduceBits");
         return;
     }
-    KVIMG* made = nullptr;
-    const KVRect r = {0, 0, size.height, size.width};
-    require(CreateNewKVIMGPtr(&made, &r, 8) == noErr, "CreateNewKVIMGPtr");
-    const Record filtered(made);
-    std::copy_n(page->data, page->size, made->data);    // the outermost pixels are not filtered
-    require(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R(page->data + page->rowBytes + 1, page->rowBytes,
-                                                              made->data + made->rowBytes + 1, made->rowBytes,
-                                                              {size.width - 2, size.height - 2}, 3) == ippStsNoErr,
+    const steps::Record filtered = steps::newGreyPage(size);
+    require(filtered != nullptr, "a new page");
+    std::copy_n(page->data, page->size, filtered->data);    // the outermost pixels are not filtered
+    require(IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R(
+                page->data + page->rowBytes + 1, page->rowBytes, filtered->data + filtered->rowBytes + 1,
+                filtered->rowBytes, {size.width - 2, size.height - 2}, 3) == ippStsNoErr,
             "FilterMedianWeightedCenter");
     page.reset();
     KVImageDescription* record = &description;
     void* data = nullptr;
     unsigned bytes = 0;
-    require(CompressJPEGEx(made, &record, kMode, &data, &bytes) == noErr, "CompressJPEGEx");
+    require(CompressJPEGEx(filtered.get(), &record, kMode, &data, &bytes) == noErr, "CompressJPEGEx");
     std::free(data);
 }
 

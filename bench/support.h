@@ -103,7 +103,7 @@ struct Goal {
 };
 
 // Each file of comparisons keeps the goals of its functions:
-//     const bench::Goals goals({{"KVMac_ippiRotate_8u_C1R", "2.3 deg", 0.2}});
+//     const bench::Goals goals({{"Function", "2.3 deg", 0.2}});
 struct Goals {
     Goals(std::initializer_list<Goal> list);
 };

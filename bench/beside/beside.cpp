@@ -19,6 +19,8 @@
 
 #include <leptonica/allheaders.h>
 
+#include "page_steps.h"
+
 namespace {
 
 constexpr double kDegrees = 2.3;
@@ -26,12 +28,10 @@ constexpr int kRounds = 9;
 
 using Stream = std::vector<unsigned char>;
 
-struct Deleter {
-    void operator()(KVIMG* record) const { DisposeKVIMG(record); }
+struct PixDeleter {
     void operator()(PIX* pix) const { pixDestroy(&pix); }
 };
-template <class T>
-using Owner = std::unique_ptr<T, Deleter>;
+using Pix = std::unique_ptr<PIX, PixDeleter>;
 
 Stream contentsOf(const char* file) {
     std::ifstream in(file, std::ios::binary);
@@ -72,32 +72,31 @@ void compare(const char* operation, const std::vector<Contender>& contenders) {
 // One page in the format of each library.
 struct Page {
     KVImageDescription description{};
-    KVImageDescription* pointer = &description;
-    Owner<KVIMG> record;
+    steps::Record record;
     cv::Mat mat;
-    Owner<PIX> pix;
+    Pix pix;
 };
 
-Owner<KVIMG> readRecord(const Stream& jpeg, KVImageDescription** description) {
-    KVIMG* out = nullptr;
-    require(ReadJPEG(jpeg.data(), static_cast<unsigned>(jpeg.size()), &description, &out) == noErr, "ReadJPEG");
-    return Owner<KVIMG>(out);
+steps::Record readRecord(const Stream& jpeg, KVImageDescription& description) {
+    steps::Record record = steps::readPage(jpeg, description);
+    require(record != nullptr, "reading");
+    return record;
 }
 
-Owner<PIX> readPix(const Stream& jpeg) {
+Pix readPix(const Stream& jpeg) {
     PIX* pix = pixReadMemJpeg(jpeg.data(), jpeg.size(), 0, 1, nullptr, 0);
     require(pix != nullptr, "pixReadMemJpeg");
-    return Owner<PIX>(pix);
+    return Pix(pix);
 }
 
 void read(Page& page, const Stream& jpeg) {
-    page.record = readRecord(jpeg, &page.pointer);
+    page.record = readRecord(jpeg, page.description);
     page.mat = cv::imdecode(jpeg, cv::IMREAD_ANYCOLOR);
     page.pix = readPix(jpeg);
 }
 
 void compareReading(const char* operation, const Stream& jpeg, Page& page) {
-    compare(operation, {{"OPCV_dlib", [&] { readRecord(jpeg, &page.pointer); }},
+    compare(operation, {{"OPCV_dlib", [&] { readRecord(jpeg, page.description); }},
                         {"OpenCV", [&] { cv::imdecode(jpeg, cv::IMREAD_ANYCOLOR); }},
                         {"Leptonica", [&] { readPix(jpeg); }}});
 }
@@ -108,10 +107,8 @@ void compareMedian(Page& page) {
     compare("median 3 x 3, grey",
             {{"OPCV_dlib",
               [&] {
-                  const KVRect all = {0, 0, from.height, from.width};
-                  KVIMG* out = nullptr;
-                  require(CreateNewKVIMGPtr(&out, &all, 8) == noErr, "CreateNewKVIMGPtr");
-                  const Owner<KVIMG> owner(out);
+                  const steps::Record out = steps::newGreyPage({from.width, from.height});
+                  require(out != nullptr, "a new page");
                   require(IPPShare_ippiFilterMedian_8u_C1R(from.data + from.rowBytes + 1, from.rowBytes,
                                                            out->data + out->rowBytes + 1, out->rowBytes, inner, {3, 3},
                                                            {1, 1}) == ippStsNoErr,
@@ -123,7 +120,7 @@ void compareMedian(Page& page) {
                   cv::medianBlur(page.mat, out, 3);
               }},
              {"Leptonica", [&] {
-                  const Owner<PIX> out(pixMedianFilter(page.pix.get(), 3, 3));
+                  const Pix out(pixMedianFilter(page.pix.get(), 3, 3));
                   require(out != nullptr, "pixMedianFilter");
               }}});
 }
@@ -132,12 +129,7 @@ void compareDeskew(const char* operation, Page& page) {
     const double radians = kDegrees * CV_PI / 180;
     compare(operation,
             {{"OPCV_dlib",
-              [&] {
-                  KVIMG* out = nullptr;
-                  require(DeskewImageWithIPP(page.record.get(), &page.pointer, &out, 0, 1, kDegrees) == noErr,
-                          "DeskewImageWithIPP");
-                  const Owner<KVIMG> owner(out);
-              }},
+              [&] { require(steps::deskewed(*page.record, page.description, kDegrees) != nullptr, "deskewing"); }},
              {"OpenCV",
               [&] {
                   cv::Mat out;
@@ -147,7 +139,7 @@ void compareDeskew(const char* operation, Page& page) {
                                  cv::INTER_LINEAR, cv::BORDER_CONSTANT, cv::Scalar::all(255));
               }},
              {"Leptonica", [&] {
-                  const Owner<PIX> out(pixRotateAM(page.pix.get(), static_cast<float>(-radians), L_BRING_IN_WHITE));
+                  const Pix out(pixRotateAM(page.pix.get(), static_cast<float>(-radians), L_BRING_IN_WHITE));
                   require(out != nullptr, "pixRotateAM");
               }}});
 }

@@ -1,0 +1,39 @@
+// Steps of a page with this library, in owners of its records. An owner is empty if the step fails.
+#pragma once
+
+#include <OPCV_dlib.h>
+
+#include <memory>
+#include <vector>
+
+namespace steps {
+
+struct RecordDeleter {
+    void operator()(KVIMG* record) const { DisposeKVIMG(record); }
+};
+using Record = std::unique_ptr<KVIMG, RecordDeleter>;
+
+inline Record readPage(const std::vector<unsigned char>& stream, KVImageDescription& description) {
+    KVImageDescription* pointer = &description;
+    KVImageDescriptionHandle handle = &pointer;
+    KVIMG* page = nullptr;
+    const OSErr err = ReadJPEG(stream.data(), static_cast<unsigned>(stream.size()), &handle, &page);
+    return Record(err == noErr ? page : nullptr);
+}
+
+// With white corners.
+inline Record deskewed(const KVIMG& page, KVImageDescription& description, double angle) {
+    KVImageDescription* pointer = &description;
+    KVIMG* straight = nullptr;
+    const OSErr err = DeskewImageWithIPP(&page, &pointer, &straight, 0, 1, angle);
+    return Record(err == noErr ? straight : nullptr);
+}
+
+inline Record newGreyPage(IppiSize size) {
+    const KVRect bounds = {0, 0, size.height, size.width};
+    KVIMG* page = nullptr;
+    const OSErr err = CreateNewKVIMGPtr(&page, &bounds, 8);
+    return Record(err == noErr ? page : nullptr);
+}
+
+}    // namespace steps
