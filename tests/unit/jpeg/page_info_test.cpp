@@ -136,6 +136,17 @@ TEST(PageInfo, TheCallersLimitsAreInclusive) {
     }
 }
 
+// 128 bytes for each block of each component, if the scans hold parts of them.
+TEST(PageInfo, StreamsOfSeveralScansNeedTheirCoefficients) {
+    constexpr int64_t kCoefficients = int64_t{3} * 100 * 100 * 128;
+    const Claim whole = {0xC0, 800, 800, 3, 1, 3};
+    EXPECT_LT(infoOf(claim(whole)).decoderBytes, kCoefficients / 4);
+    const Claim progressive = {0xC2, 800, 800, 3, 1, 3};
+    EXPECT_GE(infoOf(claim(progressive)).decoderBytes, kCoefficients);
+    const Claim inParts = {0xC0, 800, 800, 3, 3, 1};
+    EXPECT_GE(infoOf(claim(inParts)).decoderBytes, kCoefficients);
+}
+
 TEST(PageInfo, TurnsSizeAndResolution) {
     Bytes stream = withOrientation(grey(40, 24), 6);
     PageInfo page = infoOf(stream);
