@@ -39,12 +39,12 @@ HWY_BEFORE_NAMESPACE();
 namespace opcv {
 namespace {
 namespace HWY_NAMESPACE {
-
 namespace hn = hwy::HWY_NAMESPACE;
 
 constexpr int kFractionMask = (1 << kMapBits) - 1;
 constexpr int kStripBytes = 2048;    // of the target, so that few memory pages are used at a time
 constexpr int kMaxTopRows = 12;      // largest number of source rows for the upper taps of one group
+constexpr int kFewTopRows = 6;       // the same for groups that fill the widest vectors
 constexpr int kRowsAhead = 8;        // rows that are prefetched; neighbouring rows are on different memory pages
 constexpr int kSmallestGroup = 8;    // bytes
 
@@ -167,15 +167,13 @@ HWY_INLINE hn::Vec<D> rotateGroup(D d, const Window& w, const int16_t* HWY_RESTR
 
     const V16 half = hn::Set(s16, 16);
     const V16 lowByte = hn::Set(s16, 0xFF);
-    const V16 fractionOfX = hn::Set(s16, 31);
-    const V16 fractionOfY = hn::Set(s16, 31 << 5);
     const auto even = [&](V v) HWY_ATTR { return hn::And(hn::BitCast(s16, v), lowByte); };
     const auto odds = [&](V v) HWY_ATTR {
         const hn::RebindToUnsigned<decltype(s16)> u16;
         return hn::BitCast(s16, hn::ShiftRight<8>(hn::BitCast(u16, v)));
     };
-    const auto fx = [&](V16 x) HWY_ATTR { return hn::And(hn::ShiftRight<5>(x), fractionOfX); };
-    const auto fy = [&](V16 y) HWY_ATTR { return hn::ShiftLeft<5>(hn::And(y, fractionOfY)); };
+    const auto fx = [&](V16 x) HWY_ATTR { return hn::And(hn::ShiftRight<5>(x), hn::Set(s16, 31)); };
+    const auto fy = [&](V16 y) HWY_ATTR { return hn::ShiftLeft<5>(hn::And(y, hn::Set(s16, 31 << 5))); };
     return join(interpolate(even(upper.left), even(upper.right), even(lower.left), even(lower.right), fx(xEven),
                             fy(yEven), half),
                 interpolate(odds(upper.left), odds(upper.right), odds(lower.left), odds(lower.right), fx(xOdd),
@@ -315,11 +313,11 @@ void rotateInGroups(D d, const RotationJob& job, int firstRow, int endRow) {
 // Whether a group of this many bytes repeats one column at most and does not have too many rows. Each position may be
 // off by one unit, because both ends of a distance are rounded.
 template <class D>
-bool groupsFit(D d, const RotationJob& job) {
+bool groupsFit(D d, const RotationJob& job, int mostTopRows = kMaxTopRows) {
     const int lastPixel = (groupBytes(d) + job.channels - 2) / job.channels;
     const double behind = lastPixel * (1 - job.map.xPerColumn());
     const double down = lastPixel * std::abs(job.map.yPerColumn());
-    return behind * kMapScale + 1 <= kMapScale && down + 2 <= kMaxTopRows;
+    return behind * kMapScale + 1 <= kMapScale && down + 2 <= mostTopRows;
 }
 
 const uint8_t* tapAt(const RotationJob& job, int x, int y) {
@@ -370,17 +368,17 @@ void rotateByPixel(const RotationJob& job, int firstRow, int endRow) {
 }
 
 void rotate(const RotationJob& job, int firstRow, int endRow) {
+    const simd::HWY_NAMESPACE::Widest<uint8_t> widest;
     const simd::HWY_NAMESPACE::RotationTag<uint8_t> full;
     const hn::CappedTag<uint8_t, 16> half;
     const hn::CappedTag<uint8_t, kSmallestGroup> quarter;
+    if (groupsFit(widest, job, kFewTopRows)) return rotateInGroups(widest, job, firstRow, endRow);
     if (groupsFit(full, job)) return rotateInGroups(full, job, firstRow, endRow);
     if (groupsFit(half, job)) return rotateInGroups(half, job, firstRow, endRow);
     if (groupsFit(quarter, job)) return rotateInGroups(quarter, job, firstRow, endRow);
-    switch (job.channels) {
-        case 1: return rotateByPixel<1>(job, firstRow, endRow);
-        case 3: return rotateByPixel<3>(job, firstRow, endRow);
-        default: return rotateByPixel<4>(job, firstRow, endRow);
-    }
+    if (job.channels == 1) return rotateByPixel<1>(job, firstRow, endRow);
+    if (job.channels == 3) return rotateByPixel<3>(job, firstRow, endRow);
+    rotateByPixel<4>(job, firstRow, endRow);
 }
 
 }    // namespace HWY_NAMESPACE
@@ -390,7 +388,6 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace opcv {
-
 namespace {
 HWY_EXPORT(rotate);
 }    // namespace
