@@ -21,6 +21,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "simd/row-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
@@ -28,14 +30,14 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 using filters::BoxRegion;
 using filters::MeanRule;
+using opcv::simd::HWY_NAMESPACE::coverRow;
+using opcv::simd::HWY_NAMESPACE::coverRowOnce;
 
 using D = hn::ScalableTag<uint16_t>;
-using Bytes = hn::Rebind<uint8_t, D>;
-using One = hn::CappedTag<uint16_t, 1>;    // the tail reads and writes no byte too many
 
 // Replaces a row of the ring by a new one and updates the column sums.
 template <class Sums>
-HWY_INLINE void exchangeAt(Sums d, const uint8_t* src, size_t x, uint8_t* ring, uint16_t* columns) {
+HWY_INLINE void exchangeAt(Sums d, const uint8_t* src, ptrdiff_t x, uint8_t* ring, uint16_t* columns) {
     const hn::Rebind<uint8_t, Sums> bytes;
     const auto added = hn::LoadU(bytes, src + x);
     const auto left = hn::PromoteTo(d, hn::LoadU(bytes, ring + x));
@@ -44,14 +46,13 @@ HWY_INLINE void exchangeAt(Sums d, const uint8_t* src, size_t x, uint8_t* ring, 
 }
 
 void exchangeRow(const uint8_t* src, size_t count, uint8_t* ring, uint16_t* columns) {
-    const D d;
-    size_t x = 0;
-    for (; x + hn::Lanes(d) <= count; x += hn::Lanes(d)) exchangeAt(d, src, x, ring, columns);
-    for (; x < count; ++x) exchangeAt(One(), src, x, ring, columns);
+    coverRowOnce(D(), static_cast<ptrdiff_t>(count),
+                 [=](auto d, ptrdiff_t x) HWY_ATTR { exchangeAt(d, src, x, ring, columns); });
 }
 
 template <class Sums>
-HWY_INLINE void meanAt(Sums d, const uint16_t* columns, size_t x, int maskWidth, const MeanRule& rule, uint8_t* dst) {
+HWY_INLINE void meanAt(Sums d, const uint16_t* columns, ptrdiff_t x, int maskWidth, const MeanRule& rule,
+                       uint8_t* dst) {
     auto sum = hn::Set(d, rule.addend);
     for (int column = 0; column < maskWidth; ++column) sum = hn::Add(sum, hn::LoadU(d, columns + x + 3 * column));
     const auto mean = hn::ShiftRightSame(hn::MulHigh(sum, hn::Set(d, rule.multiplier)), rule.shift);
@@ -61,10 +62,8 @@ HWY_INLINE void meanAt(Sums d, const uint16_t* columns, size_t x, int maskWidth,
 }
 
 void meanRow(const uint16_t* columns, size_t count, int maskWidth, const MeanRule& rule, uint8_t* dst) {
-    const D d;
-    size_t x = 0;
-    for (; x + hn::Lanes(d) <= count; x += hn::Lanes(d)) meanAt(d, columns, x, maskWidth, rule, dst);
-    for (; x < count; ++x) meanAt(One(), columns, x, maskWidth, rule, dst);
+    coverRow(D(), static_cast<ptrdiff_t>(count),
+             [=, &rule](auto d, ptrdiff_t x) HWY_ATTR { meanAt(d, columns, x, maskWidth, rule, dst); });
 }
 
 // `ring` and `columns` hold zeros.
