@@ -3,13 +3,18 @@
 
 Usage: count_names.py
 
+Fails if one name is in more than MOST files, or if all of them are in more than AVERAGE on average.
+
 Documents, examples, tools and golden files do not count, and neither do the mangled names in the lists of symbols.
 """
 import collections
 import pathlib
 import re
 import subprocess
+import sys
 
+MOST = 12
+AVERAGE = 8.1
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 NOT_COUNTED = re.compile(r"(docs|examples|tools)/|.*\.(md|abi)$|tests/catalogue/hashes\.txt$")
 
@@ -39,8 +44,10 @@ def main():
     for name in sorted(names, key=lambda n: (-len(files[n]), n)):
         print(f"{len(files[name]):3} {name}")
     counts = [len(files[name]) for name in names]
-    print(f"{len(names)} names in {sum(counts) / len(counts):.2f} files on average, in {max(counts)} at most")
+    average = sum(counts) / len(counts)
+    print(f"{len(names)} names in {average:.2f} files on average, in {max(counts)} at most")
+    return 0 if max(counts) <= MOST and average <= AVERAGE else 1
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

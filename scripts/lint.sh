@@ -47,6 +47,7 @@ lint() {
     fi
     check "shellcheck" check_scripts
     check "clang-format" check_format
+    check "files of each exported name" python3 scripts/count_names.py
     check "clang-tidy" check_tidy "$@"
 }
 

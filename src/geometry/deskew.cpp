@@ -1,6 +1,7 @@
 // Deskew of a page record: a turn about its centre, whole or cropped, or about a given point.
 #include "core/ownership.h"
 #include "geometry/page.h"
+#include "geometry/turn.h"
 
 namespace opcv {
 namespace {
@@ -62,11 +63,9 @@ OSErr DeskewImageWithIPPEx(const KVIMG* src, KVImageDescriptionHandle descriptio
 
     const KVRect asked = *crop;
     moveIntoPage(*crop);
-    double xShift = 0;
-    double yShift = 0;
-    KVMac_ippiGetRotateShift(centreColumn(page), centreRow(page), angle, &xShift, &yShift);
+    const Shift shift = shiftAbout(centreColumn(page), centreRow(page), angle);
     if (const OSErr err = turnAndShift(page, *turned, interpolation, fillOf(page, whiteFill), angle,
-                                       xShift - asked.left, yShift - asked.top))
+                                       shift.x - asked.left, shift.y - asked.top))
         return err;
     slot.handOver(std::move(turned));
     return noErr;
@@ -85,11 +84,9 @@ OSErr DeskewImageWithIPPExWithShirftPoint(const KVIMG* src, KVImageDescriptionHa
 
     const auto x = static_cast<double>(xPoint);
     const auto y = static_cast<double>(yPoint);
-    double xShift = 0;
-    double yShift = 0;
-    KVMac_ippiGetRotateShift(x, y, angle, &xShift, &yShift);
+    const Shift shift = shiftAbout(x, y, angle);
     if (const OSErr err =
-            turnAndShift(page, *turned, interpolation, fillOf(page, whiteFill), angle, xShift - x, yShift - y))
+            turnAndShift(page, *turned, interpolation, fillOf(page, whiteFill), angle, shift.x - x, shift.y - y))
         return err;
     slot.handOver(std::move(turned));
     return noErr;

@@ -5,6 +5,7 @@
 
 #include "core/ownership.h"
 #include "geometry/page_format.h"
+#include "geometry/turn.h"
 
 namespace opcv {
 namespace {
@@ -46,11 +47,9 @@ OSErr UniteImageIplRotateImage(KVImageHeader* dstHeader, const KVImageHeader* sr
     const double turn = counterClockwise(angle);
     const double xCentre = srcHeader->width * 0.5;
     const double yCentre = srcHeader->height * 0.5;
-    double xShift = 0;
-    double yShift = 0;
-    KVMac_ippiGetRotateShift(xCentre, yCentre, turn, &xShift, &yShift);
-    xShift = std::fma(dstHeader->width, 0.5, -xCentre) + xShift;
-    yShift = std::fma(dstHeader->height, 0.5, -yCentre) + yShift;
+    const Shift shift = shiftAbout(xCentre, yCentre, turn);
+    const double xShift = std::fma(dstHeader->width, 0.5, -xCentre) + shift.x;
+    const double yShift = std::fma(dstHeader->height, 0.5, -yCentre) + shift.y;
 
     const IppiSize size = {srcHeader->width, srcHeader->height};
     const IppiRect all = {0, 0, srcHeader->width, srcHeader->height};

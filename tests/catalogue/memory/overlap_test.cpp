@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "OPCV_dlib.h"
 #include "failing_heap.h"
+#include "support/planar_colour.h"
 #include "support/random.h"
 
 namespace {
@@ -21,12 +21,12 @@ uint8_t* planeOf(Bytes& bytes, size_t plane) { return bytes.data() + 3 + plane *
 
 IppStatus toPlanes(Bytes& bytes) {
     uint8_t* const planes[3] = {planeOf(bytes, 0), planeOf(bytes, 1), planeOf(bytes, 2)};
-    return IPPMini_ippiRGBToYUV_8u_C3P3R(bytes.data(), kPackedStep, planes, kSize.width, kSize);
+    return toYuvPlanes(bytes.data(), kPackedStep, planes, kSize.width, kSize);
 }
 
 IppStatus fromPlanes(Bytes& bytes) {
     const uint8_t* const planes[3] = {planeOf(bytes, 0), planeOf(bytes, 1), planeOf(bytes, 2)};
-    return IPPMini_ippiYUVToRGB_8u_P3C3R(planes, kSize.width, bytes.data(), kPackedStep, kSize);
+    return fromYuvPlanes(planes, kSize.width, bytes.data(), kPackedStep, kSize);
 }
 
 Bytes anyBytes() {

@@ -444,10 +444,6 @@ def test_sizes_and_kernels_that_make_no_sense_are_refused(rng):
         opcv_dlib.sgemm(square, square.copy(), square)
     with pytest.raises(ValueError, match="sgemm: c overlaps the source"):
         opcv_dlib.sgemm(square.copy(), square, square)
-    with pytest.raises(ValueError, match="ddct: table must be square"):
-        opcv_dlib.ddct(np.zeros((3, 4)))
-    with pytest.raises(ValueError, match="ddct: table must be square with sides of at most 46340"):
-        opcv_dlib.ddct(np.lib.stride_tricks.as_strided(np.zeros(8), (46341, 46341), (46341 * 8, 8)))
 
 
 def test_what_is_not_said(rng):
@@ -464,7 +460,6 @@ def test_what_is_not_said(rng):
         (opcv_dlib.reduce_bits(grey), opcv_dlib.reduce_bits(grey, 127, bit_offset=0)),
         (opcv_dlib.expand_bits(grey, 9), opcv_dlib.expand_bits(grey, 9, bit_offset=0)),
         (opcv_dlib.sgemm(square, square), opcv_dlib.sgemm(square, square, alpha=1, trans_a=False, trans_b=False)),
-        (opcv_dlib.ddct(np.eye(4)), opcv_dlib.ddct(np.eye(4), inverse=False)),
         (opcv_dlib.rotate(grey, 9), opcv_dlib.rotate(grey, 9, (0, 0), border=0)),
         (opcv_dlib.rotate_on_black(grey, 9), opcv_dlib.rotate(grey, 9, (0, 0), border=0)),
         (opcv_dlib.rotate_center(grey, 9), opcv_dlib.rotate_center(grey, 9, (7.5, 5.5), border=0)),

@@ -246,3 +246,11 @@ def test_cosine_transform(rng, side):
     assert np.allclose(found, oracle.cosine_transform(table))
     opcv_dlib.ddct(found, inverse=True)
     assert np.allclose(found, table)
+    assert np.array_equal(opcv_dlib.ddct(np.eye(side)), opcv_dlib.ddct(np.eye(side), inverse=False))
+
+
+def test_cosine_transform_refuses_tables_that_are_not_square_or_too_large():
+    with pytest.raises(ValueError, match="ddct: table must be square"):
+        opcv_dlib.ddct(np.zeros((3, 4)))
+    with pytest.raises(ValueError, match="ddct: table must be square with sides of at most 46340"):
+        opcv_dlib.ddct(np.lib.stride_tricks.as_strided(np.zeros(8), (46341, 46341), (46341 * 8, 8)))

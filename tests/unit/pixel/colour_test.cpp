@@ -16,6 +16,7 @@
 #include "support/fenced_planes.h"
 #include "support/guarded_image.h"
 #include "support/guarded_planes.h"
+#include "support/planar_colour.h"
 #include "support/random.h"
 
 namespace {
@@ -150,7 +151,7 @@ TEST(PlanarColour, ConvertsToPlanesLikeTheDefinition) {
         const IppiSize size = round == 0 ? IppiSize{517, 300} : anySize(random);
         const GuardedImage rgb(random, size, GuardedImage::anyLayout(random, 3), random.anyValues());
         GuardedPlanes yuv(random, size);
-        ASSERT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(rgb.data(), rgb.step(), yuv.pointers(), yuv.step(), size), ippStsNoErr);
+        ASSERT_EQ(toYuvPlanes(rgb.data(), rgb.step(), yuv.pointers(), yuv.step(), size), ippStsNoErr);
         ASSERT_TRUE(yuv.untouchedOutsideRegion());
         for (int y = 0; y < size.height; ++y)
             for (int x = 0; x < size.width; ++x) {
@@ -170,7 +171,7 @@ TEST(PlanarColour, ConvertsFromPlanesLikeTheDefinition) {
         const IppiSize size = round == 0 ? IppiSize{517, 300} : anySize(random);
         GuardedPlanes yuv(random, size, random.anyValues());
         GuardedImage rgb(random, size, GuardedImage::anyLayout(random, 3));
-        ASSERT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(yuv.pointers(), yuv.step(), rgb.data(), rgb.step(), size), ippStsNoErr);
+        ASSERT_EQ(fromYuvPlanes(yuv.pointers(), yuv.step(), rgb.data(), rgb.step(), size), ippStsNoErr);
         ASSERT_TRUE(rgb.untouchedOutsideRegion());
         for (int y = 0; y < size.height; ++y)
             for (int x = 0; x < size.width; ++x) {
@@ -203,21 +204,21 @@ TEST(PlanarColour, ConvertsWhereSourceAndDestinationOverlap) {
         unsigned char* const planes[3] = {&memory[shift], &memory[shift + area], &memory[shift + 2 * area]};
         cv::Mat expected;
         cv::cvtColor(packed, expected, cv::COLOR_RGB2YUV);
-        ASSERT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(image.data, rowBytes, planes, size.width, size), ippStsNoErr);
+        ASSERT_EQ(toYuvPlanes(image.data, rowBytes, planes, size.width, size), ippStsNoErr);
         for (int c = 0; c < 3; ++c)
             for (int i = 0; i < size.width * size.height; ++i) ASSERT_EQ(planes[c][i], expected.data[3 * i + c]) << i;
 
         cv::Mat back;
         cv::cvtColor(expected, back, cv::COLOR_YUV2RGB);
-        ASSERT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(planes, size.width, image.data, rowBytes, size), ippStsNoErr);
+        ASSERT_EQ(fromYuvPlanes(planes, size.width, image.data, rowBytes, size), ippStsNoErr);
         ASSERT_EQ(std::memcmp(image.data, back.data, 3 * area), 0) << "shift " << shift;
     }
 }
 
 TEST(PlanarColour, ReadsAndWritesNoByteTooMany) {
     forEachFencedRow([](unsigned char* packed, unsigned char* const* planes, int width) {
-        ASSERT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(packed, 3 * width, planes, width, {width, 1}), ippStsNoErr);
-        ASSERT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(planes, width, packed, 3 * width, {width, 1}), ippStsNoErr);
+        ASSERT_EQ(toYuvPlanes(packed, 3 * width, planes, width, {width, 1}), ippStsNoErr);
+        ASSERT_EQ(fromYuvPlanes(planes, width, packed, 3 * width, {width, 1}), ippStsNoErr);
     });
 }
 
@@ -229,7 +230,7 @@ TEST(PlanarColour, GreyHasNoChroma) {
         ASSERT_EQ(IPPShare_ippiRGBToYUV_8u_C3R(rgb.data(), 9, yuv.data(), 9, {3, 1}), ippStsNoErr);
         EXPECT_EQ(yuv, (std::vector<uint8_t>{grey, 128, 128, grey, 128, 128, grey, 128, 128}));
         unsigned char* const planes[3] = {&yuv[0], &yuv[3], &yuv[6]};
-        ASSERT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(rgb.data(), 9, planes, 3, {3, 1}), ippStsNoErr);
+        ASSERT_EQ(toYuvPlanes(rgb.data(), 9, planes, 3, {3, 1}), ippStsNoErr);
         EXPECT_EQ(yuv, (std::vector<uint8_t>{grey, grey, grey, 128, 128, 128, 128, 128, 128}));
     }
 }
@@ -250,10 +251,10 @@ TEST(PlanarColour, TooLargeSizesAreOutOfMemory) {
                                 {INT_MIN, INT_MIN},
                                 {1, 33554432},
                                 {715827862, 1}}) {
-        EXPECT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(packed.data(), 48, planes.pointers(), 16, size), ippStsNoMemErr);
-        EXPECT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(planes.pointers(), 16, packed.data(), 48, size), ippStsNoMemErr);
-        EXPECT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(nullptr, 0, nullptr, 0, size), ippStsNoMemErr);
-        EXPECT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(nullptr, 0, nullptr, 0, size), ippStsNoMemErr);
+        EXPECT_EQ(toYuvPlanes(packed.data(), 48, planes.pointers(), 16, size), ippStsNoMemErr);
+        EXPECT_EQ(fromYuvPlanes(planes.pointers(), 16, packed.data(), 48, size), ippStsNoMemErr);
+        EXPECT_EQ(toYuvPlanes(nullptr, 0, nullptr, 0, size), ippStsNoMemErr);
+        EXPECT_EQ(fromYuvPlanes(nullptr, 0, nullptr, 0, size), ippStsNoMemErr);
     }
     EXPECT_TRUE(planes.untouched());
     EXPECT_TRUE(packed.untouched());
@@ -261,8 +262,8 @@ TEST(PlanarColour, TooLargeSizesAreOutOfMemory) {
 
 TEST(PlanarColour, LargestSizesAreNotOutOfMemory) {
     for (const IppiSize size : {IppiSize{1, 33554431}, {715827861, 1}}) {
-        EXPECT_EQ(IPPMini_ippiRGBToYUV_8u_C3P3R(nullptr, 0, nullptr, 0, size), ippStsBadArgErr);
-        EXPECT_EQ(IPPMini_ippiYUVToRGB_8u_P3C3R(nullptr, 0, nullptr, 0, size), ippStsBadArgErr);
+        EXPECT_EQ(toYuvPlanes(nullptr, 0, nullptr, 0, size), ippStsBadArgErr);
+        EXPECT_EQ(fromYuvPlanes(nullptr, 0, nullptr, 0, size), ippStsBadArgErr);
     }
 }
 
@@ -271,12 +272,12 @@ TEST(PlanarColour, RefusesBadArguments) {
     GuardedPlanes planes(random, {16, 2});
     GuardedImage packed(random, {16, 2}, {3});
     const auto toPlanes = [&](const uint8_t* src, int srcStep, unsigned char* const* dst, int dstStep) {
-        const IppStatus status = IPPMini_ippiRGBToYUV_8u_C3P3R(src, srcStep, dst, dstStep, {16, 2});
+        const IppStatus status = toYuvPlanes(src, srcStep, dst, dstStep, {16, 2});
         EXPECT_TRUE(planes.untouched());
         return status;
     };
     const auto toPacked = [&](unsigned char* const* src, int srcStep, uint8_t* dst, int dstStep) {
-        const IppStatus status = IPPMini_ippiYUVToRGB_8u_P3C3R(src, srcStep, dst, dstStep, {16, 2});
+        const IppStatus status = fromYuvPlanes(src, srcStep, dst, dstStep, {16, 2});
         EXPECT_TRUE(packed.untouched());
         return status;
     };
