@@ -43,6 +43,11 @@ TEST(ReadPage, GivesThePixelsOfReadJPEG) {
     }
 }
 
+Bytes bytesOf(const opcv_read_report& report) {
+    const auto* const first = reinterpret_cast<const uint8_t*>(&report);
+    return {first, first + sizeof report};
+}
+
 TEST(ReadPage, ReportsAWholeStream) {
     for (const NamedStream& s : jpegCorpus()) {
         SCOPED_TRACE(s.name);
@@ -66,7 +71,7 @@ TEST(ReadPage, ReportsAWholeStream) {
         EXPECT_EQ(headers.rows_decoded, 0);
         headers.rows_decoded = r.report.rows_decoded;
         headers.end_marker_seen = 1;
-        EXPECT_EQ(std::memcmp(&headers, &r.report, sizeof headers), 0);
+        EXPECT_EQ(bytesOf(headers), bytesOf(r.report));
     }
 }
 
