@@ -220,7 +220,7 @@ private:
         bool untouched() const;
     };
 
-    Image image(const Layout& layout, Use use);
+    Image image(const Layout& wanted, Use use);
     uint8_t* block(const void* bytes, size_t count, Use use);
     void add(Block block);
     void releaseResults();
