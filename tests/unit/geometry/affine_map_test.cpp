@@ -45,7 +45,8 @@ TEST(AffineMap, IsTheInverseInUnitsOf1024thOfAPixel) {
         // The determinant is rounded once or twice, depending on the processor.
         const double plain = 1 / (m[0] * m[4] - m[1] * m[3]);
         const double fused = 1 / std::fma(m[0], m[4], -(m[1] * m[3]));
-        const double scale = map.xPerColumn() == m[4] * plain ? plain : fused;
+        const bool isPlain = map.xPerColumn() == m[4] * plain && map.yPerColumn() == -m[3] * plain;
+        const double scale = isPlain ? plain : fused;
         EXPECT_EQ(map.xPerColumn(), m[4] * scale);
         EXPECT_EQ(map.yPerColumn(), -m[3] * scale);
         EXPECT_NEAR(map.xPerColumn(), b[0], 1e-12);
