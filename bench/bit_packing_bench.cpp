@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 #include "OPCV_dlib.h"
 #include "oracle/bit_packing.h"
 #include "support.h"

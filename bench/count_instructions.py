@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Counts the arm64 instructions of every comparison under qemu's user emulation and prints them as a table.
 
 Usage: count_instructions.py PROGRAM SYSROOT > instructions.tsv

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // opcv_dlib_hostile [DOCUMENT]
 //
 // What the costliest stream of each coding takes, and how much of the damage to small streams is noticed. Prints the two

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Runs both sides of every comparison once, each between two marker functions that `count_instructions.py` finds in the
 // trace of the run. Prints a line for each comparison; with --maps, prints the memory map instead.
 #include <cstdio>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Reading, compressing and the round trip of a page through memory. The plain way to read is OpenCV's decoder and one
 // copy into a new record, in the record's channel order; to compress, libjpeg with its own growing destination, one row
 // at a time.

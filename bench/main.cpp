@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Measures every registered comparison and writes a table of tab-separated lines, one per comparison and number of
 // threads. Lines of an earlier run that are not measured again are kept, so that a table can be measured in parts:
 //

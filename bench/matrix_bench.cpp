@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Matrix product and cosine transform, compared with plain loops over the same formula or with OpenCV's call. Their
 // sizes are those of matrices, not of pages.
 #include <memory>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Steps of a page with this library, in owners of its records. An owner is empty if the step fails.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Times the page pipeline, from stream to stream, with this library and with others. Each runs the closest steps that
 // it offers, on the same page:
 //

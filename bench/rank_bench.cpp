@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rank filters. Those with a fixed window, which OpenCV does not have, are compared with memcpy and checked against
 // their definition in plain code; the others are compared with OpenCV on a view of the same memory and one copy back.
 #include <algorithm>

@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Writes the tables of docs/performance.md from the results of the benchmarks.
 
 Usage: report.py RESULTS_FOLDER DOCUMENT

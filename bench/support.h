@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Comparisons, measured in one run: an exported function with the plain way to the same bytes (views, the OpenCV call,
 // one copy back; memcpy where OpenCV has no such call) and with memcpy of as many bytes as are read and written.
 #pragma once

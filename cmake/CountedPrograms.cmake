@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The library's objects with counters of lines and branches, and test programs that link them. NAME_counted has the same
 # other objects as NAME. These targets are built only by name.
 if(OPCV_DLIB_COUNT)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Google Highway: portable vectors with run-time dispatch.
 find_path(Highway_INCLUDE_DIR hwy/highway.h)
 find_library(Highway_LIBRARY hwy)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Leptonica, found by name: its library is called lept or leptonica, depending on the version.
 find_path(Leptonica_INCLUDE_DIR leptonica/allheaders.h)
 find_library(Leptonica_LIBRARY NAMES leptonica lept)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The OpenCV modules. The library uses core and imgproc (OpenCVModules::OpenCVModules). Tests, benchmarks and examples
 # also use imgcodecs, to read and write image files (OpenCVModules::ImageFiles).
 #

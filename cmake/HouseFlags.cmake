@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Compiler settings for this project's code, as an interface target.
 add_library(opcv_dlib_house_flags INTERFACE)
 target_compile_options(opcv_dlib_house_flags INTERFACE

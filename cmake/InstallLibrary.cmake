@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The installation of the library, its CMake package and its pkg-config file.
 
 # Debian installs libraries in a folder named after the architecture.

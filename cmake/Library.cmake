@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The library: libOPCV_dlib.so, or with BUILD_SHARED_LIBS=OFF libOPCV_dlib.a. Both define the names that the
 # lists of exports hold and no others.
 set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.txt ${PROJECT_SOURCE_DIR}/cmake/exports_1.1.txt)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The parts besides the library: tests, programs, manual pages, the Python module, benchmarks. The option of a part is
 # ON, OFF or AUTO. If a package is missing, ON is an error; AUTO leaves out what needs the package and says so in one
 # line.

@@ -1,4 +1,7 @@
 #!/bin/bash -eu
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Builds every fuzz target as OSS-Fuzz asks for it: the sources are in $SRC/opcv_dlib, the compilers and their flags in
 # CC, CXX, CFLAGS, CXXFLAGS and LIB_FUZZING_ENGINE, and the programs, their seeds and what they load go to $OUT.
 build=${WORK:-$SRC}/opcv_dlib-build

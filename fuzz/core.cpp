@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Records, planes, statuses and the matrix adapters, with arbitrary arguments.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolutions, box and bilateral filters and noise reduction, compared with plain OpenCV calls; the matrix product,
 // compared with its definition; and the cosine transform, forward and inverse.
 #include <algorithm>

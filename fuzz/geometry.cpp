@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rotation, deskew, quarter turns, the united canvas and resize.
 #include <algorithm>
 #include <array>

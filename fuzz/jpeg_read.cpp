@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Reading of arbitrary bytes: the result is an error, or the page that OpenCV's decoder returns.
 #include <algorithm>
 #include <opencv2/imgcodecs.hpp>

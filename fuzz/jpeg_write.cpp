@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Compression of any raster: the result is the stream that libjpeg writes with the same settings, or an error.
 #include <array>
 #include <cstdlib>

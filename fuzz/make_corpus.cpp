@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // make_corpus FOLDER: writes the initial inputs of the targets. For the reader, valid streams of every kind, hostile
 // ones and a dictionary of markers; for the others, random bytes.
 #include <algorithm>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Shared by the fuzz targets: values drawn from the input, and images in blocks of exactly the bytes that a function
 // may access, so that the address sanitizer detects every access out of bounds.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /// @file OPCV_dlib.h
 /// Image primitives for document-scanner pipelines.
 ///

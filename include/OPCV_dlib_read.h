@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /// @file OPCV_dlib_read.h
 /// Reading of JPEG streams for servers: with limits, cancellation and a report.
 ///

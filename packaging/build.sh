@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # packaging/build.sh ARCHITECTURE BUILD MAN DESTINATION [SYSROOT]
 #
 # Makes Debian packages of the contents of a build folder, with the manual pages in MAN. SYSROOT is the system root of

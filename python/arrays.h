@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // NumPy arrays as images: checks, the rectangle that a filter reads, overlap, results, and calls into the library.
 //
 // Before the library is called, everything that a function will read or write is compared with the extent of the array.

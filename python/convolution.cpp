@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolution with kernels of integers and of floats.
 #include <pybind11/stl.h>
 

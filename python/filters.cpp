@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Box and bilateral filter, noise reduction, matrix product and cosine transform.
 #include <pybind11/stl.h>
 

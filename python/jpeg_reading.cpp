@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // JPEG streams: reading into pages and arrays.
 #include <OPCV_dlib_read.h>
 #include <pybind11/stl.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // opcv_dlib._native: the library's functions on NumPy arrays. The package adds the exceptions and the types.
 #include <OPCV_dlib.h>
 

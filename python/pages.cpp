@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Pages: deskew, rotation and scaling.
 #include <pybind11/stl.h>
 

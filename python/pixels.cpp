@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bit packing, depth, thresholds, fill, colour space, plane layout, and planes that the library allocates.
 #include <pybind11/stl.h>
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # shellcheck shell=bash
 # The catalogue of all functions in one build: bounds, repeatability, eight threads.
 

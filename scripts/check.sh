@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # shellcheck shell=bash
 # `./dev check`: what changed, in less than a minute. The hook before a commit calls it.
 

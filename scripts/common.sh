@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # shellcheck shell=bash
 # Shared by all scripts. The scripts only define functions and settings; `dev` reads all of them and calls one function.
 

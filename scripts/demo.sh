@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # shellcheck shell=bash
 # Runs scanpage on a generated page; the measured skew must be the drawn one.
 

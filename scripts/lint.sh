@@ -1,7 +1,10 @@
-# shellcheck shell=bash
-# clang-format, clang-tidy and shellcheck.
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
 
-lint_packages=(clang-format clang-tidy clang-tools shellcheck)
+# shellcheck shell=bash
+# clang-format, clang-tidy, reuse and shellcheck.
+
+lint_packages=(clang-format clang-tidy clang-tools reuse shellcheck)
 library='^src/'
 lint_release=bookworm    # other releases have other versions of clang-format and clang-tidy, which judge otherwise
 
@@ -27,6 +30,14 @@ check_scripts() {
     shellcheck -x -a dev && our_scripts | xargs shellcheck --exclude=SC2016    # another shell expands what is quoted
 }
 
+# Every file has a copyright and a licence.
+check_licences() {
+    mkdir -p build
+    reuse lint >build/reuse.log 2>&1 && return
+    cat build/reuse.log
+    return 1
+}
+
 # check_tidy [PATTERN [OPTION of clang-tidy...]]: the sources whose names match, all by default, the largest first.
 check_tidy() {
     local pattern=${1:-.}
@@ -46,6 +57,7 @@ lint() {
         return
     fi
     check "shellcheck" check_scripts
+    check "reuse" check_licences
     check "clang-format" check_format
     check "files of each exported name" python3 scripts/count_names.py
     check "clang-tidy" check_tidy "$@"

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # shellcheck shell=bash
 # Debian packages and their check in a fresh tree.
 

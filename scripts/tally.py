@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Counts what a run of ctest passed and failed: the tests inside each GoogleTest program, and one for each other test.
 
 Prints two numbers. A program that fails without a failed test (it crashed, or a sanitizer stopped it) counts as one

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // beside: times a few operations on the same page with this library, OpenCV and Leptonica, in turn, in one thread.
 // beside_vips.c and beside.py do the same with libvips and Pillow.
 //

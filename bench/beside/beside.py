@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Times the operations of beside.cpp with Pillow: beside.py GREY.jpg COLOUR.jpg"""
 import io
 import pathlib

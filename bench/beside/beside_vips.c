@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* Times the operations of beside.cpp with libvips, in one thread: beside_vips GREY.jpg COLOUR.jpg */
 #include <math.h>
 #include <stdio.h>

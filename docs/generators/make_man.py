@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Writes the manual pages from Doxygen's XML of the public headers.
 
     make_man.py XML_FOLDER VERSION DATE MAN_FOLDER HEADER...

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* A white square with a dark dot at its right edge. Deskewing by 90 degrees moves the dot to the top
    (counter-clockwise); RotateImageWithIPP by 90 degrees moves it to the bottom (clockwise). */
 #include <OPCV_dlib.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // OpenCV's images are blue, green, red; records are red, green, blue. A matrix can refer to the pixels of a record, but
 // the channels have to be swapped once.
 #include <OPCV_dlib.h>

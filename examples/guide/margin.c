@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* A 3 x 3 median of a whole image. The windows at its edges include one more pixel on each side, so the image is first
    copied into a larger one, whose margin repeats the edges. */
 #include <OPCV_dlib.h>

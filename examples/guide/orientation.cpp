@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A camera stores the picture as its sensor saw it and records in an EXIF field how to turn it. ReadJPEG turns it: a
 // picture stored as 40 x 24 pixels with orientation 6 is read as 24 x 40. Record and description have the turned size.
 #include <OPCV_dlib.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* In the packed rows of a PBM file a set bit is black. In the library it is white, so the bits are inverted before and
    after the calls. Inverting the unused bits at the end of a row is harmless: no function reads beyond the width. */
 #include <OPCV_dlib.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* ReadJPEG writes the size and depth of a page into its description, but not the dots per inch, so this program reads
    them from the JFIF header of the stream. CompressJPEGEx stores the resolutions of the description. */
 #include <OPCV_dlib.h>

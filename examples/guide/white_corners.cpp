@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The deskew functions fill the corners of a grey page with black, even if white is requested. ippiRotateCenter has an
 // argument for the value of the corners: with 255 it returns the same page with white corners.
 #include <OPCV_dlib.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* Reduces a grey row to one bit per pixel and expands it again. */
 #include <OPCV_dlib.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Reads a JPEG page from memory and straightens it by 1.5 degrees, with white corners.
 #include <OPCV_dlib.h>
 

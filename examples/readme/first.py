@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Straightens a JPEG page by 1.5 degrees and reduces it to one bit per pixel.
 import numpy as np
 import opcv_dlib

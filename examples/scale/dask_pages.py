@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Straightens the pages of a list on the workers of a Dask scheduler, with the Python module of the library.
 
 Results are written to FOLDER/pages, one line per page to FOLDER/log.tsv: file, status, skew, milliseconds, bytes. After

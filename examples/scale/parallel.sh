@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Straightens the pages of a list with GNU parallel:
 #
 #     parallel.sh LIST FOLDER [WORKERS [OPTION_OF_PARALLEL...]]

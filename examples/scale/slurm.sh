@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 #SBATCH --job-name=pages
 #SBATCH --requeue
 #SBATCH --open-mode=append

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Image primitives for document scanners, on NumPy arrays.
 
 Images are arrays of the shape (height, width) or (height, width, channels); colour is in the order red, green, blue.

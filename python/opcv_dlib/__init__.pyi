@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 from collections.abc import Sequence
 from dataclasses import dataclass
 from typing import Any, Union, overload

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Image records: one block for the record, one for its pixels.
 #include <cstdint>
 #include <cstdlib>

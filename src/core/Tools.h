@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Shared by all entry points that call OpenCV: views over the caller's memory, one copy of the result, and the
 // translation between the two kinds of status.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Owners of heap blocks, and the guard of the output slot of functions that create records.
 #pragma once
 

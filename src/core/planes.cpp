@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Plane allocators. The length of a row is a multiple of 64 bytes.
 #include <climits>
 #include <cstdint>

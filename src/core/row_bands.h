@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Work on OpenCV's threads. Nothing else in the library distributes work.
 #pragma once
 

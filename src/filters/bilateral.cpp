@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilateral filter of one 8-bit channel. The library's kernels filter 3x3 and 5x5 pixels, from a copy of the
 // source if the destination overlaps it. OpenCV filters other sizes.
 #include <cmath>

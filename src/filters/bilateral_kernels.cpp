@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilateral filter over the pixels within a radius of 1 or 2. The weight of a pair of pixels is the same for both, so
 // it is looked up once and kept for the later pixel:
 //

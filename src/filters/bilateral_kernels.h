@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilateral filter over 3x3 or 5x5 pixels, directly between the caller's rows.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Box filter in place: each pixel becomes the mean of the pixels under the mask.
 #include <opencv2/imgproc.hpp>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Box filter of three interleaved 8-bit channels, in place. Each column of the mask has a sum: the new row is added and
 // the row that leaves the mask is subtracted. A ring keeps these rows, because the image may have been overwritten:
 //

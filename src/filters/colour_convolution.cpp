@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolution of a whole packed 24-bit image with a square float kernel, one for all channels or one for each. The
 // outermost pixels, where the kernel would extend beyond the image, are not filtered.
 // Three kernels are applied to the packed pixels in one pass.

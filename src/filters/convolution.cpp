@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolution of a region with a caller's kernel.
 //
 // OpenCV computes correlations, so the kernel is turned by 180 degrees first. A turned kernel has odd sides and its

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolution by the definition: each result is the rounded, saturated sum of pixel x weight over the kernel's cells in
 // raster order. The sum is a 32-bit float; it starts at 0, and each product is added with fused multiply-add. Sums are
 // rounded to the nearest integer, halves to even. NaN, which results only from weights of NaN or infinity, becomes the

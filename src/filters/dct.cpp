@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Discrete cosine transform of a square table, taken as one row of all its values.
 #include <algorithm>
 #include <climits>

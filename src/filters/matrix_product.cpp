@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Single-precision matrix product with the arguments of CBLAS, computed by OpenCV.
 #include <climits>
 #include <cstdint>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Noise reduction of whole images: the bilateral filter with a strength from 0 to 10 on 3x3 or 5x5 pixels.
 #include <cmath>
 #include <cstddef>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Scratch memory inside the object, or on the heap if it is larger.
 #pragma once
 

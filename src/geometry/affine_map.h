@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Maps pixels of a turned image to source positions, in the fixed-point form of OpenCV's affine warp.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Deskew of a page record: a turn about its centre, whole or cropped, or about a given point.
 #include "core/ownership.h"
 #include "geometry/page.h"

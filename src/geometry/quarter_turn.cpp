@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Turns of a page record by multiples of 90 degrees.
 #include <cmath>
 #include <opencv2/core.hpp>

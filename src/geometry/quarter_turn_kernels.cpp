@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Quarter turns as transpositions. A turn is a transposition and a mirror, and the caller mirrors by the sign of a
 // step.
 //

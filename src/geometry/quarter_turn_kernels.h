@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Turns of pixels of 1, 3 or 4 bytes by multiples of 90 degrees. Arguments must have been checked; source and target
 // must not overlap.
 #pragma once

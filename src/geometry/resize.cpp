@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilinear resize: a page record by a ratio, a grey region with placement, a colour region to a given size.
 #include <algorithm>
 #include <cfloat>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilinear resize in OpenCV's 11-bit fixed point. A source row is resampled to the scaled width first:
 //
 //     h(x) = (S[s] * w0 + S[s + 1] * w1) >> 4       s, w0, w1 by column, w0 + w1 = 2048, S of the same channel

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilinear resize directly into a rectangle of the scaled image, with the same bits as OpenCV.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rotation of a region about a point by any angle, with the results of OpenCV's bilinear affine warp of the padded
 // region. For the usual pixel types a kernel computes only the destination rectangle, directly into it.
 #include <algorithm>

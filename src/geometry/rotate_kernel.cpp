@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilinear rotation of 8-bit pixels, identical to OpenCV's affine warp of the whole image. A position has five bits of
 // fraction on each axis, so that
 //

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilinear rotation of 8-bit pixels directly into the target. Arguments must have been checked.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rotation of an image about its centre onto the centre of a canvas of another size.
 #include <cmath>
 #include <cstdint>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The JPEG encoder: one object writes one baseline JFIF stream from an 8-bit grey or 24-bit RGB raster.
 #pragma once
 

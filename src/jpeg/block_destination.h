@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A libjpeg destination that writes directly into the block that the caller receives.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Compression of rasters into a vector and of records into a new block.
 #include <algorithm>
 #include <climits>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Decoding of JPEG streams, with the results of OpenCV's decoder.
 //
 // libjpeg decodes directly into the page's rows: the same pixels as OpenCV's decoder, in half the memory, without

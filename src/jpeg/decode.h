@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Decoding of a JPEG stream in memory, once inspectStream has found a page in it.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Reads the orientation and the resolution from a TIFF directory.
 //
 // Broken blocks are common, and the orientation of a page must not depend on the reader. So this one stops exactly

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Coded data contains a byte of 255 every few hundred bytes, each followed by 0. Vectors of bytes are compared together
 // with the bytes that follow them, so that only real markers stop the search.
 #include "jpeg/marker_search.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Examines the headers of a JPEG stream: properties of the page, and whether decoding it stays within limits.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Reading of JPEG streams with limits, cancellation and a report.
 #include <algorithm>
 #include <climits>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bit packing between 1-bit rows (most significant bit first) and grey rows.
 //
 //     bit offset 3:   byte 0            byte 1                   byte 2                      last byte

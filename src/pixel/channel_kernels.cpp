@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Copies and conversions of images of three 8-bit channels: a vector of each channel is loaded, passed through a
 // formula and stored, from and to packed pixels or planes. The rest of a row goes through a block on the stack, so that
 // no byte outside the region is accessed and a packed image can be converted in place.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Copies and conversions of images of three 8-bit channels, packed or planar, optionally between RGB and YUV. Regions
 // must not be empty.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Conversion between 8-bit and 16-bit signed pixels.
 #include "OPCV_dlib.h"
 #include "core/Tools.h"

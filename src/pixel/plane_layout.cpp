@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Copies between packed images and planes.
 #include "OPCV_dlib.h"
 #include "pixel/views.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // In-place threshold: a pixel at or below the threshold is replaced. A vector of pixels is compared and blended. The
 // last vector of a row is pulled back to end with the row; processing a pixel twice does not change the result, because
 // a replaced pixel either is replaced by the same value again or stays.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // In-place thresholds: pixels at or below the threshold become the value.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // 3x3 vector median of colour pixels: the pixel of the window with the smallest sum of colour distances to the other
 // eight; of equal sums, the first in raster order.
 //

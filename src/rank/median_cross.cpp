@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Medians over a plus sign: the 5 pixels of a 3x3 cross or the 9 pixels of a 5x5 cross.
 //
 // Branch-free networks of minimum and maximum, directly from the source rows. Two rows are computed at a time, because

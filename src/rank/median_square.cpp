@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Square medians of any odd size: small masks by the library's kernels, others by OpenCV.
 #include "rank/median_square.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Medians of m x m windows by merging sorted columns, with minimum and maximum only.
 //
 // The image is processed in strips of columns, two rows at a time. The m - 1 source rows that the two have in common

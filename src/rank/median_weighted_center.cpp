@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // 3x3 medians in which the centre counts 3 or 5 times.
 //
 // Such a median is the centre clamped between two order statistics of its eight neighbours: of 8 + 3 values the 6th is

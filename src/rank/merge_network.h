@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Networks of comparators that sort, and that merge two sorted lists, generated at compile time by Batcher's odd-even
 // merge (Knuth, The Art of Computer Programming, 5.3.4). Comparators that no wanted output depends on are removed.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Dilation, erosion, maximum and minimum: small masks by the library's kernels, others by OpenCV.
 #include "rank/morphology.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Largest and smallest pixels under a mask, directly from the caller's rows.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Largest and smallest pixels under a rectangle or under any set of cells.
 //
 // A rectangle is computed as a column of pixels, then a row of such columns. Columns use van Herk's method, in blocks

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rows that are filtered two at a time. Kernel files include this once per target.
 #if defined(OPCV_DLIB_RANK_ROW_PAIR_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef OPCV_DLIB_RANK_ROW_PAIR_INL_H

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Chooses the vector target when the library is loaded, so that no call writes to a global later.
 #include <hwy/highway.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Float arithmetic with the same bits on every target. Kernel files include this once per target.
 #if defined(OPCV_DLIB_SIMD_EXACT_FLOAT_INL_H) == defined(HWY_TARGET_TOGGLE)
 #ifdef OPCV_DLIB_SIMD_EXACT_FLOAT_INL_H

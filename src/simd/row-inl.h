@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Covers a row with whole vectors, or blocks of vectors, and the remaining columns by the rule that the kernel selects.
 // Kernel files include this once per target.
 //

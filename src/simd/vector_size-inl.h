@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The vector width of kernels. Most kernels use the widest vectors of a target. A kernel that is slower with 64 bytes,
 // the width of AVX3_DL, has its own tag here, with its time on AVX3_DL divided by its time on AVX2. Differences below
 // 3 % are ignored. Kernel files include this once per target.

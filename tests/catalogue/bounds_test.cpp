@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Calls every function with images that end at an inaccessible page, and with images that begin after one. It must read
 // only its documented margin and write only its output. Input buffers are in read-only pages. The row padding differs
 // between the two calls and must not affect the result.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // One call of an exported function: its buffers, which have exactly the documented extent and are filled from a seed,
 // the call and its results. A case can be run repeatedly, with the same results each time.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A case for every exported function. The tests of this folder and of tests/catalogue/memory loop over it, so that
 // every test covers all functions.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The catalogue itself: it knows every exported function, and its cases succeed and repeat.
 #include "catalogue/catalogue.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolution, box, bilateral and noise reduction, matrix product and cosine transform.
 #include <algorithm>
 #include <array>

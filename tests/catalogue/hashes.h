@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The results of random calls of each function, as one hash per batch. They are the same for every processor, kernel
 // target, compiler and OpenCV version.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Every function returns the same bytes for the same call on every machine. hashes.txt was written on x86-64.
 #include <gtest/gtest.h>
 

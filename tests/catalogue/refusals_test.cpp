@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Calls every function with each invalid argument: it must return the documented status, throw nothing and write
 // nothing.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Calls every function while no thread can be started, on large images, for which OpenCV would distribute the call.
 // Each must return the same bytes as on one thread and throw nothing. Each call runs in a separate process, because
 // OpenCV's pool no longer uses a thread that has failed to start.

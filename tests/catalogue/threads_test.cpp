@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Calls all functions on eight threads at the same time, each thread in another order: every output must equal that of
 // a single thread. Also runs with the thread sanitizer. Then calls each function on large images with one and with
 // several OpenCV threads.

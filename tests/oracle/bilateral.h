@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilateral filter of 8-bit channels by its definition, bit for bit. Weights and sums are floats. The cells of a window
 // are those within half its side of the centre, in raster order.
 #pragma once

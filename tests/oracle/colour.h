@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Conversion between RGB and analog YUV, one pixel at a time: by the definition in 14-bit fixed point, and by the plain
 // formula in double precision.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Convolution by its definition, bit for bit: float sums over the turned kernel's cells in raster order, each product added
 // fused, rounded to the nearest integer (halves to even), saturated; NaN becomes the type's least value.
 #pragma once

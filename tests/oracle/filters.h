@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Linear filters by their definition, one value at a time. `at(x, y)` returns a source value, counted from the region.
 #pragma once
 

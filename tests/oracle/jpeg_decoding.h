@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The page that a stream holds, by libjpeg driven directly: the rows that it decodes before the data ends, the last of
 // them repeated to the bottom.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The linear filters by plain OpenCV: a view of the source with its margin, the OpenCV call into a new matrix, a copy
 // of the region. The library must write the same bytes.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bilinear resize, one pixel at a time: by the definition in 11-bit fixed point, and by the plain formula in double
 // precision.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rotation by any angle in two ways: with OpenCV's calls, and by bilinear interpolation in double precision.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Thresholds and depth conversion by their definitions, one pixel at a time. Rows may be unaligned.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // OpenCV views of test images, for comparison with direct OpenCV calls.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A page like a scanned one: dark strokes on light paper with slow shading and noise of a few levels.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A block that ends at an inaccessible page, or begins after one: an access one byte out of bounds ends the test.
 #pragma once
 

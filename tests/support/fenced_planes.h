@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A packed row of three channels and its three planes, in blocks of exactly their size.
 #pragma once
 

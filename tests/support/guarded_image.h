@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // An image with a canary in every byte around the region: random bytes before it, in the margin, in the row padding and
 // after it, which are compared with a copy.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Measures the heap use of a call, in all threads. The program must link own_malloc.
 #pragma once
 

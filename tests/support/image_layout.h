@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The layout of an image in its block of memory, shared by the guarded images of the unit tests, the cases of the
 // catalogue and the blocks of the fuzz programs.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Direct calls of libjpeg's compressor, with its own memory destination.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // JPEG streams that cost a decoder as much as their coding allows: every coefficient of every block is coded, in every
 // scan, with values that no decoder can predict.
 #pragma once

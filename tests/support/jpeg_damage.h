@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Streams that were cut or have a bit flipped, and what their reading says about it.
 #pragma once
 

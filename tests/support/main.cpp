@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Test program entry.
 //
 //     OPCV_DLIB_TEST_TARGET=SSSE3 unit_tests    runs the kernels of that vector target; without it, those of the best one

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Replaces malloc and its relatives, including operator new, for the program and every library in it. They forward to
 // the C library. The program defines these hooks, which must not allocate.
 #pragma once

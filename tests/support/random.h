@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Random numbers with a fixed seed, so that failures are reproducible. They are the same on every machine and with
 // every standard library; the distributions of standard libraries differ.
 #pragma once

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Destinations that begin with the last byte that is read, or end with the first one.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // pagegen: draws A4 pages that look scanned: text, a picture, uneven light, noise and a skew.
 #include <OPCV_dlib.h>
 

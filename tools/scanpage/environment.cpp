@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Removes the environment variables by which the decoder and OpenCV would change results, write files or print text.
 //
 // OpenCV reads some of them as its libraries are loaded, before main. The dynamic linker runs a program's

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Filters of whole pages, in place. Pixels too close to the edge for a window are unchanged.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The files that scanpage writes, as bytes. Each holds `mark` in a comment.
 #pragma once
 

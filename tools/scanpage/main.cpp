@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // scanpage: reads scanned JPEG pages, straightens them and writes them as JPEG, PBM or TIFF.
 #include <fcntl.h>
 #include <leptonica/allheaders.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The pages to process: those of the command line, then those of a list that is read as needed.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The report on the pages: a line each on standard output, everything for people on standard error.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A progress bar on a terminal: pages done, speed and remaining time.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // SIGTERM and SIGINT as a request to stop: pages in hand are finished, and no other page is started.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Writes docs/gallery.md and its pictures, or compares them with the existing files.
 #pragma once
 

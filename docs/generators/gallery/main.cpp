@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // gallery: draws a page, runs filters on it and writes docs/gallery.md with pictures and measurements.
 //
 //     gallery DOCS_FOLDER            writes the document and its pictures

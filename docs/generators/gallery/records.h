@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Conversion between records and OpenCV matrices. Pages are grey or red, green, blue, without padding.
 #pragma once
 

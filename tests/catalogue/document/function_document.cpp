@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Makes docs/functions.md from the header, the catalogue and calls of each function.
 //
 //     function_document HEADER SECOND_HEADER TEMPLATE DOCUMENT            fails if it would write another document

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // What a call of the catalogue reads around its region, takes from the heap and shares among threads.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The heap of the test program and of every library in it. It can make the n-th allocation of a call fail, and it
 // counts the blocks that the call has allocated and not freed.
 #pragma once

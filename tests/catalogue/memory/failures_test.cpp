@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The whole catalogue on a heap that fails, and on a heap whose blocks come with other bytes in them.
 #include <gtest/gtest.h>
 

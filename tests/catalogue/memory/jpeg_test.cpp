@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Compressors and readers that are out of memory, in cases that the catalogue does not have.
 #include <gtest/gtest.h>
 

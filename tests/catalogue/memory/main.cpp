@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // "catalogue_memory_tests --table" writes the table of docs/reliability.md instead of testing.
 #include <gtest/gtest.h>
 

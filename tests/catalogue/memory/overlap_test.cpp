@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Conversions whose destination overlaps their source need a temporary image, and allocating it may fail.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // What functions that create records do with the caller's slot if they are out of memory.
 #include <gtest/gtest.h>
 

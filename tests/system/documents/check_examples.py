@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Checks that the programs in the documents are files that the tests build and run.
 
 Every fenced block of a programming language in README.md and docs/*.md must equal a file in examples/readme or

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Checks that every exported function has a complete manual page.
 
     check_man_pages.py NM LIBRARY MAN_FOLDER

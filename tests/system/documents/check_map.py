@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """check_map.py SOURCES: CONTRIBUTING.md has every folder and script of the tree, and every file that it names exists.
 
 The commands of ./dev, their help and what the documents call are compared as well.

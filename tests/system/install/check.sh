@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # tests/system/install/check.sh PACKAGES RELEASE
 #
 # Installs the packages of a folder into a fresh tree of a Debian release that has nothing else but what they depend on,

@@ -1,4 +1,7 @@
 #!/usr/bin/env bash
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # inside.sh SOURCES: what check.sh runs in the fresh tree. SOURCES is where the packages were built.
 set -euo pipefail
 sources=$1

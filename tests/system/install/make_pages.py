@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """make_pages.py COUNT FOLDER: draws small pages with lines of ink, each with a different skew.
 make_pages.py --check FOLDER: fails unless each page in the folder can be read and has kept its size and resolution."""
 

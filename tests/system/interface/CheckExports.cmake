@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # cmake -DNM=... -DLIBRARY=... -DLISTS=FOLDER -P CheckExports.cmake
 # Fails unless the library exports exactly the names in the lists, each list with its version of the interface.
 execute_process(COMMAND ${NM} -D --defined-only --format=posix ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Installs into an empty prefix, then builds and runs the README's examples against it, once with find_package and once
 # with pkg-config.
 include(${CMAKE_CURRENT_LIST_DIR}/Run.cmake)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The parts beside the library: what lacks a package is left out with one line if it is AUTO, and an error if it is ON.
 cmake_minimum_required(VERSION 3.25)
 file(REMOVE_RECURSE ${WORK})

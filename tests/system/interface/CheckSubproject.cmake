@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # The library inside another project: it leaves the parent's cache and installation alone, and a program of the parent
 # links it, shared and static. The static library is then installed and used from there.
 cmake_minimum_required(VERSION 3.25)

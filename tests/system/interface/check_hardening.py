@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Looks at a finished library or program: what an attacker could use must not be in it."""
 import argparse
 import re

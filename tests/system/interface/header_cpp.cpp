@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The header alone, as C++17, before any other.
 #include "OPCV_dlib.h"
 

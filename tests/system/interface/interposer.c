@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* Stands before the library in the search order, takes over three exported names and counts the calls. */
 #include <stdlib.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 /* The reading header first, as C11. */
 #include "OPCV_dlib_read.h"
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Images for the tests: random ones, views with awkward strides, and memory that ends where reading must end."""
 
 import ctypes

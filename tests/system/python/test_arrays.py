@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """What every function says of the arrays that it is given, and that it touches nothing else."""
 
 import numpy as np

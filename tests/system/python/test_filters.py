@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Medians, minimum and maximum, convolution, noise reduction, matrix product and cosine transform."""
 
 import numpy as np

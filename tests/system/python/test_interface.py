@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """That the module is complete: every exported function is called or told of, every name has its types and words."""
 
 import ast

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Pages a second of each engine with one and two workers: measure.py small|a4 [ENGINE...]
 
 From the start of the engine's command to its end; the daemons of Slurm and Dask are up before.

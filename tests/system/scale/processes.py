@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Processes that the tests start, all of them: what daemons leave behind is adopted here, so that it can be ended."""
 
 import ctypes

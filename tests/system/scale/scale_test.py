@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """A thousand pages by each engine that docs/scale.md describes, with workers lost on the way.
 
 Exactly once means here: in the end each page has one complete result; a page whose result was complete is not worked

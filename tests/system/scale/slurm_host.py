@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Slurm on this machine alone: a controller and two machines of one processor each, with all its files in a folder."""
 
 import getpass

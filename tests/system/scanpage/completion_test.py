@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """The shells complete the options of `scanpage --help`, all of them and no others, and their values."""
 
 import os

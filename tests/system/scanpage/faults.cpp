@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Preloaded into scanpage: makes system calls fail, raises signals, holds reads up, and records what reaches the disk.
 //
 // Only files below FOLDER are looked at. FAULT is "CALL N", "CALL N lasting" or "hold":

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Whatever fails, and whenever: no page is changed, no result is partial, and report and exit status are true."""
 
 import itertools

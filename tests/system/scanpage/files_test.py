@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """No file is destroyed: neither pages, nor files of other programs, nor what links lead to."""
 
 import os

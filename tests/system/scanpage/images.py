@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """Images in files, drawn and read by Leptonica, which scanpage is linked with."""
 
 import ctypes

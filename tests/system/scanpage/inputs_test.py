@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """What scanpage is given: files that are no pages, damaged and very large pages, odd names, the environment."""
 
 import os

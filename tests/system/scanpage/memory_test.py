@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """The memory of a run goes by the pages in hand, not by the pages of the run."""
 
 import os

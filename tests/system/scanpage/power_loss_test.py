@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """What is on disk after a power failure at any moment: pages as they were, and each result whole or not there.
 
 The writes, syncs and names of a run are recorded. For every moment of it, every state of the disk is made that the

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """What is in the results: pixels, formats, filters, resolution, and the contact sheet."""
 
 import random

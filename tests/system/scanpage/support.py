@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 """What the tests of scanpage share: running it, reading its report, pages to work on."""
 
 import collections

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The algebra of regions against pixel addresses that are counted by hand, and the overlap of byte ranges.
 #include "core/region.h"
 

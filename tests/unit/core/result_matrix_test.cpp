@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Matrices that OpenCV fills: as OpenCV's own, with the allocator of the matrix.
 #include "core/result_matrix.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Bands of rows: each row comes once, whatever the number of rows and threads, and failures of the bands reach the
 // caller. How threads that cannot be started are replaced is tested for every function in tests/catalogue.
 #include "core/row_bands.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Images for which the result of a bilateral filter depends on the order of its sums.
 #pragma once
 

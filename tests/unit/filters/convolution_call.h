@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The convolutions by one signature for each type of kernel, beside the definition.
 #pragma once
 

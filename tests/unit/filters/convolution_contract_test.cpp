@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The bytes that a convolution reads and writes, and the arguments that it rejects.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Positions compared with the definition, and each limit of the fixed-point range.
 #include "geometry/affine_map.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The arguments that the deskew functions reject; a failure leaves the slot empty.
 #include <gtest/gtest.h>
 

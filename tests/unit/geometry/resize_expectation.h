@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Compares a scaled image with the definition in fixed point and with the plain formula.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A random rotation, and its result compared with that of plain OpenCV calls.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Rotation at the limits of fixed-point positions, centres and sides: the bytes equal OpenCV's, and images that are too
 // long throw OpenCV's exception.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The limits of the method that computes only the target's pixels.
 #include <gtest/gtest.h>
 

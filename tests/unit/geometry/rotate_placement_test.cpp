@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The position of each pixel after a rotation, and the values where the source has no pixel.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The arguments that a rotation rejects; it then writes nothing.
 #include <gtest/gtest.h>
 

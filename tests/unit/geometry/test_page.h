@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A page of random pixels with its description, and the expected results of the page functions.
 #pragma once
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Streams of a few bytes that would keep a decoder busy: each is rejected, or stays within a limit of its caller.
 #include "support/jpeg_costly.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // What is said of streams that were cut or have a bit flipped.
 #include "support/jpeg_damage.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The encoder with a work buffer that ends with the stream, and with one custom table.
 #include <gtest/gtest.h>
 

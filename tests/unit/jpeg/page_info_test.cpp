@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // What the headers say about a page, and the limits.
 #include "jpeg/page_info.h"
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // opcv_read_info, opcv_read_page and opcv_read_rows.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // A median with a fixed window, described for the tests that every one of them runs (fixed_window_test.cpp). The
 // test beside each median's source makes instances of them.
 #pragma once

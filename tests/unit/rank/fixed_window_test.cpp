@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // What all medians with a fixed window have in common, by their kernels and by the entry points that choose one by a
 // code. The tests of this file run on the filters that the tests of each median name.
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The vector median of colour pixels: the tests of every fixed window, and the choice among nine pixels.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The cross medians: the tests of every fixed window, and what only a cross does.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The merging networks of the square medians, for every distribution of black and white in a window.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // The medians with a weighted centre: the tests of every fixed window, and what the weight does.
 #include <gtest/gtest.h>
 

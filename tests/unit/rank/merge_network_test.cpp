@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 #include "rank/merge_network.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Float arithmetic on the vectors of the target that the program runs, beside the C library's.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
 // Every rule that covers a row, on the vectors of the target that the program runs: which columns are reached by which
 // call, for rows from none to a little more than two vectors.
 #include <gtest/gtest.h>

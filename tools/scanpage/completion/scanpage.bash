@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Completion of scanpage for bash.
 _scanpage() {
     local word=${COMP_WORDS[COMP_CWORD]} words=

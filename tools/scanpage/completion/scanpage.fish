@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
 # Completion of scanpage for fish.
 complete -c scanpage -s h -l help -d 'Print the help and exit'
 complete -c scanpage -l from -r -F -d 'File with the names of more pages'
