@@ -24,11 +24,14 @@ cmd_memcheck() {
     install_packages
     need valgrind
     build release catalogue_tests unit_tests
+    export JSIMD_FORCENONE=1
     say "The catalogue"
     under_valgrind ./build/release/tests/catalogue/catalogue_tests --gtest_filter='Catalogue.*'
+    say "The hashed calls"    # some run on the threads of OpenCV's pool, which keeps a block for each
+    under_valgrind --leak-check=no ./build/release/tests/catalogue/catalogue_tests --gtest_filter='Hashes.*'
     say "The unit tests"
     export -f under_valgrind
-    export JSIMD_FORCENONE=1 GTEST_TOTAL_SHARDS=$jobs GTEST_BRIEF=1
+    export GTEST_TOTAL_SHARDS=$jobs GTEST_BRIEF=1
     seq 0 $((jobs - 1)) | xargs -P "$jobs" -I{} env GTEST_SHARD_INDEX={} bash -c 'under_valgrind "$@"' valgrind \
         ./build/release/tests/unit_tests --gtest_filter="${1:-$not_under_valgrind}"
 }

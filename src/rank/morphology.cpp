@@ -64,7 +64,9 @@ OSErr filter(const Source& src, const Target& dst, const cv::Mat& mask, IppiPoin
     const WindowRows rows = {source.data,    static_cast<ptrdiff_t>(source.step),
                              target.data,    static_cast<ptrdiff_t>(target.step),
                              dst.size.width, dst.size.height};
-    if (!overlap(source, target) && filterDirectly(rows, mask, extremum)) return noErr;
+    // The view of an even mask has a column and a row that no window reaches.
+    const ByteSpan windows(rows.src, rows.srcStep, rows.width + mask.cols - 1, rows.height + mask.rows - 1);
+    if (!overlap(windows, ByteSpan(target)) && filterDirectly(rows, mask, extremum)) return noErr;
 
     ResultMatrix filtered;
     filterByOpenCV(source, mask, extremum, filtered);

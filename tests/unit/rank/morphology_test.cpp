@@ -229,6 +229,24 @@ TEST_P(Morphology, ReadsNoByteTooManyByOpenCV) {
     }
 }
 
+// A destination right behind the last window shares no byte with the source, so the row below an even mask is not read.
+TEST_P(Morphology, ReadsOnlyTheWindowsInFrontOfTheDestination) {
+    Random random(412);
+    constexpr IppiSize kSize = {4, 1};
+    for (const IppiSize side : {IppiSize{2, 2}, {3, 2}, {2, 1}}) {
+        const int step = 64;
+        const int windows = step * (side.height - 1) + kSize.width + side.width - 1;
+        FencedMemory memory(static_cast<size_t>(windows + kSize.width), FencedMemory::Fence::kBehind);
+        random.fill(memory.data(), memory.size());
+        const Mask mask = Mask::full(side);
+        uint8_t* const dst = memory.data() + windows;
+        ASSERT_EQ(filter()(memory.data(), step, dst, step, kSize, mask.cells.data(), side, {0, 0}), ippStsNoErr);
+        for (int x = 0; x < kSize.width; ++x)
+            EXPECT_EQ(dst[x], oracle::extremeUnder(memory.data() + x, step, mask.cells.data(), side.width, side.height,
+                                                   filter().largest));
+    }
+}
+
 TEST_P(Morphology, FiltersInPlace) {
     Random random(406);
     const IppiSize size = {40, 12};
