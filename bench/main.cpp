@@ -6,6 +6,8 @@
 //
 //     opcv_dlib_bench [--results=FILE] [--rounds=N] [options of Google Benchmark]
 //
+// OPCV_DLIB_TEST_TARGET=AVX2 measures the kernels of that vector target. Each line names the target and the processor.
+//
 // A round runs the library, the plain way and memcpy in turn. Ratios are computed within a round. Times and ratios are
 // medians over the rounds.
 #include <benchmark/benchmark.h>
@@ -27,6 +29,7 @@
 
 #include "support.h"
 #include "support/heap_meter.h"
+#include "support/vector_target.h"
 
 namespace bench {
 namespace {
@@ -100,6 +103,14 @@ Figures measure(const Comparison& comparison, int rounds) {
             median(ratios[2]), HeapMeter::of(runs[0]), HeapMeter::of(runs[1])};
 }
 
+// As the kernel names it.
+std::string processorName() {
+    std::ifstream in("/proc/cpuinfo");
+    for (std::string line; std::getline(in, line);)
+        if (line.rfind("model name", 0) == 0) return line.substr(line.find(':') + 2);
+    return "unknown";
+}
+
 // The lines of the table, by name of comparison.
 class Results {
 public:
@@ -121,7 +132,8 @@ public:
              << figures.plainHeap.blocks;
         const Goal* goal = goalOf(subject);
         line << '\t' << (goal ? std::to_string(goal->ratio) : "") << '\t'
-             << (goal && goal->beside == Goal::kMemcpy ? "memcpy" : "");
+             << (goal && goal->beside == Goal::kMemcpy ? "memcpy" : "") << '\t' << vector_target::name() << '\t'
+             << processor_;
         lines_[name] = line.str();
     }
 
@@ -131,7 +143,7 @@ public:
         std::ofstream out(file_);
         out << "name\theading\tfunction\tvariant\tsize\tthreads\tread\twritten\tours\tplain_"
                "name\tplain\tratio\tmemcpy\t"
-               "ratio_memcpy\theap\tblocks\tplain_heap\tplain_blocks\tgoal\tgoal_beside\n";
+               "ratio_memcpy\theap\tblocks\tplain_heap\tplain_blocks\tgoal\tgoal_beside\ttarget\tprocessor\n";
         for (const Comparison& comparison : comparisons())
             for (const int threads : threadCounts) {
                 const auto line = lines_.find(nameOf(comparison, threads));
@@ -142,6 +154,7 @@ public:
 
 private:
     std::string file_;
+    std::string processor_ = processorName();
     std::map<std::string, std::string> lines_;
 };
 
@@ -186,6 +199,7 @@ std::string takeOption(std::vector<char*>& arguments, const std::string& name, c
 }    // namespace
 
 int run(std::vector<char*> arguments) {
+    if (const int end = vector_target::choose()) return end;
     Results results(takeOption(arguments, "results", ""));
     const int rounds = std::stoi(takeOption(arguments, "rounds", "9"));
     std::vector<int> threadCounts = {1};
@@ -198,6 +212,7 @@ int run(std::vector<char*> arguments) {
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+    std::printf("%s, kernels of %s\n", processorName().c_str(), vector_target::name().c_str());
     std::printf("| call | ours, ms | beside, ms | ratio | ratio | heap peak in blocks |\n|---|---|---|---|---|---|\n");
     Silent reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
