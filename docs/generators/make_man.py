@@ -13,25 +13,8 @@ import re
 import sys
 import xml.etree.ElementTree as ElementTree
 
-# The pages, and the groups of the header on each, in order.
-FAMILIES = {
-    "opcv_records": ("status codes, records, planes and initialisation", [
-        "Status codes", "Value types", "Records", "Initialisation", "Image records", "Planes"]),
-    "opcv_rank": ("medians, dilation, erosion, maximum and minimum", [
-        "Square medians", "Square median, any pixel type", "Medians with a fixed window", "Medians without checks",
-        "Dilation, erosion, maximum and minimum"]),
-    "opcv_geometry": ("rotation, deskew, quarter turns and resize", [
-        "Rotation of regions", "Rotation of regions, any pixel type", "Deskew and rotation of pages", "Resize"]),
-    "opcv_jpeg": ("JPEG compression and reading", [
-        "JPEG compression", "JPEG compression of buffers", "JPEG reading"]),
-    "opcv_pixel": ("bit packing, depth, thresholds, colour space and planes", [
-        "Bit packing", "Bit packing without checks", "Depth conversion", "Thresholds and fill",
-        "Thresholds without checks", "Colour space", "Plane layout"]),
-    "opcv_filters": ("convolution, noise reduction, matrix product and cosine transform", [
-        "Convolution and box filter", "Convolution of any pixel type", "Noise reduction",
-        "Matrix product and cosine transform"]),
-    "opcv_read": ("JPEG reading with limits, cancellation and a report", ["JPEG reading with limits"]),
-}
+from families import FAMILIES
+
 STRUCTURES = {"Value types": ["IppiSize", "IppiPoint", "IppiRect", "KVRect"],
               "Records": ["KVIMG", "KVImageDescription", "KVImageHeader"],
               "JPEG reading with limits": ["opcv_read_options", "opcv_read_report", "opcv_rows"]}
@@ -223,7 +206,7 @@ def heading(page, section, version, date):
 
 
 def see_also(page):
-    others = [f"{p} (3)" for p in FAMILIES if p != page]
+    others = [f"{family.page} (3)" for family in FAMILIES if family.page != page]
     if page != OVERVIEW:
         others.insert(0, f"{OVERVIEW} (7)")
     return [".SH SEE ALSO"] + [".BR " + o + ("," if o is not others[-1] else "") for o in others]
@@ -277,16 +260,17 @@ def main(xml, version, date, target, *headers):
     xml, target = pathlib.Path(xml), pathlib.Path(target)
     headers = [Header(path, xml) for path in headers]
     header_of = {title: header for header in headers for title in header.groups}
-    known = [title for _, titles in FAMILIES.values() for title in titles]
+    known = [title for family in FAMILIES for title in family.groups]
     if set(header_of) - set(known):
         raise ValueError(f"groups without a page: {sorted(set(header_of) - set(known))}")
 
-    for page, (purpose, titles) in FAMILIES.items():
+    for family in FAMILIES:
+        page, titles = family.page, family.groups
         header = next(header_of[t] for t in titles if t in header_of)
         functions = functions_of([header.groups[t] for t in titles if t in header.groups])
         names = [f.findtext("name") for f in functions]
         content = heading(page, 3, version, date)
-        content += [".SH NAME", ", ".join([page] + names) + " \\- " + purpose]
+        content += [".SH NAME", ", ".join([page] + names) + " \\- " + family.about]
         content += synopsis(functions, header)
         if header is not headers[0]:    # the first header's description is a separate page
             content += [".SH DESCRIPTION"] + header.description()
@@ -306,8 +290,8 @@ def main(xml, version, date, target, *headers):
     content += [".SH SYNOPSIS"] + include_lines()
     content += [".SH DESCRIPTION"] + headers[0].description()
     content += [".SH PAGES"]
-    for page, (purpose, _) in FAMILIES.items():
-        content += [".TP", f".BR {page} (3)", escaped(purpose[0].upper() + purpose[1:]) + "."]
+    for family in FAMILIES:
+        content += [".TP", f".BR {family.page} (3)", escaped(family.about[0].upper() + family.about[1:]) + "."]
     write(target, 7, OVERVIEW, content + see_also(OVERVIEW))
 
 
