@@ -4,13 +4,24 @@
 # shellcheck shell=bash
 # Generated documents.
 
-# The reference in HTML and the manual pages, both from the public header.
+site_packages=(chromium chromium-driver python3-selenium)
+
+# The site in HTML: documents, reference and manual pages.
+make_site() {
+    build release man
+    python3 docs/generators/make_site.py build/release/man build/site
+}
+
+# Chromium reads every page as a phone would. The screenshots are for people.
+browse_site() { /usr/bin/python3 tests/system/documents/browse_site.py build/site/html build/site/screenshots; }
+
+check_site() { make_site && browse_site; }
+
 cmd_docs() {
     install_packages
-    mkdir -p build/docs
-    doxygen docs/Doxyfile
-    build release man
-    echo "Reference: $PWD/build/docs/html/index.html"
+    make_site
+    python3 tests/system/documents/check_site.py build/site/html
+    echo "Site: $PWD/build/site/html/index.html"
     echo "Manual pages: man -M $PWD/build/release/man opcv_dlib"
 }
 

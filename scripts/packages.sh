@@ -10,7 +10,7 @@ packages=(
     libopencv-core-dev libopencv-imgcodecs-dev libopencv-imgproc-dev
     libcli11-dev libgraphicsmagick1-dev libleptonica-dev libtiff-dev
     pybind11-dev python3-dev python3-hypothesis python3-mypy python3-numpy python3-pytest
-    doxygen mandoc
+    doxygen doxygen-awesome-css mandoc
 )
 
 # Installs what is missing.

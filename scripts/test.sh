@@ -20,7 +20,7 @@ cmd_test() {
     other=$(other_release)
     trap summarize EXIT
     need "${packages[@]}" "${arm64_packages[@]}" "${packaging_packages[@]}" "${scale_packages[@]}" "${fuzz_packages[@]}" \
-        "${coverage_packages[@]}" "${lint_packages[@]}"
+        "${coverage_packages[@]}" "${lint_packages[@]}" "${site_packages[@]}"
     aside trees make_trees "$other"
     build release
     run_tests release
@@ -28,10 +28,12 @@ cmd_test() {
     check "Coverage" check_coverage
     check "A thousand pages by each engine" check_scale
     aside packages check_packages
+    aside site check_site
     join trees
     lint "$library" --checks='-clang-analyzer-*'
     build asan
     check "Packages in a fresh Debian tree" join packages
+    check "The site in a browser" join site
     run_tests asan
     run_debian_tests "$other"
     aside debian check_debian_packages "$other"
