@@ -3,6 +3,8 @@
 
 #include "arrays.h"
 
+#include <pybind11/stl.h>
+
 #include <algorithm>
 #include <climits>
 #include <cstring>
@@ -19,6 +21,14 @@ std::string described(const py::array& array) {
     return py::str(array.attr("dtype")).cast<std::string>() + " of shape " + shapeOf(array);
 }
 
+// An object that is not an array, and how to make it one.
+std::string described(const py::object& object) {
+    const auto name = py::str(py::type::handle_of(object).attr("__name__")).cast<std::string>();
+    const bool holdsPixels = py::hasattr(object, "__array_interface__") || py::isinstance<py::list>(object) ||
+                             py::isinstance<py::tuple>(object);
+    return name + (holdsPixels ? " (numpy.asarray converts it)" : "");
+}
+
 // Arrays in the other byte order do not match any of these.
 std::optional<Depth> depthOf(const py::array& array) {
     if (py::isinstance<py::array_t<uint8_t>>(array)) return Depth::k8u;
@@ -31,7 +41,13 @@ std::optional<Depth> depthOf(const py::array& array) {
     return std::nullopt;
 }
 
-constexpr py::ssize_t kMostChannels = 4;
+constexpr int kMostChannels = 4;
+
+bool takesDepth(const Form& form, const std::optional<Depth>& depth) {
+    for (int channels = 1; depth && channels <= kMostChannels; ++channels)
+        if (form.takes(*depth, channels)) return true;
+    return false;
+}
 
 // NumPy gives an arbitrary stride to a dimension of one element, so it is not checked.
 void checkInnerStrides(const Argument& argument, const py::array& array, const Image& image) {
@@ -122,6 +138,10 @@ void refuse(const Argument& argument, const std::string& why) {
     refuse(argument.function, std::string(argument.name) + " " + why);
 }
 
+void refuseType(const Argument& argument, const std::string& why) {
+    throw py::type_error(std::string(argument.function) + ": " + argument.name + " " + why);
+}
+
 int bytesOf(Depth depth) {
     switch (depth) {
         case Depth::k8u:
@@ -157,12 +177,15 @@ Image Image::part(const IppiRect& r) const {
 }
 
 Image imageOf(const Argument& argument, const py::array& array, const Form& form, Access access) {
+    const std::string mustBe = std::string("must be ") + form.words + ", not ";
+    if (!py::isinstance<py::array>(array)) refuseType(argument, mustBe + described(py::object(array)));
     const std::optional<Depth> depth = depthOf(array);
+    if (!takesDepth(form, depth)) refuseType(argument, mustBe + described(array));
     const bool isImage =
-        depth && (array.ndim() == 2 || (array.ndim() == 3 && array.shape(2) >= 1 && array.shape(2) <= kMostChannels));
+        array.ndim() == 2 || (array.ndim() == 3 && array.shape(2) >= 1 && array.shape(2) <= kMostChannels);
     const int channels = isImage && array.ndim() == 3 ? static_cast<int>(array.shape(2)) : 1;
     if (!isImage || !form.takes(*depth, channels) || (array.ndim() == 3 && channels == 1))
-        refuse(argument, std::string("must be ") + form.words + ", not " + described(array));
+        refuse(argument, mustBe + described(array));
     checkSides(argument, array);
 
     Image image;
@@ -251,8 +274,13 @@ Result resultOf(const char* function, const Output& out, int width, int height, 
         return {made, imageOf(argument, made, kAnyPixels, Access::kWrite)};
     }
     const Image image = imageOf(argument, *out, kAnyPixels, Access::kWrite);
-    if (image.width != width || image.height != height || image.channels != channels || image.depth != depth)
-        refuse(argument, "must be " + described(py::array(dtypeOf(depth), shape)) + ", not " + described(*out));
+    const auto why = [&] {
+        const std::string words = py::str(py::object(dtypeOf(depth))).cast<std::string>() + " of shape ";
+        return "must be " + words + py::str(py::tuple(py::cast(shape))).cast<std::string>() + ", not " +
+               described(*out);
+    };
+    if (image.depth != depth) refuseType(argument, why());
+    if (image.width != width || image.height != height || image.channels != channels) refuse(argument, why());
     return {*out, image};
 }
 

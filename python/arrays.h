@@ -4,7 +4,8 @@
 // NumPy arrays as images: checks, the rectangle that a filter reads, overlap, results, and calls into the library.
 //
 // Before the library is called, everything that a function will read or write is compared with the extent of the array.
-// If it does not fit, ValueError is raised with the names of the function and the argument.
+// If it does not fit, ValueError is raised with the names of the function and the argument. TypeError is raised for
+// arrays of another dtype and for objects that are not arrays.
 #pragma once
 
 #include <OPCV_dlib.h>
@@ -18,6 +19,17 @@
 #include <tuple>
 #include <vector>
 
+// Accepts every object as an array, so that imageOf can tell what is wrong with it. pybind11's own caster would make it
+// print the signature of the function and the whole argument instead.
+template <>
+class pybind11::detail::type_caster<pybind11::array> : public pyobject_caster<array> {
+public:
+    bool load(handle source, bool) {
+        value = reinterpret_borrow<array>(source);
+        return static_cast<bool>(source);
+    }
+};
+
 namespace binding {
 
 namespace py = pybind11;
@@ -30,6 +42,7 @@ struct Argument {
 
 [[noreturn]] void refuse(const Argument& argument, const std::string& why);
 [[noreturn]] void refuse(const char* function, const std::string& why);
+[[noreturn]] void refuseType(const Argument& argument, const std::string& why);    // TypeError
 
 // Pixel depths in OpenCV's numbering, which the functions for any pixel type use.
 enum class Depth { k8u, k8s, k16u, k16s, k32s, k32f, k64f };
@@ -51,6 +64,9 @@ inline constexpr Form kGreyOrColour = {"an array of uint8 with the shape (height
 inline constexpr Form kPagePixels = {
     "an array of uint8 with the shape (height, width), (height, width, 3) or (height, width, 4)",
     [](Depth d, int n) { return d == Depth::k8u && (n == 1 || n == 3 || n == 4); }};
+inline constexpr Form kPageOrPixels = {
+    "a Page or an array of uint8 with the shape (height, width), (height, width, 3) or (height, width, 4)",
+    kPagePixels.takes};
 inline constexpr Form kGrey16 = {"a 2-D array of int16", [](Depth d, int n) { return d == Depth::k16s && n == 1; }};
 inline constexpr Form kGreyOf8Or16 = {"a 2-D array of uint8 or int16",
                                       [](Depth d, int n) { return (d == Depth::k8u || d == Depth::k16s) && n == 1; }};
@@ -78,7 +94,7 @@ struct Image {
     Image part(const IppiRect& r) const;
 };
 
-// The array as an image. Rejects other forms, empty arrays, gaps between pixels, row strides that are negative, shorter
+// The array as an image. Rejects other objects, other forms, empty arrays, gaps between pixels, row strides that are negative, shorter
 // than a row or not a multiple of the pixel size, and, for writing, read-only arrays.
 Image imageOf(const Argument& argument, const py::array& array, const Form& form, Access access = Access::kRead);
 

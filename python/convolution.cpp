@@ -181,11 +181,24 @@ result(x, y) is the sum over the cells (column i, row j) of kernel[j][i] x src(x
 the right, and likewise above and below. `out` may overlap `src`. With kernels of 50 cells or more, the source pixels
 are copied first.
 
+Shapes: (height, width) or (height, width, channels) -> (height - rows + 1, width - columns + 1, ...) for a kernel
+(rows, columns) of odd sides; same dtype.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.convolve(page, np.ones((3, 3), int), 9).shape
+(3506, 2478)
+
 Calls `IPPShare_ippiFilter_8u_C1R`, `IPPShare_ippiFilter_8u_C3R`, `IPPShare_ippiFilter_16s_C1R` or, for other pixel
 types, `ippiFilter`.)");
     module.def("convolve_float", convolveFloat, "src"_a, "kernel"_a, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(), "out"_a = py::none(),
                R"(`convolve` with a table of 32-bit floats and without a divisor.
+
+Shapes: as for `convolve`.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.convolve_float(page, np.ones((3, 3)) / 9).shape
+(3506, 2478)
 
 Calls `IPPMini_ippiFilter32f_8u_C3R` or, for pixel types other than colour, `ippiFilter32f`.)");
     module.def("convolution24_mono", convolution24Mono, "src"_a, "kernel"_a, py::kw_only(), "out"_a = py::none(),
@@ -194,6 +207,12 @@ Calls `IPPMini_ippiFilter32f_8u_C3R` or, for pixel types other than colour, `ipp
 The rows of the image must have no gaps. Half a kernel side of pixels at each edge is not written; in a new result these
 hold the pixels of the source. `out` may be `src`.
 
+Shapes: (height, width, 3) and a kernel (side, side) -> (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.convolution24_mono(page, np.ones((3, 3)) / 9).shape
+(3508, 2480, 3)
+
 Calls `Convolution24MonoFilter`.)");
     module.def("convolution24", convolution24, "src"_a, "kernels"_a, py::kw_only(), "out"_a = py::none(),
                R"(Convolution of a whole colour image with one square kernel of floats per channel.
@@ -201,6 +220,12 @@ Calls `Convolution24MonoFilter`.)");
 The rows of the image must have no gaps. `kernels` has the shape (3, side, side), in the **reverse** order of the
 channels: the first is for blue, the third for red. Half a kernel side of pixels at each edge is not filtered and holds
 the pixels of the source. `out` may be `src`.
+
+Shapes: (height, width, 3) -> (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.convolution24(page, np.ones((3, 3, 3)) / 9).shape
+(3508, 2480, 3)
 
 Calls `Convolution24`.)");
 }

@@ -123,6 +123,12 @@ void addFilters(py::module_& module) {
 The top left pixel of the rectangle is (x - ax, y - ay) with the anchor (ax, ay), by default (width // 2, height // 2).
 With h = width // 2, the margin is ax pixels to the left and 2 h - ax to the right, and likewise above and below.
 
+Shapes: (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_box(page, (5, 5)) is page
+True
+
 Calls `IPPMini_ippiFilterBox_8u_C3IR`.)");
     module.def("filter_bilateral", filterBilateral, "src"_a, "size"_a, "color_square_sigma"_a, "space_square_sigma"_a,
                py::kw_only(), "region"_a = py::none(), "out"_a = py::none(),
@@ -130,6 +136,12 @@ Calls `IPPMini_ippiFilterBox_8u_C3IR`.)");
 
 The arguments are the squares of the sigmas, in grey levels and in pixels. The margin is size // 2 pixels on each side.
 `out` may overlap `src`. A size of 1 filters over 3 x 3 pixels and mirrors the region at its edges.
+
+Shapes: (height, width) -> (height - size + 1, width - size + 1); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_bilateral(page, 3, 400, 4).shape
+(3506, 2478)
 
 Calls `OPCV_ippiFilterBilateral_8u_C1R`.)");
     module.def("reduce_noise", reduceNoise, "src"_a, "mode"_a = 1, "strength"_a = 5, py::kw_only(),
@@ -139,6 +151,12 @@ Calls `OPCV_ippiFilterBilateral_8u_C1R`.)");
 `mode` 2 filters over 5 x 5 pixels, any other mode over 3 x 3; `strength` is 0 to 10. The outermost 2 or 1 pixels are
 not written; in a new result they hold the pixels of the source. `out` may be `src`.
 
+Shapes: (height, width) -> (height, width); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.reduce_noise(page, 2, 7).shape
+(3508, 2480)
+
 Calls `DeosNr`.)");
     module.def("reduce_noise_rgb", reduceNoiseRGB, "src"_a, "mode"_a = 1, "strength"_a = 5, py::kw_only(),
                "out"_a = py::none(),
@@ -146,6 +164,12 @@ Calls `DeosNr`.)");
 
 `mode` 0 and 1 filter over 3 x 3 pixels, 2 over 5 x 5; `strength` is 0 to 10. The status of the error is 1 for another
 mode, 2 for another strength, 3 for another width. The outermost pixels hold those of the source. `out` may be `src`.
+
+Shapes: (height, width, 3) -> (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.reduce_noise_rgb(page, 2, 7).shape
+(3508, 2480, 3)
 
 Calls `DeosNrRGB`.)");
     module.def("sgemm", sgemm, "a"_a, "b"_a, "c"_a = py::none(), py::kw_only(), "alpha"_a = 1.0F, "beta"_a = 0.0F,
@@ -155,12 +179,24 @@ Calls `DeosNrRGB`.)");
 `trans_a` and `trans_b` select whether op transposes. If `c` is given, it receives the result and must not overlap `a`
 or `b`. The result is returned.
 
+Shapes: op(a) (rows, inner), op(b) (inner, columns) -> (rows, columns); float32.
+
+>>> colours = np.zeros((3508, 3), np.float32)
+>>> opcv_dlib.sgemm(colours, np.eye(3, dtype=np.float32)).shape
+(3508, 3)
+
 Calls `OPCV_cblas_sgemm`, row-major.)");
     module.def("ddct", ddctInPlace, "table"_a, py::kw_only(), "inverse"_a = false,
                R"(Orthonormal cosine transform of a square table of float64, in place; the table is returned.
 
 This is one transform (type II) of length n x n over the rows, one after the other, not a two-dimensional transform. Odd
 sides take n^4 steps.
+
+Shapes: (side, side); float64.
+
+>>> table = np.zeros((64, 64))
+>>> opcv_dlib.ddct(table) is table
+True
 
 Calls `ddct`.)");
 }

@@ -170,10 +170,22 @@ rounded to whole pixels. The result has the size of `out` or `size` (width, heig
 Where the result extends beyond the region, it shows the pixels of the image above, to the left and to the right of the
 region, and otherwise `border`, one number or one per channel. `out` must not overlap `src`.
 
+Shapes: (height, width) or (height, width, channels) -> the same, or as `size` or `out`; same dtype.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate(page, 1.5, size=(2600, 3600)).shape
+(3600, 2600)
+
 Calls `ippiRotate`.)");
     module.def("rotate_on_black", rotateOnBlack, "src"_a, "angle"_a, "shift"_a = Shift(0, 0), py::kw_only(),
                "size"_a = py::none(), "region"_a = py::none(), "out"_a = py::none(),
                R"(`rotate` of a grey or colour image with a black border.
+
+Shapes: (height, width) or (height, width, 3) -> the same, or as `size` or `out`; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate_on_black(page, 1.5).shape
+(3508, 2480)
 
 Calls `KVMac_ippiRotate_8u_C1R` or `KVMac_ippiRotate_8u_C3R`.)");
     module.def("rotate_center", rotateCenter, "src"_a, "angle"_a, "center"_a = py::none(), py::kw_only(),
@@ -183,9 +195,18 @@ Calls `KVMac_ippiRotate_8u_C1R` or `KVMac_ippiRotate_8u_C3R`.)");
 `angle` is in degrees, counter-clockwise on screen. The result has the size of the region; the rest of a larger `out` is
 unchanged. Pixels from outside the region are `border`, one number or one per channel. `out` must not overlap `src`.
 
+Shapes: (height, width) or (height, width, channels) -> the same; same dtype.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate_center(page, 1.5, border=255).shape
+(3508, 2480)
+
 Calls `ippiRotateCenter`.)");
     module.def("get_rotate_shift", rotateShift, "x_center"_a, "y_center"_a, "angle"_a,
                R"(Returns the shift (x, y) that makes `rotate` turn about a point.
+
+>>> opcv_dlib.get_rotate_shift(1239.5, 1753.5, 180)    # the centre of A4 at 300 dots per inch
+(2479.0, 3507.0)
 
 Calls `KVMac_ippiGetRotateShift`.)");
     module.def("resize_sqr_pixel", resizeSqrPixel, "src"_a, "x_factor"_a, "y_factor"_a, "shift"_a = Shift(0, 0),
@@ -195,12 +216,24 @@ Calls `KVMac_ippiGetRotateShift`.)");
 The result has the size of `out` or `size` (width, height), by default that of the scaled region. Pixels that the moved
 image does not cover are unchanged in `out` and 0 in a new result. `out` may overlap `src`.
 
+Shapes: (height, width) -> (height * y_factor, width * x_factor), rounded; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.resize_sqr_pixel(page, 0.5, 0.5).shape
+(1754, 1240)
+
 Calls `OPCV_ippiResizeSqrPixel_8u_C1R`.)");
     module.def("resize_color", resizeColor, "src"_a, "size"_a = py::none(), py::kw_only(), "region"_a = py::none(),
                "out"_a = py::none(),
                R"(Scales a region of a colour image to `size` (width, height) or to the size of `out`.
 
 `out` must not overlap the region.
+
+Shapes: (height, width, 3) -> (size[1], size[0], 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.resize_color(page, (1240, 1754)).shape
+(1754, 1240, 3)
 
 Calls `IPPMini_ippiResize_8u_C3R`.)");
 }

@@ -129,15 +129,27 @@ void addJpeg(py::module_& module) {
 
 `mode` is 0, 286, 389, 450 or 788 (best). The page's resolution is stored; it must be the same in both directions.
 
+>>> page = opcv_dlib.Page(np.zeros((3508, 2480), np.uint8))    # A4 at 300 dots per inch
+>>> opcv_dlib.compress_jpeg(page, 450)[:2].hex()
+'ffd8'
+
 Calls `CompressJPEG`.)");
     module.def("compress_jpeg_ex", compressJpegEx, "page"_a, "mode"_a,
                R"(Compresses a page of depth 8 or 24 with libjpeg's quantisation tables; colour is subsampled 2 x 2.
 
 `mode` is 0, 286, 389, 450 or 788 (best). The page's two resolutions are stored.
 
+>>> page = opcv_dlib.Page(np.zeros((3508, 2480), np.uint8))    # A4 at 300 dots per inch
+>>> opcv_dlib.compress_jpeg_ex(page, 450)[:2].hex()
+'ffd8'
+
 Calls `CompressJPEGEx`, of which `CompressJPEGWithIPPEx` is a second name.)");
     module.def("compress_jpeg_with_ipp", compressJpegWithIPP, "page"_a, "mode"_a,
                R"(`compress_jpeg_ex` with other qualities for the modes.
+
+>>> page = opcv_dlib.Page(np.zeros((3508, 2480), np.uint8))    # A4 at 300 dots per inch
+>>> opcv_dlib.compress_jpeg_with_ipp(page, 450)[:2].hex()
+'ffd8'
 
 Calls `CompressJPEGWithIPP`.)");
     module.def("compress_gray", compressGray, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
@@ -146,16 +158,34 @@ Calls `CompressJPEGWithIPP`.)");
 
 `custom_tables` selects the library's own quantisation table instead of libjpeg's.
 
+Shapes: (height, width); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.compress_gray(page, 90)[:2].hex()
+'ffd8'
+
 Calls `CompressGray2Gray444`.)");
     module.def("compress_rgb_444", compressRGB444, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
                "dpi_y"_a = py::none(), "custom_tables"_a = true,
                R"(Compresses a colour array without subsampling; otherwise like `compress_gray`.
+
+Shapes: (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.compress_rgb_444(page, 90)[:2].hex()
+'ffd8'
 
 Calls `CompressRGB2YCbCr444`.)");
     module.def(
         "compress_rgb_411", compressRGB411, "pixels"_a, "quality"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
         "dpi_y"_a = py::none(),
         R"(Compresses a colour array with chroma subsampled 2 x 2 and libjpeg's tables; otherwise like `compress_gray`.
+
+Shapes: (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.compress_rgb_411(page, 90)[:2].hex()
+'ffd8'
 
 Calls `CompressRGB2YCbCr411`.)");
 }

@@ -229,6 +229,12 @@ whole one.
 (height, width, 3), or (height, width) if the page is grey; `read_jpeg_info` tells the size. If decoding fails, some of
 its rows may have been written.
 
+>>> data = opcv_dlib.compress_gray(np.zeros((3508, 2480), np.uint8), 90)    # A4 at 300 dots per inch
+>>> opcv_dlib.read_jpeg(data)
+<opcv_dlib.Page of 2480 x 3508 pixels, depth 8, 300 x 300 dots per inch>
+>>> opcv_dlib.read_jpeg(data).pixels.shape
+(3508, 2480)
+
 Calls `ReadJPEG`, of which `ReadJPEGWithIPP` is a second name; `opcv_read_rows` if there is `out`, otherwise
 `opcv_read_page` if there are `limits` or a `report`.)");
     module.def("read_jpeg_info", readJpegInfo, "data"_a, py::kw_only(), "limits"_a = py::none(),
@@ -237,10 +243,18 @@ Calls `ReadJPEG`, of which `ReadJPEGWithIPP` is a second name; `opcv_read_rows` 
 `data` is the whole stream, because its scans are counted. A stream that `read_jpeg` would reject is rejected. In the
 report, `warnings`, `rows_decoded`, `end_marker_seen` and `damaged` stay 0 or false.
 
+>>> data = opcv_dlib.compress_gray(np.zeros((3508, 2480), np.uint8), 90)    # A4 at 300 dots per inch
+>>> opcv_dlib.read_jpeg_info(data).width
+2480
+
 Calls `opcv_read_info`.)");
     module.def(
         "read_split_jpeg", readSplitJpeg, "data"_a, "size"_a, py::kw_only(), "default_dpi"_a = kUsualDpi,
         R"(Reads a JPEG stream of known size (width, height), always into 24 bits; the resolution is that of `read_jpeg`.
+
+>>> data = opcv_dlib.compress_gray(np.zeros((3508, 2480), np.uint8), 90)    # A4 at 300 dots per inch
+>>> opcv_dlib.read_split_jpeg(data, (2480, 3508)).pixels.shape
+(3508, 2480, 3)
 
 Calls `ReadSplitJPEG`.)");
 }

@@ -48,21 +48,6 @@ PagePtr pageOfPixels(const py::array& pixels, int64_t dpiX, const std::optional<
     return page;
 }
 
-// The array refers to the pixels of the record and keeps the page alive.
-py::array pixelsOf(const py::object& self) {
-    const KVIMG& record = self.cast<const Page&>().record();
-    constexpr int kBits = 8;
-    const py::ssize_t width = record.depth == 1 ? (int64_t{record.width} + kBits - 1) / kBits : record.width;
-    const int channels = record.depth == 24 || record.depth == 32 ? record.depth / kBits : 1;
-    std::vector<py::ssize_t> shape = {record.height, width};
-    std::vector<py::ssize_t> strides = {record.rowBytes, channels};
-    if (channels > 1) {
-        shape.push_back(channels);
-        strides.push_back(1);
-    }
-    return py::array(dtypeOf(Depth::k8u), shape, strides, record.data, self);
-}
-
 std::string wordsOf(const Page& page) {
     const KVIMG& r = page.record();
     return "<opcv_dlib.Page of " + std::to_string(r.width) + " x " + std::to_string(r.height) + " pixels, depth " +
@@ -72,19 +57,20 @@ std::string wordsOf(const Page& page) {
 
 // Calls a function that creates a new record from a page and its description.
 template <typename Call>
-PagePtr made(const Page& page, const char* libraryFunction, Dpi dpi, Call call) {
+py::object made(const PageView& page, const char* libraryFunction, Dpi dpi, Call call) {
     KVImageDescription description = page.description();
     KVImageDescription* record = &description;
     KVIMG* result = nullptr;
     run(libraryFunction, [&] { return int{call(&page.record(), &record, &result)}; });
-    return pageOf(result, dpi);
+    return page.resultOf(pageOf(result, dpi));
 }
 
 void checkAngle(const char* function, double angle) {
     if (!std::isfinite(angle)) refuse(Argument{function, "angle"}, "is not a finite number");
 }
 
-PagePtr deskew(const Page& page, double angle, bool whiteFill) {
+py::object deskew(const PageOrPixels& given, double angle, bool whiteFill) {
+    const PageView page("deskew", given);
     checkAngle("deskew", angle);
     return made(page, "DeskewImageWithIPP", page.dpi(), [&](const KVIMG* src, auto description, KVIMG** dst) {
         return DeskewImageWithIPP(src, description, dst, 0, whiteFill, angle);
@@ -99,9 +85,10 @@ KVRect rectOf(const Argument& argument, int64_t left, int64_t top, int64_t width
     return rect;
 }
 
-PagePtr deskewCrop(const Page& page, double angle, const std::tuple<int64_t, int64_t, int64_t, int64_t>& crop,
-                   bool whiteFill) {
+py::object deskewCrop(const PageOrPixels& given, double angle,
+                      const std::tuple<int64_t, int64_t, int64_t, int64_t>& crop, bool whiteFill) {
     const char* function = "deskew_crop";
+    const PageView page(function, given);
     checkAngle(function, angle);
     const Argument argument = {function, "crop"};
     const auto [left, top, width, height] = crop;
@@ -111,8 +98,9 @@ PagePtr deskewCrop(const Page& page, double angle, const std::tuple<int64_t, int
     });
 }
 
-PagePtr deskewAbout(const Page& page, double angle, const Pair& point, const Pair& size, bool whiteFill) {
+py::object deskewAbout(const PageOrPixels& given, double angle, const Pair& point, const Pair& size, bool whiteFill) {
     const char* function = "deskew_about";
+    const PageView page(function, given);
     checkAngle(function, angle);
     KVRect rect = rectOf({function, "size"}, 0, 0, std::get<0>(size), std::get<1>(size));
     return made(page, "DeskewImageWithIPPExWithShirftPoint", page.dpi(),
@@ -122,8 +110,9 @@ PagePtr deskewAbout(const Page& page, double angle, const Pair& point, const Pai
                 });
 }
 
-PagePtr rotatePage(const Page& page, double angle) {
-    checkAngle("rotate_page", angle);
+py::object rotatePage(const char* function, const PageOrPixels& given, double angle) {
+    const PageView page(function, given);
+    checkAngle(function, angle);
     const bool upright = std::fmod(std::trunc(angle), 180) == 0;
     const Dpi dpi = upright ? page.dpi() : Dpi{page.dpi().y, page.dpi().x};
     return made(page, "RotateImageWithIPP", dpi, [&](const KVIMG* src, auto description, KVIMG** dst) {
@@ -164,15 +153,16 @@ PagePtr uniteRotate(const py::array& src, const Pair& size, double angle, int64_
     return pageOf(united, dpi);
 }
 
-PagePtr resize(const Page& page, double numerator, double denominator) {
+py::object resize(const PageOrPixels& given, double numerator, double denominator) {
     const char* function = "resize";
+    const PageView page(function, given);
     if (!std::isfinite(numerator) || numerator <= 0) refuse(Argument{function, "numerator"}, "must be above 0");
     if (!std::isfinite(denominator) || denominator <= 0) refuse(Argument{function, "denominator"}, "must be above 0");
     const double scale = numerator / denominator;
     KVIMG* result = nullptr;
     run("ResizeImageWithIPPEx",
         [&] { return int{ResizeImageWithIPPEx(&page.record(), &result, denominator, numerator)}; });
-    return pageOf(result, {scaledDpi(page.dpi().x, scale), scaledDpi(page.dpi().y, scale)});
+    return page.resultOf(pageOf(result, {scaledDpi(page.dpi().x, scale), scaledDpi(page.dpi().y, scale)}));
 }
 
 void addPageType(py::module_& module) {
@@ -212,8 +202,17 @@ void addPageGeometry(py::module_& module) {
     module.def("deskew", deskew, "page"_a, "angle"_a, py::kw_only(), "white_fill"_a = false,
                R"(Turns a page about its exact centre; the new page has the same size and resolution.
 
-`angle` is in degrees, counter-clockwise on screen. Corners from outside the page are black. With `white_fill`, they
-are white at 24 bits; at 32 bits the first byte is 0 and the others are 255; at 8 bits they stay black.
+`page` is a Page or an array of its pixels; the result is of the same kind. `angle` is in degrees, counter-clockwise on
+screen. Corners from outside the page are black. With `white_fill`, they are white at 24 bits; at 32 bits the first byte
+is 0 and the others are 255; at 8 bits they stay black.
+
+Shapes of arrays: (height, width), (height, width, 3) or (height, width, 4) -> the same; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.deskew(page, 1.5).shape
+(3508, 2480)
+>>> opcv_dlib.deskew(opcv_dlib.Page(page), 1.5)
+<opcv_dlib.Page of 2480 x 3508 pixels, depth 8, 300 x 300 dots per inch>
 
 Calls `DeskewImageWithIPP`.)");
     module.def(
@@ -222,6 +221,12 @@ Calls `DeskewImageWithIPP`.)");
 
 The rectangle may extend outside the page. Otherwise like `deskew`.
 
+Shapes of arrays: (height, width, ...) -> (crop[3], crop[2], ...); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.deskew_crop(page, 1.5, (100, 50, 2280, 3408)).shape
+(3408, 2280)
+
 Calls `DeskewImageWithIPPEx`.)");
     module.def(
         "deskew_about", deskewAbout, "page"_a, "angle"_a, "point"_a, "size"_a, py::kw_only(), "white_fill"_a = false,
@@ -229,22 +234,61 @@ Calls `DeskewImageWithIPPEx`.)");
 
 Otherwise like `deskew`.
 
-Calls `DeskewImageWithIPPExWithShirftPoint`.)");
-    module.def("rotate_page", rotatePage, "page"_a, "angle"_a,
-               R"(Turns a page by 90, 180 or 270 degrees, **clockwise** on screen, or by their negatives.
+Shapes of arrays: (height, width, ...) -> (size[1], size[0], ...); uint8.
 
-The fraction of the angle is dropped. Turns by 90 and 270 degrees swap the two sides and the two resolutions.
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.deskew_about(page, 1.5, (100, 50), (2280, 3408)).shape
+(3408, 2280)
+
+Calls `DeskewImageWithIPPExWithShirftPoint`.)");
+    module.def(
+        "rotate_page", [](const PageOrPixels& p, double angle) { return rotatePage("rotate_page", p, angle); },
+        "page"_a, "angle"_a,
+        R"(Turns a page by 90, 180 or 270 degrees, **clockwise** on screen, or by their negatives.
+
+`page` is a Page or an array of its pixels; the result is of the same kind. The fraction of the angle is dropped. Turns
+by 90 and 270 degrees swap the two sides and the two resolutions.
+
+Shapes of arrays: (height, width, ...) -> (width, height, ...), or the same for a half turn; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate_page(page, 90).shape
+(2480, 3508)
 
 Calls `RotateImageWithIPP`.)");
     module.def(
-        "rotate90", [](const Page& p) { return rotatePage(p, 90); }, "page"_a,
-        "`rotate_page` by 90 degrees, clockwise on screen.\n\nCalls `RotateImageWithIPP`.");
+        "rotate90", [](const PageOrPixels& p) { return rotatePage("rotate90", p, 90); }, "page"_a,
+        R"(`rotate_page` by 90 degrees, clockwise on screen.
+
+Shapes of arrays: (height, width, ...) -> (width, height, ...); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate90(page).shape
+(2480, 3508)
+
+Calls `RotateImageWithIPP`.)");
     module.def(
-        "rotate180", [](const Page& p) { return rotatePage(p, 180); }, "page"_a,
-        "`rotate_page` by 180 degrees.\n\nCalls `RotateImageWithIPP`.");
+        "rotate180", [](const PageOrPixels& p) { return rotatePage("rotate180", p, 180); }, "page"_a,
+        R"(`rotate_page` by 180 degrees.
+
+Shapes of arrays: (height, width, ...) -> the same; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate180(page).shape
+(3508, 2480)
+
+Calls `RotateImageWithIPP`.)");
     module.def(
-        "rotate270", [](const Page& p) { return rotatePage(p, 270); }, "page"_a,
-        "`rotate_page` by 270 degrees, clockwise on screen.\n\nCalls `RotateImageWithIPP`.");
+        "rotate270", [](const PageOrPixels& p) { return rotatePage("rotate270", p, 270); }, "page"_a,
+        R"(`rotate_page` by 270 degrees, clockwise on screen.
+
+Shapes of arrays: (height, width, ...) -> (width, height, ...); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rotate270(page).shape
+(2480, 3508)
+
+Calls `RotateImageWithIPP`.)");
     module.def("unite_rotate", uniteRotate, "src"_a, "size"_a, "angle"_a, py::kw_only(), "dpi_x"_a = kUsualDpi,
                "dpi_y"_a = py::none(),
                R"(Turns an image about its centre and centres it on a new page of `size` (width, height).
@@ -252,11 +296,24 @@ Calls `RotateImageWithIPP`.)");
 `angle` is in degrees, **clockwise** on screen. Uncovered pixels are white at 24 bits, 0 255 255 255 at
 32 bits and black at 8. Rows of 24 bits are padded to a multiple of 4 bytes.
 
+Shapes: (height, width), (height, width, 3) or (height, width, 4); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.unite_rotate(page, (2600, 3600), 1.5)
+<opcv_dlib.Page of 2600 x 3600 pixels, depth 8, 300 x 300 dots per inch>
+
 Calls `UniteImageIplRotateImage`.)");
     module.def("resize", resize, "page"_a, "numerator"_a, "denominator"_a,
                R"(Scales a page by numerator / denominator, for example from one resolution to another.
 
-Both sides are truncated to whole pixels. The resolution is scaled as well, so that the size in inches is kept.
+`page` is a Page or an array of its pixels; the result is of the same kind. Both sides are truncated to whole pixels.
+The resolution is scaled as well, so that the size in inches is kept.
+
+Shapes of arrays: (height, width, ...) -> (height * numerator // denominator, ...); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.resize(page, 150, 300).shape
+(1754, 1240)
 
 Calls `ResizeImageWithIPPEx`.)");
 }

@@ -275,6 +275,12 @@ void addPixelFunctions(py::module_& module) {
 `src` holds the rows as packed bytes, the leftmost pixel in the most significant bit. `width` pixels of each row are
 expanded, starting at `bit_offset` (0 to 7). `out` must not overlap `src`.
 
+Shapes: (height, bytes) -> (height, width); uint8.
+
+>>> bits = np.zeros((3508, 310), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.expand_bits(bits, 2480).shape
+(3508, 2480)
+
 Calls `IPPShare_ippiConvert_1u8u_C1R`, the checked form of `Convert_1u8u_C1R`.)");
     module.def("reduce_bits", reduceBits, "src"_a, "threshold"_a = 127, py::kw_only(), "bit_offset"_a = 0,
                "out"_a = py::none(),
@@ -284,22 +290,52 @@ The result holds packed bytes, the leftmost pixel in the most significant bit, s
 other bits of the first and last byte of a row are kept (0 in a new result), except at threshold 255, which clears
 them. `out` may have longer rows than needed and must not overlap `src`.
 
+Shapes: (height, width) -> (height, (bit_offset + width + 7) // 8); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.reduce_bits(page, 127).shape
+(3508, 310)
+
 Calls `IPPShare_ippiReduceBits_8u1u_C1R`, the checked form of `Convert_8u1u_C1R`.)");
     module.def("convert_8u16s", convert8u16s, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Widens uint8 to int16. `out` must not overlap `src`.
+
+Shapes: (height, width) uint8 -> (height, width) int16.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.convert_8u16s(page).shape
+(3508, 2480)
 
 Calls `IPPShare_ippiConvert_8u16s_C1R`.)");
     module.def("convert_16s8u", convert16s8u, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Narrows int16 to uint8, saturated to 0 and 255. `out` must not overlap `src`.
 
+Shapes: (height, width) int16 -> (height, width) uint8.
+
+>>> samples = np.zeros((3508, 2480), np.int16)
+>>> opcv_dlib.convert_16s8u(samples).shape
+(3508, 2480)
+
 Calls `IPPShare_ippiConvert_16s8u_C1R`.)");
     module.def("threshold_lt", thresholdLT, "image"_a, "threshold"_a, "value"_a,
                R"(Replaces each pixel that is less than **or equal to** the threshold, in place; the image is returned.
+
+Shapes: (height, width); uint8 or int16.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.threshold_lt(page, 127, 0) is page
+True
 
 Calls `IPPShare_ippiThreshold_LTVal_8u_C1IR` or, for int16, `IPPShare_ippiThreshold_LTVal_16s_C1IR`, the checked forms
 of `Threshold_LTVal_8u_C1IR` and `Threshold_LTVal_16s_C1IR`.)");
     module.def("fill", fill, "image"_a, "value"_a,
                R"(Sets every pixel of a grey image to one value, in place; the image is returned.
+
+Shapes: (height, width); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.fill(page, 255) is page
+True
 
 Calls `IPPShare_ippiSet_8u_C1R`.)");
     module.def("rgb_to_yuv", rgbToYUV, "src"_a, py::kw_only(), "out"_a = py::none(),
@@ -307,9 +343,21 @@ Calls `IPPShare_ippiSet_8u_C1R`.)");
 
 `out` may be `src` itself, but must not otherwise overlap it.
 
+Shapes: (height, width, 3) -> (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rgb_to_yuv(page).shape
+(3508, 2480, 3)
+
 Calls `IPPShare_ippiRGBToYUV_8u_C3R`.)");
     module.def("yuv_to_rgb", yuvToRGB, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Converts YUV to RGB; otherwise like `rgb_to_yuv`.
+
+Shapes: (height, width, 3) -> (height, width, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.yuv_to_rgb(page).shape
+(3508, 2480, 3)
 
 Calls `IPPShare_ippiYUVToRGB_8u_C3R`.)");
     module.def("rgb_to_yuv_planes", rgbToYUVPlanes, "src"_a, py::kw_only(), "out"_a = py::none(),
@@ -318,9 +366,21 @@ Calls `IPPShare_ippiYUVToRGB_8u_C3R`.)");
 The result is an array of the shape (3, height, width). `out` may be such an array or three arrays with the same row
 stride. They may overlap `src`, but not each other.
 
+Shapes: (height, width, 3) -> (3, height, width); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.rgb_to_yuv_planes(page).shape
+(3, 3508, 2480)
+
 Calls `IPPMini_ippiRGBToYUV_8u_C3P3R`.)");
     module.def("yuv_planes_to_rgb", yuvPlanesToRGB, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Converts planes of Y, U and V, as `rgb_to_yuv_planes` returns them, to RGB. `out` may overlap `src`.
+
+Shapes: (3, height, width) or three of (height, width) -> (height, width, 3); uint8.
+
+>>> planes = np.zeros((3, 3508, 2480), np.uint8)
+>>> opcv_dlib.yuv_planes_to_rgb(planes).shape
+(3508, 2480, 3)
 
 Calls `IPPMini_ippiYUVToRGB_8u_P3C3R`.)");
     module.def("split_planes", splitPlanes, "src"_a, py::kw_only(), "out"_a = py::none(),
@@ -328,21 +388,43 @@ Calls `IPPMini_ippiYUVToRGB_8u_P3C3R`.)");
 
 `out` may be such an array or three arrays with the same row stride; they must overlap neither `src` nor each other.
 
+Shapes: (height, width, 3) -> (3, height, width); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.split_planes(page).shape
+(3, 3508, 2480)
+
 Calls `IPPMini_ippiCopy_8u_C3P3R`.)");
     module.def("merge_planes", mergePlanes, "src"_a, py::kw_only(), "out"_a = py::none(),
                R"(Copies three planes, one array or three arrays with the same row stride, into a colour image.
 
 `out` must not overlap `src`.
 
+Shapes: (3, height, width) or three of (height, width) -> (height, width, 3); uint8.
+
+>>> planes = np.zeros((3, 3508, 2480), np.uint8)
+>>> opcv_dlib.merge_planes(planes).shape
+(3508, 2480, 3)
+
 Calls `IPPMini_ippiCopy_8u_P3C3R`.)");
     module.def("new_plane_16s", newPlane16s, "width"_a, "height"_a,
                R"(Creates an int16 array with rows of a multiple of 64 bytes. Its contents are undefined.
+
+Shapes: -> (height, width); int16.
+
+>>> opcv_dlib.new_plane_16s(2480, 3508).shape
+(3508, 2480)
 
 Calls `IPPShare_ippiMalloc_16s_C1`, and `IPPShare_ippiFree` when the array is deleted.)");
     module.def("new_image_8u_c3", newImage8uC3, "width"_a, "height"_a,
                R"(Creates a colour array with rows of a multiple of 64 bytes. Its contents are undefined.
 
 Other functions accept it only if its row stride is also a multiple of 3 bytes.
+
+Shapes: -> (height, width, 3); uint8.
+
+>>> opcv_dlib.new_image_8u_c3(2480, 3508).shape
+(3508, 2480, 3)
 
 Calls `IPPMini_ippiMalloc_8u_C3`, and `IPPMini_ippiFree` when the array is deleted.)");
 }

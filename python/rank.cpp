@@ -133,6 +133,12 @@ void addRankFilters(py::module_& module) {
 `size` is odd. `anchor` is the cell (x, y) of the square that lies on the pixel, by default the centre. The margin is
 the part of the square that extends beyond the region. `out` may overlap `src`.
 
+Shapes: (height, width) or (height, width, channels) -> `size` - 1 rows and columns fewer; same dtype.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_median(page, 5).shape
+(3504, 2476)
+
 Calls `IPPShare_ippiFilterMedian_8u_C1R` (of which `IPPMini_ippiFilterMedian_8u_C1R` is a second name),
 `IPPShare_ippiFilterMedian_8u_C3R` or, for other pixel types, `ippiFilterMedian`.)");
     module.def("filter_median_cross", filterMedianCross, "src"_a, "mask"_a = 33, py::kw_only(), "region"_a = py::none(),
@@ -140,6 +146,12 @@ Calls `IPPShare_ippiFilterMedian_8u_C1R` (of which `IPPMini_ippiFilterMedian_8u_
                R"(Median over a plus sign: the 5 pixels of a 3 x 3 cross (mask 33) or the 9 of a 5 x 5 cross (mask 55).
 
 The margin is 1 or 2 pixels on each side. `out` must not overlap the pixels that are read.
+
+Shapes: (height, width) -> (height - 2, width - 2), or 4 fewer with mask 55; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_median_cross(page).shape
+(3506, 2478)
 
 Calls `IPPShare_ippiFilterMedianCross_8u_C1R`, the checked form of `FilterMedianCross3x3_8u_C1R` and
 `FilterMedianCross5x5_8u_C1R`.)");
@@ -149,6 +161,12 @@ Calls `IPPShare_ippiFilterMedianCross_8u_C1R`, the checked form of `FilterMedian
 
 The margin is 1 pixel on each side. `out` must not overlap the pixels that are read.
 
+Shapes: (height, width) -> (height - 2, width - 2); uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_median_weighted_center(page, 5).shape
+(3506, 2478)
+
 Calls `IPPShare_ippiFilterMedianWeightedCenter3x3_8u_C1R`, the checked form of `FilterMedianWeightedCenter3x3_3_8u_C1R`
 and `FilterMedianWeightedCenter3x3_5_8u_C1R`.)");
     module.def("filter_median_color", filterMedianColor, "src"_a, "mask"_a = 33, py::kw_only(), "region"_a = py::none(),
@@ -156,6 +174,12 @@ and `FilterMedianWeightedCenter3x3_5_8u_C1R`.)");
                R"(3 x 3 vector median of a colour image: the pixel closest to all others of its window. `mask` is 33.
 
 The margin is 1 pixel on each side. `out` must not overlap the pixels that are read.
+
+Shapes: (height, width, 3) -> (height - 2, width - 2, 3); uint8.
+
+>>> page = np.zeros((3508, 2480, 3), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_median_color(page).shape
+(3506, 2478, 3)
 
 Calls `IPPShare_ippiFilterMedianColor_8u_C3R`, the checked form of `FilterMedianColor3x3_8u_C3R`.)");
     module.def("dilate", dilate, "src"_a, "mask"_a, py::kw_only(), "anchor"_a = py::none(), "region"_a = py::none(),
@@ -166,20 +190,44 @@ Calls `IPPShare_ippiFilterMedianColor_8u_C3R`, the checked form of `FilterMedian
 default (width // 2, height // 2). The margin is the part of the mask that extends beyond the region, and one more
 pixel to the right if its width is even and below if its height is even. `out` may overlap `src`.
 
+Shapes: (height, width) -> (height - rows + 1, width - columns + 1) for a mask (rows, columns) of odd sides; uint8.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.dilate(page, np.ones((3, 5))).shape
+(3506, 2476)
+
 Calls `IPPShare_ippiDilate_8u_C1R`.)");
     module.def("erode", erode, "src"_a, "mask"_a, py::kw_only(), "anchor"_a = py::none(), "region"_a = py::none(),
                "out"_a = py::none(),
                R"(Smallest pixel under a mask; otherwise like `dilate`.
+
+Shapes: as for `dilate`.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.erode(page, np.ones((3, 5))).shape
+(3506, 2476)
 
 Calls `IPPShare_ippiErode_8u_C1R`.)");
     module.def("filter_max", filterMax, "src"_a, "size"_a, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(), "out"_a = py::none(),
                R"(Largest pixel under a rectangle of `size` (width, height); otherwise like `dilate`.
 
+Shapes: as for `dilate` with a mask of that size.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_max(page, (5, 3)).shape
+(3506, 2476)
+
 Calls `IPPMini_ippiFilterMax_8u_C1R`.)");
     module.def("filter_min", filterMin, "src"_a, "size"_a, py::kw_only(), "anchor"_a = py::none(),
                "region"_a = py::none(), "out"_a = py::none(),
                R"(Smallest pixel under a rectangle of `size` (width, height); otherwise like `dilate`.
+
+Shapes: as for `dilate` with a mask of that size.
+
+>>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+>>> opcv_dlib.filter_min(page, (5, 3)).shape
+(3506, 2476)
 
 Calls `IPPMini_ippiFilterMin_8u_C1R`.)");
 }

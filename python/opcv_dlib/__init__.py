@@ -7,7 +7,9 @@ Images are arrays of the shape (height, width) or (height, width, channels); col
 The following holds for all functions:
 
 - Arrays and views are accepted without a copy if pixels are contiguous within a row and the row stride is a multiple of
-  the pixel size. All others are rejected with ValueError; nothing is converted.
+  the pixel size. Nothing is converted: arrays of another dtype and objects that are not arrays are rejected with
+  TypeError, other shapes and strides with ValueError. Both say what the argument is and what it must be.
+- Functions of pages take a Page or an array of uint8 and return the same kind. A Page also has a resolution.
 - A function that uses neighbouring pixels reads them from the array, so the array must contain a margin around the
   region. Pass the whole array and `region=(x, y, width, height)`; the result has the size of the region. Without
   `region`, the function filters the largest region whose margin lies in the array. Nothing outside an array is read or
@@ -16,8 +18,10 @@ The following holds for all functions:
   writable and have the shape and type of the result. If it must not overlap the source but does, the call is rejected.
 - If the library rejects a call or fails, Error is raised with the name and status of the function. If it is out of
   memory, OutOfMemoryError is raised, which is also a MemoryError.
-- The interpreter's lock is released during a call, so threads run in parallel. No two of them may write to the same
-  array.
+- The interpreter's lock (GIL) is released during a call, so threads run in parallel. No two of them may write to the
+  same array.
+
+The examples of the functions begin with `import numpy as np` and `import opcv_dlib`.
 """
 
 from ._errors import Error, OutOfMemoryError

@@ -4,12 +4,14 @@
 """That the module is complete: every exported function is called or told of, every name has its types and words."""
 
 import ast
+import doctest
 import inspect
 import os
 import pathlib
 import re
 import runpy
 
+import numpy as np
 import opcv_dlib
 import pytest
 
@@ -44,6 +46,22 @@ def test_every_function_says_what_it_calls(name):
     assert set(re.findall(r"`(\w+)`", called)) & set(exported())
 
 
+@pytest.mark.parametrize("name", [name for name in FUNCTIONS if name != "init"])
+def test_every_function_has_an_example_of_the_size_of_a_page(name):
+    text = inspect.getdoc(getattr(opcv_dlib, name))
+    test = doctest.DocTestParser().get_doctest(text, {"np": np, "opcv_dlib": opcv_dlib}, name, None, None)
+    assert any(f"opcv_dlib.{name}(" in example.source for example in test.examples)
+    failures = []
+    result = doctest.DocTestRunner(verbose=False).run(test, out=failures.append)
+    assert result.failed == 0, "".join(failures)
+
+
+def test_every_function_of_arrays_states_their_shapes():
+    for name in FUNCTIONS:
+        text = inspect.getdoc(getattr(opcv_dlib, name))
+        assert "numpy.ndarray" not in text.split("\n")[0] or re.search(r"^Shapes( of arrays)?: |shape is$", text, re.M), name
+
+
 def test_the_example_of_the_readme_runs():
     runpy.run_path(str(SOURCE / "examples/readme/first.py"))
 
@@ -54,7 +72,7 @@ def test_all_is_all():
 
 def test_the_types_name_the_arguments_in_their_order():
     stub = ast.parse((SOURCE / "python/opcv_dlib/__init__.pyi").read_text())
-    stubs = {node.name: node for node in stub.body if isinstance(node, ast.FunctionDef)}
+    stubs = {node.name: node for node in stub.body if isinstance(node, ast.FunctionDef)}    # the last overload
     assert sorted(stubs) == FUNCTIONS
     for name, node in stubs.items():
         said = inspect.getdoc(getattr(opcv_dlib, name)).split("\n")[0]

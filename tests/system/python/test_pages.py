@@ -152,6 +152,59 @@ def test_deskew(rng, channels):
     assert np.array_equal(about.pixels, expected)
 
 
+def page_functions():
+    o = opcv_dlib
+    return {
+        "deskew": lambda p: o.deskew(p, 3.5),
+        "deskew_crop": lambda p: o.deskew_crop(p, 3.5, (-5, 4, 60, 20)),
+        "deskew_about": lambda p: o.deskew_about(p, 3.5, (7, 9), (25, 15)),
+        "rotate_page": lambda p: o.rotate_page(p, -90),
+        "rotate90": o.rotate90,
+        "rotate180": o.rotate180,
+        "rotate270": o.rotate270,
+        "resize": lambda p: o.resize(p, 2, 3),
+    }
+
+
+@pytest.mark.parametrize("channels", [1, 3, 4])
+@pytest.mark.parametrize("name", page_functions())
+def test_arrays_are_pages_too(rng, name, channels):
+    call = page_functions()[name]
+    src = image(rng, 30, 48, channels)
+    before = src.copy()
+    found = call(src)
+    assert isinstance(found, np.ndarray)
+    assert np.array_equal(found, call(opcv_dlib.Page(src)).pixels)
+    assert np.array_equal(call(padded(src)), found)
+    assert np.array_equal(src, before)
+    for other in (src.tolist(), None, "page.jpg", src.astype(np.float64)):
+        with pytest.raises(TypeError, match=f"^{name}: page must be a Page or an array of uint8 with .*, not "):
+            call(other)
+    for other in (src[::-1], src[:, ::2], src[:0], src[..., None, None]):
+        with pytest.raises(ValueError, match=f"^{name}: page "):
+            call(other)
+
+
+@pytest.mark.parametrize("width", [1, 15, 16, 17, 33])
+def test_nothing_beside_an_array_is_part_of_its_page(rng, width):
+    src = image(rng, 20, width, 3)
+    assert np.array_equal(opcv_dlib.deskew(padded(src), 5), opcv_dlib.rotate_center(src, 5))
+    assert np.array_equal(opcv_dlib.rotate90(padded(src)), np.rot90(src, -1))
+
+
+def test_arrays_beyond_2_gigabytes_are_refused():
+    row = np.zeros(8, np.uint8)
+    large = np.lib.stride_tricks.as_strided(row, (2**29, 4), (4, 1))
+    with pytest.raises(ValueError, match="deskew: page has more than 2147483647 bytes"):
+        opcv_dlib.deskew(large, 1)
+
+
+def test_the_pixels_of_a_new_page_keep_it_alive():
+    turned = opcv_dlib.rotate90(np.full((50, 70), 90, np.uint8))
+    gc.collect()
+    assert isinstance(turned.base, opcv_dlib.Page) and (turned == 90).all()
+
+
 def test_corners_are_black_unless_white_is_asked_for():
     page = opcv_dlib.Page(np.full((30, 48, 3), 90, np.uint8))
     for white in (False, True):

@@ -164,8 +164,12 @@ def test_arrays_that_do_not_fit(grey, colour):
             opcv_dlib.read_jpeg(stream, out=out, report=report)
         assert (out == 9).all() and (report.width, report.damaged) == (40, False)
     out = np.empty((24, 40), np.uint8)
-    for wrong in (out.astype(np.int16), np.empty((24, 40, 4), np.uint8), np.empty((24, 80), np.uint8)[:, ::2]):
-        with pytest.raises(ValueError, match="read_jpeg: out "):
+    for wrong, error in (
+        (out.astype(np.int16), TypeError),
+        (np.empty((24, 40, 4), np.uint8), ValueError),
+        (np.empty((24, 80), np.uint8)[:, ::2], ValueError),
+    ):
+        with pytest.raises(error, match="read_jpeg: out "):
             opcv_dlib.read_jpeg(grey, out=wrong)
     out.flags.writeable = False
     with pytest.raises(ValueError, match="read_jpeg: out is read-only"):
