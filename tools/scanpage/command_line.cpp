@@ -39,7 +39,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     bool nul = false;
 
     CLI::App app("Straightens scanned pages.", "scanpage");
-    app.add_option("pages", settings.pages, "JPEG files")->type_name("PAGE.jpg");
+    app.add_option("pages", settings.pages, "JPEG, PNG, TIFF and PNM files")->type_name("PAGE");
     auto* list =
         app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
             ->type_name("LIST");
@@ -65,6 +65,9 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
                                                                           {"cross", Median::kCross},
                                                                           {"weighted", Median::kWeighted},
                                                                           {"colour", Median::kColour}}));
+    app.add_option("--assume-dpi", page.assumedDpi, "Resolution of pages that state none")
+        ->check(CLI::Range(10, 4800))
+        ->capture_default_str();
     app.add_option("--dpi", page.dpi, "Scale to this resolution")->check(CLI::Range(10, 4800));
     app.add_option("--mode", page.mode, "JPEG quality by mode code")
         ->check(CLI::IsMember({0, 286, 389, 450, 788}))
@@ -83,7 +86,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         "last page.");
     try {
         app.parse(argc, argv);
-        if (settings.pages.empty() && list->count() == 0) throw CLI::RequiredError("PAGE.jpg or --from");
+        if (settings.pages.empty() && list->count() == 0) throw CLI::RequiredError("PAGE or --from");
         if (list->count() > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
         if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
     } catch (const CLI::ParseError& e) {

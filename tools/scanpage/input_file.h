@@ -1,18 +1,34 @@
 // SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 // SPDX-License-Identifier: MIT
 
-// A page's file as it is read.
+// A file as it is read.
 #pragma once
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "descriptor.h"
 #include "file_id.h"
 
 // Adds the file that the name leads to, and the link if the name is one. Does nothing if there is no such file.
 void addInput(const std::string& file, InputIds& inputs);
 
-// The contents of a JPEG file. Reading stops at the first bytes that cannot belong to a JPEG header, so a large file of
-// another kind costs nothing. Throws if it is not a regular file, too large, cannot be read or is no JPEG file.
-std::vector<uint8_t> readJpegFile(const std::string& file);
+// A regular file, opened for reading. Every function throws if it cannot be read.
+class InputFile {
+public:
+    explicit InputFile(const std::string& file);
+
+    size_t size() const { return size_; }
+
+    // Adds up to `size` bytes, fewer at the end of the file only.
+    void append(std::vector<uint8_t>& bytes, size_t size);
+
+    // Up to `size` bytes from this place. Returns how many there are.
+    size_t readAt(size_t place, void* bytes, size_t size);
+
+private:
+    Descriptor descriptor_;
+    size_t size_;
+    size_t place_ = 0;
+};

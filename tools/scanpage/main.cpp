@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 // SPDX-License-Identifier: MIT
 
-// scanpage: reads scanned JPEG pages, straightens them and writes them as JPEG, PBM or TIFF.
+// scanpage: reads scanned pages, straightens them and writes them as JPEG, PBM or TIFF.
 #include <fcntl.h>
 #include <leptonica/allheaders.h>
 #include <signal.h>
@@ -10,7 +10,6 @@
 
 #include <cstdio>
 #include <optional>
-#include <unordered_set>
 
 #include "command_line.h"
 #include "contact_sheet.h"
@@ -36,28 +35,28 @@ PageResult sharedName(const std::string& file) {
     PageResult result;
     result.file = file;
     result.status = Status::kFailed;
-    result.fault = "another page has already used the name " + resultName(file) + " for its results";
+    result.fault = nameIsUsed(resultName(file));
     return result;
 }
 
 // Each page is a job of any thread. Only the pages in hand are in memory, and the names of the results of the others.
 // False if pages are left over.
 bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report, std::optional<ContactSheet>& sheet) {
-    std::unordered_set<std::string> names;
     ThreadPool pool(jobs);
     std::string file;
     for (size_t index = 0; pages.next(file); ++index) {
         pool.waitForFreeThread();
         if (stopRequested()) return false;
-        if (!names.insert(resultName(file)).second) {
+        if (!run.names.claim(resultName(file))) {
             report.add(sharedName(file));
             continue;
         }
         const bool keepImages = sheet && index < ContactSheet::kMostPages;
         pool.start([&, file, index, keepImages] {
-            const PageResult result = processPage(file, run, keepImages);
-            report.add(result);
-            if (result.before && result.after) sheet->add(index, *result.before, *result.after);
+            processFile(file, run, keepImages, [&](const PageResult& result) {
+                report.add(result);
+                if (result.before && result.after) sheet->add(index, *result.before, *result.after);
+            });
         });
     }
     return !stopRequested();    // the list may have more pages
@@ -66,6 +65,7 @@ bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report
 void silenceLibraries() {
     setMsgSeverity(L_SEVERITY_NONE);    // Leptonica would report pages without text
     TIFFSetErrorHandler(nullptr);
+    TIFFSetWarningHandler(nullptr);
     signal(SIGPIPE, SIG_IGN);
 }
 
@@ -85,7 +85,8 @@ int run(int argc, char** argv) {
     PageList pages(settings.pages, settings.list, settings.separator);
     PageReport report(pages.count(), settings.verbose);
 
-    const Run run{settings.page, folder, inputs, settings.overwrite};
+    UsedNames names;
+    const Run run{settings.page, folder, inputs, names, settings.overwrite};
     const bool complete = straightenAll(run, settings.jobs, pages, report, sheet);
     report.summarise();
     if (sheet) sheet->write();

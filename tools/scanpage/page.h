@@ -37,8 +37,9 @@ struct Options {
     bool skewGiven = false;
     double angle = 0;
     Median median{};
-    int denoise = -1;    // strength; below 0: off
-    int dpi = 0;         // resolution to scale to; 0: unchanged
+    int denoise = -1;        // strength; below 0: off
+    int assumedDpi = 300;    // of pages that state no resolution
+    int dpi = 0;             // resolution to scale to; 0: unchanged
     int mode = 450;
     int threshold = -1;    // below 0: chosen for each page
     std::set<Format> formats;

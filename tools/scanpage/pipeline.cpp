@@ -5,13 +5,12 @@
 
 #include <opencv2/core.hpp>
 
-#include "decode.h"
 #include "filter.h"
 #include "formats.h"
 #include "grey.h"
-#include "input_file.h"
-#include "result_mark.h"
+#include "page_file.h"
 #include "skew.h"
+#include "stop.h"
 #include "turn.h"
 
 namespace {
@@ -40,14 +39,8 @@ class Pipeline {
 public:
     Pipeline(const Options& options, PageResult& result) : options_(options), result_(result), watch_(result.stages) {}
 
-    std::vector<uint8_t> read() {
-        std::vector<uint8_t> stream = readJpegFile(result_.file);
-        watch_.lap("open", stream.size());
-        return stream;
-    }
-
-    void straighten(const std::vector<uint8_t>& stream, bool keepImages) {
-        decodePage(stream);
+    void straighten(PageFile& file, size_t page, bool keepImages) {
+        decodePage(file, page);
         findAngle();
         turn(keepImages);
         filter();
@@ -65,8 +58,8 @@ public:
     }
 
 private:
-    void decodePage(const std::vector<uint8_t>& stream) {
-        DecodedPage decoded = decode(stream);
+    void decodePage(PageFile& file, size_t page) {
+        DecodedPage decoded = file.decode(page, options_.assumedDpi);
         if (!decoded.damage.empty()) {
             result_.status = Status::kDamaged;
             result_.fault = decoded.damage;
@@ -165,15 +158,19 @@ bool keepResults(const Results& results, const Options& options, PageResult& res
     return true;
 }
 
-void process(const Run& run, bool keepImages, PageResult& result) {
-    Pipeline pipeline(run.options, result);
-    addInput(result.file, run.inputs);
-    std::vector<uint8_t> stream = pipeline.read();
-    const Results results(result.file, sumOf(stream), run.options, run.folder);
+// Where a page is.
+struct Place {
+    PageFile& file;
+    size_t page;
+    std::string resultName;
+};
+
+void processPage(const Place& place, const Run& run, bool keepImages, PageResult& result) {
+    const Results results(place.resultName, place.file.sumOf(place.page), run.options, run.folder);
     if (keepResults(results, run.options, result)) return;
     results.requireReplaceable({run.inputs, run.overwrite});
-    pipeline.straighten(stream, keepImages);
-    stream = {};
+    Pipeline pipeline(run.options, result);
+    pipeline.straighten(place.file, place.page, keepImages);
     pipeline.write(results, keepImages);
 }
 
@@ -189,14 +186,12 @@ void fail(PageResult& result, const std::string& fault) {
     result.fault = fault;
 }
 
-}    // namespace
-
-PageResult processPage(const std::string& file, const Run& run, bool keepImages) {
+// Does the work and turns what it throws into a fault of the page.
+template <class Work>
+void attempt(PageResult& result, const Work& work) {
     const auto start = std::chrono::steady_clock::now();
-    PageResult result;
-    result.file = file;
     try {
-        process(run, keepImages, result);
+        work();
     } catch (const cv::Exception& e) {
         fail(result, explain(e));
     } catch (const std::bad_alloc&) {
@@ -204,6 +199,46 @@ PageResult processPage(const std::string& file, const Run& run, bool keepImages)
     } catch (const std::exception& e) {
         fail(result, e.what());
     }
-    result.milliseconds = millisecondsSince(start);
+    result.milliseconds += millisecondsSince(start);
+}
+
+// "3" as "003": in alphabetical order pages stand in theirs.
+std::string padded(size_t page, size_t pages) {
+    const std::string number = std::to_string(page);
+    const size_t width = std::max<size_t>(3, std::to_string(pages).size());
+    return std::string(width - number.size(), '0') + number;
+}
+
+PageResult nextPage(PageResult& first, size_t page, const std::string& name) {
+    PageResult result;
+    if (page == 0) result = std::move(first);
+    result.file = name;
     return result;
+}
+
+}    // namespace
+
+void processFile(const std::string& file, const Run& run, bool keepImages,
+                 const std::function<void(const PageResult&)>& finished) {
+    PageResult first;
+    first.file = file;
+    std::optional<PageFile> pages;
+    attempt(first, [&] {
+        addInput(file, run.inputs);
+        Stopwatch watch(first.stages);
+        pages.emplace(file);
+        watch.lap("open", pages->bytes());
+    });
+    if (first.status == Status::kFailed) return finished(first);
+    const size_t count = pages->pages();
+    for (size_t page = 0; page < count && (page == 0 || !stopRequested()); ++page) {
+        const std::string number = padded(page + 1, count);
+        PageResult result = nextPage(first, page, count == 1 ? file : file + "#" + number);
+        attempt(result, [&] {
+            const std::string name = resultName(file) + (count == 1 ? "" : "-" + number);
+            if (count > 1 && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
+            processPage({*pages, page, name}, run, keepImages, result);
+        });
+        finished(result);
+    }
 }

@@ -4,16 +4,36 @@
 // The way of a page from its file to its results.
 #pragma once
 
+#include <functional>
+#include <mutex>
+#include <unordered_set>
+
 #include "results.h"
+
+// Names that the results of a run have. Two pages of one name would write the same files.
+class UsedNames {
+public:
+    // False if the name was used before.
+    bool claim(const std::string& name) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return names_.insert(name).second;
+    }
+
+private:
+    std::mutex mutex_;
+    std::unordered_set<std::string> names_;
+};
 
 // What the pages of a run share.
 struct Run {
     const Options& options;
     const OutputFolder& folder;
     InputIds& inputs;
+    UsedNames& names;
     bool overwrite;
 };
 
-// Reads, straightens, filters and writes a page. Does not throw: a fault is reported. `keepImages` asks for the page
-// before and after.
-PageResult processPage(const std::string& file, const Run& run, bool keepImages);
+// Reads, straightens, filters and writes the pages of a file, one after the other. Does not throw: a fault is reported.
+// `finished` is called for each page. `keepImages` asks for the page before and after.
+void processFile(const std::string& file, const Run& run, bool keepImages,
+                 const std::function<void(const PageResult&)>& finished);

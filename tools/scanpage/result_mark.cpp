@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "sum.h"
+
 namespace {
 
 constexpr std::string_view kStart = "scanpage: page ";
@@ -15,20 +17,6 @@ constexpr std::string_view kBeforeSum = ", sum ";
 constexpr std::string_view kNoSum = "0000000000000000";
 constexpr std::string_view kPng = "\x89PNG";
 constexpr std::string_view::size_type kPngChecksum = 4;    // of the comment, behind its text
-
-// FNV-1a, 64 bits.
-class Sum {
-public:
-    void add(const void* data, size_t size) {
-        const auto* bytes = static_cast<const uint8_t*>(data);
-        for (size_t i = 0; i < size; ++i) value_ = (value_ ^ bytes[i]) * 1099511628211U;
-    }
-
-    uint64_t value() const { return value_; }
-
-private:
-    uint64_t value_ = 14695981039346656037U;
-};
 
 std::string digitsOf(uint64_t value) {
     char text[17];
@@ -65,12 +53,6 @@ std::string sealedSum(std::string_view file, const Place& place, const std::stri
 }
 
 }    // namespace
-
-uint64_t sumOf(const std::vector<uint8_t>& bytes) {
-    Sum sum;
-    sum.add(bytes.data(), bytes.size());
-    return sum.value();
-}
 
 std::string resultMark(uint64_t pageSum, const std::string& options) {
     return std::string(kStart) + digitsOf(pageSum) + ", options " + options + std::string(kBeforeSum) +

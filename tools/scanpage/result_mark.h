@@ -16,8 +16,6 @@
 // and the file's name. So a file that was cut, changed, copied to another name or written by another program is not
 // taken for a result, and a result of another page or of other options is not taken for this one.
 
-uint64_t sumOf(const std::vector<uint8_t>& bytes);
-
 // The line, for a file that is yet to be made; its sum is still zero.
 std::string resultMark(uint64_t pageSum, const std::string& options);
 

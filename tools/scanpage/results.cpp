@@ -28,6 +28,7 @@ std::string optionsText(const Options& options, Format format) {
     std::snprintf(angle, sizeof(angle), " --angle %.17g", options.angle);
     std::string text;
     if (options.skewGiven) text += angle;
+    if (options.assumedDpi != Options().assumedDpi) text += " --assume-dpi " + std::to_string(options.assumedDpi);
     if (options.denoise >= 0) text += " --denoise " + std::to_string(options.denoise);
     if (options.median != Median::kNone) text += std::string(" --median ") + kMedians.at(options.median);
     if (options.dpi > 0) text += " --dpi " + std::to_string(options.dpi);
@@ -61,8 +62,12 @@ void requireReplaceable(const Existing& existing, const std::string& path, const
 
 std::string resultName(const std::string& file) { return std::filesystem::path(file).stem().string(); }
 
-Results::Results(const std::string& file, uint64_t pageSum, const Options& options, const OutputFolder& folder)
-    : name_(resultName(file)), pageSum_(pageSum), options_(options), folder_(folder) {
+std::string nameIsUsed(const std::string& resultName) {
+    return "another page has already used the name " + resultName + " for its results";
+}
+
+Results::Results(const std::string& name, uint64_t pageSum, const Options& options, const OutputFolder& folder)
+    : name_(name), pageSum_(pageSum), options_(options), folder_(folder) {
     for (const Format format : options.formats) existing_[format] = examine(folder, nameOf(format));
 }
 

@@ -28,13 +28,14 @@ Existing examine(const OutputFolder& folder, const std::string& name);
 void requireReplaceable(const Existing& existing, const std::string& path, const Rules& rules);
 
 // Name of the results of a page, without folder and extension. Pages that share it would overwrite each other's
-// results.
+// results; `nameIsUsed` tells so.
 std::string resultName(const std::string& file);
+std::string nameIsUsed(const std::string& resultName);
 
 // The results of a page that were there before it is worked on.
 class Results {
 public:
-    Results(const std::string& file, uint64_t pageSum, const Options& options, const OutputFolder& folder);
+    Results(const std::string& name, uint64_t pageSum, const Options& options, const OutputFolder& folder);
 
     void requireReplaceable(const Rules& rules) const;
 

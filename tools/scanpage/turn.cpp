@@ -8,17 +8,14 @@
 #include <cstring>
 #include <utility>
 
+#include "record.h"
+
 namespace {
 
 constexpr int kLongestSide = 32766;    // of an image that OpenCV can warp
 
 Record copyOf(const KVIMG& page) {
-    KVRect size{};
-    KVSetRect(&size, 0, 0, page.width, page.height);
-    KVIMG* record = nullptr;
-    const OSErr status = CreateNewKVIMGPtr(&record, &size, static_cast<unsigned char>(page.depth));
-    if (status != noErr || !record) throw std::bad_alloc();
-    Record copy(record);
+    Record copy = newRecord(page.width, page.height, page.depth / 8);
     const auto rowBytes = static_cast<size_t>(page.width) * static_cast<size_t>(page.depth / 8);
     for (int y = 0; y < page.height; ++y)
         std::memcpy(copy->data + ptrdiff_t{y} * copy->rowBytes, page.data + ptrdiff_t{y} * page.rowBytes, rowBytes);

@@ -50,11 +50,11 @@ class Completion(unittest.TestCase):
     def test_bash_offers_pages_and_folders(self):
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder)
-            for name in ("a.jpg", "b.JPEG", "c.txt"):
+            for name in ("a.jpg", "b.JPEG", "c.txt", "d.tif", "e.PNG", "f.pnm"):
                 (root / name).touch()
             (root / "scans").mkdir()
             offered = {os.path.basename(name) for name in in_bash(f"{root}/")}
-            self.assertEqual({"a.jpg", "b.JPEG", "scans"}, offered)
+            self.assertEqual({"a.jpg", "b.JPEG", "d.tif", "e.PNG", "f.pnm", "scans"}, offered)
             self.assertEqual({f"{root}/scans"}, in_bash("-o", f"{root}/"))
 
     def test_fish_offers_the_same(self):

@@ -44,12 +44,15 @@ class NoPages(PageTest):
         page = self.folder / "large"
         jpeg = self.pages[0].read_bytes()
         segment = jpeg[2 : 4 + int.from_bytes(jpeg[4:6], "big")]
-        for start in (b"", b"This is no page.", b"\xff\xd8\xff", b"\xff\xd8" + segment, b"\xff\xd8" + 9000 * segment):
+        unknown, wrong = "is not a JPEG, PNG, TIFF or PNM file", "is not a JPEG file"
+        for start, reason in ((b"", unknown), (b"This is no page.", unknown), (b"\xff\xd8\xff", wrong),
+                              (b"\xff\xd8" + segment, wrong), (b"\xff\xd8" + 9000 * segment, wrong),
+                              (b"P5 x", "cannot be decoded")):    # fmt: skip
             with open(page, "wb") as file:
                 file.write(start)
                 file.truncate(1 << 30)
             printed, megabytes, seconds = self.peak_and_time(page)
-            self.assertIn("large: is not a JPEG file\n", printed)
+            self.assertIn(f"large: {reason}\n", printed)
             self.assertLess(megabytes, 60)
             self.assertLess(seconds, 5)
 

@@ -3,7 +3,7 @@
 
 # Completion of scanpage for bash.
 _scanpage() {
-    local word=${COMP_WORDS[COMP_CWORD]} words=
+    local word=${COMP_WORDS[COMP_CWORD]} words= ending
     COMPREPLY=()
     case ${COMP_WORDS[COMP_CWORD - 1]} in
         --format) words='jpeg pbm g4' ;;
@@ -18,18 +18,20 @@ _scanpage() {
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
             ;;
-        -j | --jobs | --angle | --denoise | --dpi | --threshold) return ;;    # a number
+        -j | --jobs | --angle | --denoise | --assume-dpi | --dpi | --threshold) return ;;    # a number
         *)
             if [[ $word != -* ]]; then
                 mapfile -t COMPREPLY < <(
                     compgen -d -- "$word"
-                    compgen -f -X '!*.[Jj][Pp][Gg]' -- "$word"
-                    compgen -f -X '!*.[Jj][Pp][Ee][Gg]' -- "$word"
+                    for ending in jpg jpeg png tif tiff pnm pbm pgm ppm; do
+                        compgen -f -X "!*.$ending" -- "$word"
+                        compgen -f -X "!*.${ending^^}" -- "$word"
+                    done
                 )
                 return
             fi
             words='-h --help --from -0 --null -o --output --format --resume --overwrite --damaged -j --jobs
-                --angle --denoise --median --dpi --mode --threshold --contact-sheet -v --verbose'
+                --angle --denoise --median --assume-dpi --dpi --mode --threshold --contact-sheet -v --verbose'
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -1,0 +1,38 @@
+// SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+// SPDX-License-Identifier: MIT
+
+// A file with pages: JPEG, PNG or PNM with one, TIFF with any number. Its content tells which, not its name.
+#pragma once
+
+#include <optional>
+
+#include "decode.h"
+#include "input_file.h"
+#include "tiff_file.h"
+
+class PageFile {
+public:
+    // Throws if it cannot be read or is none of them. Reading stops at the first bytes that cannot belong to a page,
+    // so a large file of another kind costs nothing.
+    explicit PageFile(const std::string& file);
+    PageFile(const PageFile&) = delete;
+    PageFile& operator=(const PageFile&) = delete;
+
+    size_t bytes() const { return file_.size(); }
+    size_t pages() const { return tiff_ ? tiff_->pages() : 1; }
+
+    // Of the bytes of the file, and of the number of the page if there are several.
+    uint64_t sumOf(size_t page) const;
+
+    // May be called once for each page.
+    DecodedPage decode(size_t page, int assumedDpi);
+
+private:
+    void readSum();
+
+    InputFile file_;
+    std::vector<uint8_t> stream_;    // the whole file, unless it is a TIFF; released when it is decoded
+    std::optional<TiffFile> tiff_;
+    DecodedPage (*decodeStream_)(const std::vector<uint8_t>&, int) = nullptr;
+    uint64_t sum_ = 0;
+};
