@@ -25,18 +25,21 @@ cmd_bench() {
     python3 bench/report.py "$folder" docs/performance.md
 }
 
-# Times the same operations with other libraries, for the table in the README.
+# Times the same operations with other libraries, and writes the table and the chart of the README.
 cmd_beside() {
     local folder=build/beside
     install_packages
-    need libvips-dev python3-pil
+    need libvips-dev python3-matplotlib python3-pil
     build release beside pagegen
     mkdir -p "$folder"
     # shellcheck disable=SC2046
     cc -O2 bench/beside/beside_vips.c -o "$folder/beside_vips" $(pkg-config --cflags --libs vips) -lm
     ./build/release/bin/pagegen --grey "$folder/grey.jpg"
     ./build/release/bin/pagegen "$folder/colour.jpg"
-    ./build/release/bench/beside/beside "$folder/grey.jpg" "$folder/colour.jpg"
-    "$folder/beside_vips" "$folder/grey.jpg" "$folder/colour.jpg"
-    /usr/bin/python3 bench/beside/beside.py "$folder/grey.jpg" "$folder/colour.jpg"
+    {
+        ./build/release/bench/beside/beside "$folder/grey.jpg" "$folder/colour.jpg"
+        "$folder/beside_vips" "$folder/grey.jpg" "$folder/colour.jpg"
+        /usr/bin/python3 bench/beside/beside.py "$folder/grey.jpg" "$folder/colour.jpg"
+    } | tee "$folder/times.tsv"
+    /usr/bin/python3 bench/charts.py beside "$folder/times.tsv" README.md docs/images/beside.svg
 }

@@ -4,11 +4,12 @@
 // beside: times a few operations on the same page with this library, OpenCV and Leptonica, in turn, in one thread.
 // beside_vips.c and beside.py do the same with libvips and Pillow.
 //
-//     beside GREY.jpg COLOUR.jpg    prints the median processor time of each operation in milliseconds
+//     beside GREY.jpg COLOUR.jpg    prints a line per operation and library: the median processor time in milliseconds
 #include <OPCV_dlib.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <functional>
@@ -68,7 +69,7 @@ void compare(const char* operation, const std::vector<Contender>& contenders) {
         }
     for (size_t i = 0; i < contenders.size(); ++i) {
         std::sort(times[i].begin(), times[i].end());
-        std::printf("%-24s %-10s %8.1f\n", operation, contenders[i].name, times[i][kRounds / 2]);
+        std::printf("%s\t%s\t%.2f\n", operation, contenders[i].name, times[i][kRounds / 2]);
     }
 }
 
@@ -104,28 +105,84 @@ void compareReading(const char* operation, const Stream& jpeg, Page& page) {
                         {"Leptonica", [&] { readPix(jpeg); }}});
 }
 
-void compareMedian(Page& page) {
-    const KVIMG& from = *page.record;
+// The quality of mode 450 is 80.
+void compareWriting(const char* operation, Page& page) {
+    KVImageDescription* description = &page.description;
+    compare(operation, {{"OPCV_dlib",
+                         [&] {
+                             void* stream = nullptr;
+                             unsigned bytes = 0;
+                             require(
+                                 CompressJPEGWithIPP(page.record.get(), &description, 450, &stream, &bytes) == noErr,
+                                 "writing");
+                             std::free(stream);
+                         }},
+                        {"OpenCV",
+                         [&] {
+                             Stream out;
+                             require(cv::imencode(".jpg", page.mat, out, {cv::IMWRITE_JPEG_QUALITY, 80}), "imencode");
+                         }},
+                        {"Leptonica", [&] {
+                             l_uint8* stream = nullptr;
+                             size_t bytes = 0;
+                             require(pixWriteMemJpeg(&stream, &bytes, page.pix.get(), 80, 0) == 0, "pixWriteMemJpeg");
+                             lept_free(stream);
+                         }}});
+}
+
+// A filter with a 3 x 3 window: the pixels at the edges have no whole window, so this library leaves them out.
+using Filter = std::function<IppStatus(const unsigned char* from, unsigned char* to, int step, IppiSize inner)>;
+
+steps::Record filtered(const KVIMG& from, const Filter& filter) {
+    steps::Record out = steps::newGreyPage({from.width, from.height});
+    require(out != nullptr, "a new page");
     const IppiSize inner = {from.width - 2, from.height - 2};
-    compare("median 3 x 3, grey",
-            {{"OPCV_dlib",
-              [&] {
-                  const steps::Record out = steps::newGreyPage({from.width, from.height});
-                  require(out != nullptr, "a new page");
-                  require(IPPShare_ippiFilterMedian_8u_C1R(from.data + from.rowBytes + 1, from.rowBytes,
-                                                           out->data + out->rowBytes + 1, out->rowBytes, inner, {3, 3},
-                                                           {1, 1}) == ippStsNoErr,
-                          "IPPShare_ippiFilterMedian_8u_C1R");
-              }},
-             {"OpenCV",
-              [&] {
-                  cv::Mat out;
-                  cv::medianBlur(page.mat, out, 3);
-              }},
-             {"Leptonica", [&] {
-                  const Pix out(pixMedianFilter(page.pix.get(), 3, 3));
-                  require(out != nullptr, "pixMedianFilter");
-              }}});
+    require(filter(from.data + from.rowBytes + 1, out->data + out->rowBytes + 1, from.rowBytes, inner) == ippStsNoErr,
+            "filtering");
+    return out;
+}
+
+void compareMedian(Page& page) {
+    const Filter median = [](const unsigned char* from, unsigned char* to, int step, IppiSize inner) {
+        return IPPShare_ippiFilterMedian_8u_C1R(from, step, to, step, inner, {3, 3}, {1, 1});
+    };
+    compare("median 3 x 3, grey", {{"OPCV_dlib", [&] { filtered(*page.record, median); }},
+                                   {"OpenCV",
+                                    [&] {
+                                        cv::Mat out;
+                                        cv::medianBlur(page.mat, out, 3);
+                                    }},
+                                   {"Leptonica", [&] {
+                                        const Pix out(pixMedianFilter(page.pix.get(), 3, 3));
+                                        require(out != nullptr, "pixMedianFilter");
+                                    }}});
+}
+
+void compareSharpening(Page& page) {
+    static const int cells[] = {-1, -1, -1, -1, 16, -1, -1, -1, -1};
+    constexpr int kDivisor = 8;
+    const Filter sharpen = [](const unsigned char* from, unsigned char* to, int step, IppiSize inner) {
+        return IPPShare_ippiFilter_8u_C1R(from, step, to, step, inner, cells, {3, 3}, {1, 1}, kDivisor);
+    };
+    cv::Mat kernel(3, 3, CV_32F);
+    const std::unique_ptr<L_KERNEL, void (*)(L_KERNEL*)> leptonicas(kernelCreate(3, 3),
+                                                                    [](L_KERNEL* k) { kernelDestroy(&k); });
+    kernelSetOrigin(leptonicas.get(), 1, 1);
+    for (int i = 0; i < 9; ++i) {
+        const float cell = static_cast<float>(cells[i]) / kDivisor;
+        kernel.at<float>(i / 3, i % 3) = cell;
+        kernelSetElement(leptonicas.get(), i / 3, i % 3, cell);
+    }
+    compare("sharpen 3 x 3, grey", {{"OPCV_dlib", [&] { filtered(*page.record, sharpen); }},
+                                    {"OpenCV",
+                                     [&] {
+                                         cv::Mat out;
+                                         cv::filter2D(page.mat, out, -1, kernel);
+                                     }},
+                                    {"Leptonica", [&] {
+                                         const Pix out(pixConvolve(page.pix.get(), leptonicas.get(), 8, 0));
+                                         require(out != nullptr, "pixConvolve");
+                                     }}});
 }
 
 void compareDeskew(const char* operation, Page& page) {
@@ -147,6 +204,64 @@ void compareDeskew(const char* operation, Page& page) {
               }}});
 }
 
+void compareQuarterTurn(Page& page) {
+    KVImageDescription* description = &page.description;
+    compare("quarter turn, colour",
+            {{"OPCV_dlib",
+              [&] {
+                  KVIMG* turned = nullptr;
+                  require(RotateImageWithIPP(page.record.get(), &description, &turned, 90) == noErr, "turning");
+                  const steps::Record owner(turned);
+              }},
+             {"OpenCV",
+              [&] {
+                  cv::Mat out;
+                  cv::rotate(page.mat, out, cv::ROTATE_90_CLOCKWISE);
+              }},
+             {"Leptonica", [&] {
+                  const Pix out(pixRotate90(page.pix.get(), 1));
+                  require(out != nullptr, "pixRotate90");
+              }}});
+}
+
+// Bilinear, from 400 to 300 dots per inch.
+void compareScaling(Page& page) {
+    compare("scale to 3/4, grey", {{"OPCV_dlib",
+                                    [&] {
+                                        KVIMG* small = nullptr;
+                                        require(ResizeImageWithIPPEx(page.record.get(), &small, 4, 3) == noErr,
+                                                "scaling");
+                                        const steps::Record owner(small);
+                                    }},
+                                   {"OpenCV",
+                                    [&] {
+                                        cv::Mat out;
+                                        cv::resize(page.mat, out, {}, 0.75, 0.75, cv::INTER_LINEAR);
+                                    }},
+                                   {"Leptonica", [&] {
+                                        const Pix out(pixScaleGrayLI(page.pix.get(), 0.75F, 0.75F));
+                                        require(out != nullptr, "pixScaleGrayLI");
+                                    }}});
+}
+
+// OpenCV has no images of one bit per pixel.
+void compareReducing(Page& page) {
+    const KVIMG& from = *page.record;
+    const int step = (from.width + 7) / 8;
+    compare("reduce to 1 bit, grey",
+            {{"OPCV_dlib",
+              [&] {
+                  Stream bits(static_cast<size_t>(step) * static_cast<size_t>(from.height));
+                  require(IPPShare_ippiReduceBits_8u1u_C1R(from.data, from.rowBytes, bits.data(), step, 0,
+                                                           {from.width, from.height}, 0, 0, 0, 127) == ippStsNoErr,
+                          "IPPShare_ippiReduceBits_8u1u_C1R");
+              }},
+             {"Leptonica", [&] {
+                  const Pix out(pixThresholdToBinary(page.pix.get(), 128));
+                  require(out != nullptr, "pixThresholdToBinary");
+              }}});
+}
+
 int run(int argc, char** argv) {
     if (argc != 3) throw std::runtime_error("beside GREY.jpg COLOUR.jpg");
     cv::setNumThreads(1);
@@ -156,13 +271,18 @@ int run(int argc, char** argv) {
     Page colourPage;
     read(greyPage, grey);
     read(colourPage, colour);
-    std::printf("OpenCV %s, Leptonica %d.%d.%d\n", CV_VERSION, LIBLEPT_MAJOR_VERSION, LIBLEPT_MINOR_VERSION,
-                LIBLEPT_PATCH_VERSION);
+    std::fprintf(stderr, "OpenCV %s, Leptonica %d.%d.%d\n", CV_VERSION, LIBLEPT_MAJOR_VERSION, LIBLEPT_MINOR_VERSION,
+                 LIBLEPT_PATCH_VERSION);
     compareReading("read JPEG, grey", grey, greyPage);
     compareReading("read JPEG, colour", colour, colourPage);
+    compareWriting("write JPEG, grey", greyPage);
     compareMedian(greyPage);
-    compareDeskew("deskew 2.3, grey", greyPage);
-    compareDeskew("deskew 2.3, colour", colourPage);
+    compareSharpening(greyPage);
+    compareDeskew("deskew by 2.3 degrees, grey", greyPage);
+    compareDeskew("deskew by 2.3 degrees, colour", colourPage);
+    compareQuarterTurn(colourPage);
+    compareScaling(greyPage);
+    compareReducing(greyPage);
     return 0;
 }
 
