@@ -81,7 +81,8 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     app.add_flag("-v,--verbose", settings.verbose, "Print size, resolution and skew of each page on standard error");
     app.footer(
         "Standard output gets a line for each page when the page is finished: file, status (done, kept, damaged,\n"
-        "failed), skew in degrees, milliseconds, bytes written, separated by tabs.\n"
+        "failed), skew in degrees, milliseconds, bytes written, confidence in the skew, why it was not found,\n"
+        "separated by tabs.\n"
         "Exit status: 0 all pages are done or kept, 1 some are damaged or failed, 2 wrong usage, 3 stopped before the\n"
         "last page.");
     try {

@@ -56,13 +56,20 @@ struct Stage {
 // kDamaged: its results are there, but the file of the page is damaged.
 enum class Status { kDone, kKept, kDamaged, kFailed };
 
-// What became of a page. `skew` is the angle that straightens it, counter-clockwise.
+// The angle that straightens a page, in degrees counter-clockwise.
+struct Skew {
+    bool known = false;
+    double angle = 0;         // 0 if it is not known
+    double confidence = 0;    // 0 to 1; 0 also for an angle that was given
+    std::string reason;       // why it is not known: blank, picture, unsure; empty if nothing was measured
+};
+
+// What became of a page.
 struct PageResult {
     std::string file;
     Status status = Status::kDone;
     std::string fault;    // why it failed, or how it is damaged
-    bool skewKnown = false;
-    double skew = 0;
+    Skew skew;
     int width = 0, height = 0, depth = 0;
     int dpiX = 0, dpiY = 0;
     double milliseconds = 0;

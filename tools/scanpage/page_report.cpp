@@ -36,10 +36,12 @@ std::string number(const char* format, double value) {
     return text;
 }
 
-// file, status, skew, milliseconds, bytes
+// file, status, angle, milliseconds, bytes, confidence, reason
 std::string lineOf(const PageResult& r) {
-    return escaped(r.file) + '\t' + nameOf(r.status) + '\t' + (r.skewKnown ? number("%.2f", r.skew) : "-") + '\t' +
-           number("%.1f", r.milliseconds) + '\t' + std::to_string(r.bytes) + '\n';
+    return escaped(r.file) + '\t' + nameOf(r.status) + '\t' + (r.skew.known ? number("%.2f", r.skew.angle) : "-") +
+           '\t' + number("%.1f", r.milliseconds) + '\t' + std::to_string(r.bytes) + '\t' +
+           (r.skew.confidence > 0 ? number("%.2f", r.skew.confidence) : "-") + '\t' +
+           (r.skew.reason.empty() ? "-" : r.skew.reason) + '\n';
 }
 
 // Writes all of the text, in one piece if the system takes it so. Returns how much it took.
@@ -98,9 +100,9 @@ void PageReport::print(const PageResult& r) {
         std::fprintf(stderr, "%s: its results are complete\n", file.c_str());
         return;
     }
-    std::fprintf(stderr, "%s: %d x %d, %d bits, %d x %d dpi, %s\n", file.c_str(), r.width, r.height, r.depth, r.dpiX,
-                 r.dpiY,
-                 r.skewKnown ? number("skew %.2f degrees", r.skew).c_str() : "no lines of text to find the skew by");
+    std::fprintf(
+        stderr, "%s: %d x %d, %d bits, %d x %d dpi, %s\n", file.c_str(), r.width, r.height, r.depth, r.dpiX, r.dpiY,
+        (r.skew.known ? number("skew %.2f degrees", r.skew.angle) : "no skew found: " + r.skew.reason).c_str());
 }
 
 void PageReport::count(const PageResult& r) {

@@ -77,20 +77,15 @@ private:
 
     void findAngle() {
         if (options_.skewGiven) {
-            result_.skew = options_.angle;
-            result_.skewKnown = true;
+            result_.skew = {true, options_.angle, 0, ""};
             return;
         }
-        const Grey grey = greyOf(*page_);
-        const Bits bits = reduced(grey, otsuThreshold(grey));
-        const std::optional<double> skew = findSkew(bits);
-        result_.skewKnown = skew.has_value();
-        result_.skew = skew.value_or(0);
-        watch_.lap("find skew", bits.bytes.size());
+        result_.skew = findSkew(*page_);
+        watch_.lap("find skew", 0);
     }
 
     void turn(bool keepImages) {
-        Record straight = turned(*page_, description_, result_.skew);
+        Record straight = turned(*page_, description_, result_.skew.angle);
         if (keepImages) result_.before = std::move(page_);
         page_ = std::move(straight);
         watch_.lap("deskew", pageBytes());
@@ -182,7 +177,7 @@ std::string explain(const cv::Exception& e) {
 void fail(PageResult& result, const std::string& fault) {
     result.status = Status::kFailed;
     result.bytes = 0;
-    result.skewKnown = false;
+    result.skew = {};
     result.fault = fault;
 }
 

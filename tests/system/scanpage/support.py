@@ -17,10 +17,11 @@ SCANPAGE = os.environ["SCANPAGE"]
 PAGEGEN = os.environ["PAGEGEN"]
 HOLD = {**os.environ, "LD_PRELOAD": os.environ["FAULTS"], "FAULT": "hold"}    # for pages that are held up
 
-Line = collections.namedtuple("Line", "file status skew milliseconds bytes")
+Line = collections.namedtuple("Line", "file status skew milliseconds bytes confidence reason")
 Run = collections.namedtuple("Run", "status lines stderr")
 
-LINE = re.compile(r"([^\t]+)\t(done|kept|damaged|failed)\t(-|-?\d+\.\d\d)\t(\d+\.\d)\t(\d+)")
+LINE = re.compile(r"([^\t]+)\t(done|kept|damaged|failed)\t(-|-?\d+\.\d\d)\t(\d+\.\d)\t(\d+)"
+                  r"\t(-|[01]\.\d\d)\t(-|blank|picture|unsure)")
 
 
 def parse(stdout):
