@@ -50,3 +50,10 @@ set_target_properties(OPCV_dlib PROPERTIES
 target_include_directories(OPCV_dlib INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 target_link_libraries(OPCV_dlib
     PRIVATE $<BUILD_INTERFACE:opcv_dlib_house_flags> OpenCVModules::OpenCVModules JPEG::JPEG Highway::Highway)
+
+# What the programs and the Python module link. A self-contained one holds the library's objects, because a program that
+# uses OpenCV itself would otherwise have a second OpenCV in it, with threads and settings of its own.
+set(opcv_dlib_linked OPCV_dlib)
+if(OPCV_DLIB_SELF_CONTAINED)
+    set(opcv_dlib_linked opcv_dlib_objects)
+endif()

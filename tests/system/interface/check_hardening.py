@@ -82,14 +82,23 @@ def faults_of_library(library, readelf, objdump, nm):
             yield f"{fields[-1]} is writable data"
 
 
+def faults_of_self_contained_library(library, readelf):
+    """It needs nothing but the C and C++ runtime."""
+    for name in re.findall(r"\(NEEDED\).*\[(.+)\]", output_of(readelf, "-dW", library)):
+        if not re.match(r"(libstdc\+\+|libgcc_s|libm|libc|libpthread|ld-linux-[\w-]+)\.so", name):
+            yield f"it needs {name}"
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     for name in ("kind", "file", "readelf", "objdump", "nm"):
-        parser.add_argument(name, choices=("library", "program") if name == "kind" else None)
+        parser.add_argument(name, choices=("library", "self-contained", "program") if name == "kind" else None)
     args = parser.parse_args()
     found = list(faults_of_any_file(args.file, args.readelf, args.nm))
     if args.kind == "library":
         found += faults_of_library(args.file, args.readelf, args.objdump, args.nm)
+    if args.kind == "self-contained":
+        found += faults_of_self_contained_library(args.file, args.readelf)
     print("\n".join(found))
     return 1 if found else 0
 

@@ -1,0 +1,93 @@
+# SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
+# SPDX-License-Identifier: MIT
+
+# shellcheck shell=bash
+# The self-contained library and the wheels that hold it. A wheel needs the C library of the release that built it or a
+# newer one, so it is built here for the Pythons of this release and of the next.
+
+wheel_packages=(mmdebstrap python3-pip)
+wheels=build/wheels
+headers=build/wheel/headers
+largest_wheel=2500000    # bytes
+
+# This release and those after it that the wheels are for.
+wheel_releases() { if [ "$(debian_release)" = bookworm ]; then echo bookworm trixie; else debian_release; fi; }
+
+# Sets `python_tags`: release -> tag of its Python, and unpacks the headers of each Python and those of the newest
+# pybind11, whose modules run with NumPy 1 and 2.
+declare -A python_tags
+wheel_headers() {
+    local release package folder=$PWD/$headers downloads=$PWD/build/wheel/downloads
+    mkdir -p "$downloads"
+    for release in $(wheel_releases); do
+        package=$(RELEASE=$release apt_apart apt-cache depends libpython3-dev |
+            sed -n 's/.*\(libpython3\.[0-9]*-dev\)$/\1/p')
+        python_tags[$release]=cp$(tr -dc 0-9 <<<"$package")
+        [ -e "$folder/complete" ] && continue
+        # shellcheck disable=SC2016
+        RELEASE=$release apt_apart bash -c 'cd "$0" && apt-get download -qq "$@"' "$downloads" "$package" pybind11-dev
+    done
+    [ -e "$folder/complete" ] && return
+    for package in "$downloads"/libpython3*.deb "$(find "$downloads" -name 'pybind11-dev_*' | sort -V | tail -1)"; do
+        dpkg-deb -x "$package" "$folder"
+    done
+    touch "$folder/complete"
+}
+
+# cmake_of_python TAG: the options that select the headers of a Python.
+cmake_of_python() {
+    local version=3.${1#cp3} by_ccache=''
+    ! command -v ccache >/dev/null ||
+        by_ccache='-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache '
+    echo "$by_ccache-DCMAKE_COMPILE_WARNING_AS_ERROR=ON" "-DPython_INCLUDE_DIR=$PWD/$headers/usr/include/python$version" \
+        "-Dpybind11_DIR=$(dirname "$(find "$PWD/$headers/usr" -name pybind11Config.cmake)")"
+}
+
+# make_wheel TAG [SETTING...]
+make_wheel() {
+    local tag=$1 settings=()
+    shift
+    for setting in "python=$tag" "$@"; do settings+=(--config-settings "$setting"); done
+    say "Building the wheel for $tag ${*%%=*}"
+    /usr/bin/python3 -m pip wheel --quiet --no-deps --no-index --wheel-dir "$wheels" "${settings[@]}" . >build/wheel.log 2>&1 || {
+        cat build/wheel.log
+        return 1
+    }
+}
+
+# A module shows Python one name, knows no path of this machine and has no search path.
+check_wheel_files() {
+    local wheel work=build/wheel/unpacked module
+    for wheel in "$wheels"/*.whl; do
+        rm -rf "$work"
+        /usr/bin/python3 -m zipfile -e "$wheel" "$work"
+        module=$(echo "$work"/opcv_dlib/_native*.so)
+        echo "$(stat -c %s "$wheel") bytes, module of $(stat -c %s "$module"): ${wheel##*/}"
+        [ "$(stat -c %s "$wheel")" -le "$largest_wheel" ] || return 1
+        [ "$(nm -D --defined-only "$module" | awk '{print $3}')" = PyInit__native ] || return 1
+        readelf -d "$module" | grep -E 'NEEDED|RPATH|RUNPATH' >"$work/needed"
+        if grep -vE '\[(libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux-(x86-64|aarch64))\.so' "$work/needed"; then return 1; fi
+        if grep -aF "$PWD" "$module"; then return 1; fi
+    done
+}
+
+cmd_wheel() {
+    local release native
+    native=$(dpkg --print-architecture)
+    install_packages
+    need "${wheel_packages[@]}"
+    rm -rf "$wheels"
+    static_libraries "$native"
+    wheel_headers
+    for release in $(wheel_releases); do
+        make_wheel "${python_tags[$release]}" "configure=$(cmake_of_python "${python_tags[$release]}")"
+    done
+    check "Contents of the wheels" check_wheel_files
+    for release in $(wheel_releases); do
+        check "The wheel in a fresh tree of Debian $release" tests/system/wheel/check.sh "$wheels" "$release"
+    done
+    build self-contained
+    run_tests self-contained
+    echo "$passed passed, $failed failed"
+    [ "$failed" -eq 0 ]
+}
