@@ -30,7 +30,7 @@
 #include <cstring>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "geometry/rotate_kernel.cpp"
+#define HWY_TARGET_INCLUDE "geometry/rotate_groups.cpp"
 #include <hwy/cache_control.h>
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
