@@ -93,6 +93,13 @@ HWY_INLINE void prefetchRow(const uint8_t* row, ptrdiff_t width) {
     for (ptrdiff_t i = 0; i < width; i += kCacheLine) hwy::Prefetch(row + i);
 }
 
+// Brings the cache lines of bytes that are about to be written. Any address is allowed.
+HWY_INLINE void prefetchToWrite(const uint8_t* first, ptrdiff_t bytes) {
+    constexpr ptrdiff_t kCacheLine = 64;
+    for (ptrdiff_t i = 0; i < bytes; i += kCacheLine) __builtin_prefetch(first + i, 1);
+    __builtin_prefetch(first + bytes - 1, 1);    // the lines begin anywhere
+}
+
 }    // namespace HWY_NAMESPACE
 }    // namespace opcv::simd
 HWY_AFTER_NAMESPACE();

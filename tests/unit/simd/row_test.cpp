@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/fenced_memory.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "simd/row_test.cpp"
 #include <hwy/foreach_target.h>
@@ -107,6 +109,8 @@ Calls beyond(ptrdiff_t width, ptrdiff_t block) {
     return calls;
 }
 
+void prefetchToWrite(const uint8_t* first, ptrdiff_t bytes) { row::prefetchToWrite(first, bytes); }
+
 }    // namespace HWY_NAMESPACE
 }    // namespace
 HWY_AFTER_NAMESPACE();
@@ -123,6 +127,7 @@ HWY_EXPORT(copyRow);
 HWY_EXPORT(pulledBack);
 HWY_EXPORT(withRest);
 HWY_EXPORT(beyond);
+HWY_EXPORT(prefetchToWrite);
 
 constexpr ptrdiff_t kBlocks[] = {1, 2, 3, 16, 48};
 
@@ -204,6 +209,15 @@ TEST(Row, RunsPastTheEndByLessThanABlock) {
             for (ptrdiff_t i = 0; i < (width + block - 1) / block; ++i) expected.push_back({i * block, block});
             EXPECT_EQ(HWY_DYNAMIC_DISPATCH(beyond)(width, block), expected) << block << ' ' << width;
         }
+}
+
+TEST(Row, PrefetchesWithoutEffectOnAnyMemory) {
+    std::vector<uint8_t> bytes(200, 0x5A);
+    for (ptrdiff_t count = 0; count < 200; ++count) HWY_DYNAMIC_DISPATCH(prefetchToWrite)(bytes.data(), count);
+    EXPECT_EQ(bytes, std::vector<uint8_t>(200, 0x5A));
+    FencedMemory fenced(100, FencedMemory::Fence::kBehind);
+    HWY_DYNAMIC_DISPATCH(prefetchToWrite)(fenced.data(), 1000);
+    HWY_DYNAMIC_DISPATCH(prefetchToWrite)(nullptr, 1000);
 }
 
 }    // namespace
