@@ -21,8 +21,7 @@
 // these loads. Lanes after the repeated column use loads from one pixel earlier. Positions relative to the group's
 // first pixel are in tables of 16-bit lanes, the even bytes of a group before its odd bytes.
 //
-// A group that extends beyond the edge of the source reads a small patch that is filled with the border colour. If the
-// angle is too steep for groups, pixels are computed one by one.
+// A group that extends beyond the edge of the source reads a small patch that is filled with the border colour.
 #include "geometry/rotate_kernel.h"
 
 #include <algorithm>
@@ -47,9 +46,11 @@ namespace hn = hwy::HWY_NAMESPACE;
 constexpr int kFractionMask = (1 << kMapBits) - 1;
 constexpr int kStripBytes = 2048;    // of the target, so that few memory pages are used at a time
 constexpr int kMaxTopRows = 12;      // largest number of source rows for the upper taps of one group
-constexpr int kFewTopRows = 6;       // the same for groups that fill the widest vectors
-constexpr int kRowsAhead = 8;        // rows that are prefetched; neighbouring rows are on different memory pages
-constexpr int kSmallestGroup = 8;    // bytes
+constexpr double kMostRowsPerByte = 0.4;
+constexpr int kSmallestGroup = 16;    // bytes
+constexpr int kRowsAhead = 8;      // source rows that are prefetched; neighbouring rows are on different memory pages
+constexpr int kBytesAhead = 32;    // of these rows, the bytes for which one address is prefetched
+constexpr int kTargetRowsAhead = 4;
 
 struct Group {
     MapPosition start;    // column part of its first pixel's position
@@ -185,7 +186,7 @@ HWY_INLINE hn::Vec<D> rotateGroup(D d, const Window& w, const int16_t* HWY_RESTR
 
 // Border colour, pixel after pixel.
 struct BorderRow {
-    static constexpr int kPixels = HWY_MAX_BYTES + 4;
+    static constexpr int kPixels = 2 * HWY_MAX_BYTES;
 
     explicit BorderRow(const RotationJob& job) {
         for (int i = 0; i < kPixels * job.channels; ++i) bytes[i] = job.border[static_cast<size_t>(i % job.channels)];
@@ -215,26 +216,38 @@ struct Surroundings {
     int bottom;
 };
 
-// The part of the source around a group, extended with the border colour.
+// The part of the source around a group, extended with the border colour. Rows are copied by whole vectors, two of which
+// cover a row; the bytes that they write around it are overwritten by the next rows or not used.
 struct Patch {
-    static constexpr int kStep = HWY_MAX_BYTES + 4 * RotationJob::kMaxChannels;
+    static constexpr int kStep = 2 * HWY_MAX_BYTES + 4 * RotationJob::kMaxChannels;
 
-    void fill(const RotationJob& job, const BorderRow& border, const Surroundings& s) {
-        const int rowBytes = (s.right + 1 - s.left) * job.channels;
-        const int first = std::clamp(s.left, 0, job.sourceWidth);
-        const int end = std::clamp(s.right + 1, first, job.sourceWidth);
-        const int insideBytes = (end - first) * job.channels;
-        uint8_t* out = bytes;
+    template <class D>
+    void fill(D d, const RotationJob& job, const BorderRow& border, const Surroundings& s) {
+        const int size = groupBytes(d);
+        const int rowBytes = job.sourceWidth * job.channels;
+        const int left = s.left * job.channels;
+        const int first = std::clamp(left, 0, rowBytes);
+        const int end = std::clamp((s.right + 1) * job.channels, first, rowBytes);
+        const int one = std::min(first, rowBytes - size);
+        const int other = std::max(end - size, one);
+        uint8_t* out = rows();
         for (int y = s.top; y <= s.bottom; ++y, out += kStep) {
-            std::memcpy(out, border.bytes, static_cast<size_t>(rowBytes));
-            if (y >= 0 && y < job.sourceHeight)
-                std::memcpy(out + ptrdiff_t{first - s.left} * job.channels,
-                            job.source + y * job.sourceStep + ptrdiff_t{first} * job.channels,
-                            static_cast<size_t>(insideBytes));
+            hn::StoreU(hn::LoadU(d, border.bytes), d, out);
+            hn::StoreU(hn::LoadU(d, border.bytes + size), d, out + size);
+            if (y < 0 || y >= job.sourceHeight) continue;
+            const uint8_t* row = job.source + y * job.sourceStep;
+            if (rowBytes < size) {
+                std::memcpy(out + (first - left), row + first, static_cast<size_t>(end - first));
+            } else {
+                hn::StoreU(hn::LoadU(d, row + one), d, out + (one - left));
+                hn::StoreU(hn::LoadU(d, row + other), d, out + (other - left));
+            }
         }
     }
 
-    uint8_t bytes[(kMaxTopRows + 1) * kStep];
+    uint8_t* rows() { return bytes + HWY_MAX_BYTES; }
+
+    uint8_t bytes[HWY_MAX_BYTES + (kMaxTopRows + 1) * kStep];
 };
 
 // Everything about a group but the address of its taps, which may be in the source or in a patch.
@@ -261,8 +274,8 @@ HWY_NOINLINE void rotateGroupAtEdge(D d, const RotationJob& job, const BorderRow
         return;
     }
     Patch patch;
-    patch.fill(job, border, around);
-    w.first = patch.bytes + job.channels + group.phase;
+    patch.fill(d, job, border, around);
+    w.first = patch.rows() + job.channels + group.phase;
     w.step = Patch::kStep;
     hn::StoreU(rotateGroup(d, w, behind, down), d, out);
 }
@@ -277,7 +290,10 @@ HWY_INLINE void rotateGroupAt(D d, const RotationJob& job, const BorderRow& bord
         return;
     }
     const uint8_t* column = job.source + ptrdiff_t{around.left + 1} * job.channels + group.phase;
-    hwy::Prefetch(column + std::min(around.top + kRowsAhead, job.sourceHeight - 1) * job.sourceStep);
+    for (int i = 0; i < groupBytes(d); i += kBytesAhead) {
+        const int ahead = around.top + w.topRows * i / groupBytes(d) + kRowsAhead;
+        hwy::Prefetch(column + i + std::min(ahead, job.sourceHeight - 1) * job.sourceStep);
+    }
     w.first = column + around.top * job.sourceStep;
     w.step = job.sourceStep;
     hn::StoreU(rotateGroup(d, w, behind, down), d, out);
@@ -296,6 +312,8 @@ void rotateStrip(D d, const RotationJob& job, const BorderRow& border, int first
     for (int y = firstRow; y < endRow; ++y) {
         const MapPosition row = job.map.row(y);
         uint8_t* out = job.target + y * job.targetStep + firstByte;
+        simd::HWY_NAMESPACE::prefetchToWrite(
+            job.target + std::min(y + kTargetRowsAhead, endRow - 1) * job.targetStep + firstByte, bytes);
         simd::HWY_NAMESPACE::coverBeyond(bytes, size, [&](ptrdiff_t i) HWY_ATTR {
             const Group& group = strip.groups[i / size];
             uint8_t* const to = i + size <= bytes ? out + i : block;
@@ -305,83 +323,34 @@ void rotateStrip(D d, const RotationJob& job, const BorderRow& border, int first
     }
 }
 
+// Whether a group of this many bytes repeats one column at most and does not have too many rows. A group takes a time
+// that grows with its rows, so that small groups with many of them are slower than pixels one by one. Each position may
+// be off by one unit, because both ends of a distance are rounded.
 template <class D>
-void rotateInGroups(D d, const RotationJob& job, int firstRow, int endRow) {
-    const BorderRow border(job);
-    const int rowBytes = job.targetWidth * job.channels;
-    for (int first = 0; first < rowBytes; first += kStripBytes)
-        rotateStrip(d, job, border, first, std::min(kStripBytes, rowBytes - first), firstRow, endRow);
-}
-
-// Whether a group of this many bytes repeats one column at most and does not have too many rows. Each position may be
-// off by one unit, because both ends of a distance are rounded.
-template <class D>
-bool groupsFit(D d, const RotationJob& job, int mostTopRows = kMaxTopRows) {
+bool groupsFit(D d, const RotationJob& job) {
+    const double mostTopRows = std::min<double>(kMaxTopRows, kMostRowsPerByte * groupBytes(d));
     const int lastPixel = (groupBytes(d) + job.channels - 2) / job.channels;
     const double behind = lastPixel * (1 - job.map.xPerColumn());
     const double down = lastPixel * std::abs(job.map.yPerColumn());
     return behind * kMapScale + 1 <= kMapScale && down + 2 <= mostTopRows;
 }
 
-const uint8_t* tapAt(const RotationJob& job, int x, int y) {
-    const bool inside = x >= 0 && x < job.sourceWidth && y >= 0 && y < job.sourceHeight;
-    return inside ? job.source + y * job.sourceStep + ptrdiff_t{x} * job.channels : job.border.data();
+template <class D>
+bool rotateIfGroupsFit(D d, const RotationJob& job, int firstRow, int endRow) {
+    if (!groupsFit(d, job)) return false;
+    const BorderRow border(job);
+    const int rowBytes = job.targetWidth * job.channels;
+    for (int first = 0; first < rowBytes; first += kStripBytes)
+        rotateStrip(d, job, border, first, std::min(kStripBytes, rowBytes - first), firstRow, endRow);
+    return true;
 }
 
-struct Taps {
-    const uint8_t* p00;
-    const uint8_t* p01;
-    const uint8_t* p10;
-    const uint8_t* p11;
-};
-
-template <int kChannels>
-HWY_INLINE Taps tapsAt(const RotationJob& job, int x, int y) {
-    if (x < 0 || x + 1 >= job.sourceWidth || y < 0 || y + 1 >= job.sourceHeight)
-        return {tapAt(job, x, y), tapAt(job, x + 1, y), tapAt(job, x, y + 1), tapAt(job, x + 1, y + 1)};
-    const uint8_t* first = job.source + y * job.sourceStep + ptrdiff_t{x} * kChannels;
-    return {first, first + kChannels, first + job.sourceStep, first + job.sourceStep + kChannels};
-}
-
-template <int kChannels>
-HWY_INLINE void rotatePixel(const RotationJob& job, MapPosition at, uint8_t* out) {
-    const Taps taps = tapsAt<kChannels>(job, at.x >> kMapBits, at.y >> kMapBits);
-    const int fx = at.x >> (kMapBits - 5) & 31;
-    const int fy = at.y >> (kMapBits - 5) & 31;
-    for (int k = 0; k < kChannels; ++k) {
-        const int h0 = 32 * taps.p00[k] + fx * (taps.p01[k] - taps.p00[k]);
-        const int h1 = 32 * taps.p10[k] + fx * (taps.p11[k] - taps.p10[k]);
-        out[k] = static_cast<uint8_t>((32 * h0 + fy * (h1 - h0) + 512) >> 10);
-    }
-}
-
-template <int kChannels>
-void rotateByPixel(const RotationJob& job, int firstRow, int endRow) {
-    constexpr int kStripPixels = 512;
-    MapPosition columns[kStripPixels];
-    for (int first = 0; first < job.targetWidth; first += kStripPixels) {
-        const int count = std::min(kStripPixels, job.targetWidth - first);
-        for (int i = 0; i < count; ++i) columns[i] = job.map.column(first + i);
-        for (int y = firstRow; y < endRow; ++y) {
-            const MapPosition row = job.map.row(y);
-            uint8_t* out = job.target + y * job.targetStep + ptrdiff_t{first} * kChannels;
-            for (int i = 0; i < count; ++i, out += kChannels) rotatePixel<kChannels>(job, row + columns[i], out);
-        }
-    }
-}
-
-void rotate(const RotationJob& job, int firstRow, int endRow) {
+bool rotate(const RotationJob& job, int firstRow, int endRow) {
     const simd::HWY_NAMESPACE::Widest<uint8_t> widest;
-    const simd::HWY_NAMESPACE::RotationTag<uint8_t> full;
-    const hn::CappedTag<uint8_t, 16> half;
-    const hn::CappedTag<uint8_t, kSmallestGroup> quarter;
-    if (groupsFit(widest, job, kFewTopRows)) return rotateInGroups(widest, job, firstRow, endRow);
-    if (groupsFit(full, job)) return rotateInGroups(full, job, firstRow, endRow);
-    if (groupsFit(half, job)) return rotateInGroups(half, job, firstRow, endRow);
-    if (groupsFit(quarter, job)) return rotateInGroups(quarter, job, firstRow, endRow);
-    if (job.channels == 1) return rotateByPixel<1>(job, firstRow, endRow);
-    if (job.channels == 3) return rotateByPixel<3>(job, firstRow, endRow);
-    rotateByPixel<4>(job, firstRow, endRow);
+    const simd::HWY_NAMESPACE::AtMost32Bytes<uint8_t> medium;
+    const hn::CappedTag<uint8_t, kSmallestGroup> smallest;
+    return rotateIfGroupsFit(widest, job, firstRow, endRow) || rotateIfGroupsFit(medium, job, firstRow, endRow) ||
+           rotateIfGroupsFit(smallest, job, firstRow, endRow);
 }
 
 }    // namespace HWY_NAMESPACE
@@ -395,8 +364,8 @@ namespace {
 HWY_EXPORT(rotate);
 }    // namespace
 
-void rotateRows(const RotationJob& job, int firstRow, int endRow) {
-    HWY_DYNAMIC_DISPATCH(rotate)(job, firstRow, endRow);
+bool rotateInGroups(const RotationJob& job, int firstRow, int endRow) {
+    return HWY_DYNAMIC_DISPATCH(rotate)(job, firstRow, endRow);
 }
 
 }    // namespace opcv

@@ -27,7 +27,15 @@ struct RotationJob {
     std::array<uint8_t, kMaxChannels> border{};
 };
 
-// Fills the target's rows from `firstRow` to `endRow`, exclusive.
-void rotateRows(const RotationJob& job, int firstRow, int endRow);
+// Fills the target's rows from `firstRow` to `endRow`, exclusive, in groups of neighbouring bytes. At steep angles,
+// returns false with nothing written.
+bool rotateInGroups(const RotationJob& job, int firstRow, int endRow);
+
+// The same at any angle, with the taps of each pixel loaded on their own.
+void rotateByPixel(const RotationJob& job, int firstRow, int endRow);
+
+inline void rotateRows(const RotationJob& job, int firstRow, int endRow) {
+    if (!rotateInGroups(job, firstRow, endRow)) rotateByPixel(job, firstRow, endRow);
+}
 
 }    // namespace opcv

@@ -28,10 +28,6 @@ using Widest = hn::ScalableTag<T>;
 template <class T>
 using AtMost32Bytes = hn::CappedTag<T, 32 / sizeof(T)>;
 
-// Grey page at 7 degrees 1.07 to 1.10. Groups of 64 bytes in few source rows, as at small angles, take 0.68 to 0.79.
-template <class T>
-using RotationTag = AtMost32Bytes<T>;
-
 // Page of 3x3 pixels 0.86, of 5x5 1.01 to 1.13, in colour 1.24: each weight is a separate load from a stored block.
 template <class T>
 using BilateralTag = AtMost32Bytes<T>;
