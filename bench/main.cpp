@@ -4,104 +4,33 @@
 // Measures every registered comparison and writes a table of tab-separated lines, one per comparison and number of
 // threads. Lines of an earlier run that are not measured again are kept, so that a table can be measured in parts:
 //
-//     opcv_dlib_bench [--results=FILE] [--rounds=N] [options of Google Benchmark]
+//     opcv_dlib_bench [--results=FILE] [--passes=N] [options of Google Benchmark]
 //
-// OPCV_DLIB_TEST_TARGET=AVX2 measures the kernels of that vector target. Each line names the target and the processor.
+// N passes run through the table (6 by default; half as many with several threads), then as many again at most over the
+// comparisons that have found too few quiet moments.
 //
-// A round runs the library, the plain way and memcpy in turn. Ratios are computed within a round. Times and ratios are
-// medians over the rounds.
+// The kernels of the widest vector target are measured, and in one thread those of the next narrower in the same rounds;
+// with OPCV_DLIB_TEST_TARGET=AVX2 those of that target only. Each line names the targets and the processor.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <array>
-#include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <opencv2/core.hpp>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "measurement.h"
 #include "support.h"
-#include "support/heap_meter.h"
 #include "support/vector_target.h"
 
 namespace bench {
 namespace {
-
-std::string nameOf(const Comparison& comparison, int threads) {
-    const Subject& subject = comparison.subject;
-    return subject.function + (subject.variant.empty() ? "" : " " + subject.variant) + "/" +
-           std::to_string(subject.size.width) + "x" + std::to_string(subject.size.height) +
-           "/threads:" + std::to_string(threads);
-}
-
-// Short calls run once before timing starts, so that none depends on what the previous call has left in the caches.
-double secondsOf(const Action& run, int repeats) {
-    if (repeats > 1) run();
-    const auto start = std::chrono::steady_clock::now();
-    for (int i = 0; i < repeats; ++i) {
-        run();
-        benchmark::ClobberMemory();
-    }
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / repeats;
-}
-
-// Enough calls that the resolution of the clock does not matter.
-int repeatsOf(const Action& run) {
-    constexpr double kRound = 0.004;
-    constexpr double kMost = 10000;
-    const double once = std::max(secondsOf(run, 2), 1e-9);
-    return static_cast<int>(std::clamp(std::ceil(kRound / once), 1.0, kMost));
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-struct Figures {
-    double ours = 0;
-    double plain = 0;
-    double ratio = 0;
-    double copy = 0;
-    double ratioToCopy = 0;
-    HeapMeter::Use oursHeap;
-    HeapMeter::Use plainHeap;
-};
-
-Figures measure(const Comparison& comparison, int rounds) {
-    const Action copy = memcpyOf(comparison.subject);
-    const std::array<Action, 3> runs = {comparison.ours, comparison.plain.run ? comparison.plain.run : copy, copy};
-    std::array<std::vector<double>, 3> times;
-    std::array<int, 3> repeats{};
-    for (size_t i = 0; i < runs.size(); ++i) {
-        runs[i]();
-        repeats[i] = repeatsOf(runs[i]);
-    }
-    if (comparison.same && !comparison.same()) {
-        std::fprintf(stderr, "%s: the results differ\n", nameOf(comparison, 1).c_str());
-        std::exit(1);
-    }
-    for (int round = 0; round < rounds; ++round)
-        for (size_t i = 0; i < runs.size(); ++i) times[i].push_back(secondsOf(runs[i], repeats[i]));
-
-    std::array<std::vector<double>, 3> ratios;
-    for (size_t i = 0; i < runs.size(); ++i)
-        for (size_t round = 0; round < times[i].size(); ++round) ratios[i].push_back(times[0][round] / times[i][round]);
-    // If memcpy is also the plain way, it is measured once.
-    if (!comparison.plain.run) {
-        times[1] = times[2];
-        ratios[1] = ratios[2];
-    }
-    return {median(times[0]),  median(times[1]),       median(ratios[1]),     median(times[2]),
-            median(ratios[2]), HeapMeter::of(runs[0]), HeapMeter::of(runs[1])};
-}
 
 // As the kernel names it.
 std::string processorName() {
@@ -120,35 +49,37 @@ public:
         for (std::getline(in, line); std::getline(in, line);) lines_[line.substr(0, line.find('\t'))] = line;
     }
 
-    void add(const Comparison& comparison, int threads, const Figures& figures) {
+    void add(const Measurement& measurement) {
+        const Comparison& comparison = measurement.comparison();
         const Subject& subject = comparison.subject;
-        const std::string name = nameOf(comparison, threads);
+        const Figures figures = measurement.figures();
         std::ostringstream line;
-        line << name << '\t' << comparison.heading << '\t' << subject.function << '\t' << subject.variant << '\t'
-             << subject.size.width << 'x' << subject.size.height << '\t' << threads << '\t' << subject.bytesRead << '\t'
-             << subject.bytesWritten << '\t' << figures.ours << '\t' << comparison.plain.name << '\t' << figures.plain
-             << '\t' << figures.ratio << '\t' << figures.copy << '\t' << figures.ratioToCopy << '\t'
+        line << measurement.name() << '\t' << comparison.heading << '\t' << subject.function << '\t' << subject.variant
+             << '\t' << subject.size.width << 'x' << subject.size.height << '\t' << measurement.threads() << '\t'
+             << subject.bytesRead << '\t' << subject.bytesWritten << '\t' << figures.ours << '\t'
+             << comparison.plain.name << '\t' << figures.plain << '\t' << figures.ours / figures.plain << '\t'
+             << figures.copy << '\t' << figures.ours / figures.copy << '\t' << figures.spread << '\t'
+             << figures.ratioSpread << '\t' << figures.quietRounds << '\t' << Measurement::fastestReference() << '\t'
              << figures.oursHeap.most << '\t' << figures.oursHeap.blocks << '\t' << figures.plainHeap.most << '\t'
              << figures.plainHeap.blocks;
         const Goal* goal = goalOf(subject);
         line << '\t' << (goal ? std::to_string(goal->ratio) : "") << '\t'
-             << (goal && goal->beside == Goal::kMemcpy ? "memcpy" : "") << '\t' << vector_target::name() << '\t'
-             << processor_;
-        lines_[name] = line.str();
+             << (goal && goal->beside == Goal::kMemcpy ? "memcpy" : "") << '\t' << Measurement::target() << '\t'
+             << Measurement::narrowerTarget() << '\t' << figures.narrower << '\t' << processor_;
+        lines_[measurement.name()] = line.str();
     }
 
-    // In order of registration.
-    bool write(const std::vector<int>& threadCounts) const {
+    bool write(const std::vector<std::unique_ptr<Measurement>>& inOrder) const {
         if (file_.empty()) return true;
         std::ofstream out(file_);
-        out << "name\theading\tfunction\tvariant\tsize\tthreads\tread\twritten\tours\tplain_"
-               "name\tplain\tratio\tmemcpy\t"
-               "ratio_memcpy\theap\tblocks\tplain_heap\tplain_blocks\tgoal\tgoal_beside\ttarget\tprocessor\n";
-        for (const Comparison& comparison : comparisons())
-            for (const int threads : threadCounts) {
-                const auto line = lines_.find(nameOf(comparison, threads));
-                if (line != lines_.end()) out << line->second << '\n';
-            }
+        out << "name\theading\tfunction\tvariant\tsize\tthreads\tread\twritten\tours\tplain_name\tplain\tratio\t"
+               "memcpy\tratio_memcpy\tspread\tratio_spread\tquiet_rounds\treference\theap\tblocks\tplain_heap\tplain_"
+               "blocks\tgoal\t"
+               "goal_beside\ttarget\tnarrower_target\tnarrower\tprocessor\n";
+        for (const auto& measurement : inOrder) {
+            const auto line = lines_.find(measurement->name());
+            if (line != lines_.end()) out << line->second << '\n';
+        }
         return static_cast<bool>(out);
     }
 
@@ -158,24 +89,39 @@ private:
     std::map<std::string, std::string> lines_;
 };
 
-void registerComparison(const Comparison& comparison, int threads, int rounds, Results& results) {
-    const std::string name = nameOf(comparison, threads);
-    benchmark::RegisterBenchmark(name.c_str(),
-                                 [&comparison, &results, name, threads, rounds](benchmark::State& state) {
-                                     cv::setNumThreads(threads);
-                                     for (auto _ : state) {
-                                         const Figures figures = measure(comparison, rounds);
-                                         state.SetIterationTime(figures.ours);
-                                         results.add(comparison, threads, figures);
-                                         std::printf("| %s | %.4f | %s %.4f | %.2f | memcpy %.2f | %zu in %zu |\n",
-                                                     name.c_str(), 1000 * figures.ours, comparison.plain.name.c_str(),
-                                                     1000 * figures.plain, figures.ratio, figures.ratioToCopy,
-                                                     figures.oursHeap.most, figures.oursHeap.blocks);
-                                         std::fflush(stdout);
-                                     }
-                                 })
-        ->Iterations(1)
-        ->UseManualTime();
+void printHead() {
+    std::printf("%s, kernels of %s\n", processorName().c_str(), Measurement::target().c_str());
+    const std::string& narrower = Measurement::narrowerTarget();
+    std::printf(
+        "| call | ours, ms | plain is | plain, ms | ratio | / memcpy | / %s | spread | spread of ratio | quiet rounds "
+        "|\n|---|---|---|---|---|---|---|---|---|---|\n",
+        narrower.empty() ? "narrower" : narrower.c_str());
+}
+
+void print(const Measurement& measurement) {
+    const Figures figures = measurement.figures();
+    const auto quotient = [&figures](double by) { return by > 0 ? figures.ours / by : 0; };
+    std::printf("| %s | %.4f | %s | %.4f | %.2f | %.2f | %.2f | %.1f %% | %.1f %% | %d |\n", measurement.name().c_str(),
+                1000 * figures.ours, measurement.comparison().plain.name.c_str(), 1000 * figures.plain,
+                quotient(figures.plain), quotient(figures.copy), quotient(figures.narrower), 100 * figures.spread,
+                100 * figures.ratioSpread, figures.quietRounds);
+}
+
+struct Pass {
+    int number = 0;
+    bool isExtra = false;
+
+    bool includes(const Measurement& measurement) const {
+        return isExtra ? !measurement.isSettled() : measurement.threads() == 1 || number % 2 == 0;
+    }
+};
+
+// One run of the registered benchmarks is one pass.
+void registerMeasurement(Measurement& measurement, const Pass& pass) {
+    benchmark::RegisterBenchmark(measurement.name().c_str(), [&measurement, &pass](benchmark::State& state) {
+        for (auto _ : state)
+            if (pass.includes(measurement)) measurement.addPass();
+    })->Iterations(1);
 }
 
 class Silent : public benchmark::BenchmarkReporter {
@@ -200,23 +146,36 @@ std::string takeOption(std::vector<char*>& arguments, const std::string& name, c
 
 int run(std::vector<char*> arguments) {
     if (const int end = vector_target::choose()) return end;
+    Measurement::chooseTargets();
     Results results(takeOption(arguments, "results", ""));
-    const int rounds = std::stoi(takeOption(arguments, "rounds", "9"));
+    const int passes = std::stoi(takeOption(arguments, "passes", "6"));
     std::vector<int> threadCounts = {1};
     if (cv::getNumThreads() > 1) threadCounts.push_back(cv::getNumThreads());
 
     makeComparisons({kPage, kTile});
-    for (const int threads : threadCounts)
-        for (const Comparison& comparison : comparisons()) registerComparison(comparison, threads, rounds, results);
+    std::vector<std::unique_ptr<Measurement>> measurements;
+    for (const Comparison& comparison : comparisons())
+        for (const int threads : threadCounts)
+            measurements.push_back(std::make_unique<Measurement>(comparison, threads));
+    Pass pass;
+    for (const auto& measurement : measurements) registerMeasurement(*measurement, pass);
 
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-    std::printf("%s, kernels of %s\n", processorName().c_str(), vector_target::name().c_str());
-    std::printf("| call | ours, ms | beside, ms | ratio | ratio | heap peak in blocks |\n|---|---|---|---|---|---|\n");
     Silent reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return results.write(threadCounts) ? 0 : 1;
+    for (; pass.number < 2 * passes; ++pass.number) {
+        pass.isExtra = pass.number >= passes;
+        benchmark::RunSpecifiedBenchmarks(&reporter);
+    }
+
+    printHead();
+    for (const auto& measurement : measurements) {
+        if (!measurement->isMeasured()) continue;
+        print(*measurement);
+        results.add(*measurement);
+    }
+    return results.write(measurements) ? 0 : 1;
 }
 
 }    // namespace bench

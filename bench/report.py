@@ -20,6 +20,9 @@ import sys
 
 HERE = pathlib.Path(__file__).parent
 PAGE, TILE = "2480x3508", "256x256"
+SMALL_IMAGE_LIMIT, VECTOR_WIDTH_LIMIT = 1.3, 1.03
+FARTHEST = 5
+CORES = {"a72": "A72", "n1": "N1"}    # as bench/arm_model.py names them
 
 
 def rows_of(path):
@@ -97,6 +100,12 @@ def cost_per_pixel(call):
     return None if page is None or tile is None else tile / page * (2480 * 3508) / (256 * 256)
 
 
+def narrower_ratio(call, size):
+    """Of the kernels of the next narrower vector target to the plain way, in the same rounds."""
+    narrower, plain = call.get(size, "1", "narrower"), call.get(size, "1", "plain")
+    return None if not narrower else narrower / plain
+
+
 def time_row(call):
     row = call.first()
     goal = float(row["goal"]) if row.get("goal") else None
@@ -107,23 +116,28 @@ def time_row(call):
         goal_text += " **missed**"
     milliseconds = call.get(PAGE, "1", "ours")
     tile = call.get(TILE, "1", "ours")
+    spread = call.get(PAGE, "1", "ratio_spread")
     return [
         call.name,
         "" if milliseconds is None else significant(1000 * milliseconds),
         call.first()["plain_name"],
         number(call.get(PAGE, "1", "ratio")),
+        "" if spread is None else f"{100 * spread:.0f} %",
         goal_text,
+        number(narrower_ratio(call, PAGE)),
         number(call.get(PAGE, "1", "ratio_memcpy")),
         number(call.get(PAGE, "all", "ratio")),
         "" if tile is None else significant(1e6 * tile),
         number(call.get(TILE, "1", "ratio")),
-        number(call.get(TILE, "all", "ratio")),
+        number(narrower_ratio(call, TILE)),
         number(cost_per_pixel(call)),
     ]
 
 
-TIME_HEAD = ["call", "page, ms", "plain is", "/ plain", "goal", "/ memcpy", "/ plain, two threads", "256 x 256, us",
-             "/ plain", "/ plain, two threads", "cost per pixel / page's"]
+def time_head(results):
+    narrower = f"/ plain, {results[0]['narrower_target'] or 'narrower vectors'}"
+    return ["call", "page, ms", "plain is", "/ plain", "spread", "goal", narrower, "/ memcpy", "/ plain, two threads",
+            "256 x 256, us", "/ plain", narrower, "cost per pixel / page's"]
 
 
 def time_tables(results):
@@ -131,8 +145,38 @@ def time_tables(results):
     calls = calls_of(results)
     for heading in dict.fromkeys(call.heading for call in calls):
         group = [time_row(call) for call in calls if call.heading == heading]
-        lines += ["", f"### {heading}", ""] + table(TIME_HEAD, group)
+        lines += ["", f"### {heading}", ""] + table(time_head(results), group)
     return lines
+
+
+def above(limit, head, costs):
+    """A table of the names whose cost is above the limit, the highest first; costs are pairs of name and cost."""
+    high = sorted(((cost, name) for name, cost in costs if cost is not None and cost > limit), reverse=True)
+    if not high:
+        return [f"No call is above {limit:g}."]
+    return table(head, [[name, number(cost)] for cost, name in high])
+
+
+def small_image_table(results):
+    costs = [(call.name, cost_per_pixel(call)) for call in calls_of(results)]
+    return ["", "### Small images", "",
+            f"Calls whose cost per pixel on 256 x 256 is above {SMALL_IMAGE_LIMIT:g} of the page's:",
+            ""] + above(SMALL_IMAGE_LIMIT, ["call", "cost per pixel / page's"], costs)
+
+
+def vector_width_table(results):
+    wide, narrow = results[0]["target"], results[0]["narrower_target"]
+    if not narrow:
+        return []
+    costs = []
+    for call in calls_of(results):
+        for size in (PAGE, TILE):
+            ours, narrower = call.get(size, "1", "ours"), call.get(size, "1", "narrower")
+            if narrower:
+                costs.append((f"{call.name}, {size.replace('x', ' x ')}", ours / narrower))
+    return ["", "### Vector width", "",
+            f"Calls whose time on {wide} is above {VECTOR_WIDTH_LIMIT:g} of their time on {narrow}, in the same rounds:",
+            ""] + above(VECTOR_WIDTH_LIMIT, ["call", f"{wide} / {narrow}"], costs)
 
 
 def memory_table(results):
@@ -160,12 +204,11 @@ def package_version(name):
     return version_of(["dpkg-query", "-W", "-f", "${Version}", name])
 
 
-def machine():
-    cpu = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text()).group(1)
+def machine(results):
+    processors = ", ".join(dict.fromkeys(row["processor"] for row in results))
+    targets = ", ".join(dict.fromkeys(row["target"] for row in results))
     cpus = len(re.findall(r"^processor", pathlib.Path("/proc/cpuinfo").read_text(), re.M))
-    flags = re.search(r"flags\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text()).group(1).split()
-    vectors = [name for name in ("avx512f", "avx2", "ssse3") if name in flags]
-    return (f"{cpu}, {cpus} processors, widest vectors {vectors[0].upper()}; Linux {platform.release().split('-')[0]}; "
+    return (f"{processors}, {cpus} processors, kernels of {targets}; Linux {platform.release().split('-')[0]}; "
             f"{version_of(['c++', '--version'])}; OpenCV {package_version('libopencv-core-dev')}, "
             f"Highway {package_version('libhwy-dev')}, libjpeg-turbo {package_version('libjpeg62-turbo-dev')}, "
             f"glibc {platform.libc_ver()[1]}.")
@@ -179,14 +222,38 @@ def pipeline_table(path):
     return table(["work", "page", "tool", "ms", "library / tool", "peak memory, MB", "steps"], rows)
 
 
-def instruction_table(path):
-    rows = []
-    for row in rows_of(path):
-        ours, plain = float(row["ours"]), float(row["plain"])
-        rows.append([f"`{row['function']}` {row['variant']}".strip(), significant(ours / float(row["pixels"])),
-                     row["plain_name"], significant(plain / float(row["pixels"])), number(ours / plain)])
-    return table(
-        ["call", "instructions per pixel", "plain is", "plain, instructions per pixel", "library / plain"], rows)
+class Modelled:
+    """One line of arm.tsv, per pixel."""
+
+    def __init__(self, row):
+        self.name = f"`{row['function']}` {row['variant']}".strip()
+        self.row = row
+
+    def per_pixel(self, field):
+        return float(self.row[field]) / float(self.row["pixels"])
+
+    def of_limit(self, core):
+        limit = self.per_pixel(f"limit_{core}")
+        return self.per_pixel(f"ours_{core}") / limit if limit else None
+
+    def cells(self):
+        cells = [self.name, self.row["plain_name"], significant(self.per_pixel("ours")),
+                 number(self.per_pixel("ours") / self.per_pixel("plain"))]
+        for core in CORES:
+            ours, limit = self.per_pixel(f"ours_{core}"), self.of_limit(core)
+            cells += [significant(ours), number(ours / self.per_pixel(f"plain_{core}")),
+                      "" if limit is None else significant(limit)]
+        return cells
+
+
+def arm_table(path):
+    calls = [Modelled(row) for row in rows_of(path)]
+    head = ["call", "plain is", "instructions", "/ plain"]
+    for core in CORES.values():
+        head += [f"{core}: cycles", "/ plain", "/ limit"]
+    farthest = sorted((call for call in calls if call.of_limit("n1")), key=lambda call: -call.of_limit("n1"))[:FARTHEST]
+    return table(head, [call.cells() for call in calls]) + ["", "The farthest from the limit of the Neoverse N1: " + ", ".join(
+        f"{call.name} ({significant(call.of_limit('n1'))})" for call in farthest) + "."]
 
 
 def replace_between(text, marker, lines):
@@ -205,10 +272,10 @@ def main():
     text = document.read_text()
     calls = rows_of(folder / "calls.tsv")
     check_completeness(row["function"] for row in calls)
-    text = replace_between(text, "machine", [machine()])
-    text = replace_between(text, "calls", time_tables(calls) + memory_table(calls) + same_code_table())
-    for marker, file, make in (("pipeline", "pipeline.tsv", pipeline_table),
-                               ("instructions", "instructions.tsv", instruction_table)):
+    text = replace_between(text, "machine", [machine(calls)])
+    tables = (time_tables, small_image_table, vector_width_table, memory_table)
+    text = replace_between(text, "calls", sum((make(calls) for make in tables), []) + same_code_table())
+    for marker, file, make in (("pipeline", "pipeline.tsv", pipeline_table), ("arm64", "arm.tsv", arm_table)):
         if (folder / file).exists():
             text = replace_between(text, marker, make(folder / file))
     document.write_text(text)

@@ -4,24 +4,37 @@
 # shellcheck shell=bash
 # Benchmarks.
 
-# Runs all benchmarks and writes docs/performance.md; with options, runs only the selected ones.
+model_packages=(llvm-19)    # older versions have no model of the Neoverse N1
+
+# Runs all benchmarks and writes docs/performance.md; with options, runs only the selected ones. With --against FILE,
+# also compares the calls with an earlier run, whose results are in FILE; nothing fails because of the comparison.
 cmd_bench() {
-    local folder=build/bench
+    local folder=build/bench earlier=
+    mkdir -p "$folder"
+    if [ "${1:-}" = --against ]; then
+        earlier="$folder/earlier.tsv"
+        cp "$2" "$earlier"
+        shift 2
+    fi
     install_packages
     build release opcv_dlib_bench opcv_dlib_hostile opcv_dlib_pipeline pagegen
-    mkdir -p "$folder"
     say "Calls"
     ./build/release/bench/opcv_dlib_bench --results="$folder/calls.tsv" "$@"
+    if [ -n "$earlier" ]; then
+        say "Compared with the earlier run"
+        python3 bench/compare.py "$folder/calls.tsv" "$earlier"
+    fi
     [ $# -gt 0 ] && return
     say "The page pipeline"
     ./build/release/bin/pagegen --skew 2.3 "$folder/page.jpg"
     ./build/release/bench/opcv_dlib_pipeline "$folder/page.jpg" | tee "$folder/pipeline.tsv"
     say "Hostile streams"
     ./build/release/bench/opcv_dlib_hostile docs/reliability.md
-    say "Instructions on arm64"
+    say "Model of Arm cores"
+    need "${model_packages[@]}"
     arm64_sysroot
     build arm64 opcv_dlib_instructions
-    python3 bench/count_instructions.py build/arm64/bench/opcv_dlib_instructions "$sysroot" >"$folder/instructions.tsv"
+    python3 bench/arm_model.py build/arm64/bench/opcv_dlib_instructions "$sysroot" >"$folder/arm.tsv"
     python3 bench/report.py "$folder" docs/performance.md
 }
 

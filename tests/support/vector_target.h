@@ -30,12 +30,17 @@ inline std::vector<int64_t> all() {
 
 inline bool runsHere(int64_t target) { return (hwy::SupportedTargets() & target) != 0; }
 
-// The one whose kernels run: the best of those that are supported, or the chosen one.
-inline std::string name() {
-    std::string best;
+inline std::vector<int64_t> running() {
+    std::vector<int64_t> targets;
     for (const int64_t target : all())
-        if (runsHere(target)) best = hwy::TargetName(target);
-    return best;
+        if (runsHere(target)) targets.push_back(target);
+    return targets;
+}
+
+// Runs the kernels of this target from now on; no other target is supported any more.
+inline void use(int64_t target) {
+    hwy::SetSupportedTargetsForTest(target);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
 }
 
 // Follows OPCV_DLIB_TEST_TARGET. Returns 0, or the status with which the program is to end.
@@ -48,8 +53,7 @@ inline int choose() {
             std::cout << "This processor lacks " << wanted << ".\n";
             return kLacking;
         }
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+        use(target);
         return 0;
     }
     std::cerr << "The library has no target " << wanted << ".\n";
