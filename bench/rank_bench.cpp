@@ -180,7 +180,7 @@ void compareRectangle(const char* function, RectangleFilter filter, Morph morph,
 void compareWindowsOfAnySize() {
     for (const IppiSize size : bench::sizes()) {
         for (const int channels : {1, 3})
-            for (const int m : {3, 5, 7, 9}) compareSquareMedian(size, channels, m);
+            for (const int m : {3, 5, 7, 9, 11, 13, 15, 17, 31}) compareSquareMedian(size, channels, m);
         const cv::Mat full = cv::getStructuringElement(cv::MORPH_RECT, cv::Size(3, 3));
         const cv::Mat cross = cv::getStructuringElement(cv::MORPH_CROSS, cv::Size(3, 3));
         compareMask("IPPShare_ippiDilate_8u_C1R", "3x3", IPPShare_ippiDilate_8u_C1R, cv::dilate, size, full);

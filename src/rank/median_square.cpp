@@ -10,13 +10,18 @@
 #include "core/Tools.h"
 #include "core/region.h"
 #include "core/result_matrix.h"
+#include "rank/median_counting.h"
 
 namespace opcv {
 namespace {
 
 bool isOddSquare(const IppiSize& mask) { return mask.width > 0 && mask.width % 2 == 1 && mask.height == mask.width; }
 
-bool hasKernel(int type, int m) { return (type == CV_8UC1 || type == CV_8UC3) && hasSquareMedian(m); }
+// Null if there is no kernel.
+decltype(&squareMedian) kernelOf(int type, int m) {
+    if (type != CV_8UC1 && type != CV_8UC3) return nullptr;
+    return hasSquareMedian(m) ? squareMedian : hasCountingMedian(m) ? countingMedian : nullptr;
+}
 
 OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstStep, const IppiSize& roi,
                    const IppiSize& mask, const IppiPoint& anchor) {
@@ -25,13 +30,13 @@ OSErr filterMedian(const void* pSrc, int srcStep, int type, void* pDst, int dstS
     cv::Mat source;
     if (const OSErr err = Region(pSrc, srcStep, type, roi).underMask(mask, anchor).view(source)) return err;
 
-    if (hasKernel(type, m)) {
+    if (const auto kernel = kernelOf(type, m)) {
         cv::Mat target;
         if (const OSErr err = viewOf(pDst, dstStep, type, roi, target)) return err;
         if (!overlap(source, target)) {
             const int channels = target.channels();
-            squareMedian(source.data, static_cast<ptrdiff_t>(source.step), target.data,
-                         static_cast<ptrdiff_t>(target.step), ptrdiff_t{roi.width} * channels, roi.height, m, channels);
+            kernel(source.data, static_cast<ptrdiff_t>(source.step), target.data, static_cast<ptrdiff_t>(target.step),
+                   ptrdiff_t{roi.width} * channels, roi.height, m, channels);
             return noErr;
         }
     }

@@ -41,7 +41,7 @@ const std::vector<Window>& medianWindows() {
 }
 
 void noteLostBlock(Case& c, const Window& w) {
-    constexpr int kLargestOwn = 9;
+    constexpr int kLargestOwn = 31;
     if (w.mask.width > kLargestOwn) c.lostByOpenCV = 1;
 }
 

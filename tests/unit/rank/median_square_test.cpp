@@ -39,7 +39,7 @@ std::vector<uint8_t> rowOf(const cv::Mat& image, int y) {
 }
 
 // Anchors inside the mask, and outside of it by as much as the margin allows.
-constexpr int kMargin = 20;
+constexpr int kMargin = 40;
 IppiPoint anyAnchor(Random& random, int m) {
     if (random.chance(70)) return {random.between(0, m - 1), random.between(0, m - 1)};
     return {random.between(m - kMargin, kMargin), random.between(m - kMargin, kMargin)};
@@ -211,7 +211,7 @@ TEST_P(SquareMedian, RefusesBadRegions) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Masks, SquareMedian, testing::Values(1, 3, 5, 7, 9, 11, 15),
+INSTANTIATE_TEST_SUITE_P(Masks, SquareMedian, testing::Values(1, 3, 5, 7, 9, 11, 13, 15, 17, 31, 33),
                          [](const auto& info) { return "Mask" + std::to_string(info.param); });
 
 TEST(SquareMedianMasks, MustBeOddSquares) {
