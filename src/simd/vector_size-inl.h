@@ -16,11 +16,16 @@
 
 #include <hwy/highway.h>
 
+#include <cstddef>
+
 // No HWY_BEFORE_NAMESPACE: there are no functions here, and clang rejects an attribute without one.
 namespace opcv::simd {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
+
+// Registers of a target, as far as kernels keep sums in them.
+constexpr size_t kVectorRegisters = HWY_ARCH_ARM_A64 || HWY_TARGET == HWY_AVX3_DL ? 32 : 16;
 
 template <class T>
 using Widest = hn::ScalableTag<T>;

@@ -37,6 +37,31 @@ void fusedMulAdd(const float* a, const float* b, const float* c, float* sums) {
             sums + i);
 }
 
+void exactMulAdd(const float* a, const float* b, const float* c, float* sums) {
+    const hn::ScalableTag<float> d;
+    for (size_t i = 0; i < kCount; i += hn::Lanes(d))
+        hn::StoreU(opcv::simd::HWY_NAMESPACE::ExactSum::fusedMulAdd(d, hn::LoadU(d, a + i), hn::LoadU(d, b + i),
+                                                                    hn::LoadU(d, c + i)),
+                   d, sums + i);
+}
+
+void nearestSmall(const float* values, int32_t* nearest) {
+    const hn::ScalableTag<float> d;
+    for (size_t i = 0; i < kCount; i += hn::Lanes(d))
+        hn::StoreU(opcv::simd::HWY_NAMESPACE::nearestSmall(d, hn::LoadU(d, values + i)),
+                   hn::RebindToSigned<decltype(d)>(), nearest + i);
+}
+
+// Of two vectors at a time: kCount values and kCount more.
+void nearestShorts(const float* values, int16_t* nearest) {
+    const hn::ScalableTag<float> d;
+    const size_t lanes = hn::Lanes(d);
+    for (size_t i = 0; i < 2 * kCount; i += 2 * lanes)
+        hn::StoreU(
+            opcv::simd::HWY_NAMESPACE::nearestShorts(d, hn::LoadU(d, values + i), hn::LoadU(d, values + i + lanes)),
+            hn::Repartition<int16_t, decltype(d)>(), nearest + i);
+}
+
 void nearestWithin(const float* values, float low, float high, int32_t* nearest) {
     const hn::ScalableTag<float> d;
     for (size_t i = 0; i < kCount; i += hn::Lanes(d))
@@ -51,6 +76,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace {
 HWY_EXPORT(fusedMulAdd);
+HWY_EXPORT(exactMulAdd);
+HWY_EXPORT(nearestSmall);
+HWY_EXPORT(nearestShorts);
 HWY_EXPORT(nearestWithin);
 
 constexpr size_t kFloats = 16;
@@ -128,6 +156,25 @@ TEST(FusedMulAdd, TheSmallestRestDecidesATie) {
     expectFused(a, b, c);
 }
 
+// Sums whose bits doubles hold: all are multiples of 2^-44 and below 2^8. Many lie near the middle between two floats.
+TEST(ExactSum, RoundsOnceIfDoublesHoldTheSum) {
+    Random random(1404);
+    for (int round = 0; round < 20000; ++round) {
+        Floats a{};
+        Floats b{};
+        Floats c{};
+        Floats sums{};
+        for (size_t i = 0; i < kFloats; ++i) {
+            a[i] = static_cast<float>(random.between(0, 255));
+            b[i] = std::ldexp(static_cast<float>(random.between(-(1 << 24), 1 << 24)), -44 + random.between(0, 12));
+            c[i] = std::ldexp(static_cast<float>(random.between(-(1 << 24), 1 << 24)), -44 + random.between(0, 26));
+        }
+        HWY_DYNAMIC_DISPATCH(exactMulAdd)(a.data(), b.data(), c.data(), sums.data());
+        for (size_t i = 0; i < kFloats; ++i)
+            ASSERT_TRUE(same(sums[i], std::fma(a[i], b[i], c[i]))) << a[i] << " * " << b[i] << " + " << c[i];
+    }
+}
+
 std::array<int32_t, kFloats> nearestOf(const Floats& values, float low, float high) {
     std::array<int32_t, kFloats> nearest{};
     HWY_DYNAMIC_DISPATCH(nearestWithin)(values.data(), low, high, nearest.data());
@@ -156,6 +203,33 @@ TEST(NearestWithin, RoundsAsTheProcessorDoes) {
         const auto nearest = nearestOf(values, -32768, 65535);
         for (size_t i = 0; i < kFloats; ++i)
             ASSERT_EQ(nearest[i], std::clamp(static_cast<int>(std::nearbyint(values[i])), -32768, 65535)) << values[i];
+    }
+}
+
+TEST(NearestSmall, RoundsAsTheProcessorDoes) {
+    Random random(1405);
+    for (int round = 0; round < 10000; ++round) {
+        constexpr int kEnd = (1 << 22) - 1;
+        Floats values{};
+        for (float& value : values)
+            value = random.chance(50) ? static_cast<float>(random.between(-2 * kEnd, 2 * kEnd)) / 2
+                                      : static_cast<float>(random.real(-kEnd, kEnd));
+        std::array<int32_t, kFloats> nearest{};
+        HWY_DYNAMIC_DISPATCH(nearestSmall)(values.data(), nearest.data());
+        for (size_t i = 0; i < kFloats; ++i) ASSERT_EQ(nearest[i], std::nearbyint(values[i])) << values[i];
+    }
+}
+
+TEST(NearestShorts, RoundsAsTheProcessorDoesAndKeepsTheOrder) {
+    Random random(1406);
+    for (int round = 0; round < 10000; ++round) {
+        std::array<float, 2 * kFloats> values{};
+        for (float& value : values)
+            value = random.chance(50) ? static_cast<float>(random.between(-65535, 65534)) / 2
+                                      : static_cast<float>(random.real(-32768, 32767));
+        std::array<int16_t, 2 * kFloats> nearest{};
+        HWY_DYNAMIC_DISPATCH(nearestShorts)(values.data(), nearest.data());
+        for (size_t i = 0; i < values.size(); ++i) ASSERT_EQ(nearest[i], std::nearbyint(values[i])) << values[i];
     }
 }
 
