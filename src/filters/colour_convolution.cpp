@@ -4,6 +4,7 @@
 // Convolution of a whole packed 24-bit image with a square float kernel, one for all channels or one for each. The
 // outermost pixels, where the kernel would extend beyond the image, are not filtered.
 // Three kernels are applied to the packed pixels in one pass.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,7 @@
 #include "core/Tools.h"
 #include "filters/colour_image.h"
 #include "filters/convolution_kernels.h"
+#include "filters/small_buffer.h"
 
 namespace {
 
@@ -28,20 +30,6 @@ std::optional<Inside> insideOf(IppiSize size, int radius) {
     if (radius < 0 || size.width <= side || size.height <= side) return std::nullopt;
     return Inside{
         {size.width - 2 * radius, size.height - 2 * radius}, {2 * radius + 1, 2 * radius + 1}, {radius, radius}};
-}
-
-// The kernels, turned by 180 degrees. They are in the reverse order of the channels.
-void findTaps(const float* kernels, const Inside& inside, filters::Taps& taps) {
-    const size_t cells = inside.cells();
-    taps.rows = inside.kernel.height;
-    taps.reach = 3 * (inside.kernel.width - 1);
-    taps.alike = false;
-    for (int row = 0; row < inside.kernel.height; ++row)
-        for (int column = 0; column < inside.kernel.width; ++column) {
-            const size_t cell = cells - 1 - static_cast<size_t>(taps.count);
-            taps.taps.get()[taps.count++] = {
-                row, 3 * column, {kernels[2 * cells + cell], kernels[cells + cell], kernels[cell]}};
-        }
 }
 
 }    // namespace
@@ -66,11 +54,15 @@ bool Convolution24(const unsigned char* src, unsigned char* dst, IppiSize size, 
     const unsigned char* source = filters::sourceApart(src, dst, static_cast<size_t>(step * size.height), copy);
     if (!source) return false;
 
-    filters::Taps taps(inside->cells());
-    if (!taps.taps.get()) return false;
-    findTaps(kernels, *inside, taps);
-    const filters::Shape shape = {3 * inside->roi.width, inside->roi.height};
-    if (!filters::convolve8u(source, step, dst + radius * (step + 3), step, shape, taps)) return false;
+    // Turned by 180 degrees, the kernels are in the order of the channels.
+    const size_t weights = 3 * inside->cells();
+    filters::SmallBuffer<float, 3 * 129> turned(weights);
+    if (!turned.get()) return false;
+    std::reverse_copy(kernels, kernels + weights, turned.get());
+    const filters::TurnedKernel kernel = {turned.get(), inside->kernel.width, inside->kernel.height, true};
+    if (!filters::convolve8u({source, step, dst + radius * (step + 3), step, inside->roi.width, inside->roi.height, 3},
+                             kernel))
+        return false;
     filters::copyRing(source, dst, size, radius);
     return true;
 }

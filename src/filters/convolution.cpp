@@ -50,26 +50,15 @@ bool hasDirectKernel(const cv::Mat& view) {
     return view.depth() == CV_8U || view.depth() == CV_16U || view.depth() == CV_16S;
 }
 
-void findTaps(const cv::Mat& kernel, int channels, filters::Taps& taps) {
-    taps.rows = kernel.rows;
-    taps.reach = (kernel.cols - 1) * channels;
-    for (int row = 0; row < kernel.rows; ++row)
-        for (int column = 0; column < kernel.cols; ++column) {
-            const float weight = kernel.at<float>(row, column);
-            if (weight == 0) continue;
-            taps.taps.get()[taps.count++] = {row, column * channels, {weight, weight, weight}};
-        }
-}
-
 OSErr filterDirectly(const filters::SourceApart& view, const cv::Mat& kernel, cv::Mat& region) {
-    filters::Taps taps(kernel.total());
-    if (!taps.taps.get()) return memFullErr;
-    findTaps(kernel, region.channels(), taps);
-    const filters::Shape shape = {region.cols * region.channels(), region.rows};
-    const auto dstStep = static_cast<ptrdiff_t>(region.step);
+    const filters::TurnedKernel turned = {kernel.ptr<float>(), kernel.cols, kernel.rows};
     const auto run = [&](const auto& convolve, auto* dst) {
         const auto* src = reinterpret_cast<const std::remove_pointer_t<decltype(dst)>*>(view.rows());
-        return convolve(src, view.step(), dst, dstStep, shape, taps) ? OSErr{noErr} : OSErr{memFullErr};
+        return convolve({src, view.step(), dst, static_cast<ptrdiff_t>(region.step), region.cols, region.rows,
+                         region.channels()},
+                        turned)
+                   ? OSErr{noErr}
+                   : OSErr{memFullErr};
     };
     switch (region.depth()) {
         case CV_8U: return run(filters::convolve8u, region.ptr<uint8_t>());

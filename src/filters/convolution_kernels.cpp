@@ -6,81 +6,133 @@
 // rounded to the nearest integer, halves to even. NaN, which results only from weights of NaN or infinity, becomes the
 // least value of the type.
 //
-// The region is filtered in strips of columns, as wide as fits into the scratch memory. The source rows of a window are
-// converted to floats once, into a ring of rows:
+// The region is filtered in strips of columns, as wide as fits into the scratch memory. The source rows of the windows
+// are converted to floats once, into a ring of rows. Channels with kernels of their own are planes in it, side by side:
 //
 //     ring row (y + j) mod rows:  | element 0 | 1 | 2 | ... | strip | reach |     j = 0 .. rows - 1
 //                                       |<-- tap -->| read at element + tap.element
 //
-// Only pixels of the windows are read.
+// kTogether rows are summed in one pass, so that a loaded pixel enters several sums. 4 rows under 3 x 3 cells:
+//
+//     row of the ring         0    1    2    3    4    5
+//     enters sums of rows     0   0-1  0-2  1-3  2-3   3
+//
+// A cell of weight 0 adds nothing: no sum is ever -0, and pixels are finite. So kernels with many such cells are
+// filtered without them, one row at a time. Only pixels of the windows are read.
 #include "filters/convolution_kernels.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "filters/convolution_kernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "filters/convolution_taps.h"
 #include "simd/exact_float-inl.h"
+#include "simd/in_register-inl.h"
+#include "simd/row-inl.h"
+#include "simd/unrolled-inl.h"
 #include "simd/vector_size-inl.h"
-
-#ifndef OPCV_DLIB_CONVOLUTION_SCRATCH
-#define OPCV_DLIB_CONVOLUTION_SCRATCH
-namespace {
-
-constexpr size_t kMostLanes = 16;    // of floats, on any target
-
-// The scratch memory of a kernel.
-struct Scratch {
-    float* ring;
-    size_t ringFloats;
-    const float** reads;    // for each tap, its position in the ring
-    float* weights;         // for each tap, three vectors, if elements differ in weight
-};
-
-}    // namespace
-#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace {
 namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
-using filters::Shape;
+namespace simd = opcv::simd::HWY_NAMESPACE;
+using filters::ConvolvedRows;
+using filters::Scratch;
 using filters::Tap;
 using filters::Taps;
+using filters::TurnedKernel;
 
-using opcv::simd::HWY_NAMESPACE::fusedMulAdd;
-using opcv::simd::HWY_NAMESPACE::nearestWithin;
-
-using D = opcv::simd::HWY_NAMESPACE::Widest<float>;
+using D = simd::Widest<float>;
 using V = hn::Vec<D>;
 constexpr size_t kLanes = hn::MaxLanes(D());
-constexpr size_t kVectors = 6;    // summed together: two periods of the three alignments of a vector to pixels
+constexpr size_t kVectors = 6;    // of each row, in a block
 constexpr size_t kBlock = kVectors * kLanes;
-static_assert(kLanes <= kMostLanes, "the weights of a tap fill three vectors of kMostLanes at most");
+constexpr size_t kTogether = simd::kVectorRegisters / 8;    // sums fill three of four registers
+static_assert(kBlock <= filters::kMostBlock && kTogether <= filters::kMostTogether, "the scratch suffices");
 
-// One weight for all elements.
-struct EqualWeights {
-    V at(int tap, size_t /*place*/) const { return hn::Set(D(), taps[tap].weights[0]); }
+template <class T>
+T* below(T* row, ptrdiff_t bytes) {
+    using Byte = std::conditional_t<std::is_const_v<T>, const uint8_t, uint8_t>;
+    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(row) + bytes);
+}
 
-    const Tap* taps;
+// What the sums of one or more rows add: the first window's rows in the ring, those that follow them, and the taps.
+struct Window {
+    const float* const* rows;
+    Taps taps;
 };
 
-// A weight for each element of a pixel: vectors with period 3, in three alignments.
-struct PixelWeights {
-    PixelWeights(const Tap* taps, int count, float* weights) : table(weights) {
-        for (ptrdiff_t tap = 0; tap < count; ++tap)
-            for (size_t i = 0; i < 3 * kLanes; ++i)
-                weights[static_cast<size_t>(tap) * 3 * kLanes + i] = taps[tap].weights[i % 3];
+// Adds the taps from `begin` to `end` to the sums of the rows kFirst to kLast.
+template <class Sum, size_t kFirst, size_t kLast, size_t kRows>
+HWY_INLINE void addTaps(const Window& window, ptrdiff_t begin, ptrdiff_t end, size_t x, V (&sums)[kRows][kVectors]) {
+    const D d;
+    for (ptrdiff_t i = begin; i < end; ++i) {
+        const Tap tap = window.taps.taps[i];
+        const float* const from = window.rows[tap.row] + static_cast<size_t>(tap.element) + x;
+        simd::unrolled<kVectors>([&](auto v) OPCV_DLIB_INLINED {
+            V pixels = hn::LoadU(d, from + v * kLanes);
+            if (kFirst < kLast) pixels = simd::inRegister(pixels);
+            simd::unrolled<kLast - kFirst + 1>([&](auto j) OPCV_DLIB_INLINED {
+                constexpr size_t row = kFirst + j;
+                const float weight = window.taps.weights[i - static_cast<ptrdiff_t>(row) * window.taps.perRow];
+                sums[row][v] = Sum::fusedMulAdd(d, pixels, hn::Set(d, weight), sums[row][v]);
+            });
+        });
     }
-    V at(int tap, size_t place) const { return hn::Load(D(), table + (static_cast<size_t>(tap) * 3 + place) * kLanes); }
+}
 
-    const float* table;
-};
+template <class Pixel>
+HWY_INLINE void storeSmall(const V (&sums)[kVectors], Pixel* to) {
+    const D d;
+    const hn::Rebind<Pixel, D> pixels;
+    simd::unrolled<kVectors>([&](auto v) OPCV_DLIB_INLINED {
+        hn::StoreU(hn::DemoteTo(pixels, simd::nearestSmall(d, sums[v])), pixels, to + v * kLanes);
+    });
+}
+
+HWY_INLINE void storeSmall(const V (&sums)[kVectors], uint8_t* to) {
+    const hn::Twice<hn::Rebind<uint8_t, D>> pixels;
+    simd::unrolled<kVectors / 2>([&](auto pair) OPCV_DLIB_INLINED {
+        const auto shorts = simd::nearestShorts(D(), sums[2 * pair], sums[2 * pair + 1]);
+        hn::StoreU(hn::DemoteTo(pixels, shorts), pixels, to + 2 * pair * kLanes);
+    });
+}
+
+template <class Pixel>
+HWY_INLINE void storeRow(const V (&sums)[kVectors], bool isSmall, Pixel* to) {
+    if (isSmall) return storeSmall(sums, to);
+    using Limits = std::numeric_limits<Pixel>;
+    const hn::Rebind<Pixel, D> pixels;
+    simd::unrolled<kVectors>([&](auto v) OPCV_DLIB_INLINED {
+        const auto rounded = simd::nearestWithin(D(), sums[v], float{Limits::min()}, float{Limits::max()});
+        hn::StoreU(hn::DemoteTo(pixels, rounded), pixels, to + v * kLanes);
+    });
+}
+
+// Filters a block of columns of a row and of kOthers rows below it, which are numbered from 0.
+template <class Sum, class Pixel, size_t... kOthers>
+HWY_NOINLINE void filterBlock(const Window& window, size_t x, Pixel* to, ptrdiff_t step,
+                              std::index_sequence<kOthers...> /*others*/) {
+    constexpr size_t kLast = sizeof...(kOthers);
+    V sums[kLast + 1][kVectors];
+    simd::unrolled<(kLast + 1) * kVectors>([&](auto i)
+                                               OPCV_DLIB_INLINED { sums[i / kVectors][i % kVectors] = hn::Zero(D()); });
+    const Taps& taps = window.taps;
+    const auto row = [&](size_t i) { return static_cast<ptrdiff_t>(i) * taps.perRow; };
+    (addTaps<Sum, 0, kOthers>(window, row(kOthers), row(kOthers + 1), x, sums), ...);
+    addTaps<Sum, 0, kLast>(window, row(kLast), taps.count, x, sums);
+    (addTaps<Sum, kOthers + 1, kLast>(window, taps.count + row(kOthers), taps.count + row(kOthers + 1), x, sums), ...);
+    storeRow(sums[0], taps.isSmall, to);
+    (storeRow(sums[kOthers + 1], taps.isSmall, below(to, static_cast<ptrdiff_t>(kOthers + 1) * step)), ...);
+}
 
 template <class Pixel>
 void convertRow(const Pixel* HWY_RESTRICT src, size_t count, float* HWY_RESTRICT dst) {
@@ -91,125 +143,197 @@ void convertRow(const Pixel* HWY_RESTRICT src, size_t count, float* HWY_RESTRICT
     for (; x + kLanes <= count; x += kLanes)
         hn::StoreU(hn::ConvertTo(d, hn::PromoteTo(d32, hn::LoadU(dPixel, src + x))), d, dst + x);
     for (; x < count; ++x) dst[x] = static_cast<float>(src[x]);
-    hn::StoreU(hn::Zero(d), d, dst + x);    // the last vector of a strip reads past it
 }
 
-// Sums of N vectors whose taps read at `x`; the first one has its own alignment to pixels.
-template <size_t N, class Weights>
-HWY_INLINE void sumTaps(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t x,
-                        size_t place, V* sums) {
-    const D d;
-    for (size_t v = 0; v < N; ++v) sums[v] = hn::Zero(d);
-    for (int tap = 0; tap < count; ++tap)
-        for (size_t v = 0; v < N; ++v)
-            sums[v] =
-                fusedMulAdd(d, hn::LoadU(d, taps[tap] + x + v * kLanes), weights.at(tap, (place + v) % 3), sums[v]);
-}
+// The elements of a row as they are.
+template <class PixelType>
+struct Packed {
+    using Pixel = PixelType;
+    static constexpr size_t kPlanes = 1;
 
-template <class Pixel>
-HWY_INLINE void storeRounded(V sum, Pixel* dst) {
-    using Limits = std::numeric_limits<Pixel>;
-    const hn::Rebind<Pixel, D> pixels;
-    const auto rounded = nearestWithin(D(), sum, float{Limits::min()}, float{Limits::max()});
-    hn::StoreU(hn::DemoteTo(pixels, rounded), pixels, dst);
-}
+    static void toFloats(const Pixel* src, size_t count, float* dst, size_t /*plane*/) { convertRow(src, count, dst); }
 
-template <class Pixel, class Weights>
-void convolveNarrowRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
-                       Pixel* HWY_RESTRICT dst) {
-    for (size_t x = 0; x < width; x += kLanes) {
-        V sum[1];
-        sumTaps<1>(weights, taps, count, x, x / kLanes % 3, sum);
-        // The ring has room for a whole vector, the destination does not.
-        Pixel results[kLanes];
-        storeRounded(sum[0], results);
-        std::memcpy(dst + x, results, std::min(kLanes, width - x) * sizeof(Pixel));
+    template <class Sum, size_t kRows>
+    static HWY_INLINE void filter(const Window& window, size_t x, size_t /*plane*/, Pixel* to, ptrdiff_t step) {
+        filterBlock<Sum>(window, x, to, step, std::make_index_sequence<kRows - 1>());
     }
-}
+};
 
-// The last block is moved back to end with the row, by whole pixels where weights differ: both lengths are multiples of
-// three then.
-template <class Pixel, class Weights>
-void convolveRow(const Weights& weights, const float* const* HWY_RESTRICT taps, int count, size_t width,
-                 Pixel* HWY_RESTRICT dst) {
-    if (width < kBlock) return convolveNarrowRow(weights, taps, count, width, dst);
-    for (size_t i = 0; i < width; i += kBlock) {
-        const size_t x = std::min(i, width - kBlock);
-        V sums[kVectors];
-        sumTaps<kVectors>(weights, taps, count, x, 0, sums);
-        for (size_t v = 0; v < kVectors; ++v) storeRounded(sums[v], dst + x + v * kLanes);
-    }
-}
+// Pixels of three bytes, taken apart: each channel has its own kernel.
+struct Planes {
+    using Pixel = uint8_t;
+    static constexpr size_t kPlanes = 3;
 
-template <class Pixel>
-const Pixel* behind(const Pixel* row, ptrdiff_t bytes) {
-    return reinterpret_cast<const Pixel*>(reinterpret_cast<const uint8_t*>(row) + bytes);
-}
-
-template <class Pixel>
-Pixel* behind(Pixel* row, ptrdiff_t bytes) {
-    return reinterpret_cast<Pixel*>(reinterpret_cast<uint8_t*>(row) + bytes);
-}
-
-// Elements of a strip: an equal share of a row, rounded to whole pixels of three and whole vectors.
-size_t stripOf(size_t elements, size_t most) {
-    constexpr size_t kUnit = 3 * kLanes;
-    const size_t strips = (elements - 1) / (most / kUnit * kUnit) + 1;
-    return ((elements - 1) / strips / kUnit + 1) * kUnit;
-}
-
-template <class Pixel, class Weights>
-void convolveWith(const Weights& weights, const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep,
-                  Shape region, const Taps& taps, const Tap* tap, const Scratch& scratch) {
-    const auto rows = static_cast<size_t>(taps.rows);
-    const auto reach = static_cast<size_t>(taps.reach);
-    const size_t pitch = scratch.ringFloats / rows / kLanes * kLanes;
-    const auto elements = static_cast<size_t>(region.elements);
-    const size_t strip = stripOf(elements, pitch - reach - kLanes);
-    for (size_t left = 0; left < elements; left += strip) {
-        const size_t width = std::min(strip, elements - left);
-        const auto convert = [&](size_t row) {
-            const Pixel* from = behind(src, static_cast<ptrdiff_t>(row) * srcStep) + left;
-            convertRow(from, width + reach, scratch.ring + row % rows * pitch);
+    static void toFloats(const uint8_t* src, size_t count, float* dst, size_t plane) {
+        const simd::Widest<uint8_t> d;
+        uint8_t bytes[kPlanes][hn::MaxLanes(d)];
+        const auto convert = [&](ptrdiff_t x, ptrdiff_t pixels) {
+            for (size_t i = 0; i < kPlanes; ++i) convertRow(bytes[i], static_cast<size_t>(pixels), dst + i * plane + x);
         };
-        for (size_t row = 0; row + 1 < rows; ++row) convert(row);
-        for (size_t y = 0; y < static_cast<size_t>(region.rows); ++y) {
-            convert(y + rows - 1);
-            const size_t top = y % rows;
-            for (ptrdiff_t i = 0; i < taps.count; ++i) {
-                const size_t row = top + static_cast<size_t>(tap[i].row);
-                scratch.reads[i] = scratch.ring + (row < rows ? row : row - rows) * pitch + tap[i].element;
+        simd::coverWithRest(
+            static_cast<ptrdiff_t>(count), simd::lanesOf(d),
+            [&](ptrdiff_t x) HWY_ATTR {
+                hn::Vec<decltype(d)> first;
+                hn::Vec<decltype(d)> second;
+                hn::Vec<decltype(d)> third;
+                hn::LoadInterleaved3(d, src + 3 * x, first, second, third);
+                hn::StoreU(first, d, bytes[0]);
+                hn::StoreU(second, d, bytes[1]);
+                hn::StoreU(third, d, bytes[2]);
+                convert(x, simd::lanesOf(d));
+            },
+            [&](ptrdiff_t x, ptrdiff_t rest) HWY_ATTR {
+                for (ptrdiff_t i = 0; i < rest; ++i)
+                    for (ptrdiff_t j = 0; j < 3; ++j) bytes[j][i] = src[3 * (x + i) + j];
+                convert(x, rest);
+            });
+    }
+
+    template <class Sum, size_t kRows>
+    static HWY_INLINE void filter(const Window& window, size_t x, size_t plane, uint8_t* to, ptrdiff_t step) {
+        uint8_t bytes[kPlanes][kRows * kBlock];
+        Window ofPlane = window;
+        for (size_t i = 0; i < kPlanes; ++i) {
+            filterBlock<Sum>(ofPlane, x + i * plane, bytes[i], kBlock, std::make_index_sequence<kRows - 1>());
+            ofPlane.taps.weights += window.taps.count;
+        }
+        const hn::Twice<hn::Rebind<uint8_t, D>> d;
+        for (size_t row = 0; row < kRows; ++row)
+            for (size_t i = 0; i < kBlock; i += 2 * kLanes) {
+                const auto at = [&](size_t j) HWY_ATTR { return hn::LoadU(d, bytes[j] + row * kBlock + i); };
+                hn::StoreInterleaved3(at(0), at(1), at(2), d, below(to, static_cast<ptrdiff_t>(row) * step) + 3 * i);
             }
-            convolveRow(weights, scratch.reads, taps.count, width,
-                        behind(dst, static_cast<ptrdiff_t>(y) * dstStep) + left);
+    }
+};
+
+template <class Layout, class Sum>
+class RegionFilter {
+    using Pixel = typename Layout::Pixel;
+
+public:
+    RegionFilter(const ConvolvedRows<Pixel>& rows, int windowRows, const Taps& taps, const Scratch& scratch)
+        : rows_(rows),
+          window_{scratch.rows, taps},
+          scratch_(scratch),
+          windowRows_(static_cast<size_t>(windowRows)),
+          ringRows_(windowRows_ + (taps.hasAllCells ? kTogether - 1 : 0)) {}
+
+    // `columns` are elements, or pixels if they are taken apart; `reach` is the number of a window's that follow its first.
+    void filter(size_t columns, size_t reach) {
+        reach_ = reach;
+        const size_t strip = stripOf(columns, scratch_.ringFloats / ringRows_ / Layout::kPlanes - reach - kLanes);
+        plane_ = (strip + reach) / kLanes * kLanes + kLanes;
+        for (left_ = 0; left_ < columns; left_ += strip) {
+            width_ = std::min(strip, columns - left_);
+            filterStrip();
         }
     }
-}
 
-template <class Pixel>
-void convolve(const Pixel* src, ptrdiff_t srcStep, Pixel* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+private:
+    // Columns of a strip: an equal share of a row, rounded to whole blocks.
+    static size_t stripOf(size_t columns, size_t most) {
+        const size_t strips = (columns - 1) / (most / kBlock * kBlock) + 1;
+        return ((columns - 1) / strips / kBlock + 1) * kBlock;
+    }
+
+    const Pixel* source(size_t row) const {
+        return below(rows_.src, static_cast<ptrdiff_t>(row) * rows_.srcStep) + Layout::kPlanes * left_;
+    }
+    float* ringRow(size_t row) const { return scratch_.ring + row % ringRows_ * Layout::kPlanes * plane_; }
+
+    // A row that is shorter than a block is filtered as one, so floats have to follow it.
+    void convert(size_t row) {
+        Layout::toFloats(source(row), width_ + reach_, ringRow(row), plane_);
+        for (size_t i = 0; i < Layout::kPlanes; ++i) {
+            float* const afterReach = ringRow(row) + i * plane_ + reach_;
+            std::fill(afterReach + std::min(width_, kBlock), afterReach + kBlock, 0.0F);
+        }
+    }
+
+    void filterStrip() {
+        const auto height = static_cast<size_t>(rows_.height);
+        size_t converted = 0;
+        for (size_t y = 0; y < height;) {
+            const bool isTogether = window_.taps.hasAllCells && y + kTogether <= height;
+            const size_t rows = isTogether ? kTogether : 1;
+            for (; converted < y + windowRows_ + rows - 1; ++converted) convert(converted);
+            for (size_t i = 0; i < windowRows_ + rows - 1; ++i) scratch_.rows[i] = ringRow(y + i);
+            next_ = y + rows + kTogether <= height ? source(converted) : nullptr;
+            if (isTogether)
+                filterRows<kTogether>(y);
+            else
+                filterRows<1>(y);
+            y += rows;
+        }
+    }
+
+    template <size_t kRows>
+    void filterRows(size_t y) {
+        Pixel* const dst = below(rows_.dst, static_cast<ptrdiff_t>(y) * rows_.dstStep) + Layout::kPlanes * left_;
+        simd::coverPulledBack(
+            static_cast<ptrdiff_t>(width_), kBlock,
+            [&](ptrdiff_t i) HWY_ATTR {
+                const auto x = static_cast<size_t>(i);
+                if (next_)    // rows are too short for the hardware prefetcher
+                    for (size_t row = 0; row < kRows; ++row)
+                        simd::prefetchRow(
+                            reinterpret_cast<const uint8_t*>(
+                                below(next_ + Layout::kPlanes * x, static_cast<ptrdiff_t>(row) * rows_.srcStep)),
+                            Layout::kPlanes * kBlock * sizeof(Pixel));
+                Layout::template filter<Sum, kRows>(window_, x, plane_, dst + Layout::kPlanes * x, rows_.dstStep);
+            },
+            [&]() HWY_ATTR {
+                Pixel results[kRows * Layout::kPlanes * kBlock];
+                constexpr ptrdiff_t kStep = sizeof(results) / kRows;
+                Layout::template filter<Sum, kRows>(window_, 0, plane_, results, kStep);
+                for (ptrdiff_t row = 0; row < ptrdiff_t{kRows}; ++row)
+                    std::memcpy(below(dst, row * rows_.dstStep), below(results, row * kStep),
+                                width_ * Layout::kPlanes * sizeof(Pixel));
+            });
+    }
+
+    ConvolvedRows<Pixel> rows_;
+    Window window_;
+    Scratch scratch_;
+    size_t windowRows_;
+    size_t ringRows_;
+    size_t reach_ = 0;
+    size_t plane_ = 0;    // floats from one plane of a ring's row to the next
+    size_t left_ = 0;     // of the strip
+    size_t width_ = 0;
+    const Pixel* next_ = nullptr;    // the rows that are converted next, if there are enough
+};
+
+template <class Layout>
+void convolve(const ConvolvedRows<typename Layout::Pixel>& rows, const TurnedKernel& kernel, const Taps& taps,
               const Scratch& scratch) {
-    const Tap* tap = taps.taps.get();
-    if (taps.alike)
-        convolveWith(EqualWeights{tap}, src, srcStep, dst, dstStep, region, taps, tap, scratch);
+    const size_t elements = Layout::kPlanes == 1 ? static_cast<size_t>(rows.channels) : 1;
+    const auto run = [&](auto sum) {
+        RegionFilter<Layout, decltype(sum)>(rows, kernel.height, taps, scratch)
+            .filter(static_cast<size_t>(rows.width) * elements, static_cast<size_t>(kernel.width - 1) * elements);
+    };
+    if (taps.isExact)
+        run(simd::ExactSum());
     else
-        convolveWith(PixelWeights(tap, taps.count, scratch.weights), src, srcStep, dst, dstStep, region, taps, tap,
-                     scratch);
+        run(simd::AnySum());
 }
 
-void convolve8uWith(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+void convolve8uWith(const ConvolvedRows<uint8_t>& rows, const TurnedKernel& kernel, const Taps& taps,
                     const Scratch& scratch) {
-    convolve(src, srcStep, dst, dstStep, region, taps, scratch);
+    if (kernel.ofChannels)
+        convolve<Planes>(rows, kernel, taps, scratch);
+    else
+        convolve<Packed<uint8_t>>(rows, kernel, taps, scratch);
 }
 
-void convolve16uWith(const uint16_t* src, ptrdiff_t srcStep, uint16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+void convolve16uWith(const ConvolvedRows<uint16_t>& rows, const TurnedKernel& kernel, const Taps& taps,
                      const Scratch& scratch) {
-    convolve(src, srcStep, dst, dstStep, region, taps, scratch);
+    convolve<Packed<uint16_t>>(rows, kernel, taps, scratch);
 }
 
-void convolve16sWith(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps,
+void convolve16sWith(const ConvolvedRows<int16_t>& rows, const TurnedKernel& kernel, const Taps& taps,
                      const Scratch& scratch) {
-    convolve(src, srcStep, dst, dstStep, region, taps, scratch);
+    convolve<Packed<int16_t>>(rows, kernel, taps, scratch);
 }
 
 }    // namespace HWY_NAMESPACE
@@ -222,45 +346,32 @@ HWY_EXPORT(convolve8uWith);
 HWY_EXPORT(convolve16uWith);
 HWY_EXPORT(convolve16sWith);
 
-// Runs a kernel with its scratch; false if allocating that fails. The kernels of usual sizes need no heap.
-template <class Kernel>
-bool withScratch(const filters::Taps& taps, filters::Shape region, const Kernel& kernel) {
-    constexpr size_t kRingFloats =
-        24576;    // holds whole rows of an A4 page for most kernels; narrower strips cost time
-    constexpr size_t kNarrowestStrip = 480;
-    constexpr size_t kTaps = 129;
-    const auto narrowest = std::min(kNarrowestStrip, static_cast<size_t>(region.elements));
-    const size_t pitch = static_cast<size_t>(taps.reach) + narrowest + 5 * kMostLanes;    // a strip is whole vectors
-    const size_t ringFloats = std::max(kRingFloats, static_cast<size_t>(taps.rows) * pitch);
-    const auto count = static_cast<size_t>(taps.count);
-    filters::SmallBuffer<float, kRingFloats> ring(ringFloats);
-    filters::SmallBuffer<const float*, kTaps> reads(count);
-    filters::SmallBuffer<float, kTaps * 3 * kMostLanes> weights(taps.alike ? 0 : count * 3 * kMostLanes);
-    if (!ring.get() || !reads.get() || !weights.get()) return false;
-    kernel({ring.get(), ringFloats, reads.get(), weights.get()});
+// False if allocating scratch fails.
+template <class Rows, class Run>
+bool withScratch(const Rows& rows, const filters::TurnedKernel& kernel, const Run& run) {
+    filters::ScratchMemory memory(kernel, kernel.ofChannels ? 1 : rows.channels);
+    if (!memory.scratch().ring) return false;
+    run(filters::prepareTaps(kernel, kernel.ofChannels ? 1 : rows.channels, memory.scratch()), memory.scratch());
     return true;
 }
 
 }    // namespace
 
-bool filters::convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region,
-                         Taps& taps) {
-    return withScratch(taps, region, [&](const Scratch& scratch) {
-        HWY_DYNAMIC_DISPATCH(convolve8uWith)(src, srcStep, dst, dstStep, region, taps, scratch);
+bool filters::convolve8u(const ConvolvedRows<uint8_t>& rows, const TurnedKernel& kernel) {
+    return withScratch(rows, kernel, [&](const filters::Taps& taps, const filters::Scratch& scratch) {
+        HWY_DYNAMIC_DISPATCH(convolve8uWith)(rows, kernel, taps, scratch);
     });
 }
 
-bool filters::convolve16u(const uint16_t* src, ptrdiff_t srcStep, uint16_t* dst, ptrdiff_t dstStep, Shape region,
-                          Taps& taps) {
-    return withScratch(taps, region, [&](const Scratch& scratch) {
-        HWY_DYNAMIC_DISPATCH(convolve16uWith)(src, srcStep, dst, dstStep, region, taps, scratch);
+bool filters::convolve16u(const ConvolvedRows<uint16_t>& rows, const TurnedKernel& kernel) {
+    return withScratch(rows, kernel, [&](const filters::Taps& taps, const filters::Scratch& scratch) {
+        HWY_DYNAMIC_DISPATCH(convolve16uWith)(rows, kernel, taps, scratch);
     });
 }
 
-bool filters::convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region,
-                          Taps& taps) {
-    return withScratch(taps, region, [&](const Scratch& scratch) {
-        HWY_DYNAMIC_DISPATCH(convolve16sWith)(src, srcStep, dst, dstStep, region, taps, scratch);
+bool filters::convolve16s(const ConvolvedRows<int16_t>& rows, const TurnedKernel& kernel) {
+    return withScratch(rows, kernel, [&](const filters::Taps& taps, const filters::Scratch& scratch) {
+        HWY_DYNAMIC_DISPATCH(convolve16sWith)(rows, kernel, taps, scratch);
     });
 }
 #endif    // HWY_ONCE

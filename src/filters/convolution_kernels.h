@@ -4,41 +4,38 @@
 // Convolution directly between the caller's rows.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "filters/small_buffer.h"
-
 namespace filters {
 
-// One cell of a turned kernel: the row and element that it reads, counted from the first of the window, and its weight
-// for the three elements of a pixel (or for any three adjacent elements, if all have the same weight).
-struct Tap {
-    int row;
-    int element;
-    std::array<float, 3> weights;
+// Rows of a source and a destination that do not overlap; steps are in bytes, and `src` is the corner of the first
+// window.
+template <class Pixel>
+struct ConvolvedRows {
+    const Pixel* src;
+    ptrdiff_t srcStep;
+    Pixel* dst;
+    ptrdiff_t dstStep;
+    int width;    // in pixels
+    int height;
+    int channels;
 };
 
-// The cells of a kernel that are not 0, in raster order.
-struct Taps {
-    explicit Taps(size_t cells) : taps(cells) {}
+// A kernel turned by 180 degrees, in raster order, for all channels. Or three kernels, one after the other, for the
+// elements of pixels of three bytes.
+struct TurnedKernel {
+    const float* weights;
+    int width;
+    int height;
+    bool ofChannels = false;
 
-    int rows = 1;     // of the window
-    int reach = 0;    // elements of a window's row after its first
-    int count = 0;
-    bool alike = true;    // all elements have the same weight; otherwise they are pixels of three
-    SmallBuffer<Tap, 129> taps;
+    size_t cells() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
 };
 
-struct Shape {
-    int elements;    // per row
-    int rows;
-};
-
-// Steps are in bytes; source and destination must not overlap. False if allocating scratch for a large kernel fails.
-bool convolve8u(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps);
-bool convolve16u(const uint16_t* src, ptrdiff_t srcStep, uint16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps);
-bool convolve16s(const int16_t* src, ptrdiff_t srcStep, int16_t* dst, ptrdiff_t dstStep, Shape region, Taps& taps);
+// False if allocating scratch for a large kernel fails.
+bool convolve8u(const ConvolvedRows<uint8_t>& rows, const TurnedKernel& kernel);
+bool convolve16u(const ConvolvedRows<uint16_t>& rows, const TurnedKernel& kernel);
+bool convolve16s(const ConvolvedRows<int16_t>& rows, const TurnedKernel& kernel);
 
 }    // namespace filters

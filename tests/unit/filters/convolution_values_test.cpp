@@ -113,6 +113,31 @@ TEST(Convolution, SumsBeyondAnIntSaturate) {
             }
 }
 
+// Sums of up to 16 bits of 8-bit pixels, and 22 of 16-bit pixels, are rounded with fewer steps than larger ones.
+TEST(Convolution, SumsOfAnySizeSaturate) {
+    for (int weight = 1; weight <= 65536; weight = weight * 5 / 4 + 1)
+        for (const int sign : {1, -1}) {
+            expectSaturated<uint8_t>(CV_8UC1, 100, 3, sign * weight);
+            expectSaturated<short>(CV_16SC1, 100, 3, sign * weight);
+            expectSaturated<unsigned short>(CV_16UC1, 100, 3, sign * weight);
+        }
+}
+
+// The same with cells of both signs, all of one size: the sum of the weights is small, that of their sizes is not.
+TEST(Convolution, SumsThatCancelSaturate) {
+    for (int weight = 1; weight <= 4096; weight *= 2) {
+        std::vector<int> cells(9, weight);
+        for (size_t i = 1; i < cells.size(); i += 2) cells[i] = -weight;
+        std::array<uint8_t, 9> src{};
+        for (size_t i = 0; i < src.size(); i += 2) src[i] = 255;
+        uint8_t dst = 0;
+        ASSERT_EQ(filterByType({&src[4], 3, CV_8UC1, &dst, 1, {1, 1}}, cells.data(), {3, 3}, {1, 1}, 1), ippStsNoErr);
+        EXPECT_EQ(dst, 255) << weight;
+        ASSERT_EQ(filterByType({&src[4], 3, CV_8UC1, &dst, 1, {1, 1}}, cells.data(), {3, 3}, {1, 1}, -1), ippStsNoErr);
+        EXPECT_EQ(dst, 0) << weight;
+    }
+}
+
 // Weights that are no numbers, or make sums that are none: NaN gives the least value of the type, infinity its end.
 template <class Pixel>
 void expectOfWeight(int type, float weight, Pixel pixel, Pixel expected) {
