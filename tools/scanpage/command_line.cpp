@@ -36,6 +36,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     Options& page = settings.page;
     std::vector<std::string> formats = {"jpeg"};
     std::string damaged = "keep";
+    std::string background;
     bool nul = false;
 
     CLI::App app("Straightens scanned pages.", "scanpage");
@@ -58,6 +59,11 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     app.add_option("-j,--jobs", settings.jobs, "Pages at once")->check(CLI::Range(1, 256))->capture_default_str();
     auto* angle = app.add_option("--angle", page.angle,
                                  "Turn by this many degrees, counter-clockwise, instead of finding the skew");
+    app.add_flag("--orient", page.orient, "Turn pages that lie on their side or head upright")->excludes(angle);
+    app.add_option(
+           "--background", background,
+           "Shading and colour of the paper: keep, or flatten; flattened by default at 1 bit without --threshold")
+        ->check(CLI::IsMember({"keep", "flatten"}));
     app.add_option("--denoise", page.denoise, "Reduce noise with this strength, 0 to 10")->check(CLI::Range(0, 10));
     app.add_option("--median", page.median,
                    "Median over 3 x 3 pixels: none, cross, weighted (centre counts 3 times), colour")
@@ -99,6 +105,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         {"jpeg", Format::kJpeg}, {"pbm", Format::kPbm}, {"g4", Format::kG4}};
     for (const std::string& format : formats) page.formats.insert(kFormats.at(format));
     page.skewGiven = angle->count() > 0;
+    if (!background.empty()) page.background = background == "keep" ? Background::kKeep : Background::kFlatten;
     page.refuseDamaged = damaged == "refuse";
     settings.separator = nul ? '\0' : '\n';
     return true;

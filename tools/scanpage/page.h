@@ -30,12 +30,17 @@ struct Bits {
 
 enum class Median;
 
+// kUsual: flattened where a page becomes 1 bit by a threshold that is chosen for it.
+enum class Background { kUsual, kKeep, kFlatten };
+
 // In the order of writing.
 enum class Format { kPbm, kG4, kJpeg };
 
 struct Options {
     bool skewGiven = false;
     double angle = 0;
+    bool orient = false;
+    Background background = Background::kUsual;
     Median median{};
     int denoise = -1;        // strength; below 0: off
     int assumedDpi = 300;    // of pages that state no resolution
@@ -70,6 +75,7 @@ struct PageResult {
     Status status = Status::kDone;
     std::string fault;    // why it failed, or how it is damaged
     Skew skew;
+    double blank = -1;    // score; below 0: unknown
     int width = 0, height = 0, depth = 0;
     int dpiX = 0, dpiY = 0;
     double milliseconds = 0;

@@ -36,12 +36,12 @@ std::string number(const char* format, double value) {
     return text;
 }
 
-// file, status, angle, milliseconds, bytes, confidence, reason
+// file, status, angle, milliseconds, bytes, confidence, reason, blank
 std::string lineOf(const PageResult& r) {
     return escaped(r.file) + '\t' + nameOf(r.status) + '\t' + (r.skew.known ? number("%.2f", r.skew.angle) : "-") +
            '\t' + number("%.1f", r.milliseconds) + '\t' + std::to_string(r.bytes) + '\t' +
            (r.skew.confidence > 0 ? number("%.2f", r.skew.confidence) : "-") + '\t' +
-           (r.skew.reason.empty() ? "-" : r.skew.reason) + '\n';
+           (r.skew.reason.empty() ? "-" : r.skew.reason) + '\t' + (r.blank >= 0 ? number("%.2f", r.blank) : "-") + '\n';
 }
 
 // Writes all of the text, in one piece if the system takes it so. Returns how much it took.

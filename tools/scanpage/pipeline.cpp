@@ -3,11 +3,15 @@
 
 #include "pipeline.h"
 
+#include <cmath>
 #include <opencv2/core.hpp>
 
+#include "background.h"
+#include "blank.h"
 #include "filter.h"
 #include "formats.h"
 #include "grey.h"
+#include "orientation.h"
 #include "page_file.h"
 #include "skew.h"
 #include "stop.h"
@@ -66,6 +70,7 @@ private:
             if (options_.refuseDamaged) throw std::runtime_error(decoded.damage);
         }
         page_ = std::move(decoded.record);
+        isBilevel_ = decoded.isBilevel;
         description_ = decoded.description;
         result_.width = description_.width;
         result_.height = description_.height;
@@ -76,12 +81,33 @@ private:
     }
 
     void findAngle() {
+        result_.blank = blankScore(greyOf(*page_), description_.horizontalResolution);
+        watch_.lap("blank score", 0);
         if (options_.skewGiven) {
             result_.skew = {true, options_.angle, 0, ""};
             return;
         }
         result_.skew = findSkew(*page_);
         watch_.lap("find skew", 0);
+        if (options_.orient) {
+            findUpright();
+            watch_.lap("orient", 0);
+        }
+    }
+
+    // Adds the quarter turns that put the text upright. The lines of a page on its side are found after a quarter turn.
+    void findUpright() {
+        Skew level = result_.skew;
+        if (!level.known) {
+            KVImageDescription description = description_;
+            level = findSkew(*turned(*page_, description, 90));
+            level.angle += level.known ? 90 : 0;
+        }
+        const Grey flat = greyOf(flattened(pixOf(greyOf(*page_))).get());
+        const Bits bits = reduced(flat, otsuThreshold(flat));
+        const auto quarters = quartersToUpright(bits, description_.horizontalResolution, level.angle);
+        if (!quarters || (!level.known && *quarters == 0)) return;
+        result_.skew = {true, std::remainder(level.angle + 90.0 * *quarters, 360), level.confidence, ""};
     }
 
     void turn(bool keepImages) {
@@ -92,6 +118,10 @@ private:
     }
 
     void filter() {
+        if (options_.background == Background::kFlatten) {
+            flatten(*page_);
+            watch_.lap("background", pageBytes());
+        }
         if (options_.denoise >= 0) {
             reduceNoise(*page_, options_.denoise);
             watch_.lap("reduce noise", pageBytes());
@@ -118,7 +148,11 @@ private:
     }
 
     void writeBits(const Results& results, bool damaged) {
-        const Grey grey = greyOf(*page_);
+        Grey grey = greyOf(*page_);
+        if (options_.background == Background::kUsual && options_.threshold < 0 && !isBilevel_) {
+            grey = greyOf(flattened(pixOf(grey)).get());
+            watch_.lap("background", grey.own.size());
+        }
         const Bits bits = reduced(grey, options_.threshold >= 0 ? options_.threshold : otsuThreshold(grey));
         watch_.lap("reduce to 1 bit", bits.bytes.size());
         if (options_.formats.count(Format::kPbm) > 0)
@@ -136,6 +170,7 @@ private:
     PageResult& result_;
     Stopwatch watch_;
     Record page_;
+    bool isBilevel_ = false;    // black and white only, as it was read
     KVImageDescription description_{};
     KVImageDescription* handle_ = &description_;
     size_t bitBytes_ = 0;
@@ -178,6 +213,7 @@ void fail(PageResult& result, const std::string& fault) {
     result.status = Status::kFailed;
     result.bytes = 0;
     result.skew = {};
+    result.blank = -1;
     result.fault = fault;
 }
 

@@ -29,6 +29,9 @@ std::string optionsText(const Options& options, Format format) {
     std::string text;
     if (options.skewGiven) text += angle;
     if (options.assumedDpi != Options().assumedDpi) text += " --assume-dpi " + std::to_string(options.assumedDpi);
+    if (options.orient) text += " --orient";
+    if (options.background == Background::kFlatten) text += " --background flatten";
+    if (options.background == Background::kKeep && format != Format::kJpeg) text += " --background keep";
     if (options.denoise >= 0) text += " --denoise " + std::to_string(options.denoise);
     if (options.median != Median::kNone) text += std::string(" --median ") + kMedians.at(options.median);
     if (options.dpi > 0) text += " --dpi " + std::to_string(options.dpi);

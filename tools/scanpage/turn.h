@@ -6,6 +6,6 @@
 
 #include "page.h"
 
-// Counter-clockwise. Multiples of 90 degrees move whole pixels, and a quarter turn exchanges width and height, in the
-// description too. By any other angle the page keeps its size.
+// Counter-clockwise. The quarter turns in the angle move whole pixels, and an odd number of them exchanges width and
+// height, in the description too. By the rest, up to 45 degrees, the page is turned in its size; corners become white.
 Record turned(const KVIMG& page, KVImageDescription& description, double degrees);

@@ -53,7 +53,7 @@ class Report(PageTest):
         self.assertLessEqual(rate, 4 / max(seconds - 0.05, 1e-9) + 0.05)
 
         stages = re.findall(r"^(\w[\w ]*?) +(\d+\.\d) +(\d+\.\d\d)$", summary, re.M)
-        self.assertEqual(["open", "read", "find skew", "deskew", "reduce noise", "median", "scale", "write JPEG"],
+        self.assertEqual(["open", "read", "blank score", "find skew", "deskew", "reduce noise", "median", "scale", "write JPEG"],
                          [name for name, _, _ in stages])    # fmt: skip
         total = float(re.search(r"^all +(\d+\.\d)$", summary, re.M)[1])
         self.assertAlmostEqual(total, sum(float(milliseconds) for _, milliseconds, _ in stages), delta=0.5)

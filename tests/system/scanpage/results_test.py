@@ -131,12 +131,6 @@ class Pixels(PageTest):
             self.assert_near((255, 255, 255), image.at(x, y))
         self.assert_near(RED, image.at(30, 30))
 
-    def test_the_corners_of_grey_pages_are_black(self):
-        image = self.result_of(plain(60, 60, GREY), angle="20")
-        for x, y in ((0, 0), (59, 0), (0, 59), (59, 59)):
-            self.assert_near(0, image.at(x, y))
-        self.assert_near(GREY, image.at(30, 30))
-
     def test_positive_angles_turn_counter_clockwise(self):
         rows = plain(64, 64, GREY)
         for y in range(28, 36):

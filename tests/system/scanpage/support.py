@@ -17,11 +17,11 @@ SCANPAGE = os.environ["SCANPAGE"]
 PAGEGEN = os.environ["PAGEGEN"]
 HOLD = {**os.environ, "LD_PRELOAD": os.environ["FAULTS"], "FAULT": "hold"}    # for pages that are held up
 
-Line = collections.namedtuple("Line", "file status skew milliseconds bytes confidence reason")
+Line = collections.namedtuple("Line", "file status skew milliseconds bytes confidence reason blank")
 Run = collections.namedtuple("Run", "status lines stderr")
 
 LINE = re.compile(r"([^\t]+)\t(done|kept|damaged|failed)\t(-|-?\d+\.\d\d)\t(\d+\.\d)\t(\d+)"
-                  r"\t(-|[01]\.\d\d)\t(-|blank|picture|unsure)")
+                  r"\t(-|[01]\.\d\d)\t(-|blank|picture|unsure)\t(-|[01]\.\d\d)")
 
 
 def parse(stdout):

@@ -8,6 +8,7 @@ _scanpage() {
     case ${COMP_WORDS[COMP_CWORD - 1]} in
         --format) words='jpeg pbm g4' ;;
         --damaged) words='keep refuse' ;;
+        --background) words='keep flatten' ;;
         --median) words='none cross weighted colour' ;;
         --mode) words='0 286 389 450 788' ;;
         -o | --output)
@@ -31,7 +32,7 @@ _scanpage() {
                 return
             fi
             words='-h --help --from -0 --null -o --output --format --resume --overwrite --damaged -j --jobs
-                --angle --denoise --median --assume-dpi --dpi --mode --threshold --contact-sheet -v --verbose'
+                --angle --orient --background --denoise --median --assume-dpi --dpi --mode --threshold --contact-sheet -v --verbose'
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
