@@ -34,13 +34,12 @@ wheel_headers() {
     touch "$folder/complete"
 }
 
-# cmake_of_python TAG: the options that select the headers of a Python.
-cmake_of_python() {
-    local version=3.${1#cp3} by_ccache=''
+# What CMake is told for every wheel.
+wheel_options() {
     ! command -v ccache >/dev/null ||
-        by_ccache='-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache '
-    echo "$by_ccache-DCMAKE_COMPILE_WARNING_AS_ERROR=ON" "-DPython_INCLUDE_DIR=$PWD/$headers/usr/include/python$version" \
-        "-Dpybind11_DIR=$(dirname "$(find "$PWD/$headers/usr" -name pybind11Config.cmake)")"
+        printf -- '-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache '
+    printf -- '-DCMAKE_COMPILE_WARNING_AS_ERROR=ON -Dpybind11_DIR=%s' \
+        "$(dirname "$(find "$PWD/$headers/usr" -name pybind11Config.cmake)")"
 }
 
 # make_wheel TAG [SETTING...]
@@ -48,11 +47,27 @@ make_wheel() {
     local tag=$1 settings=()
     shift
     for setting in "python=$tag" "$@"; do settings+=(--config-settings "$setting"); done
-    say "Building the wheel for $tag ${*%%=*}"
+    say "Building the wheel for $tag${2:+, $1}"
     /usr/bin/python3 -m pip wheel --quiet --no-deps --no-index --wheel-dir "$wheels" "${settings[@]}" . >build/wheel.log 2>&1 || {
         cat build/wheel.log
         return 1
     }
+}
+
+make_native_wheels() {
+    local release tag
+    for release in $(wheel_releases); do
+        tag=${python_tags[$release]}
+        make_wheel "$tag" "configure=$(wheel_options) -DPython_INCLUDE_DIR=$PWD/$headers/usr/include/python3.${tag#cp3}"
+    done
+}
+
+# The wheel for arm64 and the Python of this release.
+make_arm64_wheel() {
+    arm64_sysroot
+    static_libraries arm64
+    make_wheel "${python_tags[$(debian_release)]}" machine=aarch64 strip=aarch64-linux-gnu-strip \
+        "configure=$(wheel_options) -DCMAKE_TOOLCHAIN_FILE=$PWD/cmake/arm64.cmake -DOPCV_DLIB_SYSROOT=$PWD/$sysroot"
 }
 
 # A module shows Python one name, knows no path of this machine and has no search path.
@@ -64,7 +79,8 @@ check_wheel_files() {
         module=$(echo "$work"/opcv_dlib/_native*.so)
         echo "$(stat -c %s "$wheel") bytes, module of $(stat -c %s "$module"): ${wheel##*/}"
         [ "$(stat -c %s "$wheel")" -le "$largest_wheel" ] || return 1
-        [ "$(nm -D --defined-only "$module" | awk '{print $3}')" = PyInit__native ] || return 1
+        [ "$(readelf --dyn-syms -W "$module" | awk '$5 ~ /GLOBAL|WEAK/ && $7 != "UND" {print $8}')" = PyInit__native ] ||
+            return 1
         readelf -d "$module" | grep -E 'NEEDED|RPATH|RUNPATH' >"$work/needed"
         if grep -vE '\[(libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux-(x86-64|aarch64))\.so' "$work/needed"; then return 1; fi
         if grep -aF "$PWD" "$module"; then return 1; fi
@@ -79,13 +95,14 @@ cmd_wheel() {
     rm -rf "$wheels"
     static_libraries "$native"
     wheel_headers
-    for release in $(wheel_releases); do
-        make_wheel "${python_tags[$release]}" "configure=$(cmake_of_python "${python_tags[$release]}")"
-    done
+    make_native_wheels
+    [ "$native" = arm64 ] || make_arm64_wheel
     check "Contents of the wheels" check_wheel_files
     for release in $(wheel_releases); do
         check "The wheel in a fresh tree of Debian $release" tests/system/wheel/check.sh "$wheels" "$release"
     done
+    [ "$native" = arm64 ] || check "The arm64 wheel under qemu" \
+        tests/system/wheel/check_arm64.sh "$wheels" "$(debian_release)" "${python_tags[$(debian_release)]#cp}"
     build self-contained
     run_tests self-contained
     echo "$passed passed, $failed failed"

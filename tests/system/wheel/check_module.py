@@ -4,18 +4,20 @@
 """The installed wheel: its licences, the libraries that it maps, the time of its import, and a second OpenCV beside it."""
 
 import importlib.metadata
+import os
 import pathlib
 import subprocess
 import sys
-import threading
 
 MOST_LIBRARIES = 6
 LONGEST_IMPORT = 0.020    # seconds
 LIBC = ("libc.so", "libm.so", "ld-linux", "libpthread.so", "libdl.so", "librt.so")
 
 
-def run(program):
-    done = subprocess.run([sys.executable, "-c", program], capture_output=True, text=True, timeout=120)
+def run(program, **environment):
+    done = subprocess.run(
+        [sys.executable, "-c", program], capture_output=True, text=True, timeout=120, env={**os.environ, **environment}
+    )
     assert done.returncode == 0, done.stderr
     return done.stdout.split()
 
@@ -131,8 +133,25 @@ def check_after_fork():
     print("  after fork: the same results")
 
 
+THREADS = """
+import os
+import numpy as np
+import opcv_dlib
+page = np.zeros((3508, 2480), np.uint8)
+opcv_dlib.filter_bilateral(page, 9, 400, 400)
+print(len(os.listdir("/proc/self/task")))
+"""
+
+
+def check_thread_setting():
+    usual, single = (int(run(THREADS, OPENCV_FOR_THREADS_NUM=str(n))[0]) for n in (2, 1))
+    assert (usual, single) == (2, 1), (usual, single)
+    print("  OPENCV_FOR_THREADS_NUM=1: one thread")
+
+
 check_licences()
 check_libraries()
 check_time()
 check_beside_cv2()
 check_after_fork()
+check_thread_setting()
