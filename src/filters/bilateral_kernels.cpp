@@ -14,8 +14,8 @@
 // multiply-add; in the last (width of the view) mod 8 columns of the view, four cells at a time instead. This equals
 // OpenCV on x86-64 with AVX2, whose vectors hold eight floats. All processors compute it in this way.
 //
-// The region is filtered in strips, from a copy of the source rows under the window. Only the pixels within the radius
-// are read.
+// The region is filtered in strips, from a copy of the source rows under the window, as bytes for the differences and as
+// floats for the sums. Only the pixels within the radius are read.
 #include "filters/bilateral_kernels.h"
 
 #include <algorithm>
@@ -30,7 +30,8 @@
 #include <hwy/highway.h>
 
 #include "simd/exact_float-inl.h"
-#include "simd/vector_size-inl.h"
+#include "simd/row-inl.h"
+#include "simd/table_lookup-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace {
@@ -39,12 +40,16 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 using filters::BilateralRegion;
 using filters::BilateralWeights;
+using opcv::simd::HWY_NAMESPACE::coverBeyond;
+using opcv::simd::HWY_NAMESPACE::coverWithRest;
 using opcv::simd::HWY_NAMESPACE::fusedMulAdd;
+using opcv::simd::HWY_NAMESPACE::lookUpRow;
 using opcv::simd::HWY_NAMESPACE::nearestWithin;
+using opcv::simd::HWY_NAMESPACE::prefetchRow;
 
-using D = opcv::simd::HWY_NAMESPACE::BilateralTag<float>;
+using D = hn::ScalableTag<float>;
 using V = hn::Vec<D>;
-using Bytes = opcv::simd::HWY_NAMESPACE::BilateralTag<uint8_t>;
+using Bytes = hn::ScalableTag<uint8_t>;
 constexpr ptrdiff_t kLanes = hn::MaxLanes(D());
 constexpr ptrdiff_t kByteLanes = hn::MaxLanes(Bytes());
 
@@ -83,7 +88,9 @@ struct Window<2> {
 template <int kRadius>
 class Strip {
 public:
-    static constexpr ptrdiff_t kWidth = kRadius == 1 ? 2560 : 480;    // the weights roughly fill a first-level cache
+    // The floats roughly fill a first-level cache. In narrower strips, sums wait until the weights that have just been
+    // looked up are stored: with a width of 256, an element takes a third longer.
+    static constexpr ptrdiff_t kWidth = kRadius == 1 ? 1536 : 512;
 
     Strip(const BilateralRegion& region, const BilateralWeights& weights, ptrdiff_t left, ptrdiff_t width)
         : region_(region), weights_(weights), left_(left), width_(width) {}
@@ -105,80 +112,96 @@ public:
 private:
     using W = Window<kRadius>;
     static constexpr int kRows = 2 * kRadius + 1;
-    static constexpr ptrdiff_t kMargin = 3 * kRadius;
-    static constexpr ptrdiff_t kPitch = kMargin + kWidth + kMargin + kByteLanes;    // vectors run past the end
+    static constexpr ptrdiff_t kMargin = 16;    // more than the window needs, so that rows are aligned to vectors
+    static constexpr ptrdiff_t kPitch = kMargin + kWidth + kByteLanes + kMargin;    // vectors run past the end
+    static_assert(kMargin % kLanes == 0 && kPitch % kLanes == 0, "rows are aligned");
 
     uint8_t* row(int y) { return rows_[(y + kRows) % kRows] + kMargin; }
+    float* floats(int y) { return floats_[(y + kRows) % kRows] + kMargin; }
     float* weightsOf(const Pair& pair, int y) {
         return pairWeights_[pair.firstRow + (y + kRadius) % (pair.dy + 1)] + kMargin;
     }
 
-    // Bytes that vectors read after the row are cleared, because they also select weights.
     void copyRow(int y) {
         const ptrdiff_t margin = ptrdiff_t{kRadius} * region_.channels;
-        uint8_t* first = row(y) - margin;
+        const uint8_t* from = region_.src + y * region_.srcStep + left_ - margin;
         const ptrdiff_t count = width_ + 2 * margin;
-        std::memcpy(first, region_.src + y * region_.srcStep + left_ - margin, static_cast<size_t>(count));
-        std::memset(first + count, 0, kByteLanes);
+        uint8_t* bytes = row(y);
+        std::memcpy(bytes - margin, from, static_cast<size_t>(count));
+        prefetchRow(from + region_.srcStep, count);
+        float* converted = floats(y);
+        for (ptrdiff_t x = -kMargin; x < width_ + margin; x += kLanes)
+            hn::Store(toFloat(bytes + x), D(), converted + x);
     }
 
     // Weights of the pixels of a row and their partners, where at least one of them is in the strip.
     void lookUp(const Pair& pair, int y) {
         const Bytes bytes;
         const ptrdiff_t shift = ptrdiff_t{pair.dx} * region_.channels;
-        const uint8_t* here = row(y);
-        const uint8_t* there = row(y + pair.dy) + shift;
-        const float* weightOf = weights_.at[pair.distance];
-        float* found = weightsOf(pair, y);
-        for (ptrdiff_t x = std::min<ptrdiff_t>(-shift, 0); x < width_ + std::max<ptrdiff_t>(-shift, 0);
-             x += kByteLanes) {
+        const ptrdiff_t first = shift > 0 ? -kMargin : 0;
+        const ptrdiff_t count = width_ + std::max<ptrdiff_t>(-shift, 0) - first;
+        const uint8_t* here = row(y) + first;
+        const uint8_t* there = row(y + pair.dy) + first + shift;
+        coverBeyond(count, kByteLanes, [&](ptrdiff_t x) HWY_ATTR {
             const auto a = hn::LoadU(bytes, here + x);
             const auto b = hn::LoadU(bytes, there + x);
-            HWY_ALIGN uint8_t difference[kByteLanes];
-            hn::Store(hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a)), bytes, difference);
-            for (ptrdiff_t i = 0; i < kByteLanes; ++i) found[x + i] = weightOf[difference[i]];
-        }
+            hn::Store(hn::Or(hn::SaturatedSub(a, b), hn::SaturatedSub(b, a)), bytes, differences_ + x);
+        });
+        lookUpRow(weights_.at[pair.distance], differences_, count, weightsOf(pair, y) + first);
     }
 
     void filterRow(int y) {
-        const D d;
-        const hn::Rebind<uint8_t, D> bytes;
         // Cells before the centre: the same pairs in reverse order, from the other pixel.
-        const uint8_t* pixels[2 * W::kPairs];
-        const float* weights[2 * W::kPairs];
+        Cell cells[2 * W::kPairs];
         for (int i = 0; i < W::kPairs; ++i) {
             const Pair& pair = W::kPair[i];
             const ptrdiff_t shift = ptrdiff_t{pair.dx} * region_.channels;
-            const int before = W::kPairs - 1 - i;
-            const int behind = W::kPairs + i;
-            pixels[before] = row(y - pair.dy) - shift;
-            weights[before] = weightsOf(pair, y - pair.dy) - shift;
-            pixels[behind] = row(y + pair.dy) + shift;
-            weights[behind] = weightsOf(pair, y);
+            cells[W::kPairs - 1 - i] = {floats(y - pair.dy) - shift, weightsOf(pair, y - pair.dy) - shift};
+            cells[W::kPairs + i] = {floats(y + pair.dy) + shift, weightsOf(pair, y)};
         }
-        const uint8_t* centre = row(y);
+        const float* centre = floats(y);
         uint8_t* dst = region_.dst + y * region_.dstStep + left_;
-        for (ptrdiff_t x = 0; x < width_; x += kLanes) {
-            V sum = hn::Zero(d);
-            V weightSum = hn::Zero(d);
-            const auto add = [&](int cell) HWY_ATTR {
-                const V weight = hn::LoadU(d, weights[cell] + x);
-                weightSum = hn::Add(weightSum, weight);
-                sum = fusedMulAdd(d, toFloat(pixels[cell] + x), weight, sum);
-            };
-            for (int cell = 0; cell < W::kPairs; ++cell) add(cell);
-            weightSum = hn::Add(weightSum, hn::Set(d, 1.0F));
-            sum = hn::Add(sum, toFloat(centre + x));
-            for (int cell = W::kPairs; cell < 2 * W::kPairs; ++cell) add(cell);
-            const auto mean = hn::DemoteTo(bytes, nearestWithin(d, hn::Div(sum, weightSum), 0, 255));
-            if (x + kLanes <= width_) {
-                hn::StoreU(mean, bytes, dst + x);
-            } else {
-                uint8_t last[kLanes];
-                hn::StoreU(mean, bytes, last);
-                std::memcpy(dst + x, last, static_cast<size_t>(width_ - x));
-            }
+        coverWithRest(
+            width_, kByteLanes, [&](ptrdiff_t x) HWY_ATTR { storeMeans(cells, centre, x, dst + x); },
+            [&](ptrdiff_t x, ptrdiff_t count) HWY_ATTR {
+                uint8_t last[kByteLanes];
+                storeMeans(cells, centre, x, last);
+                std::memcpy(dst + x, last, static_cast<size_t>(count));
+            });
+    }
+
+    struct Cell {
+        const float* pixels;
+        const float* weights;
+    };
+
+    // The means of a vector of bytes. The sums of its parts are formed side by side because each is one long chain.
+    static HWY_NOINLINE void storeMeans(const Cell* cells, const float* centre, ptrdiff_t x, uint8_t* means) {
+        constexpr ptrdiff_t kParts = kByteLanes / kLanes;
+        const D d;
+        V sums[kParts];
+        V weightSums[kParts];
+        for (ptrdiff_t part = 0; part < kParts; ++part) sums[part] = weightSums[part] = hn::Zero(d);
+        const auto add = [&](const Cell* first) HWY_ATTR {
+#pragma GCC unroll 1    // GCC otherwise completes `sums` first, then loads all weights again for `weightSums`
+            for (const Cell* cell = first; cell < first + W::kPairs; ++cell)
+                for (ptrdiff_t part = 0; part < kParts; ++part) {
+                    const V weight = hn::LoadU(d, cell->weights + x + part * kLanes);
+                    const V pixel = hn::LoadU(d, cell->pixels + x + part * kLanes);
+                    weightSums[part] = hn::Add(weightSums[part], weight);
+                    sums[part] = fusedMulAdd(d, pixel, weight, sums[part]);
+                }
+        };
+        add(cells);
+        for (ptrdiff_t part = 0; part < kParts; ++part) {
+            weightSums[part] = hn::Add(weightSums[part], hn::Set(d, 1.0F));
+            sums[part] = hn::Add(sums[part], hn::Load(d, centre + x + part * kLanes));
         }
+        add(cells + W::kPairs);
+        const hn::Rebind<uint8_t, D> bytes;
+        for (ptrdiff_t part = 0; part < kParts; ++part)
+            hn::StoreU(hn::DemoteTo(bytes, nearestWithin(d, hn::Div(sums[part], weightSums[part]), 0, 255)), bytes,
+                       means + part * kLanes);
     }
 
     static V toFloat(const uint8_t* pixels) {
@@ -192,8 +215,10 @@ private:
     const BilateralWeights& weights_;
     ptrdiff_t left_;
     ptrdiff_t width_;
-    uint8_t rows_[kRows][kPitch];
-    float pairWeights_[W::kWeightRows][kPitch];
+    HWY_ALIGN float pairWeights_[W::kWeightRows][kPitch];
+    HWY_ALIGN float floats_[kRows][kPitch];
+    HWY_ALIGN uint8_t differences_[kPitch];
+    uint8_t rows_[kRows][kPitch] = {};    // vectors read more bytes than are copied
 };
 
 // One pixel of the last columns, summed four cells at a time: the first and third, the second and fourth, then both
@@ -207,7 +232,7 @@ uint8_t meanInFours(const BilateralRegion& region, const BilateralWeights& weigh
     float weight[kCells];
     const auto place = [&](int cell, const uint8_t* neighbour, BilateralWeights::Distance distance) {
         pixel[cell] = static_cast<float>(*neighbour);
-        weight[cell] = weights.at[distance][std::abs(*neighbour - *centre)];
+        weight[cell] = weights.at[distance].values[std::abs(*neighbour - *centre)];
     };
     for (int i = 0; i < W::kPairs; ++i) {
         const Pair& pair = W::kPair[i];
@@ -276,8 +301,7 @@ filters::BilateralWeights::BilateralWeights(double sigmaColor, double sigmaSpace
     const double distances[kDistances] = {1.0, std::sqrt(2.0), 2.0};
     for (int i = 0; i < kDistances; ++i) {
         const auto spaceWeight = static_cast<float>(std::exp(distances[i] * distances[i] * spaceCoefficient));
-        for (int difference = 0; difference < 256; ++difference)
-            at[i][difference] = spaceWeight * colorWeights[difference];
+        at[i].fill([&](size_t difference) { return spaceWeight * colorWeights[difference]; });
     }
 }
 

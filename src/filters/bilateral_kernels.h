@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "simd/float_table.h"
+
 namespace filters {
 
 // Weight of a neighbour by its grey difference, for the three distances in 5x5 pixels.
@@ -16,7 +18,7 @@ struct BilateralWeights {
     // A sigma of 0 or less counts as 1, as in OpenCV. With NaN every result is 0.
     BilateralWeights(double sigmaColor, double sigmaSpace);
 
-    float at[kDistances][256];
+    opcv::simd::FloatTable at[kDistances];
 };
 
 struct BilateralRegion {

@@ -33,10 +33,6 @@ using Widest = hn::ScalableTag<T>;
 template <class T>
 using AtMost32Bytes = hn::CappedTag<T, 32 / sizeof(T)>;
 
-// Page of 3x3 pixels 0.86, of 5x5 1.01 to 1.13, in colour 1.24: each weight is a separate load from a stored block.
-template <class T>
-using BilateralTag = AtMost32Bytes<T>;
-
 // Minimum and maximum of 31x31 pixels: page 1.14, tile 1.23; of 9x9: 1.10, 1.27; of 3x3: 1.14, 0.75.
 template <class T>
 using ExtremumTag = AtMost32Bytes<T>;
