@@ -7,8 +7,8 @@
 // Blocks of 16 x 16 pixels are transposed in registers. Interleaving the lanes of rows i and i + n/2 of n rows into
 // rows 2i and 2i + 1 moves the highest bit of a row's index to the lowest bit of a lane's index, and the highest bit of
 // the lane's index to the row's; after log2(n) such rounds rows and lanes are swapped. Pixels of 3 bytes are widened to
-// 4 for this. Blocks are processed in tiles, so that whole cache lines of the target are written at a time. The last
-// block of a row or column is pulled back over the one before it. No byte outside the rasters is read or written.
+// 4 for this. Blocks are processed in narrow tiles, so that whole cache lines of the target are written at a time. The
+// last block of a row or column is pulled back over the one before it. No byte outside the rasters is read or written.
 #include "geometry/quarter_turn_kernels.h"
 
 #include <algorithm>
@@ -21,6 +21,7 @@
 #include <hwy/highway.h>
 
 #include "simd/row-inl.h"
+#include "simd/vector_size-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace opcv {
@@ -29,11 +30,17 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-constexpr int kBlock = 16;    // pixels
-constexpr int kTile = 128;
+using simd::HWY_NAMESPACE::prefetchToWrite;
+
+constexpr int kBlock = 16;                     // pixels
+constexpr int kTileRows = 128;                 // of the source, in tiles of one block of columns
+constexpr int kColumnsAhead = 64;              // of the source
+constexpr int kCacheLine = 64;                 // bytes
+constexpr ptrdiff_t kCachedBytes = 1 << 18;    // of a source that is probably in the second-level cache
 
 using D8 = hn::FixedTag<uint8_t, 16>;
 using D32 = hn::FixedTag<uint32_t, 4>;
+using WideBlock = simd::HWY_NAMESPACE::AtMost32Bytes<uint8_t>;    // for pixels of one byte
 using V8 = hn::Vec<D8>;
 using V32 = hn::Vec<D32>;
 
@@ -113,33 +120,68 @@ HWY_INLINE void transposeBlock(const SourceRows& from, const TargetRows& to) {
     }
 }
 
-template <>
-HWY_INLINE void transposeBlock<1>(const SourceRows& from, const TargetRows& to) {
-    V8 rows[kBlock];
-    for (int i = 0; i < kBlock; ++i) rows[i] = hn::LoadU(D8(), from.first + i * from.step);
-    transposeLanes(D8(), rows);
-    for (int i = 0; i < kBlock; ++i) hn::StoreU(rows[i], D8(), to.first + i * to.step);
+// One row of the target from each 16 bytes of a vector.
+template <class D>
+HWY_INLINE void storeRows(D d, hn::Vec<D> v, const TargetRows& to) {
+    if constexpr (hn::MaxLanes(d) == kBlock) {
+        hn::StoreU(v, d, to.first);
+    } else {
+        const hn::Half<D> half;
+        constexpr ptrdiff_t kRows = hn::MaxLanes(half);
+        storeRows(half, hn::LowerHalf(half, v), to);
+        storeRows(half, hn::UpperHalf(half, v), {to.first + kRows * to.step, to.step});
+    }
+}
+
+// Lanes are interleaved within 16 bytes, so that wider vectors hold several blocks side by side.
+template <class D>
+HWY_INLINE void transposeBytes(D d, const SourceRows& from, const TargetRows& to) {
+    hn::Vec<D> rows[kBlock];
+    for (int i = 0; i < kBlock; ++i) rows[i] = hn::LoadU(d, from.first + i * from.step);
+    transposeLanes(d, rows);
+    for (int i = 0; i < kBlock; ++i) storeRows(d, rows[i], {to.first + i * to.step, to.step});
+}
+
+template <int kPixelSize, int kColumns>
+void transposeBlocks(SourceRows from, TargetRows to, int width, int height) {
+    const auto at = [&](int x, int y) { return from.first + y * from.step + ptrdiff_t{x} * kPixelSize; };
+    const auto turned = [&](int x, int y) { return to.first + x * to.step + ptrdiff_t{y} * kPixelSize; };
+    // Neighbouring rows are on different memory pages, for which no processor prefetches on its own. The loops are not in
+    // functions of their own: gcc drops calls that only prefetch.
+    constexpr int kLinePixels = kCacheLine / kPixelSize / kBlock * kBlock;
+    const bool isLarge = ptrdiff_t{width} * height * kPixelSize > kCachedBytes;
+    for (int top = 0; top < height; top += kTileRows)
+        for (int left = 0; left < width; left += kColumns)
+            for (int row = top; row < std::min(top + kTileRows, height); row += kBlock) {
+                const int x = std::min(left, width - kColumns);
+                const int y = std::min(row, height - kBlock);
+                if (isLarge && x % kLinePixels == 0 && x + kColumnsAhead < width)
+                    for (int i = 0; i < kBlock; ++i) hwy::Prefetch(at(x + kColumnsAhead, y + i));
+                if (isLarge && y % kLinePixels == 0 && x + 2 * kColumns <= width)
+                    for (int i = kColumns; i < 2 * kColumns; ++i)
+                        prefetchToWrite(turned(x + i, y), kLinePixels * kPixelSize);
+                const SourceRows block = {at(x, y), from.step};
+                const TargetRows turnedBlock = {turned(x, y), to.step};
+                if constexpr (kPixelSize == 1)
+                    transposeBytes(hn::FixedTag<uint8_t, kColumns>(), block, turnedBlock);
+                else
+                    transposeBlock<kPixelSize>(block, turnedBlock);
+            }
 }
 
 template <int kPixelSize>
 void transposeAll(SourceRows from, TargetRows to, int width, int height) {
-    const auto at = [&](int x, int y) { return from.first + y * from.step + ptrdiff_t{x} * kPixelSize; };
-    const auto turned = [&](int x, int y) { return to.first + x * to.step + ptrdiff_t{y} * kPixelSize; };
+    constexpr int kWide = static_cast<int>(hn::MaxLanes(WideBlock()));
     if (width < kBlock || height < kBlock) {
         for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) std::memcpy(turned(x, y), at(x, y), kPixelSize);
-        return;
+            for (int x = 0; x < width; ++x)
+                std::memcpy(to.first + x * to.step + ptrdiff_t{y} * kPixelSize,
+                            from.first + y * from.step + ptrdiff_t{x} * kPixelSize, kPixelSize);
+    } else if (kPixelSize == 1 && width >= kWide) {
+        transposeBlocks<kPixelSize, kPixelSize == 1 ? kWide : kBlock>(from, to, width, height);
+    } else {
+        transposeBlocks<kPixelSize, kBlock>(from, to, width, height);
     }
-    for (int top = 0; top < height; top += kTile)
-        for (int left = 0; left < width; left += kTile)
-            for (int i = left; i < std::min(left + kTile, width); i += kBlock)
-                for (int j = top; j < std::min(top + kTile, height); j += kBlock) {
-                    const int x = std::min(i, width - kBlock);
-                    const int y = std::min(j, height - kBlock);
-                    if (x + kTile < width)    // rows are on different memory pages: prefetch the next tile
-                        for (int r = 0; r < kBlock; ++r) hwy::Prefetch(at(x + kTile, y + r));
-                    transposeBlock<kPixelSize>({at(x, y), from.step}, {turned(x, y), to.step});
-                }
 }
 
 using Wide = hn::ScalableTag<uint8_t>;
