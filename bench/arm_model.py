@@ -24,6 +24,7 @@ TOOLS = "-19"    # the suffix of LLVM's programs; older versions model every cor
 CORES = {"a72": "cortex-a72", "n1": "neoverse-n1"}
 COVERED = 0.97    # of the instructions of a call
 FOLLOWS = 0.9    # blocks that follow one another in this part of their executions are modelled as one
+FEATURES = "+v8a,+crc,+lse"
 WINDOW = 4000    # instructions that a block is repeated for
 
 
@@ -69,18 +70,21 @@ def run(*command, text):
     done = subprocess.run(command, input=text, capture_output=True, text=True, check=False)
     if not done.stdout:
         sys.exit(f"{command[0]} failed: {done.stderr}")
-    return done.stdout
+    return done
 
 
 def disassembled(words):
-    """Returns the assembly of each instruction word."""
+    """Returns the assembly of each instruction word that exists on both cores."""
     words = sorted(words)
     lines = [" ".join(f"0x{byte:02x}" for byte in int(word, 16).to_bytes(4, "little")) for word in words]
-    out = run(f"llvm-mc{TOOLS}", "--disassemble", "-triple=aarch64", "-mattr=+v8.2a", text="\n".join(lines) + "\n")
-    texts = [line.strip() for line in out.splitlines() if line.startswith("\t") and not line.startswith("\t.")]
-    if len(texts) != len(words):
-        sys.exit(f"{len(texts)} of {len(words)} instructions were disassembled")
-    return dict(zip(words, texts))
+    done = run(f"llvm-mc{TOOLS}", "--disassemble", "-triple=aarch64", f"-mattr={FEATURES}", text="\n".join(lines) + "\n")
+    unknown = {int(line) - 1 for line in re.findall(r"^<stdin>:(\d+):\d+: warning: invalid", done.stderr, re.M)}
+    known = [word for i, word in enumerate(words) if i not in unknown]
+    texts = [line.strip() for line in done.stdout.splitlines() if line.startswith("\t") and not line.startswith("\t.")]
+    if len(texts) != len(known):
+        sys.exit(f"{len(texts)} of {len(known)} instructions were disassembled")
+    # llvm-mca takes a call to last 100 cycles. What is called is a block of its own, so a call is only a jump here.
+    return dict(zip(known, (re.sub(r"^bl(r?)\b", r"b\1", text) for text in texts)))
 
 
 def cycles(blocks, core):
@@ -92,8 +96,9 @@ def cycles(blocks, core):
     for repeats, group in by_repeats.items():
         text = "".join(f"# LLVM-MCA-BEGIN {i}\n" + "\n".join(block) + f"\n# LLVM-MCA-END {i}\n"
                        for i, block in enumerate(group))
-        out = run(f"llvm-mca{TOOLS}", "-mtriple=aarch64", f"-mcpu={core}", "-mattr=+v8.2a", f"-iterations={repeats}",
-                  "-instruction-info=0", "-resource-pressure=0", text=text)
+        out = run(f"llvm-mca{TOOLS}", "-mtriple=aarch64", f"-mcpu={core}", f"-mattr={FEATURES}",
+                  f"-iterations={repeats}", "-instruction-info=0", "-resource-pressure=0",
+                  "-skip-unsupported-instructions=lack-sched", text=text).stdout
         totals = [int(total) for total in re.findall(r"^Total Cycles: +(\d+)", out, re.M)]
         if len(totals) != len(group):
             sys.exit(f"llvm-mca modelled {len(totals)} of {len(group)} blocks")
@@ -115,8 +120,8 @@ def main():
         sys.exit(f"{len(works)} counts for {len(calls)} comparisons")
     hot = [hot_paths(work, code) for work in works]
     assembly = disassembled({word for paths_of_work in hot for words, _ in paths_of_work for word in words})
-    hot = [[(tuple(assembly[word] for word in words), count) for words, count in paths_of_work]
-           for paths_of_work in hot]
+    hot = [[(block, count) for words, count in paths_of_work
+            if (block := tuple(assembly[word] for word in words if word in assembly))] for paths_of_work in hot]
     traffic = [image_traffic(*map(int, call[3:])) for call in calls]
     blocks = {block for paths_of_work in hot for block, _ in paths_of_work} | set(traffic)
     model = {core: cycles(sorted(blocks), name) for core, name in CORES.items()}
