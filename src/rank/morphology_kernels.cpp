@@ -77,7 +77,7 @@ public:
     }
 
 private:
-    static constexpr ptrdiff_t kScratch = 32768;
+    static constexpr ptrdiff_t kScratch = 98304;    // holds rows of a page: in strips, each row misses the caches again
     static constexpr ptrdiff_t kWidest = 8192;
     static constexpr ptrdiff_t kExtraRows = 2;    // extremes beyond the block; groups of neighbours
 
@@ -138,7 +138,13 @@ private:
                 hn::StoreU(Op::of(hn::LoadU(dFull, line + x), hn::LoadU(dFull, line + x + group)), dFull, line + x);
             });
         const uint8_t* const last = line + side_.width - group;
+        // Rows are too short for the hardware prefetcher.
+        const bool hasNext = y + 2 < rows_.height;
+        const uint8_t* const nextSrc = hasNext ? source(y + side_.height + 1) : line;
+        const uint8_t* const nextDst = hasNext ? dst + 2 * rows_.dstStep : dst;
         coverRow(dFull, width_, [=](auto d, ptrdiff_t x) HWY_ATTR {
+            hwy::Prefetch(nextSrc + x);
+            hwy::Prefetch(nextDst + x);
             hn::StoreU(Op::of(hn::LoadU(d, line + x), hn::LoadU(d, last + x)), d, dst + x);
         });
     }

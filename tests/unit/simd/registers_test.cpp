@@ -25,7 +25,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 namespace simd = opcv::simd::HWY_NAMESPACE;
 
 constexpr size_t kVectors = 3;
-constexpr size_t kMostFloats = kVectors * 16;
 
 // Copies some vectors, the last one first, and returns the number of floats.
 size_t copyThroughRegisters(const float* from, float* to) {
