@@ -83,8 +83,19 @@ def disassembled(words):
     texts = [line.strip() for line in done.stdout.splitlines() if line.startswith("\t") and not line.startswith("\t.")]
     if len(texts) != len(known):
         sys.exit(f"{len(texts)} of {len(known)} instructions were disassembled")
-    # llvm-mca takes a call to last 100 cycles. What is called is a block of its own, so a call is only a jump here.
-    return dict(zip(known, (re.sub(r"^bl(r?)\b", r"b\1", text) for text in texts)))
+    return {word: as_modelled(text) for word, text in zip(known, texts)}
+
+
+def as_modelled(text):
+    """Returns the lines of assembly by which an instruction is modelled.
+
+    llvm-mca takes a call to last 100 cycles; what is called is a block of its own, so a call is only a jump here. It
+    also lets the address that a store updates wait for the data; cores update it in an operation of its own.
+    """
+    store = re.fullmatch(r"(st\w+\s.*), \[(\w+)(?:\], |, )(#?-?\w+)(?:\]!)?", text)
+    if store and (text.endswith("!") or "], " in text):
+        return [f"{store[1]}, [{store[2]}]", f"add {store[2]}, {store[2]}, {store[3]}"]
+    return [re.sub(r"^bl(r?)\b", r"b\1", text)]
 
 
 def cycles(blocks, core):
@@ -120,15 +131,15 @@ def main():
         sys.exit(f"{len(works)} counts for {len(calls)} comparisons")
     hot = [hot_paths(work, code) for work in works]
     assembly = disassembled({word for paths_of_work in hot for words, _ in paths_of_work for word in words})
-    hot = [[(block, count) for words, count in paths_of_work
-            if (block := tuple(assembly[word] for word in words if word in assembly))] for paths_of_work in hot]
+    hot = [[(tuple(line for word in words for line in assembly.get(word, ())), count, len(words))
+            for words, count in paths_of_work] for paths_of_work in hot]
     traffic = [image_traffic(*map(int, call[3:])) for call in calls]
-    blocks = {block for paths_of_work in hot for block, _ in paths_of_work} | set(traffic)
+    blocks = {block for paths_of_work in hot for block, *_ in paths_of_work if block} | set(traffic)
     model = {core: cycles(sorted(blocks), name) for core, name in CORES.items()}
 
     def cycles_of(i, core):
-        covered = sum(len(block) * count for block, count in hot[i])
-        modelled = sum(model[core][block] * count for block, count in hot[i])
+        covered = sum(length * count for block, count, length in hot[i] if block)
+        modelled = sum(model[core][block] * count for block, count, _ in hot[i] if block)
         return modelled * instructions(works[i], code) / covered
 
     head = ["function", "variant", "plain_name", "pixels", "ours", "plain"]

@@ -69,6 +69,21 @@ class Paths(unittest.TestCase):
         self.assertEqual([(("b", "b"), 100)], hot)
 
 
+class Modelled(unittest.TestCase):
+    def test_calls_are_jumps(self):
+        self.assertEqual(["b\t#-64"], arm_model.as_modelled("bl\t#-64"))
+        self.assertEqual(["br\tx3"], arm_model.as_modelled("blr\tx3"))
+        self.assertEqual(["bls\t#8"], arm_model.as_modelled("bls\t#8"))
+
+    def test_stores_update_addresses_on_their_own(self):
+        self.assertEqual(["str\tq0, [x1]", "add x1, x1, #16"], arm_model.as_modelled("str\tq0, [x1], #16"))
+        self.assertEqual(["st1\t{ v0.8b }, [x1]", "add x1, x1, x2"], arm_model.as_modelled("st1\t{ v0.8b }, [x1], x2"))
+        self.assertEqual(["stp\tx29, x30, [sp]", "add sp, sp, #-32"],
+                         arm_model.as_modelled("stp\tx29, x30, [sp, #-32]!"))
+        for text in ("str\tq0, [x1]", "str\tq0, [x1, #16]", "str\tw0, [x1, w2, uxtw #2]", "ldr\tq0, [x1], #16"):
+            self.assertEqual([text], arm_model.as_modelled(text))
+
+
 class Limit(unittest.TestCase):
     def test_every_byte_is_moved_once(self):
         traffic = arm_model.image_traffic(1000, 1000, 3000)
