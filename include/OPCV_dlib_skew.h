@@ -4,12 +4,11 @@
 /// @file OPCV_dlib_skew.h
 /// Finds the skew of a scanned page: the angle that straightens its lines of text.
 ///
-/// This header belongs to a library of its own, libOPCV_dlib_skew, because it needs Leptonica. It takes the records of
-/// OPCV_dlib.h, but does not call that library. The header compiles as C11 and as C++17.
+/// This header belongs to a library of its own, libOPCV_dlib_skew. It takes the records of OPCV_dlib.h, but calls neither
+/// that library nor OpenCV. The header compiles as C11 and as C++17.
 ///
-/// The function throws nothing and keeps no state: any number of threads may call it at once, also on the same page. It
-/// prints nothing; but if an allocation of Leptonica's fails, Leptonica may print a line on standard error, which its
-/// `setMsgSeverity` turns off for the whole process.
+/// The function throws nothing, prints nothing and keeps no state: any number of threads may call it at once, also on
+/// the same page.
 ///
 /// The structure begins with its own size, so that it can grow. Set every byte to zero first, then `struct_size`:
 ///

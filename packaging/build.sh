@@ -35,6 +35,11 @@ fi
     echo " OPCV_1.1@OPCV_1.1 1.0.0"
     sed 's/.*/ &@OPCV_1.1 1.0.0/' "$tree/cmake/exports_1.1.txt"
 } >debian/libopcv-dlib1.symbols
+{
+    echo "libOPCV_dlib_skew.so.1 libopcv-dlib-skew1 #MINVER#"
+    echo " OPCV_SKEW_1.0@OPCV_SKEW_1.0 1.0.0"
+    sed 's/.*/ &@OPCV_SKEW_1.0 1.0.0/' "$tree/tools/page_skew/exports.txt"
+} >debian/libopcv-dlib-skew1.symbols
 
 # No installed package contains the libraries of a system root, so their package names are taken from this machine's
 # packages.

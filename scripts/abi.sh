@@ -4,15 +4,22 @@
 # shellcheck shell=bash
 # The binary interface.
 
+# record_abi LIBRARY FILE
+record_abi() {
+    local file=tests/system/interface/abi/$2
+    abidw --exported-interfaces-only --headers-dir include --drop-private-types --no-corpus-path --no-comp-dir-path --no-show-locs \
+        --type-id-style hash "$1" --out-file "$file"
+    sed -i "s|path='$PWD/|path='|" "$file"
+}
+
 # Records the current binary interface, for an intended change.
 cmd_abi() {
     prepare arm64
     for preset in release arm64; do
-        build "$preset" OPCV_dlib
+        build "$preset" OPCV_dlib OPCV_dlib_skew
         local machine=x86_64
         [ "$preset" = arm64 ] && machine=aarch64
-        abidw --exported-interfaces-only --headers-dir include --drop-private-types --no-corpus-path --no-comp-dir-path --no-show-locs \
-            --type-id-style hash "build/$preset/libOPCV_dlib.so" --out-file "tests/system/interface/abi/$machine.abi"
-        sed -i "s|path='$PWD/|path='|" "tests/system/interface/abi/$machine.abi"
+        record_abi "build/$preset/libOPCV_dlib.so" "$machine.abi"
+        record_abi "build/$preset/libOPCV_dlib_skew.so" "skew-$machine.abi"
     done
 }

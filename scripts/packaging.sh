@@ -28,7 +28,7 @@ cmd_package() {
     package "$native" release
     if [ "$native" != arm64 ]; then
         arm64_sysroot
-        build arm64-packages OPCV_dlib scanpage opcv_dlib_python
+        build arm64-packages OPCV_dlib OPCV_dlib_skew scanpage opcv_dlib_python opcv_dlib_python_skew
         package arm64 arm64-packages "$sysroot"
     fi
     say "Packages"

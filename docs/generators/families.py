@@ -39,4 +39,6 @@ FAMILIES = [
     Family("opcv_read", "JPEG reading with limits, cancellation and a report", "rows.svg",
            "A decoder that hands over the rows of a page in blocks, and stops when it is told to", (
                "JPEG reading with limits",)),
+    Family("opcv_skew", "skew of a page", "deskew.png", "A skewed page and the same page straightened", (
+        "Skew of a page",)),
 ]

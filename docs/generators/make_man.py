@@ -17,7 +17,8 @@ from families import FAMILIES
 
 STRUCTURES = {"Value types": ["IppiSize", "IppiPoint", "IppiRect", "KVRect"],
               "Records": ["KVIMG", "KVImageDescription", "KVImageHeader"],
-              "JPEG reading with limits": ["opcv_read_options", "opcv_read_report", "opcv_rows"]}
+              "JPEG reading with limits": ["opcv_read_options", "opcv_read_report", "opcv_rows"],
+              "Skew of a page": ["opcv_skew"]}
 OVERVIEW = "opcv_dlib"
 
 
@@ -213,7 +214,8 @@ def see_also(page):
 
 
 def include_lines(header="OPCV_dlib.h"):
-    return [".nf", f"\\fB#include <{header}>\\fP", ".fi", ".PP", "Link with \\fB\\-lOPCV_dlib\\fP."]
+    library = "OPCV_dlib_skew" if header == "OPCV_dlib_skew.h" else "OPCV_dlib"
+    return [".nf", f"\\fB#include <{header}>\\fP", ".fi", ".PP", f"Link with \\fB\\-l{library}\\fP."]
 
 
 class Header:

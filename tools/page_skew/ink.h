@@ -5,13 +5,13 @@
 #pragma once
 
 #include "grey_image.h"
-#include "pix.h"
+#include "shapes.h"
 
 namespace page_skew {
 
 struct Ink {
-    PixPtr bits;        // 1 bit deep, a set bit is ink
-    double contrast;    // of ink and paper: 0, or up to 1 for black on white
+    Shapes shapes;
+    double contrast;    // of ink and paper: 0 to 1
 };
 
 // What is clearly darker than the paper around it. What touches the border (edges of the scan, the neighbouring page) and

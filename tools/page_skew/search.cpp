@@ -12,13 +12,14 @@ namespace page_skew {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr double kRange = 15;           // degrees to either side
-constexpr double kCoarseStep = 0.1;     // at half of the resolution
-constexpr double kFineStep = 0.0125;    // around the best of these
-constexpr int kFineReach = 24;          // fine steps to either side
-constexpr int kFitReach = 5;            // fine steps of the parabola through the peak
-constexpr int kRivalDistance = 35;      // coarse steps between two peaks
-constexpr int kAgreementReach = 10;     // coarse steps
+constexpr double kRange = 15;          // degrees to either side
+constexpr double kCoarseStep = 0.1;    // at half of the resolution
+constexpr double kFineStep = 0.05;     // around the best of these
+constexpr int kFineReach = 12;         // fine steps to either side
+constexpr int kBlurReach = 8;          // fine steps
+constexpr double kBlur = 3;            // standard deviation, in fine steps
+constexpr int kRivalDistance = 35;     // coarse steps between two peaks
+constexpr int kAgreementReach = 10;    // coarse steps
 
 // Rows from one strip to the next.
 double slopeOf(const Strips& strips, double degrees) { return std::tan(degrees * kPi / 180) * strips.aspect(); }
@@ -68,31 +69,30 @@ double agreementOf(const std::vector<Sharpness>& all, size_t peak) {
     return sum > 0 ? agreeing / sum : 0;
 }
 
-// The highest point of the parabola that fits the values best, at the positions -reach to reach; 0 if it has none.
-double vertexOf(const Curve& values) {
-    const auto reach = static_cast<double>(values.size() / 2);
-    double n = 0, xx = 0, xxxx = 0, y = 0, xy = 0, xxy = 0;
-    for (size_t i = 0; i < values.size(); ++i) {
-        const double x = static_cast<double>(i) - reach;
-        n += 1;
-        xx += x * x;
-        xxxx += x * x * x * x;
-        y += values[i];
-        xy += x * values[i];
-        xxy += x * x * values[i];
+// Each value becomes a mean of itself and kBlurReach to either side, by a Gaussian. The ends, which lack these, are cut.
+Curve blurred(const Curve& curve) {
+    Curve result(curve.size() - 2 * kBlurReach);
+    for (int i = -kBlurReach; i <= kBlurReach; ++i) {
+        const double weight = std::exp(-0.5 * i * i / (kBlur * kBlur));
+        for (size_t j = 0; j < result.size(); ++j) result[j] += weight * curve[j + static_cast<size_t>(i + kBlurReach)];
     }
-    const double curvature = (n * xxy - xx * y) / (n * xxxx - xx * xx);
-    return curvature < 0 ? std::clamp(-xy / xx / (2 * curvature), -reach, reach) : 0;
+    return result;
 }
 
-// The peak near an angle, in full resolution.
-double refined(const Strips& strips, double degrees) {
+// The angle near another one, in full resolution. Lines that are not quite parallel make several peaks; blurred, they are
+// one at their mean. The top of the parabola through its highest three values is the angle.
+double refined(const Strips& strips, double degrees, Profiles& profiles) {
+    const int reach = kFineReach + kBlurReach;
     Curve curve;
-    for (int i = -kFineReach - kFitReach; i <= kFineReach + kFitReach; ++i)
-        curve.push_back(strips.sharpnessAt(slopeOf(strips, degrees + i * kFineStep)).page);
-    const ptrdiff_t peak = std::max_element(curve.begin() + kFitReach, curve.end() - kFitReach) - curve.begin();
-    const double vertex = vertexOf(Curve(curve.begin() + peak - kFitReach, curve.begin() + peak + kFitReach + 1));
-    return degrees + (static_cast<double>(peak) - kFineReach - kFitReach + vertex) * kFineStep;
+    curve.reserve(2 * static_cast<size_t>(reach) + 1);
+    for (int i = -reach; i <= reach; ++i)
+        curve.push_back(strips.sharpnessAt(slopeOf(strips, degrees + i * kFineStep), profiles).page);
+    const Curve smooth = blurred(curve);
+    const size_t peak = std::clamp(indexOfPeak(smooth), size_t{1}, smooth.size() - 2);
+    const double rise = (smooth[peak + 1] - smooth[peak - 1]) / 2;
+    const double curvature = smooth[peak + 1] + smooth[peak - 1] - 2 * smooth[peak];
+    const double top = curvature < 0 ? std::clamp(-rise / curvature, -1.0, 1.0) : 0;
+    return degrees + (static_cast<double>(peak) - kFineReach + top) * kFineStep;
 }
 
 }    // namespace
@@ -100,8 +100,10 @@ double refined(const Strips& strips, double degrees) {
 Peak findPeak(const Strips& strips) {
     const Strips coarse = strips.halved();
     const int reach = static_cast<int>(std::lround(kRange / kCoarseStep));
+    Profiles profiles;
     std::vector<Sharpness> all;
-    for (int i = -reach; i <= reach; ++i) all.push_back(coarse.sharpnessAt(slopeOf(coarse, i * kCoarseStep)));
+    all.reserve(static_cast<size_t>(2 * reach) + 1);
+    for (int i = -reach; i <= reach; ++i) all.push_back(coarse.sharpnessAt(slopeOf(coarse, i * kCoarseStep), profiles));
     const Curve curve = curveOf(all, [](const Sharpness& s) { return s.page; });
     const Curve steps = curveOf(all, [](const Sharpness& s) { return s.steps; });
     const size_t best = indexOfPeak(curve);
@@ -112,7 +114,7 @@ Peak findPeak(const Strips& strips) {
     peak.steps = ratioOf(steps[best], medianOf(steps));
     peak.rows = curve[best] > 0 ? steps[best] * steps[best] / curve[best] : 0;
     peak.agreement = agreementOf(all, best);
-    peak.angle = refined(strips, (static_cast<double>(best) - reach) * kCoarseStep);
+    peak.angle = refined(strips, (static_cast<double>(best) - reach) * kCoarseStep, profiles);
     return peak;
 }
 

@@ -4,14 +4,16 @@
 #include "strips.h"
 
 #include <algorithm>
-#include <bitset>
 #include <cmath>
+#include <cstdlib>
 
 namespace page_skew {
 
 namespace {
 
-constexpr int kStripColumns = 8;    // one byte of a row of bits
+constexpr int kStripColumns = 8;
+
+int stripsIn(int length) { return (length + kStripColumns - 1) / kStripColumns; }
 
 }    // namespace
 
@@ -22,13 +24,27 @@ Strips::Strips(int columns, int rows, int count, int height)
       height_(height),
       ink_(static_cast<size_t>(count) * static_cast<size_t>(height)) {}
 
-Strips::Strips(PIX* ink)
-    : Strips(kStripColumns, 1, (pixGetWidth(ink) + kStripColumns - 1) / kStripColumns, pixGetHeight(ink)) {
-    for (int y = 0; y < height_; ++y) {
-        const l_uint32* line = pixGetData(ink) + ptrdiff_t{y} * pixGetWpl(ink);
-        for (int i = 0; i < count_; ++i)
-            strip(i)[y] = static_cast<uint8_t>(std::bitset<kStripColumns>(GET_DATA_BYTE(line, i)).count());
+Strips Strips::along(const Shapes& ink) {
+    Strips strips(kStripColumns, 1, stripsIn(ink.width()), ink.height());
+    for (int y = 0; y < ink.height(); ++y)
+        for (const Run* run = ink.begin(y); run < ink.end(y); ++run)
+            for (int x = run->start; x < run->end;) {
+                const int end = std::min(run->end, (x / kStripColumns + 1) * kStripColumns);
+                uint8_t& count = strips.strip(x / kStripColumns)[y];
+                count = static_cast<uint8_t>(count + end - x);
+                x = end;
+            }
+    return strips;
+}
+
+Strips Strips::across(const Shapes& ink) {
+    Strips strips(kStripColumns, 1, stripsIn(ink.height()), ink.width());
+    for (int y = 0; y < ink.height(); ++y) {
+        uint8_t* strip = strips.strip((ink.height() - 1 - y) / kStripColumns);
+        for (const Run* run = ink.begin(y); run < ink.end(y); ++run)
+            for (int x = run->start; x < run->end; ++x) ++strip[x];
     }
+    return strips;
 }
 
 Strips Strips::halved() const {
@@ -43,7 +59,7 @@ Strips Strips::halved() const {
 
 // Adds the strips to the profile, each moved so that the lines through the middle of the page stay where they are.
 void Strips::addUp(int first, int last, double slope, std::vector<uint16_t>& profile) const {
-    std::fill(profile.begin(), profile.end(), uint16_t{0});
+    profile.assign(static_cast<size_t>(height_), 0);
     for (int i = first; i < last; ++i) {
         const int shift = static_cast<int>(std::lround(slope * (i + 0.5 - count_ * 0.5)));
         const int start = std::clamp(-shift, 0, height_);
@@ -54,9 +70,8 @@ void Strips::addUp(int first, int last, double slope, std::vector<uint16_t>& pro
     }
 }
 
-Sharpness Strips::sharpnessAt(double slope) const {
-    std::vector<uint16_t> left(static_cast<size_t>(height_));
-    std::vector<uint16_t> right(static_cast<size_t>(height_));
+Sharpness Strips::sharpnessAt(double slope, Profiles& profiles) const {
+    auto& [left, right] = profiles;
     addUp(0, count_ / 2, slope, left);
     addUp(count_ / 2, count_, slope, right);
     Sharpness sharpness;

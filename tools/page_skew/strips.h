@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "pix.h"
+#include "shapes.h"
 
 namespace page_skew {
 
@@ -24,10 +24,16 @@ struct Sharpness {
     std::array<double, kWindows> windows{};
 };
 
+// The ink of each row, of both halves of the page. Kept from call to call, so that a search allocates them once.
+struct Profiles {
+    std::vector<uint16_t> left, right;
+};
+
 class Strips {
 public:
-    // Strips of 8 columns.
-    explicit Strips(PIX* ink);
+    // Strips of 8 columns of the page, or of the page turned by a quarter to the right.
+    static Strips along(const Shapes& ink);
+    static Strips across(const Shapes& ink);
 
     // Two strips and two rows each become one.
     Strips halved() const;
@@ -36,7 +42,7 @@ public:
     double aspect() const { return static_cast<double>(columns_) / rows_; }
 
     // Along lines that fall by `slope` rows from one strip to the next.
-    Sharpness sharpnessAt(double slope) const;
+    Sharpness sharpnessAt(double slope, Profiles& profiles) const;
 
 private:
     Strips(int columns, int rows, int count, int height);

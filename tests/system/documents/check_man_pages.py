@@ -3,7 +3,7 @@
 
 """Checks that every exported function has a complete manual page.
 
-    check_man_pages.py NM LIBRARY MAN_FOLDER
+    check_man_pages.py NM MAN_FOLDER LIBRARY...
 
 `man FUNCTION` shows the page of a family. That page lists the function in its name line, so that `apropos` finds it,
 declares it, and has a section about it. The section describes each parameter and, unless the function returns nothing or
@@ -14,13 +14,16 @@ import re
 import subprocess
 import sys
 
-nm, library, folder = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3])
-symbols = subprocess.run([nm, "-D", "-C", "--defined-only", "--format=posix", library], check=True,
-                         capture_output=True, text=True).stdout
-names = {re.match(r"\w+", line).group() for line in symbols.splitlines()
-         if not line.startswith("OPCV_1.")}    # the symbol version
-if not names:
-    sys.exit(f"{library} exports nothing")
+nm, folder, *libraries = sys.argv[1], pathlib.Path(sys.argv[2]), *filter(None, sys.argv[3:])
+names = set()
+for library in libraries:
+    symbols = subprocess.run([nm, "-D", "-C", "--defined-only", "--format=posix", library], check=True,
+                             capture_output=True, text=True).stdout
+    exported = {re.match(r"\w+", line).group() for line in symbols.splitlines()
+                if not re.match(r"OPCV_(SKEW_)?1\.", line)}    # the symbol version
+    if not exported:
+        sys.exit(f"{library} exports nothing")
+    names |= exported
 
 
 def incomplete(section, name):

@@ -25,14 +25,14 @@ cp "$packages"/*_"$(dpkg --print-architecture)".deb "$work/archive"
 chmod -R a+rX "$work"
 
 mkdir "$work/check"
-cp -r "$tree/examples/readme" "$tree/tests/system/interface/consumer" "$here/inside.sh" "$here/make_pages.py" "$work/check"
+cp -r "$tree/examples/readme" "$tree/tests/system/interface/consumer" "$tree/tests/system/interface/find_skew_c.c" "$here/inside.sh" "$here/make_pages.py" "$work/check"
 
 as_root mmdebstrap --quiet --variant=apt \
     --aptopt='APT::Install-Recommends "false"' \
     --dpkgopt='force-unsafe-io' \
     --dpkgopt='path-exclude=/usr/share/locale/*' \
     --dpkgopt='path-exclude=/usr/share/doc/*' \
-    --include=libopcv-dlib-dev,opcv-tools,python3-opcv-dlib,g++,cmake,make,pkg-config,man-db \
+    --include=libopcv-dlib-dev,libopcv-dlib-skew-dev,opcv-tools,python3-opcv-dlib,g++,cmake,make,pkg-config,man-db \
     --setup-hook="mkdir -p \"\$1\"/etc/apt/sources.list.d; echo 'deb [trusted=yes] copy:$work/archive ./' >\"\$1\"/etc/apt/sources.list.d/opcv_dlib.list" \
     --customize-hook="copy-in $work/check /" \
     --customize-hook='chroot "$1" bash /check/inside.sh '"$tree" \

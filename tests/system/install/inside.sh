@@ -21,17 +21,25 @@ cmake --build build >cmake.log || { cat cmake.log && exit 1; }
 build/first_c
 build/first_cpp
 
+echo "- the skew finder, a library of its own"
+read -ra flags <<<"$(pkg-config --cflags --libs OPCV_dlib_skew)"
+gcc -std=c11 -Wall -Wextra -Werror find_skew_c.c "${flags[@]}" -o find_skew
+./find_skew
+if ldd "$(ldconfig -p | sed -n 's/.*libOPCV_dlib_skew.so.1 .*=> //p')" | grep -iE 'opencv|lept|OPCV_dlib.so'; then
+    echo "it loads a library that it does not need" && exit 1
+fi
+
 echo "- the Python example"
 python3 readme/first.py
 
 echo "- the manual"
-for page in "7 opcv_dlib" "3 IPPShare_ippiConvert_1u8u_C1R" "1 scanpage"; do
+for page in "7 opcv_dlib" "3 IPPShare_ippiConvert_1u8u_C1R" "3 opcv_find_skew" "1 scanpage"; do
     MANPAGER='cat' man "${page% *}" "${page#* }" >page.txt
     grep -q "${page#* }" page.txt
 done
 
 echo "- no search path, and no path of the build machine"
-dpkg -L libopcv-dlib1 libopcv-dlib-dev opcv-tools python3-opcv-dlib | sort -u >files.txt
+dpkg -L libopcv-dlib1 libopcv-dlib-dev libopcv-dlib-skew1 libopcv-dlib-skew-dev opcv-tools python3-opcv-dlib | sort -u >files.txt
 while read -r file; do
     [ -f "$file" ] || continue
     if grep -aF "$sources" "$file"; then echo "$file knows $sources" && exit 1; fi
