@@ -25,6 +25,7 @@ The examples of the functions begin with `import numpy as np` and `import opcv_d
 """
 
 from ._errors import Error, OutOfMemoryError
+from ._finding import Skew, find_skew
 from ._native import (
     Page,
     compress_gray,

@@ -14,6 +14,7 @@ __all__ = [
     "Page",
     "ReadLimits",
     "ReadReport",
+    "Skew",
     "compress_gray",
     "compress_jpeg",
     "compress_jpeg_ex",
@@ -42,6 +43,7 @@ __all__ = [
     "filter_median_cross",
     "filter_median_weighted_center",
     "filter_min",
+    "find_skew",
     "get_rotate_shift",
     "init",
     "merge_planes",
@@ -148,6 +150,12 @@ class Page:
     def dpi_y(self) -> int: ...
     @dpi_y.setter
     def dpi_y(self, value: int) -> None: ...
+
+@dataclass(frozen=True)
+class Skew:
+    angle: float | None
+    confidence: float
+    reason: str | None
 
 def init() -> int: ...
 
@@ -292,6 +300,7 @@ def resize_color(
 ) -> _Pixels: ...
 
 # Pages
+def find_skew(page: Page | _Pixels) -> Skew: ...
 @overload
 def deskew(page: Page, angle: float, *, white_fill: bool = False) -> Page: ...
 @overload

@@ -21,8 +21,8 @@ FUNCTIONS = [name for name in NAMES if not isinstance(getattr(opcv_dlib, name), 
 
 
 def exported():
-    for names in ("exports.txt", "exports_1.1.txt"):
-        for line in (SOURCE / "cmake" / names).read_text().split():
+    for names in ("cmake/exports.txt", "cmake/exports_1.1.txt", "tools/page_skew/exports.txt"):
+        for line in (SOURCE / names).read_text().split():
             mangled = re.match(r"_Z(\d+)", line)
             yield line[mangled.end() :][: int(mangled[1])] if mangled else line
 
