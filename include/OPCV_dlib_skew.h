@@ -57,7 +57,7 @@ typedef struct opcv_skew {
 /// is turned by mistake. A page on its side or its head has lines, too; its angle is relative to the nearest way in which
 /// its lines lie level, if they are within reach, and says nothing about which way is up.
 ///
-/// Memory: at most 40 MB, and for pages above 100 megapixels 8 bytes for each pixel of a row.
+/// Memory: at most 100 MB, of which a page of text of any size needs less than 20; besides, 3 bytes for each pixel of a row.
 ///
 /// @param page  A record of depth 1 (a set bit is white), 8 (grey) or 24 (red, green, blue) or 32 (the same and a byte that
 ///              is ignored). Only its pixels are read: `width` by `height`, with `rowBytes` from row to row.

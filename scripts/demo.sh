@@ -16,7 +16,7 @@ cmd_demo() {
         --contact-sheet "$folder/contact_sheet.png" >"$folder/report.tsv"
     found=$(cut -f 3 "$folder/report.tsv")
     echo
-    if ! awk -v found="$found" -v true="$skew" 'BEGIN { d = found - true; exit !(found != "" && d >= -0.2 && d <= 0.2) }'; then
+    if ! awk -v found="$found" -v true="$skew" 'BEGIN { d = found - true; exit !(found != "" && d >= -0.05 && d <= 0.05) }'; then
         echo "The measured skew is '$found' degrees, not $skew." >&2
         return 1
     fi

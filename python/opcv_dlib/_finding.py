@@ -5,9 +5,8 @@
 
 from __future__ import annotations
 
+import importlib
 from dataclasses import dataclass
-
-from ._native import Page
 
 _REASONS = (None, "blank", "picture", "unsure")    # in the order of opcv_skew_outcome
 
@@ -34,17 +33,18 @@ def find_skew(page):
 
     The angle that straightens the lines of text of a page, within 15 degrees to either side.
 
-    The page is a Page of depth 8, 24 or 32, or an array of the shape (height, width), (height, width, 3) or
-    (height, width, 4). It does not change. The library of this function is loaded when it is first called.
+    `page` is a Page of depth 8, 24 or 32 or an array of its pixels. It does not change. The library of this function is
+    loaded when the function is first called.
 
-        skew = opcv_dlib.find_skew(page)
-        if skew.angle is not None:
-            page = opcv_dlib.deskew(page, skew.angle, white_fill=True)
+    Shapes of arrays: (height, width), (height, width, 3) or (height, width, 4); uint8.
+
+    >>> page = np.zeros((3508, 2480), np.uint8)    # A4 at 300 dots per inch
+    >>> opcv_dlib.find_skew(page)
+    Skew(angle=None, confidence=0.0, reason='blank')
 
     Calls `opcv_find_skew`.
     """
-    from . import _skew
-
-    angle, confidence, outcome = _skew.find_skew(page.pixels if isinstance(page, Page) else page)
+    finder = importlib.import_module("opcv_dlib._skew")
+    angle, confidence, outcome = finder.find_skew(getattr(page, "pixels", page))
     reason = _REASONS[outcome]
     return Skew(angle if reason is None else None, confidence, reason)

@@ -8,7 +8,7 @@ string(REGEX REPLACE " [^\n]*" "" symbols "${symbols}")
 string(REGEX REPLACE "(OPCV_[A-Z0-9_.]+)@@OPCV_[A-Z0-9_.]+" "\\1" symbols "${symbols}")    # as LLVM's nm prints a version's mark
 string(REGEX MATCHALL "[^\n]+" exported "${symbols}")
 set(expected "")
-foreach(pair IN LISTS LISTS)
+foreach(pair IN ITEMS ${LISTS})
     string(REPLACE "|" ";" pair "${pair}")
     list(GET pair 0 file)
     list(GET pair 1 version)
