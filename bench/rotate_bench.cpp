@@ -197,7 +197,7 @@ void compareUnite(IppiSize size, int depth, double angle) {
 void compareRotations() {
     for (const IppiSize size : bench::sizes())
         for (const int channels : {1, 3}) {
-            for (const double angle : {0.5, 2.3, 7.0, 33.0}) compareRegion(size, channels, angle);
+            for (const double angle : {0.5, 2.3, 7.0, 16.0, 33.0, 45.0}) compareRegion(size, channels, angle);
             compareRotationAboutCentre(size, channels, 2.3);
             compareDeskew(size, 8 * channels, 2.3);
             compareHalfPage(size, 8 * channels, 2.3);
@@ -210,11 +210,15 @@ const bench::Goals goals({
     {"KVMac_ippiRotate_8u_C1R", "0.5 deg", 0.2},
     {"KVMac_ippiRotate_8u_C1R", "2.3 deg", 0.2},
     {"KVMac_ippiRotate_8u_C1R", "7.0 deg", 0.3},
-    {"KVMac_ippiRotate_8u_C1R", "33.0 deg", 0.9},
+    {"KVMac_ippiRotate_8u_C1R", "16.0 deg", 0.35},
+    {"KVMac_ippiRotate_8u_C1R", "33.0 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C1R", "45.0 deg", 0.3},
     {"KVMac_ippiRotate_8u_C3R", "0.5 deg", 0.3},
     {"KVMac_ippiRotate_8u_C3R", "2.3 deg", 0.3},
     {"KVMac_ippiRotate_8u_C3R", "7.0 deg", 0.3},
-    {"KVMac_ippiRotate_8u_C3R", "33.0 deg", 0.9},
+    {"KVMac_ippiRotate_8u_C3R", "16.0 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C3R", "33.0 deg", 0.3},
+    {"KVMac_ippiRotate_8u_C3R", "45.0 deg", 0.3},
     {"DeskewImageWithIPP", "8 bit, 2.3 deg", 0.22},
     {"DeskewImageWithIPP", "24 bit, 2.3 deg", 0.27},
     {"DeskewImageWithIPPEx", "half page, 8 bit, 2.3 deg beside the whole", 0.5},
