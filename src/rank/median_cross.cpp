@@ -122,7 +122,7 @@ HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst,
                             int height) {
     forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
         const Crosses crosses(pair, srcStep, Cross::kReach);
-        coverPair(simd::HWY_NAMESPACE::Widest<uint8_t>(), pair, width,
+        coverPair(simd::HWY_NAMESPACE::FixedMedianTag<uint8_t>(), pair, width,
                   [=](auto d, ptrdiff_t x) HWY_ATTR { Cross::filterAt(d, crosses, x, pair); });
     });
 }

@@ -55,8 +55,6 @@ HWY_INLINE Four<V> sorted(V a, V b, V c, V d) {
 }
 
 struct Weight3 {
-    using Tag = simd::HWY_NAMESPACE::WeightedMedian3Tag<uint8_t>;
-
     template <class V>
     static HWY_INLINE V median(V centre, const Four<V>& a, const Four<V>& b) {
         const V third = Max(Min(a.v1, b.v1), Min(Min(a.v2, b.v2), Max(a.v0, b.v0)));
@@ -66,8 +64,6 @@ struct Weight3 {
 };
 
 struct Weight5 {
-    using Tag = simd::HWY_NAMESPACE::Widest<uint8_t>;
-
     template <class V>
     static HWY_INLINE V median(V centre, const Four<V>& a, const Four<V>& b) {
         const V second = Min(Min(a.v1, b.v1), Max(a.v0, b.v0));
@@ -101,7 +97,7 @@ HWY_INLINE void filterImage(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst,
     forEachRowPair(src, srcStep, dst, dstStep, height, [=](const RowPair& pair) HWY_ATTR {
         const uint8_t* lower = pair.upper + srcStep;
         const Rows rows = {pair.upper - srcStep, pair.upper, lower, pair.hasLower ? lower + srcStep : lower};
-        coverPair(typename Weight::Tag(), pair, width,
+        coverPair(simd::HWY_NAMESPACE::FixedMedianTag<uint8_t>(), pair, width,
                   [=](auto d, ptrdiff_t x) HWY_ATTR { filterAt<Weight>(d, rows, x, pair); });
     });
 }
