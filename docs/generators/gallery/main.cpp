@@ -12,6 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
@@ -265,6 +267,8 @@ int run(int argc, char** argv) {
     showBits(gallery, greyOf(scanned));
     showResize(gallery, grey);
     showJpeg(gallery, scanned);
+    std::ifstream skew(std::string(argv[1]) + "/generators/skew_table/section.md");    // written by ./dev skew
+    gallery.text({std::istreambuf_iterator<char>(skew), std::istreambuf_iterator<char>()});
     return gallery.finish() ? 0 : 1;
 }
 
