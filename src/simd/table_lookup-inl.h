@@ -20,6 +20,7 @@
 #include <cstring>
 
 #include "simd/float_table.h"
+#include "simd/unrolled-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace opcv::simd {
@@ -134,13 +135,12 @@ HWY_NOINLINE inline void lookUpRow(const FloatTable& table, const uint8_t* bytes
             storeFloats(lowest.at(ordered), low.at(ordered), high.at(ordered), highest.at(ordered), found + x);
             continue;
         }
-#pragma GCC unroll 8
-        for (ptrdiff_t i = x; i < x + kTableBytes; ++i) {
+        unrolled<kTableBytes>([&](auto i) OPCV_DLIB_INLINED {
             uint32_t bits = 0;
-            std::memcpy(&bits, &table.values[bytes[i]], sizeof(bits));
+            std::memcpy(&bits, &table.values[(bytes + x)[i]], sizeof(bits));
             asm("" : "+r"(bits));    // GCC otherwise collects the floats in vectors, which takes longer
-            std::memcpy(&found[i], &bits, sizeof(bits));
-        }
+            std::memcpy(found + x + i, &bits, sizeof(bits));
+        });
     }
 }
 
