@@ -74,6 +74,7 @@ build_static() {
             -DCMAKE_C_FLAGS_RELEASE="$flags" -DCMAKE_CXX_FLAGS_RELEASE="$flags" \
             -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DBUILD_SHARED_LIBS=OFF -DBUILD_TESTING=OFF \
             -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "${options[@]}" "$@" &&
+            find "$work" -name version_string.inc -exec sed -i "s|$PWD/||g" {} + &&    # OpenCV quotes its options
             cmake --build "$work" -j "$jobs" && cmake --install "$work"
     } >"$work.log" 2>&1 || {
         tail -30 "$work.log"
