@@ -21,6 +21,8 @@ as_root() {
 mkdir -p "$work/check/source/python/opcv_dlib" "$work/check/source/examples"
 cp -r "$wheels" "$work/check/wheels"
 cp -r "$tree/cmake" "$work/check/source"
+mkdir -p "$work/check/source/tools/page_skew"
+cp "$tree/tools/page_skew/exports.txt" "$work/check/source/tools/page_skew"
 cp -r "$tree/examples/readme" "$work/check/source/examples"
 cp "$tree/python/opcv_dlib/__init__.pyi" "$work/check/source/python/opcv_dlib"
 cp -r "$tree/tests/system/python" "$work/check/tests"
