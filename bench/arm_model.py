@@ -32,8 +32,7 @@ def paths(work, code):
     """Joins blocks that nearly always follow one another. Yields (words, executions), the most costly first."""
     after = collections.defaultdict(list)
     for (block, following), count in work.pairs.items():
-        if (block is not None and block != following
-                and count >= FOLLOWS * max(work.blocks[block], work.blocks[following])):
+        if block is not None and count >= FOLLOWS * max(work.blocks[block], work.blocks[following]):
             after[block].append(following)
     successor = {block: following[0] for block, following in after.items()}
     has_predecessor = set(successor.values())

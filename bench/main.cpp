@@ -6,13 +6,14 @@
 //
 //     opcv_dlib_bench [--results=FILE] [--passes=N] [options of Google Benchmark]
 //
-// N passes run through the table (6 by default; half as many with several threads), then as many again at most over the
-// comparisons that have found too few quiet moments.
+// N passes run through the table (6 by default; half as many with several threads), then up to three times as many over
+// the comparisons in one thread that have found too few quiet moments.
 //
 // The kernels of the widest vector target are measured, and in one thread those of the next narrower in the same rounds;
 // with OPCV_DLIB_TEST_TARGET=AVX2 those of that target only. Each line names the targets and the processor.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -107,12 +108,15 @@ void print(const Measurement& measurement) {
                 100 * figures.ratioSpread, figures.quietRounds);
 }
 
+constexpr int kExtra = 3;    // times the number of passes
+
 struct Pass {
     int number = 0;
     bool isExtra = false;
 
     bool includes(const Measurement& measurement) const {
-        return isExtra ? !measurement.isSettled() : measurement.threads() == 1 || number % 2 == 0;
+        if (measurement.threads() > 1) return !isExtra && number % 2 == 0;
+        return !isExtra || !measurement.isSettled();
     }
 };
 
@@ -164,10 +168,15 @@ int run(std::vector<char*> arguments) {
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
     Silent reporter;
-    for (; pass.number < 2 * passes; ++pass.number) {
+    const auto anyMeasured = [&measurements] {
+        return std::any_of(measurements.begin(), measurements.end(),
+                           [](const auto& measurement) { return measurement->isMeasured(); });
+    };
+    do {
         pass.isExtra = pass.number >= passes;
         benchmark::RunSpecifiedBenchmarks(&reporter);
-    }
+        if (!anyMeasured()) return 0;    // the names were listed, or none matches
+    } while (++pass.number < (1 + kExtra) * passes);
 
     printHead();
     for (const auto& measurement : measurements) {

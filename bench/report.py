@@ -149,6 +149,19 @@ def time_tables(results):
     return lines
 
 
+def summary_table(results):
+    rows = []
+    calls = calls_of(results)
+    for heading in dict.fromkeys(call.heading for call in calls):
+        ratios = {call.get(PAGE, "1", "ratio"): call.name for call in calls
+                  if call.heading == heading and call.get(PAGE, "1", "ratio") and call.first()["plain_name"] == "OpenCV"}
+        if ratios:
+            ordered = sorted(ratios)
+            rows.append([heading, str(len(ratios)), number(ordered[len(ordered) // 2]),
+                         f"{number(ordered[0])}: {ratios[ordered[0]]}", f"{number(ordered[-1])}: {ratios[ordered[-1]]}"])
+    return table(["calls that OpenCV has", "number", "median", "best", "worst"], rows)
+
+
 def above(limit, head, costs):
     """A table of the names whose cost is above the limit, the highest first; costs are pairs of name and cost."""
     high = sorted(((cost, name) for name, cost in costs if cost is not None and cost > limit), reverse=True)
@@ -159,7 +172,7 @@ def above(limit, head, costs):
 
 def small_image_table(results):
     costs = [(call.name, cost_per_pixel(call)) for call in calls_of(results)]
-    return ["", "### Small images", "",
+    return ["### Small images", "",
             f"Calls whose cost per pixel on 256 x 256 is above {SMALL_IMAGE_LIMIT:g} of the page's:",
             ""] + above(SMALL_IMAGE_LIMIT, ["call", "cost per pixel / page's"], costs)
 
@@ -186,12 +199,12 @@ def memory_table(results):
         image = max(float(row["read"]), float(row["written"]))
         rows.append([call.name, significant(float(row["heap"]) / image), significant(float(row["written"]) / image),
                      row["blocks"], significant(float(row["plain_heap"]) / image), row["plain_blocks"]])
-    return ["", "### Heap", ""] + table(
+    return table(
         ["call", "peak / image", "result / image", "blocks", "plain: peak / image", "plain: blocks"], rows)
 
 
 def same_code_table():
-    return ["", "### Functions that share the code of another", ""] + table(
+    return table(
         ["function", "measured as"],
         [[f"`{name}`", what] for name, what in read_same_code().items() if what != "none"])
 
@@ -278,8 +291,10 @@ def main():
     calls = rows_of(folder / "calls.tsv")
     check_completeness(row["function"] for row in calls)
     text = replace_between(text, "machine", [machine(calls)])
-    tables = (time_tables, small_image_table, vector_width_table, memory_table)
-    text = replace_between(text, "calls", sum((make(calls) for make in tables), []) + same_code_table())
+    for marker, lines in (("summary", summary_table(calls)), ("calls", time_tables(calls)),
+                          ("lists", small_image_table(calls) + vector_width_table(calls)),
+                          ("heap", memory_table(calls)), ("shared", same_code_table())):
+        text = replace_between(text, marker, lines)
     for marker, file, make in (("pipeline", "pipeline.tsv", pipeline_table), ("arm64", "arm.tsv", arm_table)):
         if (folder / file).exists():
             text = replace_between(text, marker, make(folder / file))
