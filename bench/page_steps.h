@@ -6,6 +6,7 @@
 
 #include <OPCV_dlib.h>
 
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -37,6 +38,24 @@ inline Record newGreyPage(IppiSize size) {
     KVIMG* page = nullptr;
     const OSErr err = CreateNewKVIMGPtr(&page, &bounds, 8);
     return Record(err == noErr ? page : nullptr);
+}
+
+// With mode 450, quality 70.
+inline bool compress(const KVIMG& page, KVImageDescription& description) {
+    KVImageDescription* pointer = &description;
+    void* stream = nullptr;
+    unsigned bytes = 0;
+    const OSErr err = CompressJPEGEx(&page, &pointer, 450, &stream, &bytes);
+    std::free(stream);
+    return err == noErr;
+}
+
+// To one bit per pixel.
+inline bool reduce(const KVIMG& page, unsigned char threshold) {
+    const int step = (page.width + 7) / 8;
+    std::vector<unsigned char> bits(static_cast<size_t>(step) * static_cast<size_t>(page.height));
+    return IPPShare_ippiReduceBits_8u1u_C1R(page.data, page.rowBytes, bits.data(), step, 0, {page.width, page.height},
+                                            0, 0, 0, threshold) == ippStsNoErr;
 }
 
 }    // namespace steps

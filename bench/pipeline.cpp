@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -64,11 +63,7 @@ void runOurs(Work work, const Stream& stream) {
     require(page != nullptr, "deskewing");
     const IppiSize size = {page->width, page->height};
     if (work == Work::kToBits) {
-        const int step = (size.width + 7) / 8;
-        std::vector<unsigned char> bits(static_cast<size_t>(step) * static_cast<size_t>(size.height));
-        require(IPPShare_ippiReduceBits_8u1u_C1R(page->data, page->rowBytes, bits.data(), step, 0, size, 0, 0, 0,
-                                                 kThreshold) == ippStsNoErr,
-                "ReduceBits");
+        require(steps::reduce(*page, kThreshold), "reducing");
         return;
     }
     const steps::Record filtered = steps::newGreyPage(size);
@@ -79,11 +74,7 @@ void runOurs(Work work, const Stream& stream) {
                 filtered->rowBytes, {size.width - 2, size.height - 2}, 3) == ippStsNoErr,
             "FilterMedianWeightedCenter");
     page.reset();
-    KVImageDescription* record = &description;
-    void* data = nullptr;
-    unsigned bytes = 0;
-    require(CompressJPEGEx(filtered.get(), &record, kMode, &data, &bytes) == noErr, "CompressJPEGEx");
-    std::free(data);
+    require(steps::compress(*filtered, description), "compressing");
 }
 
 void runOpenCV(Work work, const Stream& stream) {

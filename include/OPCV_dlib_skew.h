@@ -14,8 +14,9 @@
 ///
 ///     opcv_skew skew = {0};
 ///     skew.struct_size = sizeof skew;
-///     if (opcv_find_skew(page, &skew) == noErr && skew.outcome == OPCV_SKEW_FOUND)
-///         DeskewImageWithIPP(page, &description, &straight, 0, 1, skew.angle);
+///     const bool found = opcv_find_skew(page, &skew) == noErr && skew.outcome == OPCV_SKEW_FOUND;
+///
+/// `skew.angle` is the angle that the deskew functions of OPCV_dlib.h take.
 #ifndef OPCV_DLIB_SKEW_H
 #define OPCV_DLIB_SKEW_H
 

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <functional>
@@ -105,29 +104,21 @@ void compareReading(const char* operation, const Stream& jpeg, Page& page) {
                         {"Leptonica", [&] { readPix(jpeg); }}});
 }
 
-// The quality of mode 450 is 80.
 void compareWriting(const char* operation, Page& page) {
-    KVImageDescription* description = &page.description;
-    compare(operation, {{"OPCV_dlib",
-                         [&] {
-                             void* stream = nullptr;
-                             unsigned bytes = 0;
-                             require(
-                                 CompressJPEGWithIPP(page.record.get(), &description, 450, &stream, &bytes) == noErr,
-                                 "writing");
-                             std::free(stream);
-                         }},
-                        {"OpenCV",
-                         [&] {
-                             Stream out;
-                             require(cv::imencode(".jpg", page.mat, out, {cv::IMWRITE_JPEG_QUALITY, 80}), "imencode");
-                         }},
-                        {"Leptonica", [&] {
-                             l_uint8* stream = nullptr;
-                             size_t bytes = 0;
-                             require(pixWriteMemJpeg(&stream, &bytes, page.pix.get(), 80, 0) == 0, "pixWriteMemJpeg");
-                             lept_free(stream);
-                         }}});
+    constexpr int kQuality = 70;
+    compare(operation,
+            {{"OPCV_dlib", [&] { require(steps::compress(*page.record, page.description), "writing"); }},
+             {"OpenCV",
+              [&] {
+                  Stream out;
+                  require(cv::imencode(".jpg", page.mat, out, {cv::IMWRITE_JPEG_QUALITY, kQuality}), "imencode");
+              }},
+             {"Leptonica", [&] {
+                  l_uint8* stream = nullptr;
+                  size_t bytes = 0;
+                  require(pixWriteMemJpeg(&stream, &bytes, page.pix.get(), kQuality, 0) == 0, "pixWriteMemJpeg");
+                  lept_free(stream);
+              }}});
 }
 
 // A filter with a 3 x 3 window: the pixels at the edges have no whole window, so this library leaves them out.
@@ -246,20 +237,11 @@ void compareScaling(Page& page) {
 
 // OpenCV has no images of one bit per pixel.
 void compareReducing(Page& page) {
-    const KVIMG& from = *page.record;
-    const int step = (from.width + 7) / 8;
-    compare("reduce to 1 bit, grey",
-            {{"OPCV_dlib",
-              [&] {
-                  Stream bits(static_cast<size_t>(step) * static_cast<size_t>(from.height));
-                  require(IPPShare_ippiReduceBits_8u1u_C1R(from.data, from.rowBytes, bits.data(), step, 0,
-                                                           {from.width, from.height}, 0, 0, 0, 127) == ippStsNoErr,
-                          "IPPShare_ippiReduceBits_8u1u_C1R");
-              }},
-             {"Leptonica", [&] {
-                  const Pix out(pixThresholdToBinary(page.pix.get(), 128));
-                  require(out != nullptr, "pixThresholdToBinary");
-              }}});
+    compare("reduce to 1 bit, grey", {{"OPCV_dlib", [&] { require(steps::reduce(*page.record, 127), "reducing"); }},
+                                      {"Leptonica", [&] {
+                                           const Pix out(pixThresholdToBinary(page.pix.get(), 128));
+                                           require(out != nullptr, "pixThresholdToBinary");
+                                       }}});
 }
 
 int run(int argc, char** argv) {

@@ -74,7 +74,7 @@ static VipsImage* scale(int which) {
 static VipsImage* writePage(int which) {
     void* stream = NULL;
     size_t bytes = 0;
-    if (vips_jpegsave_buffer(pages[which], &stream, &bytes, "Q", 80, NULL) != 0) vips_error_exit("beside_vips");
+    if (vips_jpegsave_buffer(pages[which], &stream, &bytes, "Q", 70, NULL) != 0) vips_error_exit("beside_vips");
     g_free(stream);
     return g_object_ref(pages[which]);
 }

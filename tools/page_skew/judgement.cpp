@@ -12,12 +12,12 @@ namespace page_skew {
 
 namespace {
 
-constexpr double kLeastContrast = 0.04;    // of ink and paper
-constexpr double kLeastInk = 0.0004;       // of the page
-constexpr double kLeastEvidence = 50;      // a page with less is not turned
-constexpr double kClearEvidence = 250;     // a page with more is not looked at again; most pages of text have 500
-constexpr double kSomeEvidence = 20;       // a page with less is a picture
-constexpr int kLeastLetters = 60;
+constexpr double kLeastContrast = 0.04;     // of ink and paper
+constexpr double kLeastInk = 0.0004;        // of the page
+constexpr double kLeastEvidence = 50;       // a page with less is not turned
+constexpr double kClearEvidence = 250;      // a page with more is not looked at again; most pages of text have 500
+constexpr double kSomeEvidence = 20;        // a page with less is a picture
+constexpr int kLeastParts = 60;             // letters and dashes of its lines
 constexpr double kSquareTolerance = 0.2;    // degrees
 
 double inkedPart(const Shapes& ink) { return static_cast<double>(ink.area()) / ink.width() / ink.height(); }
@@ -35,6 +35,13 @@ bool isLetter(const Shape& shape) {
     return height >= 6 && height <= 60 && width >= 3 && width <= 150;
 }
 
+// A piece of a ruled line that is too thin to be whole.
+bool isDash(const Shape& shape) {
+    const int width = shape.right - shape.left;
+    const int height = shape.bottom - shape.top;
+    return width >= 20 && 3 * height <= width;
+}
+
 // Graph paper, chequers and masonry have columns as distinct as their rows. Tables have these, too, but exactly across.
 bool isCrossed(const Shapes& ink, const Peak& peak, double evidence) {
     const Peak across = findPeak(Strips::across(ink));
@@ -44,7 +51,8 @@ bool isCrossed(const Shapes& ink, const Peak& peak, double evidence) {
 bool isText(const Shapes& ink, const Peak& peak, double evidence) {
     if (evidence < kLeastEvidence) return false;
     if (evidence >= kClearEvidence) return true;
-    return std::count_if(ink.shapes().begin(), ink.shapes().end(), isLetter) >= kLeastLetters &&
+    const auto isPartOfLine = [](const Shape& shape) { return isLetter(shape) || isDash(shape); };
+    return std::count_if(ink.shapes().begin(), ink.shapes().end(), isPartOfLine) >= kLeastParts &&
            !isCrossed(ink, peak, evidence);
 }
 

@@ -87,8 +87,8 @@ def main(folder, screenshots):
                 chromium.get(root + page)
                 chromium.save_screenshot(str(screenshots / f"{page.split('.')[0]}_{size[0]}.png"))
         chromium.get(root + "index.html")
-        if "DeskewImageWithIPPEx" not in found_by_search(chromium, "deskewimage"):
-            faults.append("the search does not find DeskewImageWithIPPEx")
+        if "opcv_read_page" not in found_by_search(chromium, "opcv_read"):
+            faults.append("the search does not find opcv_read_page")
     finally:
         chromium.quit()
     print("\n".join(faults) or f"{len(pages)} pages")

@@ -8,7 +8,7 @@ file(REMOVE_RECURSE ${WORK})
 set(prefix ${WORK}/prefix)
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
-file(GLOB_RECURSE pc ${prefix}/*.pc)
+file(GLOB_RECURSE pc ${prefix}/*/OPCV_dlib.pc)
 get_filename_component(pc_dir ${pc} DIRECTORY)
 get_filename_component(lib_dir ${pc_dir} DIRECTORY)
 
