@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
+#include <functional>
 #include <map>
 
 #include "escape.h"
@@ -14,11 +16,14 @@
 
 namespace {
 
-// The name of a page must not be taken for the name of the sheet, as in "--contact-sheet scans/*.jpg".
-std::string checkSheetName(const std::string& file) {
-    std::string ending = file.size() > 4 ? file.substr(file.size() - 4) : "";
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
-    return ending == ".png" ? "" : file + " does not end in .png; the option needs the name of the sheet";
+// The name of a page must not be taken for the name of a result, as in "--contact-sheet scans/*.jpg".
+std::function<std::string(const std::string&)> endsIn(const std::vector<std::string>& endings) {
+    return [endings](const std::string& file) {
+        std::string ending = std::filesystem::path(file).extension().string();
+        std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
+        if (std::find(endings.begin(), endings.end(), ending) != endings.end()) return std::string();
+        return file + " does not end in " + endings.front() + "; the option needs the name of its result";
+    };
 }
 
 int reportUsage(const CLI::App& app, const CLI::ParseError& e) {
@@ -45,7 +50,12 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
             ->type_name("LIST");
     app.add_flag("-0,--null", nul, "Names in the list end with a NUL character instead of a line feed");
-    app.add_option("-o,--output", settings.folder, "Folder for the results")->required()->check(CLI::ExistingDirectory);
+    app.add_option("-o,--output", settings.folder, "Folder for the results of each page")
+        ->check(CLI::ExistingDirectory);
+    app.add_option("--pdf", settings.pdf, "One PDF of all pages")->type_name("FILE.pdf")->check(endsIn({".pdf"}));
+    app.add_option("--tiff", settings.tiff, "One TIFF of all pages")
+        ->type_name("FILE.tif")
+        ->check(endsIn({".tif", ".tiff"}));
     app.add_option("--format", formats, "Results to write: jpeg, pbm, g4 (TIFF, CCITT group 4)")
         ->check(CLI::IsMember({"jpeg", "pbm", "g4"}))
         ->delimiter(',')
@@ -83,7 +93,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         ->check(CLI::Range(0, 255));
     app.add_option("--contact-sheet", settings.contactSheet, "PNG with the first 50 pages before and after")
         ->type_name("OUT.png")
-        ->check(checkSheetName);
+        ->check(endsIn({".png"}));
     app.add_flag("-v,--verbose", settings.verbose, "Print size, resolution and skew of each page on standard error");
     app.footer(
         "Standard output gets a line for each page when the page is finished: file, status (done, kept, damaged,\n"
@@ -94,6 +104,10 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     try {
         app.parse(argc, argv);
         if (settings.pages.empty() && list->count() == 0) throw CLI::RequiredError("PAGE or --from");
+        page.forBook = !settings.pdf.empty() || !settings.tiff.empty();
+        if (settings.folder.empty() && !page.forBook) throw CLI::RequiredError("--output, --pdf or --tiff");
+        if (page.resume && page.forBook)
+            throw CLI::ValidationError("--resume", "a PDF or TIFF of all pages needs all of them worked on again");
         if (list->count() > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
         if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
     } catch (const CLI::ParseError& e) {

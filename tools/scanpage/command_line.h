@@ -9,8 +9,9 @@
 struct Settings {
     Options page;
     std::vector<std::string> pages;
-    std::string list;      // file with more names; "-": standard input
-    std::string folder;    // for the results
+    std::string list;         // file with more names; "-": standard input
+    std::string folder;       // for the results; empty: none are written but a book
+    std::string pdf, tiff;    // names of books
     bool overwrite = false;
     char separator = '\n';
     std::string contactSheet;

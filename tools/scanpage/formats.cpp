@@ -81,21 +81,48 @@ void setTags(TIFF* tiff, const Bits& bits, const KVImageDescription& description
     TIFFSetField(tiff, TIFFTAG_IMAGEDESCRIPTION, mark.c_str());
 }
 
+struct Strip {
+    uint64_t start, size;
+};
+
+// Writes a file with one page. Returns where its rows are.
+Strip writeStrip(MemoryFile& memory, const Bits& bits, const KVImageDescription& description, const std::string& mark) {
+    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(
+        TIFFClientOpen("", "w", &memory, readFile, writeFile, seekFile, closeFile, sizeOfFile, nullptr, nullptr),
+        TIFFClose);
+    bool good = tiff != nullptr;
+    if (good) setTags(tiff.get(), bits, description, mark);
+    for (int y = 0; good && y < bits.height; ++y) {
+        std::vector<uint8_t> row = invertedRow(bits, y);
+        good = TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) >= 0;
+    }
+    good = good && TIFFFlushData(tiff.get()) != 0;
+    const Strip strip =
+        good ? Strip{TIFFGetStrileOffset(tiff.get(), 0), TIFFGetStrileByteCount(tiff.get(), 0)} : Strip{};
+    good = good && TIFFWriteDirectory(tiff.get()) != 0;
+    tiff.reset();
+    if (!good || memory.outOfMemory) throw std::bad_alloc();
+    return strip;
+}
+
 }    // namespace
 
-std::vector<uint8_t> jpegFile(const KVIMG& page, KVImageDescriptionHandle description, int mode,
-                              const std::string& mark) {
+std::vector<uint8_t> jpegStream(const KVIMG& page, KVImageDescriptionHandle description, int mode) {
     void* data = nullptr;
     unsigned size = 0;
     require(CompressJPEGEx(&page, description, mode, &data, &size), "compressing");
     const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
     const auto* stream = static_cast<const uint8_t*>(data);
-    const size_t start = endOfFirstSegment(stream);
+    return {stream, stream + size};
+}
+
+std::vector<uint8_t> jpegFile(const std::vector<uint8_t>& stream, const std::string& mark) {
+    const auto start = stream.begin() + static_cast<ptrdiff_t>(endOfFirstSegment(stream.data()));
     std::vector<uint8_t> file;
-    file.reserve(size + mark.size() + 4);
-    file.assign(stream, stream + start);
+    file.reserve(stream.size() + mark.size() + 4);
+    file.assign(stream.begin(), start);
     append(file, commentSegment(mark));
-    file.insert(file.end(), stream + start, stream + size);
+    file.insert(file.end(), start, stream.end());
     return file;
 }
 
@@ -111,17 +138,13 @@ std::vector<uint8_t> pbmFile(const Bits& bits, const std::string& mark) {
 
 std::vector<uint8_t> tiffFile(const Bits& bits, const KVImageDescription& description, const std::string& mark) {
     MemoryFile memory;
-    std::unique_ptr<TIFF, void (*)(TIFF*)> tiff(
-        TIFFClientOpen("", "w", &memory, readFile, writeFile, seekFile, closeFile, sizeOfFile, nullptr, nullptr),
-        TIFFClose);
-    bool good = tiff != nullptr;
-    if (good) setTags(tiff.get(), bits, description, mark);
-    for (int y = 0; good && y < bits.height; ++y) {
-        std::vector<uint8_t> row = invertedRow(bits, y);
-        good = TIFFWriteScanline(tiff.get(), row.data(), static_cast<uint32_t>(y), 0) >= 0;
-    }
-    good = good && TIFFWriteDirectory(tiff.get()) != 0;
-    tiff.reset();
-    if (!good || memory.outOfMemory) throw std::bad_alloc();
+    writeStrip(memory, bits, description, mark);
     return std::move(memory.bytes);
+}
+
+std::vector<uint8_t> g4Stream(const Bits& bits) {
+    MemoryFile memory;
+    const Strip strip = writeStrip(memory, bits, {}, "");
+    const auto start = memory.bytes.begin() + static_cast<ptrdiff_t>(strip.start);
+    return {start, start + static_cast<ptrdiff_t>(strip.size)};
 }

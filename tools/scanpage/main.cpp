@@ -47,13 +47,13 @@ bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report
     for (size_t index = 0; pages.next(file); ++index) {
         pool.waitForFreeThread();
         if (stopRequested()) return false;
-        if (!run.names.claim(resultName(file))) {
+        if (run.folder && !run.names.claim(resultName(file))) {
             report.add(sharedName(file));
             continue;
         }
         const bool keepImages = sheet && index < ContactSheet::kMostPages;
         pool.start([&, file, index, keepImages] {
-            processFile(file, run, keepImages, [&](const PageResult& result) {
+            processFile(file, index, run, keepImages, [&](PageResult& result) {
                 report.add(result);
                 if (result.before && result.after) sheet->add(index, *result.before, *result.after);
             });
@@ -69,6 +69,16 @@ void silenceLibraries() {
     signal(SIGPIPE, SIG_IGN);
 }
 
+// A book that was stopped would look complete, so it is not written.
+void finish(Book& book, bool complete, size_t failed) {
+    if (!complete) {
+        std::fputs("scanpage: the PDF or TIFF is not written, because pages are missing\n", stderr);
+        return;
+    }
+    book.write();
+    if (failed > 0) std::fprintf(stderr, "scanpage: the PDF or TIFF lacks pages that failed: %zu\n", failed);
+}
+
 int run(int argc, char** argv) {
     occupyClosedStreams();
     Settings settings;
@@ -79,17 +89,22 @@ int run(int argc, char** argv) {
 
     InputIds inputs;
     for (const std::string& file : settings.pages) addInput(file, inputs);
-    const OutputFolder folder(settings.folder);
+    std::optional<OutputFolder> folder;
+    if (!settings.folder.empty()) folder.emplace(settings.folder);
+    std::optional<Book> book;
+    if (settings.page.forBook) book.emplace(settings.pdf, settings.tiff, inputs);
     std::optional<ContactSheet> sheet;
     if (!settings.contactSheet.empty()) sheet.emplace(settings.contactSheet, Rules{inputs, settings.overwrite});
     PageList pages(settings.pages, settings.list, settings.separator);
     PageReport report(pages.count(), settings.verbose);
 
     UsedNames names;
-    const Run run{settings.page, folder, inputs, names, settings.overwrite};
+    const Run run{settings.page, folder ? &*folder : nullptr, inputs,
+                  names,         book ? &*book : nullptr,     settings.overwrite};
     const bool complete = straightenAll(run, settings.jobs, pages, report, sheet);
     report.summarise();
     if (sheet) sheet->write();
+    if (book) finish(*book, complete, report.failed());
     if (!complete) std::fputs("scanpage: stopped before the last page\n", stderr);
     if (!complete || report.anyLineLost()) return kStopped;
     return report.anyBad() ? kSomeBad : kAllDone;

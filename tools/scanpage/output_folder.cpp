@@ -7,11 +7,8 @@
 
 #include <cerrno>
 #include <cstring>
-#include <limits>
 #include <stdexcept>
 #include <system_error>
-
-#include "unnamed_file.h"
 
 namespace {
 
@@ -31,27 +28,23 @@ std::optional<struct stat> OutputFolder::find(const std::string& name) const {
     throw std::runtime_error(pathOf(name) + " cannot be written" + reason());
 }
 
-std::optional<std::vector<uint8_t>> OutputFolder::contents(const std::string& name) const {
-    const Descriptor file(
-        openat(descriptor_.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+Descriptor OutputFolder::openForReading(const std::string& name) const {
+    Descriptor file(openat(descriptor_.get(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status {};
-    if (!file.isOpen() || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-    if (status.st_size > std::numeric_limits<int>::max()) return std::nullopt;
-    std::vector<uint8_t> bytes(static_cast<size_t>(status.st_size));
-    for (size_t filled = 0; filled < bytes.size();) {
-        const ssize_t got = read(file.get(), bytes.data() + filled, bytes.size() - filled);
-        if (got < 0 && errno == EINTR) continue;
-        if (got <= 0) return std::nullopt;
-        filled += static_cast<size_t>(got);
-    }
-    return bytes;
+    if (file.isOpen() && (fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))) return Descriptor();
+    return file;
 }
 
 void OutputFolder::write(const std::string& name, const std::vector<uint8_t>& bytes,
                          const std::optional<FileId>& replaced) const {
+    write(name, replaced, [&](UnnamedFile& file) { file.write(bytes); });
+}
+
+void OutputFolder::write(const std::string& name, const std::optional<FileId>& replaced,
+                         const std::function<void(UnnamedFile&)>& fill) const {
     try {
         UnnamedFile file(descriptor_.get());
-        file.write(bytes);
+        fill(file);
         file.sync();
         if (replaced) {
             checkStillThere(name, *replaced);

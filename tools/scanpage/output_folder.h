@@ -5,12 +5,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "descriptor.h"
 #include "file_id.h"
+#include "unnamed_file.h"
 
 // It is opened once, and every file is reached through it: it stays the same folder even if its name is given to
 // another.
@@ -21,11 +23,15 @@ public:
     // Of whatever has this name; a link is not followed.
     std::optional<struct stat> find(const std::string& name) const;
 
-    // Of a regular file; nothing if it cannot be read.
-    std::optional<std::vector<uint8_t>> contents(const std::string& name) const;
+    // A regular file, for reading; closed if it cannot be opened.
+    Descriptor openForReading(const std::string& name) const;
 
     // Writes a file that has its name only once it is complete and on disk. No other file than `replaced` is replaced.
     void write(const std::string& name, const std::vector<uint8_t>& bytes, const std::optional<FileId>& replaced) const;
+
+    // `fill` writes the contents.
+    void write(const std::string& name, const std::optional<FileId>& replaced,
+               const std::function<void(UnnamedFile&)>& fill) const;
 
     // The path of a file, for messages.
     std::string pathOf(const std::string& name) const { return path_ + "/" + name; }

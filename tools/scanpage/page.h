@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -33,6 +34,16 @@ enum class Median;
 // kUsual: flattened where a page becomes 1 bit by a threshold that is chosen for it.
 enum class Background { kUsual, kKeep, kFlatten };
 
+// A page as it stands in a book.
+struct PageStream {
+    enum Kind { kGreyJpeg, kColourJpeg, kG4 };
+
+    Kind kind = kGreyJpeg;
+    int width = 0, height = 0;
+    int dpiX = 0, dpiY = 0;
+    std::vector<uint8_t> bytes;    // JFIF, or CCITT group 4 of which a one is black
+};
+
 // In the order of writing.
 enum class Format { kPbm, kG4, kJpeg };
 
@@ -50,6 +61,7 @@ struct Options {
     std::set<Format> formats;
     bool resume = false;           // keep results that are complete
     bool refuseDamaged = false;    // a damaged page fails
+    bool forBook = false;          // pages are collected in one file
 };
 
 struct Stage {
@@ -81,7 +93,8 @@ struct PageResult {
     double milliseconds = 0;
     size_t bytes = 0;    // of its results
     std::vector<Stage> stages;
-    Record before, after;    // kept only on request
+    std::optional<PageStream> stream;    // for a book
+    Record before, after;                // kept only on request
 };
 
 // Turns the status of a call into an exception that names the step.

@@ -21,6 +21,7 @@ public:
     void summarise();
 
     bool anyBad() const { return damaged_ + failed_ > 0; }
+    size_t failed() const { return failed_; }
     bool anyLineLost() const { return lineLost_; }
 
 private:

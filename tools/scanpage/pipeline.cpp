@@ -50,14 +50,12 @@ public:
         filter();
     }
 
-    void write(const Results& results, bool keepImages) {
+    void write(const Results* results, bool keepImages) {
         const bool damaged = result_.status == Status::kDamaged;
-        if (options_.formats.count(Format::kPbm) + options_.formats.count(Format::kG4) > 0) writeBits(results, damaged);
-        if (options_.formats.count(Format::kJpeg) > 0) {
-            result_.bytes += results.write(
-                Format::kJpeg, jpegFile(*page_, &handle_, options_.mode, results.markFor(Format::kJpeg, damaged)));
-            watch_.lap("write JPEG", result_.bytes - bitBytes_);
-        }
+        const bool bookOfBits = options_.forBook && (isBilevel_ || !wants(Format::kJpeg));
+        if (wants(Format::kPbm) || wants(Format::kG4) || bookOfBits) writeBits(results, damaged, bookOfBits);
+        if ((results && wants(Format::kJpeg)) || (options_.forBook && !bookOfBits))
+            writeJpeg(results, damaged, !bookOfBits);
         if (keepImages) result_.after = std::move(page_);
     }
 
@@ -147,7 +145,7 @@ private:
         description_.horizontalResolution = options_.dpi;
     }
 
-    void writeBits(const Results& results, bool damaged) {
+    void writeBits(const Results* results, bool damaged, bool forBook) {
         Grey grey = greyOf(*page_);
         if (options_.background == Background::kUsual && options_.threshold < 0 && !isBilevel_) {
             grey = greyOf(flattened(pixOf(grey)).get());
@@ -155,14 +153,40 @@ private:
         }
         const Bits bits = reduced(grey, options_.threshold >= 0 ? options_.threshold : otsuThreshold(grey));
         watch_.lap("reduce to 1 bit", bits.bytes.size());
-        if (options_.formats.count(Format::kPbm) > 0)
-            bitBytes_ += results.write(Format::kPbm, pbmFile(bits, results.markFor(Format::kPbm, damaged)));
-        if (options_.formats.count(Format::kG4) > 0)
-            bitBytes_ +=
-                results.write(Format::kG4, tiffFile(bits, description_, results.markFor(Format::kG4, damaged)));
-        result_.bytes += bitBytes_;
-        watch_.lap("write 1 bit", bitBytes_);
+        size_t written = 0;
+        if (results && wants(Format::kPbm))
+            written += results->write(Format::kPbm, pbmFile(bits, results->markFor(Format::kPbm, damaged)));
+        if (results && wants(Format::kG4))
+            written +=
+                results->write(Format::kG4, tiffFile(bits, description_, results->markFor(Format::kG4, damaged)));
+        if (forBook) written += addToBook(PageStream::kG4, g4Stream(bits));
+        result_.bytes += written;
+        watch_.lap("write 1 bit", written);
     }
+
+    void writeJpeg(const Results* results, bool damaged, bool forBook) {
+        std::vector<uint8_t> stream = jpegStream(*page_, &handle_, options_.mode);
+        size_t written = 0;
+        if (results && wants(Format::kJpeg))
+            written += results->write(Format::kJpeg, jpegFile(stream, results->markFor(Format::kJpeg, damaged)));
+        if (forBook && options_.forBook)
+            written +=
+                addToBook(page_->depth == 24 ? PageStream::kColourJpeg : PageStream::kGreyJpeg, std::move(stream));
+        result_.bytes += written;
+        watch_.lap("write JPEG", written);
+    }
+
+    size_t addToBook(PageStream::Kind kind, std::vector<uint8_t> bytes) {
+        result_.stream = PageStream{kind,
+                                    page_->width,
+                                    page_->height,
+                                    description_.horizontalResolution,
+                                    description_.verticalResolution,
+                                    std::move(bytes)};
+        return result_.stream->bytes.size();
+    }
+
+    bool wants(Format format) const { return options_.formats.count(format) > 0; }
 
     size_t pageBytes() const { return static_cast<size_t>(page_->size); }
 
@@ -173,7 +197,6 @@ private:
     bool isBilevel_ = false;    // black and white only, as it was read
     KVImageDescription description_{};
     KVImageDescription* handle_ = &description_;
-    size_t bitBytes_ = 0;
 };
 
 // True if the results of an earlier run stay.
@@ -191,17 +214,21 @@ bool keepResults(const Results& results, const Options& options, PageResult& res
 // Where a page is.
 struct Place {
     PageFile& file;
-    size_t page;
+    size_t index, page;    // of the file in the input, and of the page in the file
     std::string resultName;
 };
 
 void processPage(const Place& place, const Run& run, bool keepImages, PageResult& result) {
-    const Results results(place.resultName, place.file.sumOf(place.page), run.options, run.folder);
-    if (keepResults(results, run.options, result)) return;
-    results.requireReplaceable({run.inputs, run.overwrite});
+    std::optional<Results> results;
+    if (run.folder) {
+        results.emplace(place.resultName, place.file.sumOf(place.page), run.options, *run.folder);
+        if (keepResults(*results, run.options, result)) return;
+        results->requireReplaceable({run.inputs, run.overwrite});
+    }
     Pipeline pipeline(run.options, result);
     pipeline.straighten(place.file, place.page, keepImages);
-    pipeline.write(results, keepImages);
+    pipeline.write(results ? &*results : nullptr, keepImages);
+    if (result.stream) run.book->add({place.index, place.page}, std::move(*result.stream));
 }
 
 std::string explain(const cv::Exception& e) {
@@ -214,6 +241,7 @@ void fail(PageResult& result, const std::string& fault) {
     result.bytes = 0;
     result.skew = {};
     result.blank = -1;
+    result.stream.reset();
     result.fault = fault;
 }
 
@@ -249,8 +277,8 @@ PageResult nextPage(PageResult& first, size_t page, const std::string& name) {
 
 }    // namespace
 
-void processFile(const std::string& file, const Run& run, bool keepImages,
-                 const std::function<void(const PageResult&)>& finished) {
+void processFile(const std::string& file, size_t index, const Run& run, bool keepImages,
+                 const std::function<void(PageResult&)>& finished) {
     PageResult first;
     first.file = file;
     std::optional<PageFile> pages;
@@ -267,8 +295,8 @@ void processFile(const std::string& file, const Run& run, bool keepImages,
         PageResult result = nextPage(first, page, count == 1 ? file : file + "#" + number);
         attempt(result, [&] {
             const std::string name = resultName(file) + (count == 1 ? "" : "-" + number);
-            if (count > 1 && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
-            processPage({*pages, page, name}, run, keepImages, result);
+            if (count > 1 && run.folder && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
+            processPage({*pages, index, page, name}, run, keepImages, result);
         });
         finished(result);
     }

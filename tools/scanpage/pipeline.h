@@ -8,7 +8,7 @@
 #include <mutex>
 #include <unordered_set>
 
-#include "results.h"
+#include "book.h"
 
 // Names that the results of a run have. Two pages of one name would write the same files.
 class UsedNames {
@@ -27,13 +27,14 @@ private:
 // What the pages of a run share.
 struct Run {
     const Options& options;
-    const OutputFolder& folder;
+    const OutputFolder* folder;    // null: only a book is made
     InputIds& inputs;
     UsedNames& names;
+    Book* book;    // null: none is made
     bool overwrite;
 };
 
 // Reads, straightens, filters and writes the pages of a file, one after the other. Does not throw: a fault is reported.
-// `finished` is called for each page. `keepImages` asks for the page before and after.
-void processFile(const std::string& file, const Run& run, bool keepImages,
-                 const std::function<void(const PageResult&)>& finished);
+// `index` is the place of the file in the order of the input. `finished` is called for each page. `keepImages` asks for the page before and after.
+void processFile(const std::string& file, size_t index, const Run& run, bool keepImages,
+                 const std::function<void(PageResult&)>& finished);

@@ -19,8 +19,9 @@
 // The line, for a file that is yet to be made; its sum is still zero.
 std::string resultMark(uint64_t pageSum, const std::string& options);
 
-// Fills in the sum of a complete file.
+// Fills in the sum of a complete file, in memory or open for reading and writing. Throws std::system_error.
 void seal(std::vector<uint8_t>& file, const std::string& name);
+void seal(int descriptor, const std::string& name);
 
-// The line as resultMark made it; empty if the file is not a whole result of this name.
-std::string markOf(const std::vector<uint8_t>& file, const std::string& name);
+// The line as resultMark made it; empty if the file is not a whole result of this name, or cannot be read.
+std::string markOf(int descriptor, const std::string& name);

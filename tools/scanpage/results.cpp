@@ -51,7 +51,7 @@ Existing examine(const OutputFolder& folder, const std::string& name) {
     if (!S_ISREG(there->st_mode)) return existing;
     existing.size = static_cast<size_t>(there->st_size);
     existing.isEmptyFile = existing.size == 0;
-    if (const auto contents = folder.contents(name)) existing.mark = markOf(*contents, name);
+    if (const Descriptor file = folder.openForReading(name); file.isOpen()) existing.mark = markOf(file.get(), name);
     return existing;
 }
 
@@ -61,6 +61,14 @@ void requireReplaceable(const Existing& existing, const std::string& path, const
     if (rules.inputs.contains(*existing.id)) throw std::runtime_error(path + " is an input and is not replaced");
     if (!rules.overwrite && existing.mark.empty() && !existing.isEmptyFile)
         throw std::runtime_error(path + " exists and is not a whole result of scanpage; --overwrite replaces it");
+}
+
+void requireEarlierBook(const Existing& existing, const std::string& path, const InputIds& inputs) {
+    if (existing.id && !existing.isFolder && !inputs.contains(*existing.id) && existing.mark.empty() &&
+        !existing.isEmptyFile)
+        throw std::runtime_error(path +
+                                 " exists and is not a whole result of scanpage; remove it or choose another name");
+    requireReplaceable(existing, path, {inputs, false});
 }
 
 std::string resultName(const std::string& file) { return std::filesystem::path(file).stem().string(); }

@@ -27,6 +27,10 @@ Existing examine(const OutputFolder& folder, const std::string& name);
 // Throws if the rules forbid to replace what is there.
 void requireReplaceable(const Existing& existing, const std::string& path, const Rules& rules);
 
+// The same for a file of many pages. Not even --overwrite replaces another program's, which may be a page that was taken
+// for its name.
+void requireEarlierBook(const Existing& existing, const std::string& path, const InputIds& inputs);
+
 // Name of the results of a page, without folder and extension. Pages that share it would overwrite each other's
 // results; `nameIsUsed` tells so.
 std::string resultName(const std::string& file);

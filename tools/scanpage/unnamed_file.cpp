@@ -29,7 +29,7 @@ std::string linkTo(const Descriptor& descriptor) { return "/proc/self/fd/" + std
 }    // namespace
 
 UnnamedFile::UnnamedFile(int folder)
-    : folder_(folder), descriptor_(openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666)) {
+    : folder_(folder), descriptor_(openat(folder, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, 0666)) {
     // A file without a name gets one through /proc only.
     const bool nameable = descriptor_.isOpen() && access(linkTo(descriptor_).c_str(), F_OK) == 0;
     if (nameable) return;
@@ -39,7 +39,7 @@ UnnamedFile::UnnamedFile(int folder)
 
 void UnnamedFile::openUnderRandomName() {
     const std::string name = randomName();
-    descriptor_ = Descriptor(openat(folder_, name.c_str(), O_CREAT | O_EXCL | O_NOFOLLOW | O_WRONLY | O_CLOEXEC, 0666));
+    descriptor_ = Descriptor(openat(folder_, name.c_str(), O_CREAT | O_EXCL | O_NOFOLLOW | O_RDWR | O_CLOEXEC, 0666));
     if (!descriptor_.isOpen()) fail();
     temporary_ = name;
 }

@@ -21,6 +21,7 @@ public:
 
     void write(const std::vector<uint8_t>& bytes);
     void sync();
+    int descriptor() const { return descriptor_.get(); }    // for reading and writing
 
     void giveName(const std::string& name);    // fails if the name is taken
     void replace(const std::string& name);

@@ -107,7 +107,7 @@ class ContactSheet(PageTest):
 
     def test_a_page_is_not_taken_for_the_name_of_the_sheet(self):
         run = scanpage("-o", self.out, "--contact-sheet", *self.pages)
-        self.assert_refused(run, f"{self.pages[0]} does not end in .png; the option needs the name of the sheet")
+        self.assert_refused(run, f"{self.pages[0]} does not end in .png; the option needs the name of its result")
         self.assert_refused(self.run_with(self.pages[0]), "does not end in .png")
         self.assert_refused(self.run_with("sheet"), "does not end in .png")
         self.assertEqual(self.originals, {page: page.read_bytes() for page in self.pages})

@@ -15,7 +15,7 @@ _scanpage() {
             mapfile -t COMPREPLY < <(compgen -d -- "$word")
             return
             ;;
-        --from | --contact-sheet)
+        --from | --contact-sheet | --pdf | --tiff)
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
             ;;
@@ -31,7 +31,7 @@ _scanpage() {
                 )
                 return
             fi
-            words='-h --help --from -0 --null -o --output --format --resume --overwrite --damaged -j --jobs
+            words='-h --help --from -0 --null -o --output --pdf --tiff --format --resume --overwrite --damaged -j --jobs
                 --angle --orient --background --denoise --median --assume-dpi --dpi --mode --threshold --contact-sheet -v --verbose'
             ;;
     esac
