@@ -127,10 +127,7 @@ private:
 
     // Keeps a row of the image. Pixels are stored less 128, for signed comparisons.
     void read(const uint8_t* src, ptrdiff_t row) {
-        if (channels_ == 1)
-            std::memcpy(block_, src, static_cast<size_t>(columns_));
-        else
-            for (ptrdiff_t x = 0; x < columns_; ++x) block_[x] = src[x * channels_];
+        pick(src);
         const VU bias = hn::Set(du, 128);
         int8_t* to = keptRow(row);
         for (ptrdiff_t i = 0; i < kPhase; i += kVector) {
@@ -148,10 +145,43 @@ private:
             hn::StoreInterleaved4(hn::Load(du, least_ + i), hn::Load(du, least_ + i + kPhase),
                                   hn::Load(du, least_ + i + 2 * kPhase), hn::Load(du, least_ + i + 3 * kPhase), du,
                                   block_ + kPhases * i);
-        if (channels_ == 1)
+        put(dst);
+    }
+
+    // Columns of pixels of three channels that are handled as vectors. The other two channels are loaded, too, so the
+    // last pixel of a row is left out: from the second or third channel on, they would lie beyond it.
+    ptrdiff_t columnsOfVectors(ptrdiff_t columns) const {
+        return channels_ == 3 ? (columns - 1) / kVector * kVector : 0;
+    }
+
+    // Copies one channel of a row to the block.
+    void pick(const uint8_t* src) {
+        if (channels_ == 1) {
+            std::memcpy(block_, src, static_cast<size_t>(columns_));
+            return;
+        }
+        ptrdiff_t x = 0;
+        for (; x < columnsOfVectors(columns_); x += kVector) {
+            VU channel, second, third;
+            hn::LoadInterleaved3(du, src + 3 * x, channel, second, third);
+            hn::Store(channel, du, block_ + x);
+        }
+        for (; x < columns_; ++x) block_[x] = src[x * channels_];
+    }
+
+    // Copies the block to one channel of a row. The others stay as they are.
+    void put(uint8_t* dst) const {
+        if (channels_ == 1) {
             std::memcpy(dst, block_, static_cast<size_t>(windows_));
-        else
-            for (ptrdiff_t x = 0; x < windows_; ++x) dst[x * channels_] = block_[x];
+            return;
+        }
+        ptrdiff_t x = 0;
+        for (; x < columnsOfVectors(windows_); x += kVector) {
+            VU channel, second, third;
+            hn::LoadInterleaved3(du, dst + 3 * x, channel, second, third);
+            hn::StoreInterleaved3(hn::Load(du, block_ + x), second, third, du, dst + 3 * x);
+        }
+        for (; x < windows_; ++x) dst[x * channels_] = block_[x];
     }
 
     // Finds the medians of the current row. They are then in `least_`.
