@@ -75,7 +75,7 @@ class Engine(unittest.TestCase):
         names = [os.path.basename(page) for page in self.pages]
         self.assertEqual(names, sorted(result.name for result in self.results.glob("*.jpg")))
         reports = self.reports()
-        self.assertEqual({5}, {len(fields) for fields in reports})
+        self.assertEqual({8}, {len(fields) for fields in reports})
         self.assertLessEqual({fields[1] for fields in reports}, {"done", "kept"})
         done = collections.Counter(fields[0] for fields in reports if fields[1] == "done")
         self.assertLessEqual(set(done), set(self.pages))
