@@ -9,6 +9,7 @@
 import functools
 import http.server
 import pathlib
+import socket
 import sys
 import threading
 
@@ -38,9 +39,20 @@ def serve(folder):
     return f"http://127.0.0.1:{server.server_port}/"
 
 
+def name_this_machine():
+    """Selenium connects to localhost. A machine without /etc/hosts does not know the name."""
+    known = socket.getaddrinfo
+
+    def found(host, *rest, **options):
+        return known("127.0.0.1" if host == "localhost" else host, *rest, **options)
+
+    socket.getaddrinfo = found
+
+
 def browser():
     options = webdriver.ChromeOptions()
-    for option in ("--headless=new", "--no-sandbox", "--disable-gpu", "--hide-scrollbars", "--disable-dev-shm-usage"):
+    for option in ("--headless=new", "--no-sandbox", "--disable-gpu", "--hide-scrollbars", "--disable-dev-shm-usage",
+                   "--remote-debugging-pipe"):
         options.add_argument(option)
     return webdriver.Chrome(options=options)
 
@@ -72,6 +84,7 @@ def main(folder, screenshots):
     screenshots.mkdir(parents=True, exist_ok=True)
     root = serve(folder)
     faults = []
+    name_this_machine()
     chromium = browser()
     try:
         look_as(chromium, PHONE, True)
