@@ -91,7 +91,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     app.add_option("--threshold", page.threshold,
                    "Largest grey value that is black at 1 bit; chosen by histogram if not given")
         ->check(CLI::Range(0, 255));
-    app.add_option("--contact-sheet", settings.contactSheet, "PNG with the first 50 pages before and after")
+    app.add_option("--contact-sheet", settings.contactSheet, "PNG with the first 200 pages before and after")
         ->type_name("OUT.png")
         ->check(endsIn({".png"}));
     app.add_flag("-v,--verbose", settings.verbose, "Print size, resolution and skew of each page on standard error");

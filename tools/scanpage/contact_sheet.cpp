@@ -4,60 +4,93 @@
 #include "contact_sheet.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cmath>
 #include <filesystem>
 
 #include "result_mark.h"
+#include "sheet_png.h"
 
 namespace {
 
-constexpr int kPageHeight = 900;
-constexpr int kGap = 24;
+constexpr int kGap = 24;                 // around pages
+constexpr int kInnerGap = 8;             // between a page's picture before, after and its caption
+constexpr int kFontSize = 4;             // the smallest that Leptonica has
+constexpr double kMostPixels = 4.5e6;    // of all pictures: many are smaller
+constexpr uint32_t kGround = 0x424A4A00;
+constexpr uint32_t kInk = 0xFFFFFF00;
 
-// A colour thumbnail of a page; null if out of memory. Area averaging renders small print evenly.
-PixPtr thumbnail(const KVIMG& page) {
-    const PixPtr full(pixCreate(page.width, page.height, 32));
-    if (!full) return nullptr;
-    for (int y = 0; y < page.height; ++y) {
-        const uint8_t* from = page.data + ptrdiff_t{y} * page.rowBytes;
-        uint32_t* to = pixGetData(full.get()) + ptrdiff_t{y} * pixGetWpl(full.get());
-        for (int x = 0; x < page.width; ++x) {
-            const uint8_t* p = page.depth == 24 ? from + 3 * x : from + x;
-            const int colour = page.depth == 24 ? 1 : 0;
-            composeRGBPixel(p[0], p[colour], p[2 * colour], to + x);
-        }
-    }
-    const float scale = static_cast<float>(kPageHeight) / static_cast<float>(page.height);
-    return PixPtr(pixScaleAreaMap(full.get(), scale, scale));
+struct BmfDeleter {
+    void operator()(L_BMF* font) const { bmfDestroy(&font); }
+};
+using Font = std::unique_ptr<L_BMF, BmfDeleter>;
+
+// Where the pages come.
+struct Grid {
+    int width, height;    // of a picture at most
+    int stepX, stepY;     // from page to page
+    int columns, rows;
+};
+
+int rowsFor(int count, int columns) { return (count + columns - 1) / columns; }
+
+// The columns that fit into the smallest square.
+Grid gridFor(int count, int caption) {
+    constexpr double kFull = 2.0 * Thumbnail::kMostWidth * Thumbnail::kMostHeight;
+    const double scale = std::min(1.0, std::sqrt(kMostPixels / (count * kFull)));
+    const int width = static_cast<int>(Thumbnail::kMostWidth * scale);
+    const int height = static_cast<int>(Thumbnail::kMostHeight * scale);
+    Grid grid{width, height, 2 * width + kInnerGap + kGap, height + kInnerGap + caption + kGap, 1, count};
+    const auto side = [&](int columns) { return std::max(columns * grid.stepX, rowsFor(count, columns) * grid.stepY); };
+    for (int columns = 2; columns <= count; ++columns)
+        if (side(columns) < side(grid.columns)) grid.columns = columns;
+    grid.rows = rowsFor(count, grid.columns);
+    return grid;
 }
 
-PixPtr drawn(const std::map<size_t, std::pair<PixPtr, PixPtr>>& rows) {
+// The font has ASCII only.
+std::string printable(const std::string& text) {
+    std::string result;
+    for (const char c : text)
+        if ((c & 0xC0) != 0x80) result += c >= ' ' && c <= '~' ? c : '?';    // one sign for a character of UTF-8
+    return result;
+}
+
+int widthOf(const std::string& text, L_BMF* font) {
     int width = 0;
-    for (const auto& [index, row] : rows)
-        width = std::max(width, pixGetWidth(row.first.get()) + pixGetWidth(row.second.get()) + 3 * kGap);
-    const int count = static_cast<int>(rows.size());
-    PixPtr sheet(pixCreate(width, count * (kPageHeight + kGap) + kGap, 32));
-    if (!sheet) throw std::bad_alloc();
-    pixSetAllArbitrary(sheet.get(), 0x40484800);
-    int y = kGap;
-    for (const auto& [index, row] : rows) {
-        int x = kGap;
-        for (PIX* page : {row.first.get(), row.second.get()}) {
-            pixRasterop(sheet.get(), x, y, pixGetWidth(page), pixGetHeight(page), PIX_SRC, page, 0, 0);
-            x += pixGetWidth(page) + kGap;
-        }
-        y += kPageHeight + kGap;
-    }
-    return sheet;
+    bmfGetStringWidth(font, text.c_str(), &width);
+    return width;
 }
 
-std::vector<uint8_t> pngOf(PIX* sheet) {
-    l_uint8* data = nullptr;
-    size_t size = 0;
-    const bool good = pixWriteMemPng(&data, &size, sheet, 0) == 0;
-    const std::unique_ptr<l_uint8, void (*)(void*)> owner(data, std::free);
-    if (!good) throw std::bad_alloc();
-    return {data, data + size};
+// A long name loses its middle.
+std::string captionOf(const std::string& name, const std::string& angle, L_BMF* font, int width) {
+    std::string shown = printable(name);
+    const std::string behind = "  " + angle;
+    size_t cut = shown.size() / 2;
+    for (std::string text = shown + behind;;
+         text = shown.substr(0, cut) + ".." + shown.substr(shown.size() - cut) + behind) {
+        if (widthOf(text, font) <= width || cut == 0) return text;
+        --cut;
+    }
+}
+
+void put(PIX* band, const Thumbnail& thumbnail, int x, const Grid& grid) {
+    const PixPtr page = picture(thumbnail, grid.width, grid.height);
+    pixRasterop(band, x, 0, pixGetWidth(page.get()), pixGetHeight(page.get()), PIX_SRC, page.get(), 0, 0);
+}
+
+void put(PIX* band, const SheetEntry& entry, L_BMF* font, int x, const Grid& grid) {
+    const int right = x + grid.width + kInnerGap;
+    put(band, entry.before, x, grid);
+    put(band, entry.after, right, grid);
+    const std::string caption = captionOf(entry.name, entry.angle, font, right + grid.width - x);
+    const int baseline = grid.height + kInnerGap + font->baselinetab['0'];
+    pixSetTextline(band, font, caption.c_str(), kInk, x, baseline, nullptr, nullptr);
+}
+
+PixPtr emptyBand(int width, int height) {
+    PixPtr band = owned(pixCreate(width, height, 32));
+    pixSetAllArbitrary(band.get(), kGround);
+    return band;
 }
 
 // The CRC-32 of a PNG chunk covers its type and its data.
@@ -101,18 +134,35 @@ ContactSheet::ContactSheet(const std::string& file, const Rules& rules)
     requireReplaceable(examine(folder_, name_), folder_.pathOf(name_), rules_);
 }
 
-void ContactSheet::add(size_t index, const KVIMG& before, const KVIMG& after) {
-    std::pair<PixPtr, PixPtr> row(thumbnail(before), thumbnail(after));
-    if (!row.first || !row.second) return;
+void ContactSheet::add(const PageOrder& order, SheetEntry entry) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    rows_.emplace(index, std::move(row));
+    entries_.emplace(order, std::move(entry));
+    if (entries_.size() > kMostPages) entries_.erase(std::prev(entries_.end()));
+}
+
+// A row of pages is in memory at a time.
+std::vector<uint8_t> ContactSheet::drawn() const {
+    const Font font(bmfCreate(nullptr, kFontSize));
+    if (!font) throw std::bad_alloc();
+    const Grid grid = gridFor(static_cast<int>(entries_.size()), font->lineheight);
+    const int width = grid.columns * grid.stepX + kGap;
+    SheetPng png(width, grid.rows * grid.stepY + kGap);
+    png.add(emptyBand(width, kGap).get());
+    auto entry = entries_.begin();
+    for (int row = 0; row < grid.rows; ++row) {
+        const PixPtr band = emptyBand(width, grid.stepY);
+        for (int column = 0; column < grid.columns && entry != entries_.end(); ++column, ++entry)
+            put(band.get(), entry->second, font.get(), kGap + column * grid.stepX, grid);
+        png.add(band.get());
+    }
+    return png.finish();
 }
 
 void ContactSheet::write() const {
-    if (rows_.empty()) return;
+    if (entries_.empty()) return;
     const Existing existing = examine(folder_, name_);
     requireReplaceable(existing, folder_.pathOf(name_), rules_);
-    std::vector<uint8_t> png = pngOf(drawn(rows_).get());
+    std::vector<uint8_t> png = drawn();
     addMark(png, name_);
     folder_.write(name_, png, existing.id);
 }

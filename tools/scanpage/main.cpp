@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <optional>
 
 #include "command_line.h"
@@ -39,6 +40,15 @@ PageResult sharedName(const std::string& file) {
     return result;
 }
 
+void addToSheet(ContactSheet& sheet, const PageOrder& order, PageResult& result) {
+    if (!result.before || !result.after) return;
+    char angle[32];
+    std::snprintf(angle, sizeof(angle), "%.2f deg", result.skew.angle);
+    const std::string name = std::filesystem::path(result.file).filename().string();
+    sheet.add(order, {name, result.skew.known ? angle : "no skew: " + result.skew.reason, std::move(*result.before),
+                      std::move(*result.after)});
+}
+
 // Each page is a job of any thread. Only the pages in hand are in memory, and the names of the results of the others.
 // False if pages are left over.
 bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report, std::optional<ContactSheet>& sheet) {
@@ -51,11 +61,12 @@ bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report
             report.add(sharedName(file));
             continue;
         }
-        const bool keepImages = sheet && index < ContactSheet::kMostPages;
-        pool.start([&, file, index, keepImages] {
-            processFile(file, index, run, keepImages, [&](PageResult& result) {
+        const bool thumbnails = sheet && index < ContactSheet::kMostPages;
+        pool.start([&, file, index, thumbnails] {
+            size_t page = 0;
+            processFile(file, index, run, thumbnails, [&](PageResult& result) {
                 report.add(result);
-                if (result.before && result.after) sheet->add(index, *result.before, *result.after);
+                if (thumbnails) addToSheet(*sheet, {index, page++}, result);
             });
         });
     }

@@ -44,6 +44,15 @@ struct PageStream {
     std::vector<uint8_t> bytes;    // JFIF, or CCITT group 4 of which a one is black
 };
 
+// A small picture of a page, for the contact sheet.
+struct Thumbnail {
+    static constexpr int kMostWidth = 300;
+    static constexpr int kMostHeight = 420;
+
+    int width = 0, height = 0;
+    std::vector<uint8_t> jpeg;    // a few kilobytes
+};
+
 // In the order of writing.
 enum class Format { kPbm, kG4, kJpeg };
 
@@ -93,8 +102,8 @@ struct PageResult {
     double milliseconds = 0;
     size_t bytes = 0;    // of its results
     std::vector<Stage> stages;
-    std::optional<PageStream> stream;    // for a book
-    Record before, after;                // kept only on request
+    std::optional<PageStream> stream;          // for a book
+    std::optional<Thumbnail> before, after;    // on request
 };
 
 // Turns the status of a call into an exception that names the step.

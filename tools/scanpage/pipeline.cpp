@@ -15,6 +15,7 @@
 #include "page_file.h"
 #include "skew.h"
 #include "stop.h"
+#include "thumbnail.h"
 #include "turn.h"
 
 namespace {
@@ -43,20 +44,20 @@ class Pipeline {
 public:
     Pipeline(const Options& options, PageResult& result) : options_(options), result_(result), watch_(result.stages) {}
 
-    void straighten(PageFile& file, size_t page, bool keepImages) {
+    void straighten(PageFile& file, size_t page, bool thumbnails) {
         decodePage(file, page);
         findAngle();
-        turn(keepImages);
+        turn(thumbnails);
         filter();
     }
 
-    void write(const Results* results, bool keepImages) {
+    void write(const Results* results, bool thumbnails) {
         const bool damaged = result_.status == Status::kDamaged;
         const bool bookOfBits = options_.forBook && (isBilevel_ || !wants(Format::kJpeg));
         if (wants(Format::kPbm) || wants(Format::kG4) || bookOfBits) writeBits(results, damaged, bookOfBits);
         if ((results && wants(Format::kJpeg)) || (options_.forBook && !bookOfBits))
             writeJpeg(results, damaged, !bookOfBits);
-        if (keepImages) result_.after = std::move(page_);
+        if (thumbnails) result_.after = thumbnailOf(*page_);
     }
 
 private:
@@ -108,10 +109,9 @@ private:
         result_.skew = {true, std::remainder(level.angle + 90.0 * *quarters, 360), level.confidence, ""};
     }
 
-    void turn(bool keepImages) {
-        Record straight = turned(*page_, description_, result_.skew.angle);
-        if (keepImages) result_.before = std::move(page_);
-        page_ = std::move(straight);
+    void turn(bool thumbnails) {
+        if (thumbnails) result_.before = thumbnailOf(*page_);
+        page_ = turned(*page_, description_, result_.skew.angle);
         watch_.lap("deskew", pageBytes());
     }
 
@@ -218,7 +218,7 @@ struct Place {
     std::string resultName;
 };
 
-void processPage(const Place& place, const Run& run, bool keepImages, PageResult& result) {
+void processPage(const Place& place, const Run& run, bool thumbnails, PageResult& result) {
     std::optional<Results> results;
     if (run.folder) {
         results.emplace(place.resultName, place.file.sumOf(place.page), run.options, *run.folder);
@@ -226,8 +226,8 @@ void processPage(const Place& place, const Run& run, bool keepImages, PageResult
         results->requireReplaceable({run.inputs, run.overwrite});
     }
     Pipeline pipeline(run.options, result);
-    pipeline.straighten(place.file, place.page, keepImages);
-    pipeline.write(results ? &*results : nullptr, keepImages);
+    pipeline.straighten(place.file, place.page, thumbnails);
+    pipeline.write(results ? &*results : nullptr, thumbnails);
     if (result.stream) run.book->add({place.index, place.page}, std::move(*result.stream));
 }
 
@@ -242,6 +242,8 @@ void fail(PageResult& result, const std::string& fault) {
     result.skew = {};
     result.blank = -1;
     result.stream.reset();
+    result.before.reset();
+    result.after.reset();
     result.fault = fault;
 }
 
@@ -277,7 +279,7 @@ PageResult nextPage(PageResult& first, size_t page, const std::string& name) {
 
 }    // namespace
 
-void processFile(const std::string& file, size_t index, const Run& run, bool keepImages,
+void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
                  const std::function<void(PageResult&)>& finished) {
     PageResult first;
     first.file = file;
@@ -296,7 +298,7 @@ void processFile(const std::string& file, size_t index, const Run& run, bool kee
         attempt(result, [&] {
             const std::string name = resultName(file) + (count == 1 ? "" : "-" + number);
             if (count > 1 && run.folder && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
-            processPage({*pages, index, page, name}, run, keepImages, result);
+            processPage({*pages, index, page, name}, run, thumbnails, result);
         });
         finished(result);
     }

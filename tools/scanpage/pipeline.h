@@ -35,6 +35,7 @@ struct Run {
 };
 
 // Reads, straightens, filters and writes the pages of a file, one after the other. Does not throw: a fault is reported.
-// `index` is the place of the file in the order of the input. `finished` is called for each page. `keepImages` asks for the page before and after.
-void processFile(const std::string& file, size_t index, const Run& run, bool keepImages,
+// `index` is the place of the file in the order of the input. `finished` is called for each page. `thumbnails` asks for
+// small pictures of the page before and after.
+void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
                  const std::function<void(PageResult&)>& finished);

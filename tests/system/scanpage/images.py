@@ -13,6 +13,11 @@ lept.pixRead.argtypes = [ctypes.c_char_p]
 lept.pixGetPixel.argtypes = [ctypes.c_void_p, ctypes.c_int, ctypes.c_int, ctypes.POINTER(ctypes.c_uint32)]
 for name in ("pixGetWidth", "pixGetHeight", "pixGetDepth"):
     getattr(lept, name).argtypes = [ctypes.c_void_p]
+for name in ("pixCreate", "bmfCreate"):
+    getattr(lept, name).restype = ctypes.c_void_p
+lept.bmfCreate.argtypes = [ctypes.c_char_p, ctypes.c_int]
+lept.pixSetTextline.argtypes = [ctypes.c_void_p, ctypes.c_void_p, ctypes.c_char_p, ctypes.c_uint32, ctypes.c_int,
+                                ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p]    # fmt: skip
 
 
 class Image:
@@ -49,3 +54,19 @@ def jpeg_of(file, rows, progressive=False):
     lept.pixSetChromaSampling(ctypes.c_void_p(pix), 0)
     assert lept.pixWriteJpeg(os.fspath(file).encode(), ctypes.c_void_p(pix), 100, int(progressive)) == 0
     return file
+
+
+def written(text):
+    """The pixels of a line of text in the smallest letters, from the first column and row that have some."""
+    width, height = 12 * len(text), 30
+    pix = lept.pixCreate(width, height, 1)
+    assert lept.pixSetTextline(pix, lept.bmfCreate(None, 4), text.encode(), 1, 2, 20, None, None) == 0
+    value = ctypes.c_uint32()
+    ink = []
+    for y in range(height):
+        for x in range(width):
+            assert lept.pixGetPixel(pix, x, y, ctypes.byref(value)) == 0
+            if value.value:
+                ink.append((x, y))
+    left, top = min(x for x, _ in ink), min(y for _, y in ink)
+    return {(x - left, y - top) for x, y in ink}

@@ -9,8 +9,9 @@ import struct
 import subprocess
 import unittest
 
-from images import Image, jpeg_of
-from support import SCANPAGE, PageTest, pagegen, scanpage
+from encoders import tiff, tiff_page
+from images import Image, jpeg_of, written
+from support import SCANPAGE, PageTest, link_pages, pagegen, scanpage
 
 
 def tags_of(tiff):
@@ -239,35 +240,181 @@ def spread(values):
     return max(values) - min(values)
 
 
+GROUND, INK = (0x42, 0x4A, 0x4A), (255, 255, 255)
+
+
+def spans(pixels, wanted):
+    """The first and the last of neighbours that are wanted."""
+    found = []
+    for i, pixel in enumerate(pixels):
+        if wanted(pixel) and found and found[-1][1] == i - 1:
+            found[-1][1] = i
+        elif wanted(pixel):
+            found.append([i, i])
+    return found
+
+
+class Sheet(Image):
+    """A contact sheet with pages that are light where their edges are looked at."""
+
+    gap = 24    # around the first page
+
+    def __init__(self, file):
+        super().__init__(file)
+        down = spans([self.at(self.gap, y) for y in range(self.height)], lambda pixel: pixel != GROUND)
+        self.rows_of_pages = [(first, last) for first, last in down if last - first >= 20]    # not captions
+
+    def pictures_of(self, row):
+        """Left and right end of each picture."""
+        y = self.rows_of_pages[row][0]
+        return spans([self.at(x, y) for x in range(self.width)], lambda pixel: pixel != GROUND)
+
+    def pages(self):
+        """The corners of the picture before and of that after, page by page."""
+        for row, (top, bottom) in enumerate(self.rows_of_pages):
+            ends = self.pictures_of(row)
+            for before, after in zip(ends[::2], ends[1::2]):
+                yield (before[0], top, before[1], bottom), (after[0], top, after[1], bottom)
+
+    def inked(self, left, top, right, bottom):
+        """The white pixels of a part, from the first to the last of them."""
+        white = [(x, y) for y in range(top, bottom) for x in range(left, right) if self.at(x, y) == INK]
+        assert white, "nothing is written here"
+        left, top = min(x for x, _ in white), min(y for _, y in white)
+        return {(x - left, y - top) for x, y in white}, left, max(x for x, _ in white)
+
+
 class ContactSheet(PageTest):
+    def setUp(self):
+        super().setUp()
+        self.sheet = self.root / "sheet.png"
+
+    def sheet_of(self, pages, *options, status=0):
+        run = scanpage(*options, *pages, "-o", self.out, "--overwrite", "--contact-sheet", self.sheet)
+        self.assertEqual(status, run.status, run.stderr)
+        return Sheet(self.sheet)
+
+    def plain_pages(self, count, pixel=lambda _: GREY, width=60, height=84):
+        return [jpeg_of(self.folder / f"plain-{i:03}.jpg", plain(width, height, pixel(i))) for i in range(count)]
+
+    def captions(self, sheet):
+        """What is written under each page of a few, its first and last column, and the first of the page."""
+        below = {top: sheet.rows_of_pages[i + 1][0] if i + 1 < len(sheet.rows_of_pages) else sheet.height
+                 for i, (top, _) in enumerate(sheet.rows_of_pages)}    # fmt: skip
+        for (left, top, _, bottom), _ in sheet.pages():
+            yield (*sheet.inked(left - 8, bottom + 1, left + 2 * 300 + 8 + 12, below[top]), left)
+
     def test_pages_stand_before_and_after_in_their_order(self):
+        pages = self.plain_pages(203, lambda i: (20 + 14 * (i % 15), 60 + 13 * (i // 15), 128))
+        for given, count, jobs in ((pages, 200, "3"), (pages[:17], 17, "1")):
+            sheet = self.sheet_of(given, "-j", jobs, "--angle", "180")
+            found = list(sheet.pages())
+            self.assertEqual(count, len(found))
+            for i, page in enumerate(found):
+                for left, top, right, bottom in page:
+                    self.assertEqual((59, 83), (right - left, bottom - top))
+                    red, green, _ = sheet.at(left + 30, top + 40)
+                    self.assertAlmostEqual(20 + 14 * (i % 15), red, delta=6)
+                    self.assertAlmostEqual(60 + 13 * (i // 15), green, delta=6)
+
+    def test_of_a_long_file_the_first_pages_are_shown(self):
+        levels = [60] * 2 + [140] * 198 + [220] * 2
+        pages = {level: tiff_page(plain(60, 84, level)) for level in set(levels)}
+        file = self.folder / "long.tif"
+        file.write_bytes(tiff(*(pages[level] for level in levels)))
+        sheet = self.sheet_of([file], "--angle", "1.5")
+        found = [sheet.at(left + 30, top + 40)[0] for (left, top, _, _), _ in sheet.pages()]
+        self.assertEqual(200, len(found))
+        for expected, level in zip(levels, found):
+            self.assertAlmostEqual(expected, level, delta=6)
+        file.write_bytes(tiff(pages[60], pages[140]))
+        found = [ink for ink, *_ in self.captions(self.sheet_of([file], "--angle", "1.5"))]
+        self.assertEqual([written(f"long.tif#00{page}  1.50 deg") for page in (1, 2)], found)
+
+    def test_the_left_picture_is_the_page_before(self):
         left, right = (250, 200, 10), (10, 60, 250)
-        pages = []
-        for i in range(52):
-            page = self.folder / f"drawn-{i:02}.jpg"
-            rows = [[left, right]] * 30 if i == 0 else plain(2, 30, (4 * i, 90, 90))
-            pages.append(jpeg_of(page, rows))
-        for given, count, jobs in ((pages, 50, "3"), (pages[:3], 3, "1")):
-            sheet = self.root / "sheet.png"
-            run = scanpage("-j", jobs, "--angle", "180", *given, "-o", self.out, "--contact-sheet", sheet)
-            self.assertEqual(0, run.status, run.stderr)
-            image = Image(sheet)
-            gap, width, height = 24, 60, 900
-            self.assertEqual((2 * width + 3 * gap, count * (height + gap) + gap), (image.width, image.height))
-            self.assertEqual((0x40, 0x48, 0x48), image.at(5, 5))
-            columns = [gap, gap + width - 1, 2 * gap + width, 2 * gap + 2 * width - 1]
-            for x, colour in zip(columns, (left, right, right, left)):
-                for found, expected in zip(image.at(x, gap + 400), colour):
+        page = jpeg_of(self.folder / "halves.jpg", [[left] * 30 + [right] * 30] * 84)
+        sheet = self.sheet_of([page], "--angle", "180")
+        (before, after), = sheet.pages()
+        for (x, y, _, _), colours in ((before, (left, right)), (after, (right, left))):
+            for dx, colour in zip((10, 50), colours):
+                for found, expected in zip(sheet.at(x + dx, y + 40), colour):
                     self.assertAlmostEqual(expected, found, delta=12)
-            for i in (1, 2, count - 1):
-                for x in columns:
-                    self.assertAlmostEqual(4 * i, image.at(x, gap + i * (height + gap) + 400)[0], delta=12)
+
+    def test_pictures_are_at_most_300_by_420(self):
+        a4 = self.root / "a4.jpg"
+        pagegen("--dpi", "150", "--skew", "0", a4)    # 1240 x 1754
+        wide, tall, long = (
+            jpeg_of(self.root / f"{name}.jpg", plain(width, height, GREY))
+            for name, width, height in (("wide", 900, 30), ("tall", 30, 1260), ("long", 1, 2000))
+        )
+        for page, expected in ((a4, (248, 350)), (wide, (300, 10)), (tall, (10, 420)), (long, (1, 400))):
+            sheet = self.sheet_of([page], "--angle", "0")
+            self.assertEqual((2 * 300 + 8 + 2 * 24), sheet.width)
+            for x, width in ((24, expected[0]), (24 + 300 + 8, expected[0])):
+                edge = [sheet.at(x + dx, 24) != GROUND for dx in (-1, 0, width - 1, width)]
+                self.assertEqual([False, True, True, False], edge, page)
+                edge = [sheet.at(x, 24 + dy) != GROUND for dy in (-1, 0, expected[1] - 1, expected[1])]
+                self.assertEqual([False, True, True, False], edge, page)
+
+    def test_many_pages_make_small_pictures(self):
+        drawn = self.root / "drawn.jpg"
+        pagegen("--dpi", "100", drawn)
+        many = self.root / "many"
+        many.mkdir()
+        narrow = jpeg_of(self.root / "narrow.jpg", plain(1, 420, GREY))    # a column is left of it
+        sheet = self.sheet_of([*link_pages([drawn], many, 80), narrow])
+        self.assertLess(self.sheet.stat().st_size, 5_000_000)
+        self.assertLess(max(sheet.width, sheet.height), 2800)
+        pages = list(sheet.pages())
+        self.assertEqual(81, len(pages))
+        for before, after in pages:
+            self.assertLess(before[2] - before[0], 150)
+            self.assertLess(after[3] - after[1], 210)
+
+    def test_the_sheet_is_about_square(self):
+        pages = self.plain_pages(40)
+        for count in (1, 2, 3, 5, 8, 13, 40):
+            sheet = self.sheet_of(pages[:count])
+            self.assertEqual(count, len(list(sheet.pages())))
+            self.assertTrue(0.6 < sheet.width / sheet.height < 1.6, (count, sheet.width, sheet.height))
+
+    def test_name_and_angle_stand_under_each_page(self):
+        angles = {"2.5": "2.50 deg", "-1": "-1.00 deg"}
+        pages = [self.pages[0].rename(self.folder / name) for name in ("a.jpg",)]
+        pages += [page.rename(self.folder / f"{name}.jpg") for page, name in zip(self.pages[1:], ("Qy", "b" * 200, "\u00fc"))]
+        for angle, shown in angles.items():
+            found = list(self.captions(self.sheet_of(pages, "--angle", angle)))
+            self.assertEqual(4, len(found))
+            for (ink, first, last, left), name in zip(found, ("a.jpg", "Qy.jpg", None, "?.jpg")):
+                self.assertLess(abs(first - left), 4)
+                self.assertLess(last, left + 2 * 300 + 8)
+                if name:
+                    self.assertEqual(written(f"{name}  {shown}"), ink)
+            long_name = found[2]
+            self.assertGreater(long_name[2] - long_name[1], 0.9 * 608)
+
+    def test_a_page_without_skew_says_why(self):
+        (ink, *_), = self.captions(self.sheet_of(self.plain_pages(1)))
+        self.assertEqual(written("plain-000.jpg  no skew: blank"), ink)
+
+    def test_pages_that_fail_leave_no_gap(self):
+        light, dark = self.plain_pages(2, lambda i: (240, 120)[i])
+        text = self.folder / "text.jpg"
+        text.write_text("This is no page.\n")
+        pages = [text, light, self.folder / "missing.jpg", dark, text]
+        sheet = self.sheet_of(pages, "--angle", "0", status=1)
+        found = [sheet.at(left + 30, top + 40)[0] for (left, top, _, _), _ in sheet.pages()]
+        self.assertEqual(2, len(found))
+        self.assertAlmostEqual(240, found[0], delta=6)
+        self.assertAlmostEqual(120, found[1], delta=6)
+        self.sheet.unlink()
+        run = scanpage(text, "-o", self.out, "--contact-sheet", self.sheet)
+        self.assertEqual((1, False), (run.status, self.sheet.exists()))
 
     def test_grey_pages_are_grey(self):
         page = jpeg_of(self.folder / "drawn.jpg", plain(20, 20, 77))
-        sheet = self.root / "sheet.png"
-        scanpage("--angle", "0", page, "-o", self.out, "--contact-sheet", sheet)
-        for found in Image(sheet).at(500, 500):
+        for found in self.sheet_of([page], "--angle", "0").at(24 + 10, 24 + 10):
             self.assertAlmostEqual(77, found, delta=4)
 
     def test_a_sheet_that_cannot_be_written(self):
