@@ -34,9 +34,9 @@ Grey shrunk(const Grey& grey, int factor) {
 }
 
 // Thin and dark along the edges, as a scanner sees beyond the page.
-bool isShadow(const BOX* box, int pixels, int width, int height) {
-    const bool atEdge = box->x == 0 || box->y == 0 || box->x + box->w == width || box->y + box->h == height;
-    return atEdge && pixels < kShadowWidth * std::min(width, height) * (box->w + box->h);
+bool isShadow(const IppiRect& box, int pixels, int width, int height) {
+    const bool atEdge = box.x == 0 || box.y == 0 || box.x + box.width == width || box.y + box.height == height;
+    return atEdge && pixels < kShadowWidth * std::min(width, height) * (box.width + box.height);
 }
 
 struct BoxaDeleter {
@@ -59,8 +59,10 @@ double blankScore(const Grey& grey, int dpi) {
     double marks = 0;
     for (int i = 0; i < boxaGetCount(boxes.get()); ++i) {
         int pixels = 0;
-        pixCountPixels(parts->pix[i], &pixels, nullptr);
-        if (pixels > kSpeck && !isShadow(boxes->box[i], pixels, pixGetWidth(ink.get()), pixGetHeight(ink.get())))
+        pixCountPixels(owned(pixaGetPix(parts.get(), i, L_CLONE)).get(), &pixels, nullptr);
+        IppiRect box{};
+        boxaGetBoxGeometry(boxes.get(), i, &box.x, &box.y, &box.width, &box.height);
+        if (pixels > kSpeck && !isShadow(box, pixels, pixGetWidth(ink.get()), pixGetHeight(ink.get())))
             marks += pixels / kLetter;
     }
     return 1 / (1 + marks);
