@@ -10,8 +10,9 @@ namespace opcv {
 template <class... Arguments>
 class FunctionRef {
 public:
+    // Not explicit, so that callers pass a lambda directly, as they would to std::function.
     template <class Function>
-    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor): used like the function
+    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor)
         : object_(&function), call_([](const void* object, Arguments... arguments) {
               (*static_cast<const Function*>(object))(arguments...);
           }) {}

@@ -87,7 +87,7 @@ TEST(Pages, HaveTheSameSkewAtEveryDepth) {
     EXPECT_EQ(find(ofBits).skew.angle, ofGrey.skew.angle);
 }
 
-// What is between the rows is not read, and the page is not written.
+// The bytes between the rows have no effect, and no byte of the page changes.
 TEST(Pages, MayHavePaddedRows) {
     DrawnPage drawn(640, 900, -0.03);
     const Finding expected = find(drawn.record());

@@ -10,7 +10,7 @@
 
 #include "book.h"
 
-// Names that the results of a run have. Two pages of one name would write the same files.
+// The names of the results so far. Each may be used once, since a second page would overwrite the files of the first.
 class UsedNames {
 public:
     // False if the name was used before.

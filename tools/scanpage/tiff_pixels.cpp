@@ -155,7 +155,7 @@ TiffPixels readRows(TIFF* tiff, const Layout& layout) {
     return pixels;
 }
 
-// What is missing stays white; libtiff reports it.
+// Pixels that cannot be read stay white. libtiff reports the fault.
 TiffPixels readAll(TIFF* tiff, const Layout& layout) {
     std::array<char, 1024> reason{};
     if (TIFFRGBAImageOK(tiff, reason.data()) == 0)

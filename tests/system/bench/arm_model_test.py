@@ -1,7 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 # SPDX-License-Identifier: MIT
 
-"""What is read from a trace of arm64 code, and which blocks are modelled together."""
+"""Tests how a trace of arm64 code is read, and how its blocks are joined into paths."""
 
 import sys
 import unittest

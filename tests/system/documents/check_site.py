@@ -14,7 +14,7 @@ import urllib.parse
 
 
 class Page(html.parser.HTMLParser):
-    """The links, anchors and pictures of one page."""
+    """Collects the links, anchors and pictures of one page."""
 
     def __init__(self, path):
         super().__init__()
