@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "drawing.h"
 #include "failing_heap.h"
@@ -43,6 +45,19 @@ TEST(OutOfMemory, OnAPageOfText) {
 TEST(OutOfMemory, OnAPageWithLittleText) {
     DrawnPage drawn(300, 330, 0.03, 44);
     failEachAllocation(drawn);
+}
+
+// It is too thin for lines, however long it is.
+TEST(OutOfMemory, DoesNotMatterToAThinPage) {
+    std::vector<uint8_t> pixels(31 * 50000, 255);
+    for (const auto& [width, height] : {std::pair{31, 50000}, std::pair{50000, 31}}) {
+        const KVIMG page = {pixels.data(), 8, width, height, width, 0};
+        FailingHeap::arm(1, FailingHeap::Failure::kOnce);
+        const Finding found = find(page);
+        EXPECT_FALSE(FailingHeap::disarm()) << width << " x " << height;
+        EXPECT_EQ(found.status, noErr);
+        EXPECT_EQ(found.skew.outcome, OPCV_SKEW_UNSURE);
+    }
 }
 
 }    // namespace

@@ -12,7 +12,8 @@
 
 namespace {
 
-constexpr int kLeastSide = 64;    // pixels of the working image; a smaller one has no lines to measure
+constexpr int kLeastSide = 64;                // pixels of the working image; a smaller one has no lines to measure
+constexpr int kLeastPage = kLeastSide / 2;    // of a page, which is enlarged at most twice
 
 bool isValid(const KVIMG* page) {
     if (!page || !page->data || page->width < 1 || page->height < 1) return false;
@@ -21,8 +22,10 @@ bool isValid(const KVIMG* page) {
 }
 
 opcv_skew skewOf(const KVIMG& page) {
-    const page_skew::GreyImage image = page_skew::workingImageOf(page);
-    if (std::min(image.width, image.height) >= kLeastSide) return page_skew::judge(page_skew::inkOf(image));
+    if (std::min(page.width, page.height) >= kLeastPage) {
+        const page_skew::GreyImage image = page_skew::workingImageOf(page);
+        if (std::min(image.width, image.height) >= kLeastSide) return page_skew::judge(page_skew::inkOf(image));
+    }
     opcv_skew unsure{};
     unsure.struct_size = sizeof(unsure);
     unsure.outcome = OPCV_SKEW_UNSURE;
