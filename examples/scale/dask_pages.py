@@ -17,8 +17,6 @@ import time
 import opcv_dlib
 from distributed import Client, as_completed
 
-from skew import find_skew
-
 MODE = 450    # JPEG quality
 
 
@@ -47,7 +45,7 @@ def straighten(file, folder):
         if not os.path.exists(result):
             with open(file, "rb") as stream:
                 page = opcv_dlib.read_jpeg(stream.read())
-            angle = find_skew(page.pixels)
+            angle = opcv_dlib.find_skew(page).angle or 0.0    # none: the page stays as it is
             write_whole(result, opcv_dlib.compress_jpeg_ex(opcv_dlib.deskew(page, angle, white_fill=True), MODE))
             status, skew = "done", f"{angle:.2f}"
         size = os.path.getsize(result)
