@@ -46,6 +46,7 @@ while read -r file; do
     if readelf -d "$file" 2>/dev/null | grep -E 'RPATH|RUNPATH'; then echo "$file has a search path" && exit 1; fi
 done <files.txt
 grep -q '/libOPCV_dlib.so.1$' files.txt
+grep -q '/opcv_dlib/ocrmypdf.py$' files.txt
 
 echo "- 1,000 pages through scanpage"
 mkdir scans straight
