@@ -6,10 +6,12 @@
 // at a time.
 #include <cstdlib>
 #include <functional>
+#include <map>
 #include <memory>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "OPCV_dlib.h"
@@ -39,8 +41,8 @@ std::string nameOf(Layout layout) {
 int channelsOf(Layout layout) { return layout == Layout::kGrey ? 1 : 3; }
 
 const Stream& streamOf(IppiSize size, Layout layout) {
-    static Stream streams[2][3];
-    Stream& stream = streams[size.width == bench::kPage.width ? 0 : 1][static_cast<int>(layout)];
+    static std::map<std::tuple<int, int, Layout>, Stream> streams;
+    Stream& stream = streams[{size.width, size.height, layout}];
     if (stream.empty()) {
         const bench::Page& page = bench::source(size, channelsOf(layout));
         if (layout == Layout::kGrey)

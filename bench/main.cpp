@@ -4,7 +4,9 @@
 // Measures every registered comparison and writes a table of tab-separated lines, one per comparison and number of
 // threads. Lines of an earlier run that are not measured again are kept, so that a table can be measured in parts:
 //
-//     opcv_dlib_bench [--results=FILE] [--passes=N] [options of Google Benchmark]
+//     opcv_dlib_bench [--results=FILE] [--passes=N] [--sizes=WIDTHxHEIGHT,...] [options of Google Benchmark]
+//
+// With --sizes, only the first comparison of each heading is measured, in one thread and on images of these sizes.
 //
 // N passes run through the table (6 by default; half as many with several threads), then up to three times as many over
 // the comparisons in one thread that have found too few quiet moments.
@@ -146,6 +148,28 @@ std::string takeOption(std::vector<char*>& arguments, const std::string& name, c
     return otherwise;
 }
 
+// Of "WIDTHxHEIGHT,WIDTHxHEIGHT".
+std::vector<IppiSize> parseSizes(const std::string& text) {
+    std::vector<IppiSize> sizes;
+    std::istringstream in(text);
+    IppiSize size{};
+    char by = 0;
+    while (in >> size.width >> by >> size.height) {
+        sizes.push_back(size);
+        in >> by;
+    }
+    return sizes;
+}
+
+// One for each heading and size.
+bool isFirst(const Comparison& comparison) {
+    const auto& all = comparisons();
+    const auto first = std::find_if(all.begin(), all.end(), [&comparison](const Comparison& other) {
+        return other.heading == comparison.heading && other.subject.size.width == comparison.subject.size.width;
+    });
+    return &*first == &comparison;
+}
+
 }    // namespace
 
 int run(std::vector<char*> arguments) {
@@ -153,14 +177,18 @@ int run(std::vector<char*> arguments) {
     Measurement::chooseTargets();
     Results results(takeOption(arguments, "results", ""));
     const int passes = std::stoi(takeOption(arguments, "passes", "6"));
+    const std::vector<IppiSize> chosenSizes = parseSizes(takeOption(arguments, "sizes", ""));
+    const bool bySize = !chosenSizes.empty();
     std::vector<int> threadCounts = {1};
-    if (cv::getNumThreads() > 1) threadCounts.push_back(cv::getNumThreads());
+    if (cv::getNumThreads() > 1 && !bySize) threadCounts.push_back(cv::getNumThreads());
 
-    makeComparisons({kPage, kTile});
+    makeComparisons(bySize ? chosenSizes : std::vector<IppiSize>{kPage, kTile});
     std::vector<std::unique_ptr<Measurement>> measurements;
-    for (const Comparison& comparison : comparisons())
+    for (const Comparison& comparison : comparisons()) {
+        if (bySize && !isFirst(comparison)) continue;
         for (const int threads : threadCounts)
             measurements.push_back(std::make_unique<Measurement>(comparison, threads));
+    }
     Pass pass;
     for (const auto& measurement : measurements) registerMeasurement(*measurement, pass);
 

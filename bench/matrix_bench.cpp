@@ -63,7 +63,7 @@ void compareCosineTransform(int n) {
 }
 
 void compareMatrices() {
-    const int side = bench::sizes().back().width;
+    const int side = bench::kTile.width;
     compareProduct(side);
     compareCosineTransform(side);
 }

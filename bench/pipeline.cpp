@@ -2,20 +2,20 @@
 // SPDX-License-Identifier: MIT
 
 // Times the page pipeline, from stream to stream, with this library and with others. Each runs the closest steps that
-// it offers, on the same page:
+// it offers, on the same grey page:
 //
-//     opcv_dlib_pipeline PAGE.jpg [ROUNDS] > pipeline.tsv
+//     opcv_dlib_pipeline GREY.jpg [NAME=PROGRAM...] > pipeline.tsv
 //
-// Every run is a separate process, so that its peak memory can be measured; the memory of an idle process is
-// subtracted. A run processes the page twice and times the second. Each round runs all tools in turn. All use one
-// thread.
+// A program is another library's pipeline: PROGRAM idle|jpeg|bits GREY.jpg. Every run is a process of its own, so that
+// its peak memory can be measured; the memory of an idle process is subtracted. A run processes the page twice and
+// tells the seconds of the second, and the steps. Each round runs all tools in turn. All use one thread.
 #include <OPCV_dlib.h>
 #include <leptonica/allheaders.h>
-#include <magick/api.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -37,10 +37,11 @@ constexpr double kRadians = kAngle * 3.14159265358979323846 / 180;
 constexpr int kThreshold = 128;
 constexpr int kQuality = 70;
 constexpr int kMode = 450;    // quality 70
+constexpr int kRounds = 9;
 
 using Stream = std::vector<unsigned char>;
 
-enum class Work { kToJpeg, kToBits };
+enum class Work { kIdle, kToJpeg, kToBits };
 
 struct Tool {
     const char* name;
@@ -121,76 +122,97 @@ void runLeptonica(Work work, const Stream& stream) {
     pixDestroy(&page);
 }
 
-void replace(Image*& image, Image* by, const char* what) {
-    require(by != nullptr, what);
-    DestroyImage(image);
-    image = by;
-}
-
-void runGraphicsMagick(Work work, const Stream& stream) {
-    ExceptionInfo exception;
-    GetExceptionInfo(&exception);
-    ImageInfo* info = CloneImageInfo(nullptr);
-    Image* page = BlobToImage(info, stream.data(), stream.size(), &exception);
-    require(page != nullptr, "BlobToImage");
-    replace(page, RotateImage(page, -kAngle, &exception), "RotateImage");
-    if (work == Work::kToBits) {
-        require(ThresholdImage(page, kThreshold * (MaxRGB / 255.0)) != 0, "ThresholdImage");
-        std::snprintf(page->magick, sizeof(page->magick), "PBM");
-    } else {
-        replace(page, MedianFilterImage(page, 1, &exception), "MedianFilterImage");
-        info->quality = kQuality;
-        std::snprintf(page->magick, sizeof(page->magick), "JPEG");
-    }
-    size_t size = 0;
-    void* data = ImageToBlob(info, page, &size, &exception);
-    require(data != nullptr, "ImageToBlob");
-    MagickFree(data);
-    DestroyImage(page);
-    DestroyImageInfo(info);
-    DestroyExceptionInfo(&exception);
-}
-
-void runNothing(Work /*work*/, const Stream& /*stream*/) {}
-
 constexpr Tool kTools[] = {
     {"OPCV_dlib", "read, deskew, weighted median 3 (3x3), JPEG", "read, deskew, 1 bit", runOurs},
     {"OpenCV", "imdecode, warpAffine, medianBlur 3x3 (no weighted one), imencode",
      "imdecode, warpAffine, threshold, imencode to PBM", runOpenCV},
     {"Leptonica", "pixReadMem, pixRotateAM, pixMedianFilter 3x3 (no weighted one), pixWriteMemJpeg",
      "pixReadMem, pixRotateAM, pixThresholdToBinary", runLeptonica},
-    {"GraphicsMagick", "BlobToImage, RotateImage, MedianFilterImage 3x3 (no weighted one), ImageToBlob",
-     "BlobToImage, RotateImage, ThresholdImage, ImageToBlob to PBM", runGraphicsMagick},
 };
-constexpr Tool kIdle = {"idle", "", "", runNothing};
+struct Program {
+    std::string name;
+    std::string path;
+};
+
+const char* nameOf(Work work) {
+    switch (work) {
+        case Work::kIdle: return "idle";
+        case Work::kToJpeg: return "jpeg";
+        default: return "bits";
+    }
+}
 
 struct Run {
     double seconds;
     double megabytes;
+    std::string steps;
 };
 
-Run runInProcess(const Tool& tool, Work work, const Stream& stream) {
+// Runs `child` in a process of its own, whose standard output tells the seconds and the steps.
+Run runInProcess(const std::string& name, const std::function<void()>& child) {
     int ends[2];
     require(pipe(ends) == 0, "pipe");
-    const pid_t child = fork();
-    require(child >= 0, "fork");
-    if (child == 0) {
-        tool.run(work, stream);
-        const auto start = std::chrono::steady_clock::now();
-        tool.run(work, stream);
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        require(write(ends[1], &seconds, sizeof(seconds)) == sizeof(seconds), "write");
+    const pid_t process = fork();
+    require(process >= 0, "fork");
+    if (process == 0) {
+        require(dup2(ends[1], STDOUT_FILENO) >= 0, "dup2");
+        close(ends[0]);
+        close(ends[1]);
+        child();
+        std::fflush(stdout);
         std::_Exit(0);
     }
     close(ends[1]);
-    double seconds = 0;
-    const bool told = read(ends[0], &seconds, sizeof(seconds)) == sizeof(seconds);
+    std::string told;
+    char part[512];
+    for (ssize_t count = 0; (count = read(ends[0], part, sizeof(part))) > 0;)
+        told.append(part, static_cast<size_t>(count));
     close(ends[0]);
     int status = 0;
     rusage usage{};
-    wait4(child, &status, 0, &usage);
-    require(told && WIFEXITED(status) && WEXITSTATUS(status) == 0, tool.name);
-    return {seconds, static_cast<double>(usage.ru_maxrss) / 1024};
+    wait4(process, &status, 0, &usage);
+    char* end = nullptr;
+    const double seconds = std::strtod(told.c_str(), &end);
+    require(*end == '\t' && WIFEXITED(status) && WEXITSTATUS(status) == 0, name.c_str());
+    const std::string steps(end + 1);
+    return {seconds, static_cast<double>(usage.ru_maxrss) / 1024, steps.substr(0, steps.find('\n'))};
+}
+
+void runTool(const Tool& tool, Work work, const Stream& stream) {
+    if (work == Work::kIdle) {
+        std::printf("0\t\n");
+        return;
+    }
+    tool.run(work, stream);
+    const auto start = std::chrono::steady_clock::now();
+    tool.run(work, stream);
+    const std::chrono::duration<double> duration = std::chrono::steady_clock::now() - start;
+    std::printf("%.9f\t%s\n", duration.count(), work == Work::kToJpeg ? tool.jpegSteps : tool.bitsSteps);
+}
+
+struct Contender {
+    std::string name;
+    std::function<void(Work)> run;    // in a process of its own
+
+    // The memory is what the work adds to an idle process.
+    Run measure(Work work) const {
+        const Run idle = runInProcess(name, [this] { run(Work::kIdle); });
+        Run result = runInProcess(name, [this, work] { run(work); });
+        result.megabytes -= idle.megabytes;
+        return result;
+    }
+};
+
+std::vector<Contender> contenders(const std::vector<Program>& programs, const Stream& stream, const char* file) {
+    std::vector<Contender> all;
+    for (const Tool& tool : kTools)
+        all.push_back({tool.name, [&tool, &stream](Work work) { runTool(tool, work, stream); }});
+    for (const Program& program : programs)
+        all.push_back({program.name, [program, file](Work work) {
+                           execl(program.path.c_str(), program.path.c_str(), nameOf(work), file, nullptr);
+                           require(false, program.path.c_str());
+                       }});
+    return all;
 }
 
 double median(std::vector<double> values) {
@@ -198,54 +220,53 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-void compareTools(Work work, const Stream& stream, int rounds) {
-    constexpr size_t kCount = std::size(kTools);
-    std::vector<double> seconds[kCount];
-    std::vector<double> ratios[kCount];
-    std::vector<double> megabytes[kCount];
-    for (int round = 0; round < rounds; ++round) {
-        const double idle = runInProcess(kIdle, work, stream).megabytes;
-        for (size_t i = 0; i < kCount; ++i) {
-            const Run run = runInProcess(kTools[i], work, stream);
-            seconds[i].push_back(run.seconds);
-            megabytes[i].push_back(run.megabytes - idle);
-            ratios[i].push_back(seconds[0].back() / run.seconds);
+void compare(Work work, const std::vector<Contender>& all) {
+    struct Results {
+        std::vector<double> seconds;
+        std::vector<double> ratios;
+        std::vector<double> megabytes;
+        std::string steps;
+    };
+    std::vector<Results> results(all.size());
+    for (int round = 0; round < kRounds; ++round) {
+        for (size_t i = 0; i < all.size(); ++i) {
+            const Run run = all[i].measure(work);
+            results[i].seconds.push_back(run.seconds);
+            results[i].megabytes.push_back(run.megabytes);
+            results[i].ratios.push_back(results[0].seconds.back() / run.seconds);
+            results[i].steps = run.steps;
         }
     }
-    const bool toJpeg = work == Work::kToJpeg;
-    for (size_t i = 0; i < kCount; ++i)
+    for (size_t i = 0; i < all.size(); ++i)
         std::printf("%s\t8 bit, 2480 x 3508\t%s\t%.3f\t%.3f\t%.1f\t%s\n",
-                    toJpeg ? "straightened, filtered, JPEG" : "straightened, 1 bit", kTools[i].name,
-                    1000 * median(seconds[i]), median(ratios[i]), median(megabytes[i]),
-                    toJpeg ? kTools[i].jpegSteps : kTools[i].bitsSteps);
-}
-
-// The page as a grey stream.
-Stream greyStream(const char* file) {
-    std::ifstream in(file, std::ios::binary);
-    const Stream bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    const cv::Mat grey = bytes.empty() ? cv::Mat() : cv::imdecode(bytes, cv::IMREAD_GRAYSCALE);
-    require(!grey.empty(), file);
-    Stream stream;
-    require(
-        CompressGray2Gray444(grey.data, static_cast<int>(grey.step), grey.cols, grey.rows, stream, 80, 300, 300, false),
-        "CompressGray2Gray444");
-    return stream;
+                    work == Work::kToJpeg ? "straightened, filtered, JPEG" : "straightened, 1 bit", all[i].name.c_str(),
+                    1000 * median(results[i].seconds), median(results[i].ratios), median(results[i].megabytes),
+                    results[i].steps.c_str());
 }
 
 }    // namespace
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: opcv_dlib_pipeline PAGE.jpg [ROUNDS]\n");
+        std::fprintf(stderr, "usage: opcv_dlib_pipeline GREY.jpg [NAME=PROGRAM...]\n");
         return 2;
     }
     cv::setNumThreads(1);
-    InitializeMagick(argv[0]);
-    SetMagickResourceLimit(ThreadsResource, 1);
-    const Stream stream = greyStream(argv[1]);
-    const int rounds = argc > 2 ? std::stoi(argv[2]) : 9;
+    std::ifstream in(argv[1], std::ios::binary);
+    const Stream stream((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    require(!stream.empty(), argv[1]);
+    std::vector<Program> programs;
+    for (const std::string& argument : std::vector<std::string>(argv + 2, argv + argc)) {
+        const size_t equals = argument.find('=');
+        require(equals != std::string::npos, argument.c_str());
+        programs.push_back({argument.substr(0, equals), argument.substr(equals + 1)});
+    }
     std::printf("work\tpage\ttool\tms\tratio\tpeak_mb\tsteps\n");
-    for (const Work work : {Work::kToJpeg, Work::kToBits}) compareTools(work, stream, rounds);
+    std::fflush(stdout);
+    const std::vector<Contender> all = contenders(programs, stream, argv[1]);
+    for (const Work work : {Work::kToJpeg, Work::kToBits}) {
+        compare(work, all);
+        std::fflush(stdout);
+    }
     return 0;
 }

@@ -40,12 +40,10 @@ static VipsImage* deskew(int which) {
     const int width = vips_image_get_width(pages[which]), height = vips_image_get_height(pages[which]);
     const double x = (width - 1) / 2.0, y = (height - 1) / 2.0;
     VipsArrayInt* whole = vips_array_int_newv(4, 0, 0, width, height);
-    VipsArrayDouble* white = vips_array_double_newv(1, 255.0);
     VipsImage* lazy = NULL;
-    vips_affine(pages[which], &lazy, c, s, -s, c, "idx", -x, "idy", -y, "odx", x, "ody", y, "oarea", whole,
-                "background", white, NULL);
+    vips_affine(pages[which], &lazy, c, s, -s, c, "idx", -x, "idy", -y, "odx", x, "ody", y, "oarea", whole, "extend",
+                VIPS_EXTEND_WHITE, NULL);
     vips_area_unref(VIPS_AREA(whole));
-    vips_area_unref(VIPS_AREA(white));
     return inMemory(lazy);
 }
 
