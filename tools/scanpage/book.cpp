@@ -7,22 +7,13 @@
 
 #include "result_mark.h"
 
-namespace {
-
-std::string folderOf(const std::string& file) {
-    const std::string folder = std::filesystem::path(file).parent_path().string();
-    return folder.empty() ? "." : folder;
-}
-
-}    // namespace
-
 Book::Book(const std::string& pdf, const std::string& tiff, const InputIds& inputs)
-    : inputs_(inputs), pdf_(open(pdf)), tiff_(open(tiff)), spool_(folderOf(pdf.empty() ? tiff : pdf)) {}
+    : inputs_(inputs), pdf_(open(pdf)), tiff_(open(tiff)), spool_((pdf_ ? pdf_ : tiff_)->folder.path()) {}
 
-std::optional<Book::File> Book::open(const std::string& path) const {
+std::optional<OutputPlace> Book::open(const std::string& path) const {
     if (path.empty()) return std::nullopt;
-    File file{OutputFolder(folderOf(path)), std::filesystem::path(path).filename().string()};
-    requireEarlierBook(examine(file.folder, file.name), file.folder.pathOf(file.name), inputs_);
+    OutputPlace file = placeOf(path);
+    requireEarlierBook(examine(file.folder, file.name), file.path(), inputs_);
     return file;
 }
 
@@ -39,9 +30,9 @@ void Book::write() {
     if (tiff_) writeFile(*tiff_, writeTiff);
 }
 
-void Book::writeFile(const File& file, Writer writer) const {
+void Book::writeFile(const OutputPlace& file, Writer writer) const {
     const Existing existing = examine(file.folder, file.name);
-    requireEarlierBook(existing, file.folder.pathOf(file.name), inputs_);
+    requireEarlierBook(existing, file.path(), inputs_);
     file.folder.write(file.name, existing.id, [&](UnnamedFile& unnamed) {
         const std::string title = std::filesystem::path(file.name).stem().string();
         writer(pages_, spool_, unnamed, title, resultMark(0, "book"));

@@ -34,16 +34,12 @@ public:
     size_t pages() const { return pages_.size(); }
 
 private:
-    struct File {
-        OutputFolder folder;
-        std::string name;
-    };
     using Writer = void (*)(const BookPages&, const Spool&, UnnamedFile&, const std::string&, const std::string&);
-    void writeFile(const File& file, Writer writer) const;
-    std::optional<File> open(const std::string& path) const;
+    void writeFile(const OutputPlace& file, Writer writer) const;
+    std::optional<OutputPlace> open(const std::string& path) const;
 
     const InputIds& inputs_;
-    std::optional<File> pdf_, tiff_;
+    std::optional<OutputPlace> pdf_, tiff_;
     Spool spool_;
     std::mutex mutex_;
     BookPages pages_;

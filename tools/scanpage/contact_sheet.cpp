@@ -122,16 +122,10 @@ void addMark(std::vector<uint8_t>& png, const std::string& name) {
     putBigEndian(type + content.size(), crcOf(type, content.size()));
 }
 
-std::string folderOf(const std::string& file) {
-    const std::string folder = std::filesystem::path(file).parent_path().string();
-    return folder.empty() ? "." : folder;
-}
-
 }    // namespace
 
-ContactSheet::ContactSheet(const std::string& file, const Rules& rules)
-    : folder_(folderOf(file)), name_(std::filesystem::path(file).filename().string()), rules_(rules) {
-    requireReplaceable(examine(folder_, name_), folder_.pathOf(name_), rules_);
+ContactSheet::ContactSheet(const std::string& file, const Rules& rules) : place_(placeOf(file)), rules_(rules) {
+    requireReplaceable(examine(place_.folder, place_.name), place_.path(), rules_);
 }
 
 void ContactSheet::add(const PageOrder& order, SheetEntry entry) {
@@ -160,9 +154,9 @@ std::vector<uint8_t> ContactSheet::drawn() const {
 
 void ContactSheet::write() const {
     if (entries_.empty()) return;
-    const Existing existing = examine(folder_, name_);
-    requireReplaceable(existing, folder_.pathOf(name_), rules_);
+    const Existing existing = examine(place_.folder, place_.name);
+    requireReplaceable(existing, place_.path(), rules_);
     std::vector<uint8_t> png = drawn();
-    addMark(png, name_);
-    folder_.write(name_, png, existing.id);
+    addMark(png, place_.name);
+    place_.folder.write(place_.name, png, existing.id);
 }

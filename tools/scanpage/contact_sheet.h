@@ -30,8 +30,7 @@ public:
 private:
     std::vector<uint8_t> drawn() const;
 
-    OutputFolder folder_;
-    std::string name_;
+    OutputPlace place_;
     Rules rules_;
     std::mutex mutex_;
     std::map<PageOrder, SheetEntry> entries_;

@@ -22,12 +22,16 @@ Descriptor openInput(const std::string& file) {
     return descriptor;
 }
 
+void requireSize(uintmax_t size) {
+    if (size > std::numeric_limits<int>::max()) throw std::runtime_error("is too large to be a page");
+    if (size == 0) throw std::runtime_error("is empty");
+}
+
 size_t sizeOf(const Descriptor& descriptor) {
     struct stat status {};
     if (fstat(descriptor.get(), &status) != 0) failToRead();
     if (!S_ISREG(status.st_mode)) throw std::runtime_error("is not a regular file");
-    if (status.st_size > std::numeric_limits<int>::max()) throw std::runtime_error("is too large to be a page");
-    if (status.st_size == 0) throw std::runtime_error("is empty");
+    requireSize(static_cast<uintmax_t>(status.st_size));
     return static_cast<size_t>(status.st_size);
 }
 
@@ -41,6 +45,10 @@ void addInput(const std::string& file, InputIds& inputs) {
 
 InputFile::InputFile(const std::string& file) : descriptor_(openInput(file)), size_(sizeOf(descriptor_)) {}
 
+InputFile::InputFile(std::vector<uint8_t> bytes) : memory_(std::move(bytes)), size_(memory_.size()) {
+    requireSize(size_);
+}
+
 void InputFile::append(std::vector<uint8_t>& bytes, size_t size) {
     const size_t start = bytes.size();
     const size_t wanted = std::min(size, size_ - std::min(place_, size_));
@@ -50,6 +58,18 @@ void InputFile::append(std::vector<uint8_t>& bytes, size_t size) {
 }
 
 size_t InputFile::readAt(size_t place, void* bytes, size_t size) {
+    const size_t filled = descriptor_.isOpen() ? readDisk(place, bytes, size) : readMemory(place, bytes, size);
+    place_ = place + filled;
+    return filled;
+}
+
+size_t InputFile::readMemory(size_t place, void* bytes, size_t size) const {
+    const size_t count = std::min(size, size_ - std::min(place, size_));
+    std::copy_n(memory_.data() + std::min(place, size_), count, static_cast<uint8_t*>(bytes));
+    return count;
+}
+
+size_t InputFile::readDisk(size_t place, void* bytes, size_t size) {
     if (place != place_ && lseek(descriptor_.get(), static_cast<off_t>(place), SEEK_SET) < 0) failToRead();
     size_t filled = 0;
     while (filled < size) {
@@ -59,6 +79,5 @@ size_t InputFile::readAt(size_t place, void* bytes, size_t size) {
         if (got == 0) break;
         filled += static_cast<size_t>(got);
     }
-    place_ = place + filled;
     return filled;
 }

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
@@ -40,22 +41,41 @@ void OutputFolder::write(const std::string& name, const std::vector<uint8_t>& by
     write(name, replaced, [&](UnnamedFile& file) { file.write(bytes); });
 }
 
-void OutputFolder::write(const std::string& name, const std::optional<FileId>& replaced,
-                         const std::function<void(UnnamedFile&)>& fill) const {
+template <class Work>
+auto OutputFolder::explained(const std::string& name, const Work& work) const {
     try {
-        UnnamedFile file(descriptor_.get());
-        fill(file);
-        file.sync();
-        if (replaced) {
-            checkStillThere(name, *replaced);
-            file.replace(name);
-        } else {
-            file.giveName(name);
-        }
-        sync();
+        return work();
     } catch (const std::system_error& e) {
         throw std::runtime_error(pathOf(name) + " cannot be written: " + std::strerror(e.code().value()));
     }
+}
+
+void OutputFolder::write(const std::string& name, const std::optional<FileId>& replaced,
+                         const std::function<void(UnnamedFile&)>& fill) const {
+    explained(name, [&] {
+        UnnamedFile file(descriptor_.get());
+        fill(file);
+        nameFile(file, name, replaced);
+    });
+}
+
+UnnamedFile OutputFolder::create(const std::string& name) const {
+    return explained(name, [&] { return UnnamedFile(descriptor_.get()); });
+}
+
+void OutputFolder::publish(UnnamedFile& file, const std::string& name, const std::optional<FileId>& replaced) const {
+    explained(name, [&] { nameFile(file, name, replaced); });
+}
+
+void OutputFolder::nameFile(UnnamedFile& file, const std::string& name, const std::optional<FileId>& replaced) const {
+    file.sync();
+    if (replaced) {
+        checkStillThere(name, *replaced);
+        file.replace(name);
+    } else {
+        file.giveName(name);
+    }
+    sync();
 }
 
 void OutputFolder::checkStillThere(const std::string& name, const FileId& replaced) const {
@@ -66,4 +86,10 @@ void OutputFolder::checkStillThere(const std::string& name, const FileId& replac
 // The name is on disk after this. Some file systems keep names without being asked, and cannot be asked.
 void OutputFolder::sync() const {
     if (fsync(descriptor_.get()) != 0 && errno != EINVAL) throw std::system_error(errno, std::generic_category());
+}
+
+OutputPlace placeOf(const std::string& path) {
+    const std::filesystem::path file(path);
+    const std::string folder = file.parent_path().string();
+    return {OutputFolder(folder.empty() ? "." : folder), file.filename().string()};
 }

@@ -33,13 +33,30 @@ public:
     void write(const std::string& name, const std::optional<FileId>& replaced,
                const std::function<void(UnnamedFile&)>& fill) const;
 
-    // The path of a file, for messages.
+    // The steps of writing: a new file, and its name.
+    UnnamedFile create(const std::string& name) const;
+    void publish(UnnamedFile& file, const std::string& name, const std::optional<FileId>& replaced) const;
+
+    // The path of a file is for messages.
+    const std::string& path() const { return path_; }
     std::string pathOf(const std::string& name) const { return path_ + "/" + name; }
 
 private:
+    template <class Work>
+    auto explained(const std::string& name, const Work& work) const;
+    void nameFile(UnnamedFile& file, const std::string& name, const std::optional<FileId>& replaced) const;
     void checkStillThere(const std::string& name, const FileId& replaced) const;
     void sync() const;
 
     std::string path_;
     Descriptor descriptor_;
 };
+
+// A file to be written.
+struct OutputPlace {
+    OutputFolder folder;
+    std::string name;
+
+    std::string path() const { return folder.pathOf(name); }
+};
+OutputPlace placeOf(const std::string& path);

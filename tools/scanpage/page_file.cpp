@@ -14,7 +14,6 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr size_t kPiece = 65536;
-constexpr size_t kSignature = 16;    // bytes that tell one format from the others
 
 bool beginsWith(const std::vector<uint8_t>& bytes, std::string_view start) {
     return bytes.size() >= start.size() && std::equal(start.begin(), start.end(), bytes.begin(),
@@ -26,6 +25,10 @@ bool isTiff(const std::vector<uint8_t>& bytes) {
         if (beginsWith(bytes, start)) return true;
     return false;
 }
+
+bool isJpeg(const std::vector<uint8_t>& bytes) { return beginsWith(bytes, "\xFF\xD8"sv); }
+
+bool isPng(const std::vector<uint8_t>& bytes) { return beginsWith(bytes, "\x89PNG\r\n\x1A\n\0\0\0\rIHDR"sv); }
 
 bool isPnm(const std::vector<uint8_t>& bytes) {
     if (bytes.size() < 3 || bytes[0] != 'P' || bytes[1] < '1' || bytes[1] > '6') return false;
@@ -43,14 +46,16 @@ void readJpeg(InputFile& file, std::vector<uint8_t>& bytes) {
 
 }    // namespace
 
-PageFile::PageFile(const std::string& file) : file_(file) {
+bool beginsLikePage(const std::vector<uint8_t>& bytes) { return isJpeg(bytes) || isPng(bytes) || isTiff(bytes); }
+
+PageFile::PageFile(InputFile file) : file_(std::move(file)) {
     file_.append(stream_, kSignature);
-    if (beginsWith(stream_, "\xFF\xD8"sv)) {
+    if (isJpeg(stream_)) {
         readJpeg(file_, stream_);
         decodeStream_ = decodeJpeg;
     } else if (isTiff(stream_)) {
         tiff_.emplace(file_);
-    } else if (beginsWith(stream_, "\x89PNG\r\n\x1A\n\0\0\0\rIHDR"sv)) {
+    } else if (isPng(stream_)) {
         decodeStream_ = decodePng;
     } else if (isPnm(stream_)) {
         file_.append(stream_, kPiece);

@@ -10,11 +10,15 @@
 #include "input_file.h"
 #include "tiff_file.h"
 
+// Whether these first bytes of a file are those of a JPEG, PNG or TIFF. PNM begins with too few letters to tell.
+constexpr size_t kSignature = 16;    // as many bytes as it takes
+bool beginsLikePage(const std::vector<uint8_t>& bytes);
+
 class PageFile {
 public:
-    // Throws if it cannot be read or is none of them. Reading stops at the first bytes that cannot belong to a page,
+    // Throws if the file cannot be read or is none of them. Reading stops at the first bytes that cannot belong to a page,
     // so a large file of another kind costs nothing.
-    explicit PageFile(const std::string& file);
+    explicit PageFile(InputFile file);
     PageFile(const PageFile&) = delete;
     PageFile& operator=(const PageFile&) = delete;
 

@@ -51,7 +51,7 @@ public:
         filter();
     }
 
-    void write(const Results* results, bool thumbnails) {
+    void write(Results* results, bool thumbnails) {
         const bool damaged = result_.status == Status::kDamaged;
         const bool bookOfBits = options_.forBook && (isBilevel_ || !wants(Format::kJpeg));
         if (wants(Format::kPbm) || wants(Format::kG4) || bookOfBits) writeBits(results, damaged, bookOfBits);
@@ -145,7 +145,7 @@ private:
         description_.horizontalResolution = options_.dpi;
     }
 
-    void writeBits(const Results* results, bool damaged, bool forBook) {
+    void writeBits(Results* results, bool damaged, bool forBook) {
         Grey grey = greyOf(*page_);
         if (options_.background == Background::kUsual && options_.threshold < 0 && !isBilevel_) {
             grey = greyOf(flattened(pixOf(grey)).get());
@@ -164,7 +164,7 @@ private:
         watch_.lap("write 1 bit", written);
     }
 
-    void writeJpeg(const Results* results, bool damaged, bool forBook) {
+    void writeJpeg(Results* results, bool damaged, bool forBook) {
         std::vector<uint8_t> stream = jpegStream(*page_, &handle_, options_.mode);
         size_t written = 0;
         if (results && wants(Format::kJpeg))
@@ -200,7 +200,7 @@ private:
 };
 
 // True if the results of an earlier run stay.
-bool keepResults(const Results& results, const Options& options, PageResult& result) {
+bool keepResults(const FolderResults& results, const Options& options, PageResult& result) {
     if (!options.resume) return false;
     const bool ofDamagedPage = !options.refuseDamaged && results.areComplete(true);
     if (!ofDamagedPage && !results.areComplete(false)) return false;
@@ -219,7 +219,7 @@ struct Place {
 };
 
 void processPage(const Place& place, const Run& run, bool thumbnails, PageResult& result) {
-    std::optional<Results> results;
+    std::optional<FolderResults> results;
     if (run.folder) {
         results.emplace(place.resultName, place.file.sumOf(place.page), run.options, *run.folder);
         if (keepResults(*results, run.options, result)) return;
@@ -277,29 +277,58 @@ PageResult nextPage(PageResult& first, size_t page, const std::string& name) {
     return result;
 }
 
-}    // namespace
-
-void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
-                 const std::function<void(PageResult&)>& finished) {
+// Calls `open` for the file and then `work` for each of its pages, with the number of the page and that number as text,
+// which is empty if there is one page only.
+template <class Open, class Work, class Finished>
+void forEachPage(const std::string& file, const Open& open, const Work& work, const Finished& finished) {
     PageResult first;
     first.file = file;
     std::optional<PageFile> pages;
     attempt(first, [&] {
-        addInput(file, run.inputs);
         Stopwatch watch(first.stages);
-        pages.emplace(file);
+        pages.emplace(open());
         watch.lap("open", pages->bytes());
     });
     if (first.status == Status::kFailed) return finished(first);
     const size_t count = pages->pages();
     for (size_t page = 0; page < count && (page == 0 || !stopRequested()); ++page) {
-        const std::string number = padded(page + 1, count);
-        PageResult result = nextPage(first, page, count == 1 ? file : file + "#" + number);
-        attempt(result, [&] {
-            const std::string name = resultName(file) + (count == 1 ? "" : "-" + number);
-            if (count > 1 && run.folder && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
-            processPage({*pages, index, page, name}, run, thumbnails, result);
-        });
+        const std::string number = count == 1 ? "" : padded(page + 1, count);
+        PageResult result = nextPage(first, page, number.empty() ? file : file + "#" + number);
+        attempt(result, [&] { work(*pages, page, number, result); });
         finished(result);
     }
+}
+
+std::string numbered(const std::string& file, const std::string& number) {
+    return resultName(file) + (number.empty() ? "" : "-" + number);
+}
+
+}    // namespace
+
+void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
+                 const std::function<void(PageResult&)>& finished) {
+    const auto open = [&] {
+        addInput(file, run.inputs);
+        return InputFile(file);
+    };
+    const auto work = [&](PageFile& pages, size_t page, const std::string& number, PageResult& result) {
+        const std::string name = numbered(file, number);
+        if (!number.empty() && run.folder && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
+        processPage({pages, index, page, name}, run, thumbnails, result);
+    };
+    forEachPage(file, open, work, finished);
+}
+
+void processMember(const std::string& name, std::vector<uint8_t> bytes, const Options& options,
+                   const std::function<void(PageResult&, std::vector<ResultFile>)>& finished) {
+    std::vector<ResultFile> files;
+    const auto open = [&] { return InputFile(std::move(bytes)); };
+    const auto work = [&](PageFile& pages, size_t page, const std::string& number, PageResult& result) {
+        MemoryResults results(numbered(name, number), pages.sumOf(page), options);
+        Pipeline pipeline(options, result);
+        pipeline.straighten(pages, page, false);
+        pipeline.write(&results, false);
+        files = results.take();
+    };
+    forEachPage(name, open, work, [&](PageResult& result) { finished(result, std::exchange(files, {})); });
 }

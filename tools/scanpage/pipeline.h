@@ -39,3 +39,7 @@ struct Run {
 // small pictures of the page before and after.
 void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
                  const std::function<void(PageResult&)>& finished);
+
+// The same for a file in memory, whose results stay in memory. A page that fails has none.
+void processMember(const std::string& name, std::vector<uint8_t> bytes, const Options& options,
+                   const std::function<void(PageResult&, std::vector<ResultFile>)>& finished);

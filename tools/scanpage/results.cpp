@@ -20,7 +20,8 @@ const char* endingOf(Format format) {
     return ".jpg";
 }
 
-// The options that decide about the bytes of a result, as one would give them.
+}    // namespace
+
 std::string optionsText(const Options& options, Format format) {
     static const std::map<Median, const char*> kMedians = {
         {Median::kCross, "cross"}, {Median::kWeighted, "weighted"}, {Median::kColour, "colour"}};
@@ -40,9 +41,7 @@ std::string optionsText(const Options& options, Format format) {
     return text.empty() ? "none" : text.substr(1);
 }
 
-}    // namespace
-
-Existing examine(const OutputFolder& folder, const std::string& name) {
+Existing identify(const OutputFolder& folder, const std::string& name) {
     const std::optional<struct stat> there = folder.find(name);
     if (!there) return {};
     Existing existing;
@@ -51,6 +50,12 @@ Existing examine(const OutputFolder& folder, const std::string& name) {
     if (!S_ISREG(there->st_mode)) return existing;
     existing.size = static_cast<size_t>(there->st_size);
     existing.isEmptyFile = existing.size == 0;
+    return existing;
+}
+
+Existing examine(const OutputFolder& folder, const std::string& name) {
+    Existing existing = identify(folder, name);
+    if (existing.size == 0) return existing;
     if (const Descriptor file = folder.openForReading(name); file.isOpen()) existing.mark = markOf(file.get(), name);
     return existing;
 }
@@ -77,37 +82,47 @@ std::string nameIsUsed(const std::string& resultName) {
     return "another page has already used the name " + resultName + " for its results";
 }
 
-Results::Results(const std::string& name, uint64_t pageSum, const Options& options, const OutputFolder& folder)
-    : name_(name), pageSum_(pageSum), options_(options), folder_(folder) {
+std::string Results::markFor(Format format, bool pageIsDamaged) const {
+    return resultMark(pageSum_, optionsText(options_, format) + (pageIsDamaged ? ", page damaged" : ""));
+}
+
+size_t Results::write(Format format, std::vector<uint8_t> file) {
+    const size_t size = file.size();
+    seal(file, nameOf(format));
+    store(format, std::move(file));
+    return size;
+}
+
+std::string Results::nameOf(Format format) const { return name_ + endingOf(format); }
+
+FolderResults::FolderResults(const std::string& name, uint64_t pageSum, const Options& options,
+                             const OutputFolder& folder)
+    : Results(name, pageSum, options), folder_(folder) {
     for (const Format format : options.formats) existing_[format] = examine(folder, nameOf(format));
 }
 
-void Results::requireReplaceable(const Rules& rules) const {
+void FolderResults::requireReplaceable(const Rules& rules) const {
     for (const auto& [format, existing] : existing_)
         ::requireReplaceable(existing, folder_.pathOf(nameOf(format)), rules);
 }
 
-bool Results::areComplete(bool ofDamagedPage) const {
+bool FolderResults::areComplete(bool ofDamagedPage) const {
     for (const auto& [format, existing] : existing_)
         if (existing.mark != markFor(format, ofDamagedPage)) return false;
     return true;
 }
 
-size_t Results::bytes() const {
+size_t FolderResults::bytes() const {
     size_t sum = 0;
     for (const auto& [format, existing] : existing_) sum += existing.size;
     return sum;
 }
 
-std::string Results::markFor(Format format, bool pageIsDamaged) const {
-    return resultMark(pageSum_, optionsText(options_, format) + (pageIsDamaged ? ", page damaged" : ""));
+// In place of what was there.
+void FolderResults::store(Format format, std::vector<uint8_t> file) {
+    folder_.write(nameOf(format), file, existing_.at(format).id);
 }
 
-size_t Results::write(Format format, std::vector<uint8_t> file) const {
-    const std::string name = nameOf(format);
-    seal(file, name);
-    folder_.write(name, file, existing_.at(format).id);
-    return file.size();
+void MemoryResults::store(Format format, std::vector<uint8_t> file) {
+    files_.push_back({nameOf(format), std::move(file)});
 }
-
-std::string Results::nameOf(Format format) const { return name_ + endingOf(format); }

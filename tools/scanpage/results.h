@@ -23,6 +23,7 @@ struct Existing {
     std::string mark;    // only of a whole file that scanpage made
 };
 Existing examine(const OutputFolder& folder, const std::string& name);
+Existing identify(const OutputFolder& folder, const std::string& name);    // without its mark
 
 // Throws if the rules forbid to replace what is there.
 void requireReplaceable(const Existing& existing, const std::string& path, const Rules& rules);
@@ -36,10 +37,38 @@ void requireEarlierBook(const Existing& existing, const std::string& path, const
 std::string resultName(const std::string& file);
 std::string nameIsUsed(const std::string& resultName);
 
-// The results of a page that were there before it is worked on.
+// The options that decide about the bytes of a result, as one would give them.
+std::string optionsText(const Options& options, Format format);
+
+// The results of a page. Wherever they go, they have the same names, marks and seals.
 class Results {
 public:
-    Results(const std::string& name, uint64_t pageSum, const Options& options, const OutputFolder& folder);
+    Results(std::string name, uint64_t pageSum, const Options& options)
+        : name_(std::move(name)), pageSum_(pageSum), options_(options) {}
+    virtual ~Results() = default;
+    Results(const Results&) = delete;
+    Results& operator=(const Results&) = delete;
+
+    std::string markFor(Format format, bool pageIsDamaged) const;
+
+    // Seals and stores a result. Returns its size.
+    size_t write(Format format, std::vector<uint8_t> file);
+
+protected:
+    std::string nameOf(Format format) const;
+
+private:
+    virtual void store(Format format, std::vector<uint8_t> file) = 0;
+
+    std::string name_;    // without ending
+    uint64_t pageSum_;
+    const Options& options_;
+};
+
+// In a folder, where some may be from an earlier run.
+class FolderResults final : public Results {
+public:
+    FolderResults(const std::string& name, uint64_t pageSum, const Options& options, const OutputFolder& folder);
 
     void requireReplaceable(const Rules& rules) const;
 
@@ -48,17 +77,27 @@ public:
 
     size_t bytes() const;
 
-    std::string markFor(Format format, bool pageIsDamaged) const;
-
-    // Seals and writes a result in place of what was there. Returns its size.
-    size_t write(Format format, std::vector<uint8_t> file) const;
-
 private:
-    std::string nameOf(Format format) const;
+    void store(Format format, std::vector<uint8_t> file) override;
 
-    std::string name_;    // without ending
-    uint64_t pageSum_;
-    const Options& options_;
     const OutputFolder& folder_;
     std::map<Format, Existing> existing_;
+};
+
+// A result in memory.
+struct ResultFile {
+    std::string name;
+    std::vector<uint8_t> bytes;
+};
+
+class MemoryResults final : public Results {
+public:
+    using Results::Results;
+
+    std::vector<ResultFile> take() { return std::move(files_); }
+
+private:
+    void store(Format format, std::vector<uint8_t> file) override;
+
+    std::vector<ResultFile> files_;
 };

@@ -57,6 +57,8 @@ void UnnamedFile::write(const std::vector<uint8_t>& bytes) {
     }
 }
 
+void UnnamedFile::write(const std::string& text) { write(std::vector<uint8_t>(text.begin(), text.end())); }
+
 void UnnamedFile::sync() {
     if (fsync(descriptor_.get()) != 0) fail();
 }

@@ -20,6 +20,7 @@ public:
     UnnamedFile& operator=(const UnnamedFile&) = delete;
 
     void write(const std::vector<uint8_t>& bytes);
+    void write(const std::string& text);
     void sync();
     int descriptor() const { return descriptor_.get(); }    // for reading and writing
 
