@@ -13,8 +13,11 @@
 
 #include "escape.h"
 #include "filter.h"
+#include "manifest.h"
 
 namespace {
+
+const std::map<std::string, Format> kFormats = {{"jpeg", Format::kJpeg}, {"pbm", Format::kPbm}, {"g4", Format::kG4}};
 
 // The name of a page must not be taken for the name of a result, as in "--contact-sheet scans/*.jpg".
 std::function<std::string(const std::string&)> endsIn(const std::vector<std::string>& endings) {
@@ -24,6 +27,47 @@ std::function<std::string(const std::string&)> endsIn(const std::vector<std::str
         if (std::find(endings.begin(), endings.end(), ending) != endings.end()) return std::string();
         return file + " does not end in " + endings.front() + "; the option needs the name of its result";
     };
+}
+
+void addShardOptions(CLI::App& app, ShardSettings& shard) {
+    auto* tar = app.add_flag("--tar", shard.on,
+                             "Straighten the pages of a tar, PAGE, into another, OUTPUT; - is a standard stream");
+    app.add_option("--manifest", shard.manifest,
+                   "What became of each member of the tar, as lines of JSON; OUTPUT.manifest.jsonl by default")
+        ->type_name("FILE")
+        ->needs(tar);
+    app.add_option("--other", shard.dropOthers, "Members of the tar that are no page")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, bool>{{"pass", false}, {"drop", true}}))
+        ->needs(tar);
+    app.add_option("--compress", shard.compression, "Compression of the tar; by the ending of its name if not given")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, Compression>{
+            {"none", Compression::kNone}, {"gzip", Compression::kGzip}, {"zstd", Compression::kZstd}}))
+        ->needs(tar);
+}
+
+// Whatever the parser cannot check itself.
+void check(const CLI::App& app, const Settings& settings) {
+    const Options& page = settings.page;
+    if (settings.pages.empty() && app.count("--from") == 0) throw CLI::RequiredError("PAGE or --from");
+    if (settings.folder.empty() && !page.forBook) throw CLI::RequiredError("--output, --pdf or --tiff");
+    if (page.resume && page.forBook)
+        throw CLI::ValidationError("--resume", "a PDF or TIFF of all pages needs all of them worked on again");
+    if (app.count("--from") > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
+    if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
+    if (!settings.shard.on && app.count("--output") > 0)
+        if (const std::string fault = CLI::ExistingDirectory(settings.folder); !fault.empty())
+            throw CLI::ValidationError("--output", fault);
+}
+
+void checkShard(const CLI::App& app, const Settings& settings) {
+    for (const char* option : {"--from", "--pdf", "--tiff", "--contact-sheet", "--resume"})
+        if (app.count(option) > 0) throw CLI::ValidationError("--tar", std::string("excludes ") + option);
+    if (settings.pages.size() != 1) throw CLI::ValidationError("--tar", "takes one tar");
+    if (settings.page.formats.size() != 1) throw CLI::ValidationError("--tar", "takes one --format");
+    if (app.count("--manifest") > 0 && settings.shard.manifest.empty())
+        throw CLI::ValidationError("--manifest", "the name is empty");
+    if (settings.shard.manifest == settings.folder)
+        throw CLI::ValidationError("--manifest", "has the name of the output");
 }
 
 int reportUsage(const CLI::App& app, const CLI::ParseError& e) {
@@ -46,12 +90,10 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
 
     CLI::App app("Straightens scanned pages.", "scanpage");
     app.add_option("pages", settings.pages, "JPEG, PNG, TIFF and PNM files")->type_name("PAGE");
-    auto* list =
-        app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
-            ->type_name("LIST");
+    app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
+        ->type_name("LIST");
     app.add_flag("-0,--null", nul, "Names in the list end with a NUL character instead of a line feed");
-    app.add_option("-o,--output", settings.folder, "Folder for the results of each page")
-        ->check(CLI::ExistingDirectory);
+    app.add_option("-o,--output", settings.folder, "Folder for the results of each page; with --tar, the tar to write");
     app.add_option("--pdf", settings.pdf, "One PDF of all pages")->type_name("FILE.pdf")->check(endsIn({".pdf"}));
     app.add_option("--tiff", settings.tiff, "One TIFF of all pages")
         ->type_name("FILE.tif")
@@ -61,6 +103,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         ->delimiter(',')
         ->allow_extra_args(false)
         ->capture_default_str();
+    addShardOptions(app, settings.shard);
     app.add_flag("--resume", page.resume, "Keep results that are complete and made with the same options");
     app.add_flag("--overwrite", settings.overwrite, "Replace files that scanpage did not make");
     app.add_option("--damaged", damaged, "Damaged pages: keep what is left of them, or refuse them")
@@ -103,21 +146,17 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         "last page.");
     try {
         app.parse(argc, argv);
-        if (settings.pages.empty() && list->count() == 0) throw CLI::RequiredError("PAGE or --from");
         page.forBook = !settings.pdf.empty() || !settings.tiff.empty();
-        if (settings.folder.empty() && !page.forBook) throw CLI::RequiredError("--output, --pdf or --tiff");
-        if (page.resume && page.forBook)
-            throw CLI::ValidationError("--resume", "a PDF or TIFF of all pages needs all of them worked on again");
-        if (list->count() > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
-        if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
+        for (const std::string& format : formats) page.formats.insert(kFormats.at(format));
+        check(app, settings);
+        if (settings.shard.on) checkShard(app, settings);
     } catch (const CLI::ParseError& e) {
         exitStatus = reportUsage(app, e);
         return false;
     }
 
-    static const std::map<std::string, Format> kFormats = {
-        {"jpeg", Format::kJpeg}, {"pbm", Format::kPbm}, {"g4", Format::kG4}};
-    for (const std::string& format : formats) page.formats.insert(kFormats.at(format));
+    if (settings.shard.on && settings.shard.manifest.empty() && settings.folder != "-")
+        settings.shard.manifest = manifestNameOf(settings.folder);
     page.skewGiven = angle->count() > 0;
     if (!background.empty()) page.background = background == "keep" ? Background::kKeep : Background::kFlatten;
     page.refuseDamaged = damaged == "refuse";

@@ -5,16 +5,26 @@
 #pragma once
 
 #include "page.h"
+#include "tar_writer.h"
+
+// A tar of pages in, a tar of results out.
+struct ShardSettings {
+    bool on = false;
+    bool dropOthers = false;    // members that are no page
+    std::string manifest;       // empty: none
+    Compression compression = Compression::kByName;
+};
 
 struct Settings {
     Options page;
     std::vector<std::string> pages;
     std::string list;         // file with more names; "-": standard input
-    std::string folder;       // for the results; empty: none are written but a book
+    std::string folder;       // for the results; empty: none are written but a book. Of a shard, the tar
     std::string pdf, tiff;    // names of books
     bool overwrite = false;
     char separator = '\n';
     std::string contactSheet;
+    ShardSettings shard;
     int jobs = 1;
     bool verbose = false;
 };

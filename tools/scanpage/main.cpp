@@ -19,6 +19,7 @@
 #include "page_list.h"
 #include "page_report.h"
 #include "pipeline.h"
+#include "shard_run.h"
 #include "stop.h"
 #include "thread_pool.h"
 
@@ -97,6 +98,7 @@ int run(int argc, char** argv) {
     if (!parseCommandLine(argc, argv, settings, exitStatus)) return exitStatus;
     silenceLibraries();
     catchStopSignals();
+    if (settings.shard.on) return runShard(settings);
 
     InputIds inputs;
     for (const std::string& file : settings.pages) addInput(file, inputs);

@@ -16,10 +16,6 @@
 #include "escape.h"
 #include "stop.h"
 
-namespace {
-
-constexpr double kMegabyte = 1024.0 * 1024.0;
-
 const char* nameOf(Status status) {
     switch (status) {
         case Status::kDone: return "done";
@@ -29,6 +25,10 @@ const char* nameOf(Status status) {
     }
     return "failed";
 }
+
+namespace {
+
+constexpr double kMegabyte = 1024.0 * 1024.0;
 
 std::string number(const char* format, double value) {
     char text[64];
@@ -69,15 +69,15 @@ void beginOnFreshLine() {
 
 }    // namespace
 
-PageReport::PageReport(size_t pages, bool verbose)
-    : progress_(pages), verbose_(verbose), linesOnTerminal_(isatty(STDOUT_FILENO) != 0) {
-    beginOnFreshLine();
+PageReport::PageReport(size_t pages, bool verbose, bool lines)
+    : progress_(pages), verbose_(verbose), lines_(lines), linesOnTerminal_(lines && isatty(STDOUT_FILENO) != 0) {
+    if (lines_) beginOnFreshLine();
 }
 
 void PageReport::add(const PageResult& result) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (linesOnTerminal_ || verbose_ || !result.fault.empty()) progress_.clear();
-    writeLine(result);
+    if (lines_) writeLine(result);
     print(result);
     count(result);
     progress_.show(done_ + kept_ + damaged_ + failed_, worked_);

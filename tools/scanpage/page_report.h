@@ -9,10 +9,13 @@
 #include "page.h"
 #include "progress.h"
 
+// As the report has it.
+const char* nameOf(Status status);
+
 class PageReport {
 public:
-    // `pages` is 0 if their number is not known.
-    PageReport(size_t pages, bool verbose);
+    // `pages` is 0 if their number is not known. Without `lines` standard output stays free for something else.
+    PageReport(size_t pages, bool verbose, bool lines = true);
 
     // From any thread. If standard output fails, the program is asked to stop.
     void add(const PageResult& result);
@@ -32,6 +35,7 @@ private:
     std::mutex mutex_;
     Progress progress_;
     bool verbose_;
+    bool lines_;
     bool linesOnTerminal_;
     bool lineLost_ = false;
     bool lineCut_ = false;

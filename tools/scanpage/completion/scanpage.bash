@@ -3,35 +3,42 @@
 
 # Completion of scanpage for bash.
 _scanpage() {
-    local word=${COMP_WORDS[COMP_CWORD]} words= ending
+    local word=${COMP_WORDS[COMP_CWORD]} words= ending endings='jpg jpeg png tif tiff pnm pbm pgm ppm'
     COMPREPLY=()
     case ${COMP_WORDS[COMP_CWORD - 1]} in
         --format) words='jpeg pbm g4' ;;
         --damaged) words='keep refuse' ;;
         --background) words='keep flatten' ;;
         --median) words='none cross weighted colour' ;;
+        --other) words='pass drop' ;;
+        --compress) words='none gzip zstd' ;;
         --mode) words='0 286 389 450 788' ;;
         -o | --output)
-            mapfile -t COMPREPLY < <(compgen -d -- "$word")
+            if [[ " ${COMP_WORDS[*]} " == *' --tar '* ]]; then
+                mapfile -t COMPREPLY < <(compgen -f -- "$word")
+            else
+                mapfile -t COMPREPLY < <(compgen -d -- "$word")
+            fi
             return
             ;;
-        --from | --contact-sheet | --pdf | --tiff)
+        --from | --manifest | --contact-sheet | --pdf | --tiff)
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
             ;;
         -j | --jobs | --angle | --denoise | --assume-dpi | --dpi | --threshold) return ;;    # a number
         *)
             if [[ $word != -* ]]; then
+                [[ " ${COMP_WORDS[*]} " != *' --tar '* ]] || endings='tar gz tgz bz2 xz lz4 zst'
                 mapfile -t COMPREPLY < <(
                     compgen -d -- "$word"
-                    for ending in jpg jpeg png tif tiff pnm pbm pgm ppm; do
+                    for ending in $endings; do
                         compgen -f -X "!*.$ending" -- "$word"
                         compgen -f -X "!*.${ending^^}" -- "$word"
                     done
                 )
                 return
             fi
-            words='-h --help --from -0 --null -o --output --pdf --tiff --format --resume --overwrite --damaged -j --jobs
+            words='-h --help --from -0 --null -o --output --pdf --tiff --format --tar --manifest --other --compress --resume --overwrite --damaged -j --jobs
                 --angle --orient --background --denoise --median --assume-dpi --dpi --mode --threshold --contact-sheet -v --verbose'
             ;;
     esac
