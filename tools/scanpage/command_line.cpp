@@ -70,16 +70,17 @@ void checkShard(const CLI::App& app, const Settings& settings) {
         throw CLI::ValidationError("--manifest", "has the name of the output");
 }
 
+}    // namespace
+
 int reportUsage(const CLI::App& app, const CLI::ParseError& e) {
     if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
         std::fputs(app.help().c_str(), stdout);
         return kAllDone;
     }
-    std::fprintf(stderr, "scanpage: %s\nscanpage --help prints the options.\n", escaped(e.what()).c_str());
+    std::fprintf(stderr, "scanpage: %s\n%s --help prints the options.\n", escaped(e.what()).c_str(),
+                 app.get_name().c_str());
     return kUsage;
 }
-
-}    // namespace
 
 bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus) {
     Options& page = settings.page;

@@ -7,6 +7,11 @@
 #include "page.h"
 #include "tar_writer.h"
 
+namespace CLI {
+class App;
+class ParseError;
+}    // namespace CLI
+
 // A tar of pages in, a tar of results out.
 struct ShardSettings {
     bool on = false;
@@ -33,3 +38,6 @@ enum ExitStatus { kAllDone = 0, kSomeBad = 1, kUsage = 2, kStopped = 3 };
 
 // False if there is nothing to do: help was asked for, or the arguments are wrong. `exitStatus` is set then.
 bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus);
+
+// Prints the help, or what is wrong. Returns the exit status.
+int reportUsage(const CLI::App& app, const CLI::ParseError& e);

@@ -16,6 +16,7 @@
 #include "contact_sheet.h"
 #include "escape.h"
 #include "input_file.h"
+#include "manifest_command.h"
 #include "page_list.h"
 #include "page_report.h"
 #include "pipeline.h"
@@ -93,6 +94,7 @@ void finish(Book& book, bool complete, size_t failed) {
 
 int run(int argc, char** argv) {
     occupyClosedStreams();
+    if (argc > 1 && std::string(argv[1]) == "manifest") return manifestCommand(argc - 1, argv + 1);
     Settings settings;
     int exitStatus = 0;
     if (!parseCommandLine(argc, argv, settings, exitStatus)) return exitStatus;

@@ -4,6 +4,7 @@
 #include "manifest.h"
 
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -14,6 +15,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kEnding = ".manifest.jsonl";
 constexpr int kVersion = 1;
 constexpr std::streamoff kLongestLine = 1 << 16;    // of the first line and the last
 
@@ -98,7 +100,13 @@ std::string lineOf(const ShardTotals& t) {
     return line.dump() + '\n';
 }
 
-std::string manifestNameOf(const std::string& output) { return output + ".manifest.jsonl"; }
+std::string manifestNameOf(const std::string& output) { return output + kEnding; }
+
+std::string outputNameOf(const std::string& manifest) {
+    const size_t length = std::strlen(kEnding);
+    const bool isUsual = manifest.size() > length && manifest.compare(manifest.size() - length, length, kEnding) == 0;
+    return isUsual ? manifest.substr(0, manifest.size() - length) : manifest;
+}
 
 std::optional<Manifest> readManifest(const std::string& name) {
     if (std::error_code error; !std::filesystem::is_regular_file(name, error))

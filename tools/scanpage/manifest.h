@@ -50,8 +50,9 @@ struct Manifest {
     std::optional<ShardTotals> totals;
 };
 
-// The name of the manifest of an output, unless another is chosen.
+// The name of the manifest of an output, unless another is chosen, and back. The name of another file stays as it is.
 std::string manifestNameOf(const std::string& output);
+std::string outputNameOf(const std::string& manifest);
 
 // Nothing if there is no such file, or if it is no manifest.
 std::optional<Manifest> readManifest(const std::string& file);

@@ -37,3 +37,6 @@ std::string sha256Of(const Bytes& bytes) {
     sum.add(bytes.data(), bytes.size());
     return sum.digits();
 }
+
+// Of a file from its start. Throws std::system_error.
+std::string sha256OfFile(int descriptor);

@@ -5,6 +5,15 @@
 _scanpage() {
     local word=${COMP_WORDS[COMP_CWORD]} words= ending endings='jpg jpeg png tif tiff pnm pbm pgm ppm'
     COMPREPLY=()
+    if [[ ${COMP_WORDS[1]} == manifest && $COMP_CWORD -gt 1 ]]; then
+        if [[ $word == -* ]]; then
+            words='-h --help --from --json --expected --retry --verify --whole'
+            mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+        else
+            mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        fi
+        return
+    fi
     case ${COMP_WORDS[COMP_CWORD - 1]} in
         --format) words='jpeg pbm g4' ;;
         --damaged) words='keep refuse' ;;
