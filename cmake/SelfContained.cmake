@@ -12,15 +12,19 @@ if(NOT OPCV_DLIB_STATIC_LIBRARIES)
 endif()
 set(OPCV_DLIB_STATIC_LIBRARIES ${OPCV_DLIB_STATIC_LIBRARIES} CACHE PATH "The folder that ./dev static has made")
 
-set(static_libraries hwy jpeg opencv_core opencv_imgproc)
-foreach(name IN LISTS static_libraries)
+# static_library(NAME): the target static_NAME of libNAME.a.
+function(static_library name)
     if(NOT EXISTS ${OPCV_DLIB_STATIC_LIBRARIES}/lib/lib${name}.a)
         message(FATAL_ERROR "There is no lib${name}.a in ${OPCV_DLIB_STATIC_LIBRARIES}/lib. Run ./dev static.")
     endif()
-    add_library(static_${name} STATIC IMPORTED)
+    add_library(static_${name} STATIC IMPORTED GLOBAL)
     set_target_properties(static_${name} PROPERTIES
         IMPORTED_LOCATION ${OPCV_DLIB_STATIC_LIBRARIES}/lib/lib${name}.a
         INTERFACE_INCLUDE_DIRECTORIES ${OPCV_DLIB_STATIC_LIBRARIES}/include)
+endfunction()
+
+foreach(name IN ITEMS hwy jpeg opencv_core opencv_imgproc)
+    static_library(${name})
 endforeach()
 set_property(TARGET static_opencv_core APPEND PROPERTY
     INTERFACE_INCLUDE_DIRECTORIES ${OPCV_DLIB_STATIC_LIBRARIES}/include/opencv4)

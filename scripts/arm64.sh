@@ -12,8 +12,8 @@ sysroot=build/sysroot-arm64
 sysroot_packages() {
     local packages=(libc6-dev "libstdc++-$(g++ -dumpversion)-dev"
         libopencv-imgproc-dev libopencv-imgcodecs-dev libjpeg62-turbo-dev libhwy-dev libgtest-dev
-        libarchive-dev libcli11-dev libleptonica-dev libpng-dev libpython3-dev libqpdf-dev libtiff-dev nettle-dev
-        nlohmann-json3-dev pybind11-dev)    # the last two rows: of the packages
+        libarchive-dev libbz2-dev libcli11-dev libleptonica-dev liblz4-dev libpng-dev libpython3-dev libqpdf-dev
+        libtiff-dev nettle-dev nlohmann-json3-dev pybind11-dev)    # the last two rows: of scanpage and the Python module
     (IFS=, && echo "${packages[*]}")
 }
 

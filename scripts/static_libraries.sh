@@ -2,12 +2,13 @@
 # SPDX-License-Identifier: MIT
 
 # shellcheck shell=bash
-# OpenCV's core and imgproc, libjpeg-turbo and Highway as static libraries, for OPCV_DLIB_SELF_CONTAINED. They are built
-# from this Debian release's source packages once for each architecture and kept in build/static.
+# The static libraries for OPCV_DLIB_SELF_CONTAINED: OpenCV's core and imgproc, libjpeg-turbo and Highway for the library,
+# and Leptonica and qpdf for scanpage. They are built from this Debian release's source packages once for each
+# architecture and kept in build/static.
 
-static_packages=(dpkg-dev nasm zlib1g-dev)
+static_packages=(dpkg-dev libbz2-dev liblz4-dev nasm zlib1g-dev)
 static=build/static
-static_sources=(opencv libjpeg-turbo highway)
+static_sources=(opencv libjpeg-turbo highway leptonlib qpdf)
 
 # apt_apart COMMAND...: runs an apt command with a configuration of its own. It reads the same archives as this machine
 # does, with their source packages, and RELEASE replaces the release.
@@ -39,7 +40,7 @@ END
 # Unpacks the source packages, patched as Debian does. apt has verified them.
 fetch_static_sources() {
     local package folder=$PWD/$static/sources
-    [ -e "$folder/complete" ] && return
+    [ "$(cat "$folder/complete" 2>/dev/null)" = "${static_sources[*]}" ] && return
     say "Fetching the sources of ${static_sources[*]}"
     rm -rf "$folder"
     mkdir -p "$folder"
@@ -49,10 +50,10 @@ fetch_static_sources() {
         dpkg-source --no-check -x "$folder/$package"_*.dsc "$folder/$package" >/dev/null
     done
     rm -f "$folder"/*.tar.*
-    touch "$folder/complete"
+    echo "${static_sources[*]}" >"$folder/complete"
 }
 
-# build_static PACKAGE ARCHITECTURE OPTION...
+# build_static PACKAGE ARCHITECTURE OPTION...: TARGET replaces all targets, COMPONENT what is installed of them.
 build_static() {
     local package=$1 work=$static/$2/$1 prefix=$PWD/$static/$2 options=()
     local flags="-O2 -ffunction-sections -fdata-sections -fvisibility=hidden -fstack-protector-strong"
@@ -75,7 +76,8 @@ build_static() {
             -DCMAKE_POSITION_INDEPENDENT_CODE=ON -DBUILD_SHARED_LIBS=OFF -DBUILD_TESTING=OFF \
             -DCMAKE_INSTALL_PREFIX="$prefix" -DCMAKE_INSTALL_LIBDIR=lib "${options[@]}" "$@" &&
             find "$work" -name version_string.inc -exec sed -i "s|$PWD/||g" {} + &&    # OpenCV quotes its options
-            cmake --build "$work" -j "$jobs" && cmake --install "$work"
+            cmake --build "$work" -j "$jobs" --target "${TARGET:-all}" &&
+            cmake --install "$work" ${COMPONENT:+--component "$COMPONENT"}
     } >"$work.log" 2>&1 || {
         tail -30 "$work.log"
         return 1
@@ -97,10 +99,13 @@ build_static_opencv() {
     build_static opencv "$1" -DBUILD_LIST=core,imgproc -DENABLE_PIC=ON -DWITH_PTHREADS_PF=ON "${options[@]}"
 }
 
+# static_recipe FUNCTION...: changes with the functions that build.
+static_recipe() { declare -f build_static "$@" | sha256sum; }
+
 # static_libraries ARCHITECTURE: makes build/static/ARCHITECTURE, unless it was made by this script.
 static_libraries() {
     local stamp
-    stamp=$(declare -f build_static build_static_opencv static_libraries | sha256sum)
+    stamp=$(static_recipe build_static_opencv static_libraries)
     [ "$(cat "$static/$1/stamp" 2>/dev/null)" = "$stamp" ] && return
     need "${static_packages[@]}"
     fetch_static_sources
@@ -112,4 +117,26 @@ static_libraries() {
     echo "$stamp" >"$static/$1/stamp"
 }
 
-cmd_static() { static_libraries "${1:-$(dpkg --print-architecture)}"; }
+# scanpage_libraries ARCHITECTURE: the same for what only scanpage calls. Leptonica's own fonts are TIFF files; qpdf's own
+# cryptography replaces GnuTLS, which brings eight other libraries.
+scanpage_libraries() {
+    local stamp
+    stamp=$(static_recipe scanpage_libraries)
+    [ "$(cat "$static/$1/stamp-scanpage" 2>/dev/null)" = "$stamp" ] && return
+    need "${static_packages[@]}"
+    fetch_static_sources
+    # Leptonica 1.82 takes what it finds, 1.84 has options.
+    build_static leptonlib "$1" -DCMAKE_DISABLE_FIND_PACKAGE_{GIF,JPEG,PNG,PkgConfig,ZLIB}=ON -DWEBP_LIBRARY=OFF \
+        -DWEBPMUX_LIBRARY=OFF -DENABLE_{GIF,JPEG,OPENJPEG,PNG,WEBP,ZLIB}=OFF
+    TARGET=libqpdf COMPONENT=dev build_static qpdf "$1" -DCMAKE_CXX_FLAGS=-fPIE -DUSE_IMPLICIT_CRYPTO=OFF \
+        -DREQUIRE_CRYPTO_NATIVE=ON
+    echo "$stamp" >"$static/$1/stamp-scanpage"
+}
+
+cmd_static() {
+    local architecture=${1:-$(dpkg --print-architecture)}
+    install_packages
+    [ "$architecture" != arm64 ] || [ "$(dpkg --print-architecture)" = arm64 ] || arm64_sysroot
+    static_libraries "$architecture"
+    scanpage_libraries "$architecture"
+}

@@ -70,20 +70,27 @@ make_arm64_wheel() {
         "configure=$(wheel_options) -DCMAKE_TOOLCHAIN_FILE=$PWD/cmake/arm64.cmake -DOPCV_DLIB_SYSROOT=$PWD/$sysroot"
 }
 
-# A module shows Python one name, knows no path of this machine and has no search path.
+# A module shows Python one name, needs the runtime of C and C++ only, has no search path, and knows no path of this
+# machine.
+check_module_file() {
+    [ "$(readelf --dyn-syms -W "$1" | awk '$5 ~ /GLOBAL|WEAK/ && $7 != "UND" {print $8}')" = "PyInit_$2" ] || return 1
+    readelf -d "$1" | grep -E 'NEEDED|RPATH|RUNPATH' >"$1.needed"
+    if grep -vE '\[(libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux-(x86-64|aarch64))\.so' "$1.needed"; then return 1; fi
+    if grep -aF "$PWD" "$1"; then return 1; fi
+}
+
 check_wheel_files() {
-    local wheel work=build/wheel/unpacked module
+    local wheel work=build/wheel/unpacked name module
     for wheel in "$wheels"/*.whl; do
         rm -rf "$work"
         /usr/bin/python3 -m zipfile -e "$wheel" "$work"
-        module=$(echo "$work"/opcv_dlib/_native*.so)
-        echo "$(stat -c %s "$wheel") bytes, module of $(stat -c %s "$module"): ${wheel##*/}"
+        echo "$(stat -c %s "$wheel") bytes: ${wheel##*/}"
         [ "$(stat -c %s "$wheel")" -le "$largest_wheel" ] || return 1
-        [ "$(readelf --dyn-syms -W "$module" | awk '$5 ~ /GLOBAL|WEAK/ && $7 != "UND" {print $8}')" = PyInit__native ] ||
-            return 1
-        readelf -d "$module" | grep -E 'NEEDED|RPATH|RUNPATH' >"$work/needed"
-        if grep -vE '\[(libstdc\+\+|libm|libgcc_s|libc|libpthread|ld-linux-(x86-64|aarch64))\.so' "$work/needed"; then return 1; fi
-        if grep -aF "$PWD" "$module"; then return 1; fi
+        for name in _native _skew; do
+            module=$(echo "$work/opcv_dlib/$name".*.so)
+            echo "  $name of $(stat -c %s "$module") bytes"
+            check_module_file "$module" "$name" || return 1
+        done
     done
 }
 

@@ -3,7 +3,8 @@
 
 """Builds the wheel of opcv_dlib: a build backend as PEP 517 defines it, which runs CMake.
 
-The module in the wheel contains the library, OpenCV, libjpeg-turbo and Highway. `./dev static` must have built these.
+The modules in the wheel contain the library and the skew finder, OpenCV, libjpeg-turbo and Highway, of which `./dev
+static` must have built the last three.
 Settings (`pip wheel -C NAME=VALUE`), all for a Python other than the one that runs this file:
 
 build: the build folder of CMake; default: build/wheel/MACHINE
@@ -80,20 +81,20 @@ def tag_of(settings):
 
 
 def built_package(settings):
-    """Builds the module. Returns the folder of the package."""
+    """Builds the modules. Returns the folder of the package."""
     build = ROOT / settings.get("build", f"build/wheel/{settings.get('machine', platform.machine())}")
     package = build / "python/opcv_dlib"
-    for module in package.glob("_native*.so"):    # of another Python
+    for module in package.glob("*.so"):    # of another Python
         module.unlink()
     options = [f"-DPython_EXECUTABLE={sys.executable}"]
     if "configure" in settings:
         options = settings["configure"].split()
-    parts = [f"-DOPCV_DLIB_BUILD_{part}=OFF" for part in ("TESTS", "TOOLS", "SKEW", "DOCS", "BENCH")]
+    parts = [f"-DOPCV_DLIB_BUILD_{part}=OFF" for part in ("TESTS", "TOOLS", "DOCS", "BENCH")]
     configure = ["cmake", "-G", "Ninja", "-S", ROOT, "-B", build, "-DCMAKE_BUILD_TYPE=Release", *parts]
     forget = ["-U", "*Python*", "-U", "pybind11*"]    # the folder may have been used for another Python
-    configure += ["-DOPCV_DLIB_SELF_CONTAINED=ON", "-DOPCV_DLIB_BUILD_PYTHON=ON"]
+    configure += [f"-DOPCV_DLIB_{option}=ON" for option in ("SELF_CONTAINED", "BUILD_PYTHON", "BUILD_SKEW")]
     subprocess.run([*configure, *forget, *options], check=True)
-    subprocess.run(["cmake", "--build", build, "--target", "opcv_dlib_python"], check=True)
+    subprocess.run(["cmake", "--build", build, "--target", "opcv_dlib_python", "opcv_dlib_python_skew"], check=True)
     return package
 
 

@@ -31,18 +31,18 @@ def check_licences():
     print("  licences:", *sorted(texts))
 
 
-# Everything that the process maps once the module is loaded, without what NumPy and the interpreter have mapped.
+# Everything that the process maps once the modules are loaded, without what the interpreter has mapped.
 MAPPED = """
 import os
 def libraries():
     return {line.split()[-1] for line in open("/proc/self/maps") if ".so" in line}
 import importlib.util
 folder = importlib.util.find_spec("opcv_dlib").submodule_search_locations[0]
-native = next(os.path.join(folder, n) for n in os.listdir(folder) if n.startswith("_native"))
-before = libraries()
+modules = [os.path.join(folder, n) for n in os.listdir(folder) if n.endswith(".so")]
 import ctypes
-before |= libraries()
-ctypes.CDLL(native)
+before = libraries()
+for module in modules:
+    ctypes.CDLL(module)
 print(*sorted(libraries() - before))
 """
 
@@ -50,7 +50,7 @@ print(*sorted(libraries() - before))
 def check_libraries():
     libraries = [path for path in run(MAPPED) if not pathlib.Path(path).name.startswith(LIBC)]
     print("  libraries:", *(pathlib.Path(path).name for path in libraries))
-    assert any("_native" in path for path in libraries)
+    assert all(any(f"/{name}." in path for path in libraries) for name in ("_native", "_skew"))
     assert len(libraries) <= MOST_LIBRARIES
     assert not [path for path in libraries if "opencv" in path or "jpeg" in path or "hwy" in path]
 

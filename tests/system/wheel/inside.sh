@@ -18,5 +18,5 @@ echo "- what is in the wheel, what it maps, how long its import takes, beside cv
 venv/bin/python check_module.py
 
 echo "- the tests of the Python module"
-venv/bin/python -m pytest -q -p no:cacheprovider tests --ignore tests/test_skew.py    # the wheel has no skew finder
+venv/bin/python -m pytest -q -p no:cacheprovider tests
 venv/bin/python -m mypy.stubtest opcv_dlib --allowlist tests/stubtest.txt
