@@ -110,6 +110,7 @@ cmd_wheel() {
     done
     [ "$native" = arm64 ] || check "The arm64 wheel under qemu" \
         tests/system/wheel/check_arm64.sh "$wheels" "$(debian_release)" "${python_tags[$(debian_release)]#cp}"
+    scanpage_libraries "$native"
     build self-contained
     run_tests self-contained
     echo "$passed passed, $failed failed"
