@@ -4,29 +4,65 @@
 #include "command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <filesystem>
-#include <functional>
 #include <map>
+#include <memory>
+#include <sstream>
 
 #include "escape.h"
 #include "filter.h"
 #include "manifest.h"
+#include "option_value.h"
 
 namespace {
 
 const std::map<std::string, Format> kFormats = {{"jpeg", Format::kJpeg}, {"pbm", Format::kPbm}, {"g4", Format::kG4}};
 
-// The name of a page must not be taken for the name of a result, as in "--contact-sheet scans/*.jpg".
-std::function<std::string(const std::string&)> endsIn(const std::vector<std::string>& endings) {
-    return [endings](const std::string& file) {
-        std::string ending = std::filesystem::path(file).extension().string();
-        std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
-        if (std::find(endings.begin(), endings.end(), ending) != endings.end()) return std::string();
-        return file + " does not end in " + endings.front() + "; the option needs the name of its result";
+constexpr size_t kHelpWidth = 80;
+constexpr size_t kHelpColumn = 30;
+
+// Wraps the descriptions in the help.
+class Wrapping : public CLI::Formatter {
+public:
+    Wrapping() { column_width(kHelpColumn); }
+
+    std::string make_option_desc(const CLI::Option* option) const override {
+        std::istringstream words(option->get_description());
+        std::string text;
+        size_t used = 0;
+        for (std::string word; words >> word; used += word.size() + 1) {
+            const bool fits = used + word.size() <= kHelpWidth - kHelpColumn;
+            if (used > 0) text += fits ? ' ' : '\n';
+            if (!fits) used = 0;
+            text += word;
+        }
+        return text;
+    }
+};
+
+CLI::Option* addNumber(CLI::App& app, const std::string& name, int& value, int least, int most,
+                       const std::string& description) {
+    return app.add_option(name, value, description + ", " + std::to_string(least) + " to " + std::to_string(most))
+        ->type_name("N")
+        ->check(wholeNumber(least, most));
+}
+
+template <class Value>
+using Choices = std::vector<std::pair<std::string, Value>>;
+
+// An option whose value is one of a few words.
+template <class Value>
+CLI::Option* addChoice(CLI::App& app, const std::string& name, Value& value, const Choices<Value>& choices,
+                       const std::string& description) {
+    std::vector<std::string> words;
+    for (const auto& [word, meaning] : choices) words.push_back(word);
+    const auto choose = [&value, choices](const std::string& chosen) {
+        for (const auto& [word, meaning] : choices)
+            if (word == chosen) value = meaning;
     };
+    return app.add_option_function<std::string>(name, choose, description)
+        ->type_name('{' + joined(words, ",") + '}')
+        ->check(oneOf(words));
 }
 
 void addShardOptions(CLI::App& app, ShardSettings& shard) {
@@ -36,12 +72,12 @@ void addShardOptions(CLI::App& app, ShardSettings& shard) {
                    "What became of each member of the tar, as lines of JSON; OUTPUT.manifest.jsonl by default")
         ->type_name("FILE")
         ->needs(tar);
-    app.add_option("--other", shard.dropOthers, "Members of the tar that are no page")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, bool>{{"pass", false}, {"drop", true}}))
+    addChoice<bool>(app, "--other", shard.dropOthers, {{"pass", false}, {"drop", true}},
+                    "Members of the tar that are no page")
         ->needs(tar);
-    app.add_option("--compress", shard.compression, "Compression of the tar; by the ending of its name if not given")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, Compression>{
-            {"none", Compression::kNone}, {"gzip", Compression::kGzip}, {"zstd", Compression::kZstd}}))
+    addChoice<Compression>(app, "--compress", shard.compression,
+                           {{"none", Compression::kNone}, {"gzip", Compression::kGzip}, {"zstd", Compression::kZstd}},
+                           "Compression of the tar; by the ending of its name if not given")
         ->needs(tar);
 }
 
@@ -53,7 +89,6 @@ void check(const CLI::App& app, const Settings& settings) {
     if (page.resume && page.forBook)
         throw CLI::ValidationError("--resume", "a PDF or TIFF of all pages needs all of them worked on again");
     if (app.count("--from") > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
-    if (!(std::abs(page.angle) <= 360)) throw CLI::ValidationError("--angle", "not in range -360 to 360");
     if (!settings.shard.on && app.count("--output") > 0)
         if (const std::string fault = CLI::ExistingDirectory(settings.folder); !fault.empty())
             throw CLI::ValidationError("--output", fault);
@@ -74,7 +109,8 @@ void checkShard(const CLI::App& app, const Settings& settings) {
 
 int reportUsage(const CLI::App& app, const CLI::ParseError& e) {
     if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-        std::fputs(app.help().c_str(), stdout);
+        const bool version = dynamic_cast<const CLI::CallForVersion*>(&e) != nullptr;
+        std::fputs(version ? "scanpage " SCANPAGE_VERSION "\n" : app.help().c_str(), stdout);
         return kAllDone;
     }
     std::fprintf(stderr, "scanpage: %s\n%s --help prints the options.\n", escaped(e.what()).c_str(),
@@ -85,66 +121,76 @@ int reportUsage(const CLI::App& app, const CLI::ParseError& e) {
 bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus) {
     Options& page = settings.page;
     std::vector<std::string> formats = {"jpeg"};
-    std::string damaged = "keep";
-    std::string background;
     bool nul = false;
 
     CLI::App app("Straightens scanned pages.", "scanpage");
+    app.formatter(std::make_shared<Wrapping>());
+    app.set_version_flag("--version", SCANPAGE_VERSION, "Print the version and exit");
     app.add_option("pages", settings.pages, "JPEG, PNG, TIFF and PNM files")->type_name("PAGE");
     app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
         ->type_name("LIST");
     app.add_flag("-0,--null", nul, "Names in the list end with a NUL character instead of a line feed");
-    app.add_option("-o,--output", settings.folder, "Folder for the results of each page; with --tar, the tar to write");
+    app.add_option("-o,--output", settings.folder, "Folder for the results of each page; with --tar, the tar to write")
+        ->type_name("OUTPUT");
     app.add_option("--pdf", settings.pdf, "One PDF of all pages")->type_name("FILE.pdf")->check(endsIn({".pdf"}));
     app.add_option("--tiff", settings.tiff, "One TIFF of all pages")
         ->type_name("FILE.tif")
         ->check(endsIn({".tif", ".tiff"}));
     app.add_option("--format", formats, "Results to write: jpeg, pbm, g4 (TIFF, CCITT group 4)")
-        ->check(CLI::IsMember({"jpeg", "pbm", "g4"}))
+        ->type_name("{jpeg,pbm,g4}")
+        ->check(oneOf({"jpeg", "pbm", "g4"}))
         ->delimiter(',')
         ->allow_extra_args(false)
         ->capture_default_str();
     addShardOptions(app, settings.shard);
     app.add_flag("--resume", page.resume, "Keep results that are complete and made with the same options");
     app.add_flag("--overwrite", settings.overwrite, "Replace files that scanpage did not make");
-    app.add_option("--damaged", damaged, "Damaged pages: keep what is left of them, or refuse them")
-        ->check(CLI::IsMember({"keep", "refuse"}))
-        ->capture_default_str();
-    app.add_option("-j,--jobs", settings.jobs, "Pages at once")->check(CLI::Range(1, 256))->capture_default_str();
+    addChoice<bool>(app, "--damaged", page.refuseDamaged, {{"keep", false}, {"refuse", true}},
+                    "Damaged pages: keep what is left of them, or refuse them")
+        ->default_str("keep");
+    addNumber(app, "-j,--jobs", settings.jobs, 1, 256, "Pages at once")->capture_default_str();
     auto* angle = app.add_option("--angle", page.angle,
-                                 "Turn by this many degrees, counter-clockwise, instead of finding the skew");
+                                 "Turn by this many degrees, counter-clockwise, instead of finding the skew")
+                      ->type_name("DEGREES")
+                      ->check(number(-360, 360));
     app.add_flag("--orient", page.orient, "Turn pages that lie on their side or head upright")->excludes(angle);
-    app.add_option(
-           "--background", background,
-           "Shading and colour of the paper: keep, or flatten; flattened by default at 1 bit without --threshold")
-        ->check(CLI::IsMember({"keep", "flatten"}));
-    app.add_option("--denoise", page.denoise, "Reduce noise with this strength, 0 to 10")->check(CLI::Range(0, 10));
-    app.add_option("--median", page.median,
-                   "Median over 3 x 3 pixels: none, cross, weighted (centre counts 3 times), colour")
-        ->transform(CLI::CheckedTransformer(std::map<std::string, Median>{{"none", Median::kNone},
-                                                                          {"cross", Median::kCross},
-                                                                          {"weighted", Median::kWeighted},
-                                                                          {"colour", Median::kColour}}));
-    app.add_option("--assume-dpi", page.assumedDpi, "Resolution of pages that state none")
-        ->check(CLI::Range(10, 4800))
+    addChoice<Background>(
+        app, "--background", page.background, {{"keep", Background::kKeep}, {"flatten", Background::kFlatten}},
+        "Shading and colour of the paper: keep, or flatten; flattened by default at 1 bit without --threshold");
+    addNumber(app, "--denoise", page.denoise, 0, 10, "Reduce noise with this strength");
+    addChoice<Median>(app, "--median", page.median,
+                      {{"none", Median::kNone},
+                       {"cross", Median::kCross},
+                       {"weighted", Median::kWeighted},
+                       {"colour", Median::kColour}},
+                      "Median over 3 x 3 pixels: none, cross, weighted (centre counts 3 times), colour");
+    addNumber(app, "--assume-dpi", page.assumedDpi, 10, 4800, "Resolution of pages that state none")
         ->capture_default_str();
-    app.add_option("--dpi", page.dpi, "Scale to this resolution")->check(CLI::Range(10, 4800));
-    app.add_option("--mode", page.mode, "JPEG quality by mode code")
-        ->check(CLI::IsMember({0, 286, 389, 450, 788}))
-        ->capture_default_str();
-    app.add_option("--threshold", page.threshold,
-                   "Largest grey value that is black at 1 bit; chosen by histogram if not given")
-        ->check(CLI::Range(0, 255));
+    addNumber(app, "--dpi", page.dpi, 10, 4800, "Scale to this resolution");
+    auto* quality =
+        addNumber(app, "--quality", page.quality.percent, 1, 100, "JPEG quality, as other programs count it");
+    addChoice<int>(app, "--mode", page.quality.mode, {{"0", 0}, {"286", 286}, {"389", 389}, {"450", 450}, {"788", 788}},
+                   "JPEG quality by mode code")
+        ->default_str("450")
+        ->excludes(quality);
+    addNumber(app, "--threshold", page.threshold, 0, 255,
+              "Largest grey value that is black at 1 bit; chosen by histogram if not given");
     app.add_option("--contact-sheet", settings.contactSheet, "PNG with the first 200 pages before and after")
         ->type_name("OUT.png")
         ->check(endsIn({".png"}));
-    app.add_flag("-v,--verbose", settings.verbose, "Print size, resolution and skew of each page on standard error");
+    auto* verbose = app.add_flag_callback(
+        "-v,--verbose", [&] { settings.talk = Talk::kVerbose; },
+        "Print size, resolution and skew of each page and the time of each stage on standard error");
+    app.add_flag_callback(
+           "-q,--quiet", [&] { settings.talk = Talk::kQuiet; }, "Print nothing but errors on standard error")
+        ->excludes(verbose);
     app.footer(
-        "Standard output gets a line for each page when the page is finished: file, status (done, kept, damaged,\n"
-        "failed), skew in degrees, milliseconds, bytes written, confidence in the skew, why it was not found,\n"
+        "Standard output gets a line for each page when the page is finished: file,\n"
+        "status (done, kept, damaged, failed), skew in degrees, milliseconds, bytes\n"
+        "written, confidence in the skew, why it was not found, how blank the page is,\n"
         "separated by tabs.\n"
-        "Exit status: 0 all pages are done or kept, 1 some are damaged or failed, 2 wrong usage, 3 stopped before the\n"
-        "last page.");
+        "Exit status: 0 all pages are done or kept, 1 some are damaged or failed,\n"
+        "2 wrong usage, 3 stopped before the last page.");
     try {
         app.parse(argc, argv);
         page.forBook = !settings.pdf.empty() || !settings.tiff.empty();
@@ -159,8 +205,6 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     if (settings.shard.on && settings.shard.manifest.empty() && settings.folder != "-")
         settings.shard.manifest = manifestNameOf(settings.folder);
     page.skewGiven = angle->count() > 0;
-    if (!background.empty()) page.background = background == "keep" ? Background::kKeep : Background::kFlatten;
-    page.refuseDamaged = damaged == "refuse";
     settings.separator = nul ? '\0' : '\n';
     return true;
 }

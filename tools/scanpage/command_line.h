@@ -4,7 +4,7 @@
 // The command line of scanpage.
 #pragma once
 
-#include "page.h"
+#include "page_report.h"
 #include "tar_writer.h"
 
 namespace CLI {
@@ -31,7 +31,7 @@ struct Settings {
     std::string contactSheet;
     ShardSettings shard;
     int jobs = 1;
-    bool verbose = false;
+    Talk talk = Talk::kUsual;
 };
 
 enum ExitStatus { kAllDone = 0, kSomeBad = 1, kUsage = 2, kStopped = 3 };

@@ -105,12 +105,25 @@ Strip writeStrip(MemoryFile& memory, const Bits& bits, const KVImageDescription&
     return strip;
 }
 
+// Grey, or colour subsampled as by mode.
+std::vector<uint8_t> jpegOfPercent(const KVIMG& page, const KVImageDescription& description, int quality) {
+    std::vector<uint8_t> stream;
+    const int dpiX = description.horizontalResolution, dpiY = description.verticalResolution;
+    const bool done = page.depth == 8 ? CompressGray2Gray444(page.data, page.rowBytes, page.width, page.height, stream,
+                                                             quality, dpiY, dpiX, false)
+                                      : CompressRGB2YCbCr411(page.data, page.rowBytes, page.width, page.height, stream,
+                                                             quality, dpiY, dpiX);
+    if (!done) throw std::bad_alloc();
+    return stream;
+}
+
 }    // namespace
 
-std::vector<uint8_t> jpegStream(const KVIMG& page, KVImageDescriptionHandle description, int mode) {
+std::vector<uint8_t> jpegStream(const KVIMG& page, KVImageDescriptionHandle description, JpegQuality quality) {
+    if (quality.percent > 0) return jpegOfPercent(page, **description, quality.percent);
     void* data = nullptr;
     unsigned size = 0;
-    require(CompressJPEGEx(&page, description, mode, &data, &size), "compressing");
+    require(CompressJPEGEx(&page, description, quality.mode, &data, &size), "compressing");
     const std::unique_ptr<void, void (*)(void*)> owner(data, std::free);
     const auto* stream = static_cast<const uint8_t*>(data);
     return {stream, stream + size};

@@ -6,7 +6,8 @@
 
 #include "page.h"
 
-std::vector<uint8_t> jpegStream(const KVIMG& page, KVImageDescriptionHandle description, int mode);    // without mark
+// Without mark.
+std::vector<uint8_t> jpegStream(const KVIMG& page, KVImageDescriptionHandle description, JpegQuality quality);
 
 std::vector<uint8_t> jpegFile(const std::vector<uint8_t>& stream, const std::string& mark);
 

@@ -111,7 +111,7 @@ int run(int argc, char** argv) {
     std::optional<ContactSheet> sheet;
     if (!settings.contactSheet.empty()) sheet.emplace(settings.contactSheet, Rules{inputs, settings.overwrite});
     PageList pages(settings.pages, settings.list, settings.separator);
-    PageReport report(pages.count(), settings.verbose);
+    PageReport report(pages.count(), settings.talk);
 
     UsedNames names;
     const Run run{settings.page, folder ? &*folder : nullptr, inputs,

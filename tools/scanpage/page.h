@@ -56,6 +56,11 @@ struct Thumbnail {
 // In the order of writing.
 enum class Format { kPbm, kG4, kJpeg };
 
+struct JpegQuality {
+    int mode = 450;
+    int percent = 0;    // 1 to 100; 0: by mode
+};
+
 struct Options {
     bool skewGiven = false;
     double angle = 0;
@@ -65,7 +70,7 @@ struct Options {
     int denoise = -1;        // strength; below 0: off
     int assumedDpi = 300;    // of pages that state no resolution
     int dpi = 0;             // resolution to scale to; 0: unchanged
-    int mode = 450;
+    JpegQuality quality;
     int threshold = -1;    // below 0: chosen for each page
     std::set<Format> formats;
     bool resume = false;           // keep results that are complete

@@ -69,14 +69,17 @@ void beginOnFreshLine() {
 
 }    // namespace
 
-PageReport::PageReport(size_t pages, bool verbose, bool lines)
-    : progress_(pages), verbose_(verbose), lines_(lines), linesOnTerminal_(lines && isatty(STDOUT_FILENO) != 0) {
+PageReport::PageReport(size_t pages, Talk talk, bool lines)
+    : progress_(pages, talk != Talk::kQuiet),
+      talk_(talk),
+      lines_(lines),
+      linesOnTerminal_(lines && isatty(STDOUT_FILENO) != 0) {
     if (lines_) beginOnFreshLine();
 }
 
 void PageReport::add(const PageResult& result) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (linesOnTerminal_ || verbose_ || !result.fault.empty()) progress_.clear();
+    if (linesOnTerminal_ || talk_ == Talk::kVerbose || !result.fault.empty()) progress_.clear();
     if (lines_) writeLine(result);
     print(result);
     count(result);
@@ -95,7 +98,7 @@ void PageReport::writeLine(const PageResult& result) {
 void PageReport::print(const PageResult& r) {
     const std::string file = escaped(r.file);
     if (!r.fault.empty()) std::fprintf(stderr, "scanpage: %s: %s\n", file.c_str(), escaped(r.fault).c_str());
-    if (!verbose_ || r.status == Status::kFailed) return;
+    if (talk_ != Talk::kVerbose || r.status == Status::kFailed) return;
     if (r.stages.empty()) {
         std::fprintf(stderr, "%s: its results are complete\n", file.c_str());
         return;
@@ -113,6 +116,7 @@ void PageReport::count(const PageResult& r) {
         case Status::kFailed: ++failed_; break;
     }
     if (!r.stages.empty() || r.status == Status::kFailed) ++worked_;
+    if (!r.skew.reason.empty()) ++withoutSkew_[r.skew.reason];
     largest_ = std::max(largest_, static_cast<double>(r.width) * r.height * r.depth / 8);
     for (const Stage& stage : r.stages) {
         const auto it =
@@ -129,11 +133,28 @@ void PageReport::count(const PageResult& r) {
 void PageReport::summarise() {
     progress_.clear();
     if (lineLost_) std::fputs("scanpage: standard output cannot be written\n", stderr);
+    if (talk_ == Talk::kQuiet) return;
+    printCounts();
+    if (talk_ == Talk::kVerbose && worked_ > 0) printStages();
+}
+
+void PageReport::printCounts() const {
     const std::string damaged = damaged_ > 0 ? std::to_string(damaged_) + " damaged, " : "";
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
     std::fprintf(stderr, "%zu done, %zu kept, %s%zu failed in %.1f s: %.1f pages/s\n", done_, kept_, damaged.c_str(),
                  failed_, seconds, static_cast<double>(worked_) / std::max(seconds, 1e-9));
-    if (worked_ == 0) return;
+    if (withoutSkew_.empty()) return;
+    size_t pages = 0;
+    std::string reasons;
+    for (const auto& [reason, count] : withoutSkew_) {
+        reasons += (pages > 0 ? ", " : "") + std::to_string(count) + ' ' + reason;
+        pages += count;
+    }
+    std::fprintf(stderr, "no skew found on %zu (%s): field 7 of the report or -v shows which\n", pages,
+                 reasons.c_str());
+}
+
+void PageReport::printStages() const {
     std::fprintf(stderr, "\n%-16s %12s %12s\n", "stage", "ms", "result, MB");
     double sum = 0;
     for (const Stage& stage : stages_) {

@@ -4,10 +4,14 @@
 // The report on the pages: a line each on standard output, everything for people on standard error.
 #pragma once
 
+#include <map>
 #include <mutex>
 
 #include "page.h"
 #include "progress.h"
+
+// How much people are told. kQuiet: errors only.
+enum class Talk { kQuiet, kUsual, kVerbose };
 
 // As the report has it.
 const char* nameOf(Status status);
@@ -15,12 +19,12 @@ const char* nameOf(Status status);
 class PageReport {
 public:
     // `pages` is 0 if their number is not known. Without `lines` standard output stays free for something else.
-    PageReport(size_t pages, bool verbose, bool lines = true);
+    PageReport(size_t pages, Talk talk, bool lines = true);
 
     // From any thread. If standard output fails, the program is asked to stop.
     void add(const PageResult& result);
 
-    // Prints counts, pages per second, a table of the stages and peak memory.
+    // Prints counts and pages per second; if verbose, also a table of the stages and peak memory.
     void summarise();
 
     bool anyBad() const { return damaged_ + failed_ > 0; }
@@ -31,17 +35,20 @@ private:
     void writeLine(const PageResult& result);
     void print(const PageResult& result);
     void count(const PageResult& result);
+    void printCounts() const;
+    void printStages() const;
 
     std::mutex mutex_;
     Progress progress_;
-    bool verbose_;
+    Talk talk_;
     bool lines_;
     bool linesOnTerminal_;
     bool lineLost_ = false;
     bool lineCut_ = false;
     size_t done_ = 0, kept_ = 0, damaged_ = 0, failed_ = 0;
-    size_t worked_ = 0;     // pages that were not kept
-    double largest_ = 0;    // bytes of pixels
+    size_t worked_ = 0;                            // pages that were not kept
+    std::map<std::string, size_t> withoutSkew_;    // pages by reason
+    double largest_ = 0;                           // bytes of pixels
     std::vector<Stage> stages_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };

@@ -165,7 +165,7 @@ private:
     }
 
     void writeJpeg(Results* results, bool damaged, bool forBook) {
-        std::vector<uint8_t> stream = jpegStream(*page_, &handle_, options_.mode);
+        std::vector<uint8_t> stream = jpegStream(*page_, &handle_, options_.quality);
         size_t written = 0;
         if (results && wants(Format::kJpeg))
             written += results->write(Format::kJpeg, jpegFile(stream, results->markFor(Format::kJpeg, damaged)));

@@ -10,7 +10,8 @@
 #include <cstdio>
 #include <string>
 
-Progress::Progress(size_t total) : total_(total), shown_(total != 1 && isatty(STDERR_FILENO) != 0) {}
+Progress::Progress(size_t total, bool wanted)
+    : total_(total), shown_(wanted && total != 1 && isatty(STDERR_FILENO) != 0) {}
 
 void Progress::show(size_t done, size_t worked) {
     constexpr size_t kWidth = 30;

@@ -7,10 +7,10 @@
 #include <chrono>
 #include <cstddef>
 
-// Shown only if standard error is a terminal. Not for several threads at once.
+// Shown only if standard error is a terminal and it is wanted. Not for several threads at once.
 class Progress {
 public:
-    explicit Progress(size_t total);    // 0: unknown
+    Progress(size_t total, bool wanted);    // of 0 pages: unknown
 
     // `done` pages are complete, `worked` of them in this run. Draws a few times per second, and immediately after a
     // line of text.

@@ -36,7 +36,9 @@ std::string optionsText(const Options& options, Format format) {
     if (options.denoise >= 0) text += " --denoise " + std::to_string(options.denoise);
     if (options.median != Median::kNone) text += std::string(" --median ") + kMedians.at(options.median);
     if (options.dpi > 0) text += " --dpi " + std::to_string(options.dpi);
-    if (format == Format::kJpeg) text += " --mode " + std::to_string(options.mode);
+    if (format == Format::kJpeg)
+        text += options.quality.percent > 0 ? " --quality " + std::to_string(options.quality.percent)
+                                            : " --mode " + std::to_string(options.quality.mode);
     if (format != Format::kJpeg && options.threshold >= 0) text += " --threshold " + std::to_string(options.threshold);
     return text.empty() ? "none" : text.substr(1);
 }

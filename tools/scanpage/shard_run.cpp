@@ -77,7 +77,7 @@ public:
             return statusOf(*manifest_->earlier()->totals);
         }
         UnnamedFile file = place.folder.create(place.name);
-        PageReport report(0, settings_.verbose);
+        PageReport report(0, settings_.talk);
         const ShardTotals totals = straighten(file.descriptor(), settings_.folder, report);
         manifest_->announce();
         place.folder.publish(file, place.name, existing.id);
@@ -87,7 +87,7 @@ public:
     }
 
     int toStandardOutput() {
-        PageReport report(0, settings_.verbose, false);
+        PageReport report(0, settings_.talk, false);
         const ShardTotals totals = straighten(STDOUT_FILENO, "standard output", report);
         if (manifest_) manifest_->finish(totals);
         report.summarise();

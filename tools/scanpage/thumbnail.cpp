@@ -13,8 +13,6 @@
 
 namespace {
 
-constexpr int kQualityMode = 450;
-
 // Sums of squares of `factor` pixels: rows are added first, in a way that compilers make vectors of.
 Record shrunk(const KVIMG& page, int factor) {
     const int channels = page.depth / 8;
@@ -49,7 +47,7 @@ Thumbnail thumbnailOf(const KVIMG& page) {
     const Record small = shrunk(page, factor);
     KVImageDescription description = describe(*small, {}, 100);
     KVImageDescription* handle = &description;
-    return {small->width, small->height, jpegStream(*small, &handle, kQualityMode)};
+    return {small->width, small->height, jpegStream(*small, &handle, JpegQuality())};
 }
 
 PixPtr picture(const Thumbnail& thumbnail, int width, int height) {

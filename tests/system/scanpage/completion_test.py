@@ -69,7 +69,7 @@ class Completion(unittest.TestCase):
     def test_zsh_offers_the_same(self):
         offered = {}
         for line in (FOLDER / "_scanpage").read_text().splitlines():
-            names = re.match(r" +'(?:\(.*?\)'\{(.*?)\}'|(--?[\w-]+))\[", line)
+            names = re.match(r" +'(?:\(.*?\))?(?:'\{(.*?)\}'|(--?[\w-]+))\[", line)
             if names:
                 listed = re.search(r":\(([^)]*)\)'|:_values -s , \w+ ([^']*)'", line)
                 values = set((listed[1] or listed[2]).split()) if listed else set()

@@ -17,7 +17,7 @@ from support import HOLD, SCANPAGE, PageTest, open_files, pagegen, parse, scanpa
 
 class Report(PageTest):
     def test_a_line_a_page(self):
-        run = scanpage(*self.pages, "-o", self.out)
+        run = scanpage("-v", *self.pages, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         self.assertEqual([str(page) for page in self.pages], [line.file for line in run.lines])
         for page, line in zip(self.pages, run.lines):
@@ -33,7 +33,7 @@ class Report(PageTest):
         pagegen("--dpi", "60", "--grey", page)
         options = ["--denoise", "1", "--median", "cross", "--dpi", "50", "-o", self.out]
         scanpage(*options, *self.pages[:2])
-        command = [SCANPAGE, "--resume", *options, *self.pages[:4], page, self.folder / "missing.jpg"]
+        command = [SCANPAGE, "-v", "--resume", *options, *self.pages[:4], page, self.folder / "missing.jpg"]
         start = time.monotonic()
         scan = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         report, summary = (stream.read().decode() for stream in (scan.stdout, scan.stderr))
@@ -75,8 +75,8 @@ class Report(PageTest):
 
     def test_a_run_without_work_has_no_stages(self):
         scanpage(*self.pages, "-o", self.out)
-        run = scanpage("--resume", *self.pages, "-o", self.out)
-        self.assertRegex(run.stderr, r"\A0 done, 6 kept, 0 failed in [^\n]*: 0\.0 pages/s\n\Z")
+        run = scanpage("-v", "--resume", *self.pages, "-o", self.out)
+        self.assertRegex(run.stderr, r"\n0 done, 6 kept, 0 failed in [^\n]*: 0\.0 pages/s\n\Z")
 
     def test_verbose_says_what_a_page_is(self):
         blank = self.folder / "blank.jpg"
@@ -188,7 +188,7 @@ class ExitStatus(PageTest):
     def test_a_file_that_is_longer_than_a_page_can_be(self):
         with open(self.folder / "long.jpg", "wb") as long:
             long.truncate(1 << 32)
-        run = scanpage(self.folder / "long.jpg", "-o", self.out)
+        run = scanpage("-v", self.folder / "long.jpg", "-o", self.out)
         self.assertEqual(1, run.status)
         self.assertIn("is too large to be a page", run.stderr)
         self.assertRegex(run.stderr, r"\npeak memory \d+\.\d MB\n\Z")    # no page to compare it with
@@ -251,10 +251,13 @@ class ExitStatus(PageTest):
 
 class Help(unittest.TestCase):
     def test_the_manual_names_what_the_help_names(self):
-        done = subprocess.run([SCANPAGE, "--help"], capture_output=True, text=True)
-        self.assertEqual((0, ""), (done.returncode, done.stderr))
+        lines = []
+        for command in ([], ["manifest"]):
+            done = subprocess.run([SCANPAGE, *command, "--help"], capture_output=True, text=True)
+            self.assertEqual((0, ""), (done.returncode, done.stderr))
+            lines += done.stdout.splitlines()
         manual = pathlib.Path(os.environ["MANUAL"]).read_text().replace("\\-", "-")
-        options = [word.rstrip(",") for line in done.stdout.splitlines() for word in line.split()[:1]]
+        options = [word.rstrip(",") for line in lines for word in line.split()[:1]]
         options = [option for word in options for option in word.split(",") if option.startswith("-")]
         self.assertIn("--resume", options)
         self.assertIn("-0", options)

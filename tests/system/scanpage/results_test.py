@@ -224,11 +224,11 @@ class Pixels(PageTest):
     def test_scaling_goes_by_the_resolution(self):
         page = self.pages[0]    # 60 dots per inch
         image = Image(page)
-        run = scanpage("--dpi", "30", page, "-o", self.out)
+        run = scanpage("-v", "--dpi", "30", page, "-o", self.out)
         half = Image(self.out / page.name)
         self.assertEqual((image.width // 2, image.height // 2), (half.width, half.height))
         self.assertIn("scale ", run.stderr)
-        same = scanpage("--dpi", "60", "--median", "none", page, "-o", self.out)
+        same = scanpage("-v", "--dpi", "60", "--median", "none", page, "-o", self.out)
         self.assertNotRegex(same.stderr, "scale |median ")
 
 
@@ -451,7 +451,7 @@ class CommandLine(PageTest):
             "--angle": ("-360", "360"),
         }.items():
             for value in values:
-                run = scanpage(f"{option}={value}", page, "-o", self.out)
+                run = scanpage("-v", f"{option}={value}", page, "-o", self.out)
                 self.assertEqual(0, run.status, (option, value, run.stderr))
                 self.assertEqual(option == "--denoise", "reduce noise " in run.stderr, value)
         self.assertEqual(0, scanpage("--dpi", "10", self.pages[0], "-o", self.out).status)

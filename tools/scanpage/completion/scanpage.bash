@@ -34,7 +34,7 @@ _scanpage() {
             mapfile -t COMPREPLY < <(compgen -f -- "$word")
             return
             ;;
-        -j | --jobs | --angle | --denoise | --assume-dpi | --dpi | --threshold) return ;;    # a number
+        -j | --jobs | --angle | --denoise | --assume-dpi | --dpi | --quality | --threshold) return ;;    # a number
         *)
             if [[ $word != -* ]]; then
                 [[ " ${COMP_WORDS[*]} " != *' --tar '* ]] || endings='tar gz tgz bz2 xz lz4 zst'
@@ -47,8 +47,9 @@ _scanpage() {
                 )
                 return
             fi
-            words='-h --help --from -0 --null -o --output --pdf --tiff --format --tar --manifest --other --compress --resume --overwrite --damaged -j --jobs
-                --angle --orient --background --denoise --median --assume-dpi --dpi --mode --threshold --contact-sheet -v --verbose'
+            words='-h --help --version --from -0 --null -o --output --pdf --tiff --format --tar --manifest --other --compress
+                --resume --overwrite --damaged -j --jobs --angle --orient --background --denoise --median --assume-dpi --dpi
+                --quality --mode --threshold --contact-sheet -v --verbose -q --quiet'
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -3,6 +3,7 @@
 
 # Completion of scanpage for fish.
 complete -c scanpage -s h -l help -d 'Print the help and exit'
+complete -c scanpage -l version -d 'Print the version and exit'
 complete -c scanpage -l from -r -F -d 'File with the names of more pages'
 complete -c scanpage -s 0 -l null -d 'Names in the list end with a NUL character'
 complete -c scanpage -s o -l output -r -F -d 'Folder for the results, or the tar to write'
@@ -24,7 +25,9 @@ complete -c scanpage -l denoise -x -d 'Reduce noise, 0 to 10'
 complete -c scanpage -l median -x -a 'none cross weighted colour' -d 'Median over 3 x 3 pixels'
 complete -c scanpage -l assume-dpi -x -d 'Resolution of pages that state none'
 complete -c scanpage -l dpi -x -d 'Scale to this resolution'
+complete -c scanpage -l quality -x -d 'JPEG quality, 1 to 100'
 complete -c scanpage -l mode -x -a '0 286 389 450 788' -d 'JPEG quality by mode code'
 complete -c scanpage -l threshold -x -d 'Largest grey value that is black'
 complete -c scanpage -l contact-sheet -r -F -d 'PNG with pages before and after'
-complete -c scanpage -s v -l verbose -d 'Describe each page on standard error'
+complete -c scanpage -s v -l verbose -d 'Describe pages and stages on standard error'
+complete -c scanpage -s q -l quiet -d 'Print nothing but errors on standard error'
