@@ -30,7 +30,9 @@ struct Target {
 
 // Filters with a kernel if there is one; returns whether it did.
 bool filterDirectly(const WindowRows& rows, const cv::Mat& mask, Extremum extremum) {
-    if (std::max(mask.rows, mask.cols) <= kLargestRectangleSide && cv::countNonZero(mask) == mask.rows * mask.cols) {
+    constexpr int kFewCells = 4;    // each one takes less time than the intermediate rows of a rectangle
+    const int area = mask.rows * mask.cols;
+    if (area > kFewCells && std::max(mask.rows, mask.cols) <= kLargestRectangleSide && cv::countNonZero(mask) == area) {
         filterUnderRectangle(rows, {mask.cols, mask.rows}, extremum);
         return true;
     }

@@ -10,12 +10,17 @@
 //     rows of a block of 4    | 0 1 2 3 | 4 5 6 ...
 //     window of row 2             |---| |---|          3 operations per pixel, for any height
 //
-// Rows of columns use doubling: extremes of 2, 4, 8, ... neighbours, and finally of two such groups that overlap.
+// A few columns are computed from the first to the last row of a block before the next ones, so that the extremes stay
+// in registers.
+//
+// Rows of columns use doubling, in registers: extremes of 2, 4, 8, ... neighbours, and finally of two such groups that
+// overlap.
 //
 // The 3x3 square, which most callers use, is computed directly from the source rows, without intermediate rows.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "rank/morphology.h"
 
@@ -25,6 +30,9 @@
 #include <hwy/highway.h>
 
 #include "rank/row_pair-inl.h"
+#include "simd/row-inl.h"
+#include "simd/slide-inl.h"
+#include "simd/unrolled-inl.h"
 #include "simd/vector_size-inl.h"
 
 HWY_BEFORE_NAMESPACE();
@@ -37,9 +45,10 @@ namespace hn = hwy::HWY_NAMESPACE;
 using rank::HWY_NAMESPACE::coverPair;
 using rank::HWY_NAMESPACE::forEachRowPair;
 using rank::HWY_NAMESPACE::RowPair;
-using simd::HWY_NAMESPACE::coverBeyond;
-using simd::HWY_NAMESPACE::coverRow;
-using simd::HWY_NAMESPACE::lanesOf;
+namespace simd = opcv::simd::HWY_NAMESPACE;
+using simd::coverBeyond;
+using simd::coverPulledBack;
+using simd::coverRow;
 
 struct Max {
     template <class V>
@@ -55,105 +64,171 @@ struct Min {
     }
 };
 
-constexpr simd::HWY_NAMESPACE::ExtremumTag<uint8_t> dFull;
-constexpr auto kMaxLanes = static_cast<ptrdiff_t>(hn::MaxLanes(dFull));
+constexpr simd::ExtremumTag<uint8_t> dFull;    // of formulas that load neighbours from memory
+constexpr simd::Widest<uint8_t> dWidest;
+constexpr auto kLanes = static_cast<ptrdiff_t>(hn::MaxLanes(dWidest));
 
 template <class Op>
 class RectangleFilter {
 public:
-    RectangleFilter(const WindowRows& rows, IppiSize rectangle)
-        : rows_(rows),
-          side_(rectangle),
-          rowBytes_(std::min(kScratch / (side_.height + kExtraRows), kWidest) / kMaxLanes * kMaxLanes) {}
+    RectangleFilter(const WindowRows& rows, IppiSize rectangle) : rows_(rows), side_(rectangle) {
+        for (; 2 * group_ <= side_.width && doublings_ < kMostDoublings; group_ *= 2) ++doublings_;
+    }
 
     void filter() {
-        const ptrdiff_t widest = rowBytes_ - 2 * kMaxLanes - (side_.width - 1);
+        const ptrdiff_t longestLine = (kScratch - 2 * kMargin) / side_.height - 2 * kCacheLine;
+        const ptrdiff_t widest = longestLine - (side_.width - 1);
         const ptrdiff_t strips = (rows_.width + widest - 1) / widest;
         for (ptrdiff_t i = 0; i < strips; ++i) {
             first_ = rows_.width * i / strips;
             width_ = rows_.width * (i + 1) / strips - first_;
+            // An odd number of cache lines: the lines of a block then lie in different sets of the cache.
+            lineBytes_ = (columnsWidth() / kCacheLine | 1) * kCacheLine;
+            if (lineBytes_ < columnsWidth()) lineBytes_ += 2 * kCacheLine;
             for (ptrdiff_t y = 0; y < rows_.height; y += side_.height) filterBlock(y);
         }
     }
 
 private:
-    static constexpr ptrdiff_t kScratch = 98304;    // holds rows of a page: in strips, each row misses the caches again
-    static constexpr ptrdiff_t kWidest = 8192;
-    static constexpr ptrdiff_t kExtraRows = 2;    // extremes beyond the block; groups of neighbours
+    using V = hn::Vec<decltype(dWidest)>;
 
-    static_assert(kScratch / (kLargestRectangleSide + kExtraRows) >= 3 * kMaxLanes + 2 * kLargestRectangleSide,
+    static constexpr ptrdiff_t kScratch = 98304;    // holds rows of a page: in strips, each row misses the caches again
+    static constexpr ptrdiff_t kCacheLine = 64;
+    static constexpr ptrdiff_t kAtOnce = 2 * std::max(kLanes, kCacheLine / 2);    // columns
+    static constexpr int kMostDoublings = 5;    // two groups of 32 cover kLargestRectangleSide
+    static constexpr ptrdiff_t kMargin = kMostDoublings * kLanes;
+    static constexpr ptrdiff_t kRun =
+        2048;    // bytes of lines whose groups are formed in one run, as lines may be short
+
+    static_assert((kScratch - 2 * kMargin) / kLargestRectangleSide - 2 * kCacheLine >= 2 * kLargestRectangleSide,
                   "the largest rectangle leaves room for columns to write");
 
-    const uint8_t* source(ptrdiff_t y) const { return rows_.src + y * rows_.srcStep + first_; }
-    uint8_t* toBlockEnd(ptrdiff_t row) { return scratch_ + (kExtraRows + row) * rowBytes_; }
-    uint8_t* fromBlockEnd() { return scratch_; }
-    uint8_t* groups() { return scratch_ + rowBytes_; }
-
     ptrdiff_t columnsWidth() const { return width_ + side_.width - 1; }
+    const uint8_t* source(ptrdiff_t y) const { return rows_.src + y * rows_.srcStep + first_; }
+    uint8_t* target(ptrdiff_t y) const { return rows_.dst + y * rows_.dstStep + first_; }
+    uint8_t* line(ptrdiff_t i) { return scratch_ + kMargin + i * lineBytes_; }
 
     // The block of rows from y, up to the end of the region.
     void filterBlock(ptrdiff_t y) {
-        const ptrdiff_t height = side_.height;
-        const uint8_t* toEnd = source(y + height - 1);    // of the block's last row: that row
-        for (ptrdiff_t i = height - 2; i >= 0; --i) {
-            combine(source(y + i), toEnd, toBlockEnd(i));
-            toEnd = toBlockEnd(i);
-        }
-        writeRow(y, toEnd, toEnd);
-        const uint8_t* fromEnd = nullptr;
-        for (ptrdiff_t i = 1; i < std::min(height, rows_.height - y); ++i) {
-            if (i == 1) {
-                fromEnd = source(y + height);
-            } else {
-                combine(source(y + height + i - 1), fromEnd, fromBlockEnd());
-                fromEnd = fromBlockEnd();
-            }
-            writeRow(y + i, i == height - 1 ? source(y + i) : toBlockEnd(i), fromEnd);
+        const ptrdiff_t count = std::min<ptrdiff_t>(side_.height, rows_.height - y);
+        if (side_.width == 1) return setColumns(source(y), count, target(y), rows_.dstStep);
+        setColumns(source(y), count, line(0), lineBytes_);
+        const ptrdiff_t linesInRun = std::max<ptrdiff_t>(kRun / lineBytes_, 1);
+        for (ptrdiff_t i = 0; i < count; i += linesInRun) {
+            const ptrdiff_t end = std::min(i + linesInRun, count);
+            setGroups(line(i), (end - i) * lineBytes_);
+            for (ptrdiff_t row = i; row < end; ++row) writeRow(y + row, line(row));
         }
     }
 
-    // `to` may be `b`: combining a byte twice does not change it.
-    void combine(const uint8_t* a, const uint8_t* b, uint8_t* to) const {
-        coverRow(dFull, columnsWidth(), [=](auto d, ptrdiff_t x) HWY_ATTR {
-            hn::StoreU(Op::of(hn::LoadU(d, a + x), hn::LoadU(d, b + x)), d, to + x);
-        });
-    }
-
-    // Writes a row, from the two parts of its windows' columns.
-    void writeRow(ptrdiff_t y, const uint8_t* a, const uint8_t* b) {
-        uint8_t* const dst = rows_.dst + y * rows_.dstStep + first_;
-        if (side_.width == 1) {
-            combine(a, b, dst);
-            return;
-        }
-        uint8_t* const line = groups();
-        coverRow(dFull, columnsWidth() - 1, [=](auto d, ptrdiff_t x) HWY_ATTR {
-            const auto column = [=](ptrdiff_t i) HWY_ATTR { return Op::of(hn::LoadU(d, a + i), hn::LoadU(d, b + i)); };
-            hn::StoreU(Op::of(column(x), column(x + 1)), d, line + x);
-        });
-        // Doubling in place must process each byte once, so it runs past the end of the row in whole vectors.
-        ptrdiff_t group = 2;
-        for (; 2 * group <= side_.width; group *= 2)
-            coverBeyond(columnsWidth() - group, lanesOf(dFull), [=](ptrdiff_t x) HWY_ATTR {
-                hn::StoreU(Op::of(hn::LoadU(dFull, line + x), hn::LoadU(dFull, line + x + group)), dFull, line + x);
+    // Writes the extremes of the columns of `count` rows of windows. `src` is the first row.
+    void setColumns(const uint8_t* src, ptrdiff_t count, uint8_t* to, ptrdiff_t toStep) const {
+        coverPulledBack(
+            columnsWidth(), kAtOnce,
+            [=](ptrdiff_t x) HWY_ATTR { setColumnsAt<kAtOnce / kLanes>(dWidest, src + x, count, to + x, toStep); },
+            [=]() HWY_ATTR {
+                coverRow(dWidest, columnsWidth(),
+                         [=](auto d, ptrdiff_t x) HWY_ATTR { setColumnsAt<1>(d, src + x, count, to + x, toStep); });
             });
-        const uint8_t* const last = line + side_.width - group;
+    }
+
+    template <size_t kVectors, class D>
+    HWY_INLINE void setColumnsAt(D d, const uint8_t* src, ptrdiff_t count, uint8_t* to, ptrdiff_t toStep) const {
+        const ptrdiff_t step = rows_.srcStep;
+        const ptrdiff_t height = side_.height;
+        const bool isResult = side_.width == 1;
+        hn::Vec<D> extremes[kVectors];
+        const auto begin = [&](const uint8_t* row) HWY_ATTR {
+            simd::unrolled<kVectors>([&](auto v)
+                                         OPCV_DLIB_INLINED { extremes[v] = hn::LoadU(d, row + v * hn::Lanes(d)); });
+        };
+        // A row may be added twice: that does not change an extreme.
+        const auto extend = [&](const uint8_t* row) HWY_ATTR {
+            simd::unrolled<kVectors>([&](auto v) OPCV_DLIB_INLINED {
+                extremes[v] = Op::of(extremes[v], hn::LoadU(d, row + v * hn::Lanes(d)));
+            });
+        };
+
+        const uint8_t* row = src + (height - 1) * step;
+        begin(row);
+        for (ptrdiff_t i = height - 1; i >= count; --i, row -= step) extend(row);
+        for (ptrdiff_t i = count - 1; i >= 0; --i, row -= step) {
+            uint8_t* const column = to + i * toStep;
+            if (isResult) fetchColumns(row, row + height * step, column);
+            extend(row);
+            simd::unrolled<kVectors>([&](auto v)
+                                         OPCV_DLIB_INLINED { hn::StoreU(extremes[v], d, column + v * hn::Lanes(d)); });
+        }
+        if (count == 1) return;
+        row = src + height * step;
+        begin(row);
+        for (ptrdiff_t i = 1; i < count; ++i, row += step) {
+            extend(row);
+            simd::unrolled<kVectors>([&](auto v) OPCV_DLIB_INLINED {
+                uint8_t* const column = to + i * toStep + v * hn::Lanes(d);
+                hn::StoreU(Op::of(extremes[v], hn::LoadU(d, column)), d, column);
+            });
+        }
+    }
+
+    // Prefetches columns that are needed soon. Any address is allowed.
+    static HWY_INLINE void fetchColumns(const uint8_t* row, const uint8_t* rowOfNextBlock, const uint8_t* dst) {
+        constexpr ptrdiff_t kAhead = 256;
+        simd::prefetchRow(row + kAhead, kAtOnce);
+        simd::prefetchRow(rowOfNextBlock + kAhead, kAtOnce);
+        simd::prefetchRow(dst + kAhead, kAtOnce);
+    }
+
+    void setGroups(uint8_t* columns, ptrdiff_t bytes) const {
+        switch (doublings_) {
+            case 1: return setGroups<1>(columns, bytes);
+            case 2: return setGroups<2>(columns, bytes);
+            case 3: return setGroups<3>(columns, bytes);
+            case 4: return setGroups<4>(columns, bytes);
+            default: return setGroups<kMostDoublings>(columns, bytes);
+        }
+    }
+
+    // Replaces the columns by the extremes of groups. Each doubling needs the next vector of the one before it, so the
+    // groups lag behind the columns. The first doubling loads its neighbours, because the others keep the shuffles busy.
+    template <int kDoublings>
+    static void setGroups(uint8_t* columns, ptrdiff_t bytes) {
+        constexpr size_t kSlid = kDoublings - 1;
+        constexpr ptrdiff_t kLag = kSlid * kLanes;
+        V previous[kSlid + 1];    // one element for no doubling in registers
+        simd::unrolled<kSlid>([&](auto i) OPCV_DLIB_INLINED { previous[i] = hn::Zero(dWidest); });
+        coverBeyond(bytes + kLag, kLanes, [&](ptrdiff_t x) HWY_ATTR {
+            V extremes = Op::of(hn::Load(dWidest, columns + x), hn::LoadU(dWidest, columns + x + 1));
+            simd::unrolled<kSlid>([&](auto i) OPCV_DLIB_INLINED {
+                const V here = std::exchange(previous[i], extremes);
+                extremes = Op::of(here, simd::slid<(size_t{2} << i)>(dWidest, here, extremes));
+            });
+            hn::Store(extremes, dWidest, columns + x - kLag);
+        });
+    }
+
+    // Writes a row, from the groups of its windows.
+    void writeRow(ptrdiff_t y, const uint8_t* groups) const {
+        const uint8_t* const last = groups + side_.width - group_;
+        uint8_t* const dst = target(y);
         // Rows are too short for the hardware prefetcher.
-        const bool hasNext = y + 2 < rows_.height;
-        const uint8_t* const nextSrc = hasNext ? source(y + side_.height + 1) : line;
-        const uint8_t* const nextDst = hasNext ? dst + 2 * rows_.dstStep : dst;
-        coverRow(dFull, width_, [=](auto d, ptrdiff_t x) HWY_ATTR {
+        const ptrdiff_t nextRow = y + std::max(2 * side_.height - 1, side_.height + 1);
+        const uint8_t* const nextSrc = nextRow < rows_.height + side_.height - 1 ? source(nextRow) : groups;
+        const uint8_t* const nextDst = y + 2 < rows_.height ? target(y + 2) : dst;
+        coverRow(dWidest, width_, [=](auto d, ptrdiff_t x) HWY_ATTR {
             hwy::Prefetch(nextSrc + x);
             hwy::Prefetch(nextDst + x);
-            hn::StoreU(Op::of(hn::LoadU(d, line + x), hn::LoadU(d, last + x)), d, dst + x);
+            hn::StoreU(Op::of(hn::LoadU(d, groups + x), hn::LoadU(d, last + x)), d, dst + x);
         });
     }
 
     WindowRows rows_;
     IppiSize side_;
-    ptrdiff_t rowBytes_;
+    ptrdiff_t group_ = 1;    // neighbours under one extreme
+    int doublings_ = 0;
     ptrdiff_t first_ = 0;    // column of the strip
     ptrdiff_t width_ = 0;
+    ptrdiff_t lineBytes_ = 0;    // of the scratch memory; from one row of the block to the next
     HWY_ALIGN uint8_t scratch_[kScratch];
 };
 

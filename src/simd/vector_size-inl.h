@@ -33,7 +33,7 @@ using Widest = hn::ScalableTag<T>;
 template <class T>
 using AtMost32Bytes = hn::CappedTag<T, 32 / sizeof(T)>;
 
-// Minimum and maximum of 31x31 pixels: page 1.14, tile 1.23; of 9x9: 1.10, 1.27; of 3x3: 1.14, 0.75.
+// Minimum and maximum of 3x3: page 1.14, tile 0.75. Larger rectangles, whose neighbours are in registers, use Widest.
 template <class T>
 using ExtremumTag = AtMost32Bytes<T>;
 

@@ -91,6 +91,21 @@ protected:
                 << size.width << " x " << size.height << " row " << y << " mask " << mask.size.width << " x "
                 << mask.size.height << " anchor " << anchor.x << ", " << anchor.y;
     }
+
+    static void expectLikeTheDefinitionUnderItsCentre(Random& random, IppiSize size, const Mask& mask) {
+        const IppiSize side = mask.size;
+        const IppiPoint centre = {side.width / 2, side.height / 2};
+        const int margin = std::max(side.width, side.height);
+        const GuardedImage source(random, size, GuardedImage::anyLayout(random, 1, margin));
+        GuardedImage result(random, size, GuardedImage::anyLayout(random, 1));
+        ASSERT_EQ(filter()(source.data(), source.step(), result.data(), result.step(), size, mask.cells.data(),
+                           mask.size, centre),
+                  ippStsNoErr);
+        ASSERT_TRUE(result.untouchedOutsideRegion());
+        for (int y = 0; y < size.height; ++y)
+            ASSERT_EQ(expectedRow(source, y, mask, centre), rowOf(result, y))
+                << side.width << " x " << side.height << " row " << y;
+    }
 };
 
 TEST_P(Morphology, FiltersLikeTheDefinition) {
@@ -127,20 +142,21 @@ TEST_P(Morphology, FiltersByLargeMasksLikeTheDefinition) {
                                 {100, 1},
                                 {1, 100}}) {
         const IppiSize size = {random.between(1, 20), random.between(1, 4)};
-        const IppiPoint centre = {side.width / 2, side.height / 2};
-        for (const Mask& mask : {Mask::full(side), anyMask(random, side)}) {
-            const int margin = std::max(side.width, side.height);
-            const GuardedImage source(random, size, GuardedImage::anyLayout(random, 1, margin));
-            GuardedImage result(random, size, GuardedImage::anyLayout(random, 1));
-            ASSERT_EQ(filter()(source.data(), source.step(), result.data(), result.step(), size, mask.cells.data(),
-                               mask.size, centre),
-                      ippStsNoErr);
-            ASSERT_TRUE(result.untouchedOutsideRegion());
-            for (int y = 0; y < size.height; ++y)
-                ASSERT_EQ(expectedRow(source, y, mask, centre), rowOf(result, y))
-                    << side.width << " x " << side.height << " row " << y;
-        }
+        for (const Mask& mask : {Mask::full(side), anyMask(random, side)})
+            ASSERT_NO_FATAL_FAILURE(expectLikeTheDefinitionUnderItsCentre(random, size, mask));
     }
+}
+
+// Every number of doublings, in images that are narrower and wider than several vectors; and a tall rectangle whose rows
+// do not fit into the scratch memory at once.
+TEST_P(Morphology, FiltersByRectanglesLikeTheDefinition) {
+    Random random(411);
+    for (int width = 1; width <= 64; ++width) {
+        const IppiSize size = {random.between(1, 300), random.between(1, 12)};
+        ASSERT_NO_FATAL_FAILURE(
+            expectLikeTheDefinitionUnderItsCentre(random, size, Mask::full({width, random.between(1, 6)})));
+    }
+    ASSERT_NO_FATAL_FAILURE(expectLikeTheDefinitionUnderItsCentre(random, {1500, 66}, Mask::full({2, 64})));
 }
 
 TEST_P(Morphology, FiltersLikeOpenCV) {
