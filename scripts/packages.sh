@@ -9,7 +9,7 @@ packages=(
     libbenchmark-dev libgtest-dev libhwy-dev libjpeg62-turbo-dev
     libopencv-core-dev libopencv-imgcodecs-dev libopencv-imgproc-dev
     libarchive-dev libcli11-dev libleptonica-dev libpng-dev libqpdf-dev libtiff-dev nettle-dev nlohmann-json3-dev
-    ocrmypdf poppler-utils qpdf sane-utils tesseract-ocr-eng
+    fonts-urw-base35 ocrmypdf poppler-utils python3-pil qpdf sane-utils tesseract-ocr-eng
     pybind11-dev python3-dev python3-hypothesis python3-mypy python3-numpy python3-pytest
     doxygen doxygen-awesome-css mandoc
 )

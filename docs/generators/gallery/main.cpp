@@ -267,8 +267,10 @@ int run(int argc, char** argv) {
     showBits(gallery, greyOf(scanned));
     showResize(gallery, grey);
     showJpeg(gallery, scanned);
-    std::ifstream skew(std::string(argv[1]) + "/generators/skew_table/section.md");    // written by ./dev skew
-    gallery.text({std::istreambuf_iterator<char>(skew), std::istreambuf_iterator<char>()});
+    for (const char* program : {"skew_table", "recognition"}) {    // ./dev skew and ./dev recognition write sections
+        std::ifstream section(std::string(argv[1]) + "/generators/" + program + "/section.md");
+        gallery.text({std::istreambuf_iterator<char>(section), std::istreambuf_iterator<char>()});
+    }
     return gallery.finish() ? 0 : 1;
 }
 
