@@ -26,7 +26,7 @@ cmd_test() {
     run_tests release
     build release unit_tests_counted catalogue_memory_tests_counted
     check "Coverage" check_coverage
-    check "A thousand pages by each engine" check_scale
+    check "Two thousand pages by each recipe" check_scale
     aside packages check_packages
     aside site check_site
     join trees

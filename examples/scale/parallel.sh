@@ -2,19 +2,19 @@
 # SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 # SPDX-License-Identifier: MIT
 
-# Straightens the pages of a list with GNU parallel:
+# Straightens the shards of a list with GNU parallel:
 #
 #     parallel.sh LIST FOLDER [WORKERS [OPTION_OF_PARALLEL...]]
 #
-# Results are written to FOLDER/pages, reports to FOLDER/log. After any interruption, start it again: it skips slices of
-# 100 pages that succeeded, and in the others it skips pages that exist.
+# LIST has one tar file per line. Results and manifests are written to FOLDER, messages to FOLDER/log. After any
+# interruption, start it again: it skips shards that are complete.
 set -euo pipefail
 list=$1
 export FOLDER=$2
 workers=${3:-$(nproc)}
 shift $(($# < 3 ? $# : 3))
-mkdir -p "$FOLDER/pages" "$FOLDER/log"
+mkdir -p "$FOLDER/log"
 
-parallel --will-cite --arg-file "$list" --max-args 100 --jobs "$workers" \
+parallel --will-cite --arg-file "$list" --jobs "$workers" \
     --joblog "$FOLDER/jobs" --resume-failed --retries 3 --env FOLDER "$@" \
-    'scanpage --resume -o "$FOLDER/pages" {} 2>>"$FOLDER/log/{#}.err" >>"$FOLDER/log/{#}.tsv"'
+    'scanpage --tar {} -o "$FOLDER"/{/} >>"$FOLDER"/log/{/} 2>&1'

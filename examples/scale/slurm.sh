@@ -5,21 +5,18 @@
 #SBATCH --job-name=pages
 #SBATCH --requeue
 #SBATCH --open-mode=append
-# Straightens one slice of a list of pages as a task of a Slurm array. For 10,000 pages in slices of 25:
+# Straightens one shard of a list as a task of a Slurm array. For 400 shards:
 #
-#     sbatch --array=0-399 --output=FOLDER/log/%a.err slurm.sh LIST FOLDER 25
+#     sbatch --array=0-399 --output=FOLDER/log/%a slurm.sh LIST FOLDER
 #
-# Results are written to FOLDER/pages, reports to FOLDER/log. Slurm requeues a task whose machine is lost; a task whose
-# program was killed or stopped requeues itself below. Pages that exist are skipped.
+# LIST has one tar file per line. Results and manifests are written to FOLDER. Slurm requeues a task whose machine is
+# lost; a task whose program was killed or stopped requeues itself below. Shards that are complete are skipped.
 set -uo pipefail
-list=$1 folder=$2 slice=$3
-first=$((SLURM_ARRAY_TASK_ID * slice + 1))
-last=$((first + slice - 1))
-mkdir -p "$folder/pages" "$folder/log"
+list=$1 folder=$2
+shard=$(sed -n "$((SLURM_ARRAY_TASK_ID + 1)){p;q}" "$list")
 
-sed -n "${first},${last}p;${last}q" "$list" |
-    scanpage --resume --jobs "${SLURM_CPUS_PER_TASK:-1}" --from - -o "$folder/pages" >>"$folder/log/$SLURM_ARRAY_TASK_ID.tsv"
-status=${PIPESTATUS[1]}
+scanpage --tar --jobs "${SLURM_CPUS_PER_TASK:-1}" "$shard" -o "$folder/${shard##*/}"
+status=$?
 
 # Stopped (3) or killed by a signal. Bad pages (1) and wrong usage would fail again.
 if { [ "$status" -eq 3 ] || [ "$status" -gt 128 ]; } && [ "${SLURM_RESTART_COUNT:-0}" -lt 3 ]; then

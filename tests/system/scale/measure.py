@@ -1,9 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 # SPDX-License-Identifier: MIT
 
-"""Pages a second of each engine with one and two workers: measure.py small|a4 [ENGINE...]
+"""Pages a second of each engine with a worker per core: measure.py FOLDER small|a4 [ENGINE...]
 
-From the start of the engine's command to its end; the daemons of Slurm and Dask are up before.
+From the start of the engine's command to its end; the daemons of Slurm and Dask and the store's server are up before.
+Processor time includes all of them. The pages are drawn to FOLDER, and kept there.
 """
 
 import os
@@ -15,12 +16,14 @@ import tempfile
 import time
 
 import processes
+import shards
 from slurm_host import SlurmHost
+from store import Store
 
-KINDS = {"small": (60, 1000, 1000, 250), "a4": (300, 10, 50, 13)}    # dots per inch, drawn, pages, slice of Slurm
+KINDS = {"small": (60, 1000), "a4": (300, 30)}    # dots per inch, pages of each shard
 RECIPES = pathlib.Path(__file__).resolve().parents[3] / "examples" / "scale"
 os.environ["PATH"] = f"{os.environ['TOOLS']}:{os.environ['PATH']}"
-os.environ["PYTHONPATH"] = f"{os.environ['MODULE']}:{RECIPES}"
+os.environ["PYTHONPATH"] = str(RECIPES)
 os.environ["OMP_NUM_THREADS"] = os.environ["OPENBLAS_NUM_THREADS"] = "1"
 
 
@@ -29,30 +32,33 @@ def run(*command, **options):
     subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, **options)
 
 
-def scanpage(root, pages, workers, _):
-    (root / "pages").mkdir()
-    yield lambda: run("scanpage", "--jobs", workers, "--from", pages, "-o", root / "pages")
-
-
-def parallel(root, pages, workers, length):
-    smaller = ["--max-args", length] if length < 100 else []    # than the recipe's slices, so that each worker has some
-    yield lambda: run(RECIPES / "parallel.sh", pages, root, workers, *smaller)
-
-
-def slurm(root, pages, workers, length):
-    (root / "slurm").mkdir()
-    host = SlurmHost(root / "slurm")
-    count = len(pages.read_text().splitlines())
-    array = f"--array=0-{(count - 1) // length}%{workers}"
+def scanpage(root, stock, workers):
+    """Without engine."""
 
     def work():
-        host.run("sbatch", array, f"--output={root}/%a.err", RECIPES / "slurm.sh", pages, root, length)
+        for shard in sorted((stock / "scans").glob("*.tar")):
+            run("scanpage", "--tar", "--jobs", workers, shard, "-o", root / "straight" / shard.name)
+
+    yield work
+
+
+def parallel(root, stock, workers):
+    yield lambda: run(RECIPES / "parallel.sh", stock / "list", root / "straight", workers)
+
+
+def slurm(root, stock, workers):
+    (root / "slurm").mkdir()
+    host = SlurmHost(root / "slurm")
+
+    def work():
+        array = f"--array=0-{workers - 1}"
+        host.run("sbatch", array, f"--output={root}/%a.log", RECIPES / "slurm.sh", stock / "list", root / "straight")
         processes.wait_until(lambda: host.run("squeue", "-h") == "", 80, "the end of the array")
 
     yield work
 
 
-def dask(root, pages, workers, _):
+def dask(root, stock, workers):
     cluster = root / "cluster.json"
     python = [sys.executable, "-m"]
     options = {"cwd": root, "start_new_session": True}
@@ -63,38 +69,43 @@ def dask(root, pages, workers, _):
                          "--nthreads", "1", "--no-dashboard"], root / "log", **options)    # fmt: skip
     ready = f"from distributed import Client; Client(scheduler_file={str(cluster)!r}).wait_for_workers({workers})"
     run(sys.executable, "-c", ready)
-    client = [sys.executable, RECIPES / "dask_pages.py", pages, root, "--scheduler-file", cluster, "--slice", "5"]
+    client = [sys.executable, RECIPES / "dask_shards.py", stock / "list", root / "straight", "--scheduler-file", cluster]
     yield lambda: run(*client)
 
 
-ENGINES = {engine.__name__: engine for engine in (scanpage, parallel, slurm, dask)}
+def store(root, stock, workers):
+    shards.link_all(stock / "scans", root / "scans")
+    environment = Store(root).environment
+    names = [shard.name for shard in (root / "scans").glob("*.tar")]
+    yield lambda: run("parallel", "--will-cite", "--jobs", workers, RECIPES / "object_store.sh", "store:scans/{}",
+                      "store:straight/{}", ":::", *names, env=environment)    # fmt: skip
 
 
-def main(kind, names):
-    dpi, drawn, count, length = KINDS[kind]
-    with tempfile.TemporaryDirectory() as folder:
-        stock = pathlib.Path(folder)
-        run("pagegen", "--dpi", dpi, "--count", drawn, stock)
-        files = [stock / f"page-{i % drawn + 1:06}.jpg" for i in range(count)]
-        for i in range(drawn, count):
-            os.link(files[i], stock / f"copy-{i:06}.jpg")
-        pages = stock / "list"
-        pages.write_text("".join(f"{page}\n" for page in sorted(stock.glob("*.jpg"))))
-        for name in names:
-            for workers in (1, 2):
-                root = pathlib.Path(tempfile.mkdtemp(dir=folder))
-                for work in ENGINES[name](root, pages, workers, length):
-                    start = time.monotonic()
-                    work()
-                    seconds = time.monotonic() - start
-                assert len(list((root / "pages").iterdir())) == count
-                print(f"{kind}\t{name}\t{workers} workers\t{count / seconds:.1f} pages/s", flush=True)
-                processes.kill_all()
-                shutil.rmtree(root)
+ENGINES = {engine.__name__: engine for engine in (scanpage, parallel, slurm, dask, store)}
+
+
+def main(folder, kind, *names):
+    dpi, pages = KINDS[kind]
+    stock = pathlib.Path(folder, kind).resolve()
+    drawn = shards.draw_all(stock, os.cpu_count(), pages, "--dpi", dpi)
+    (stock / "list").write_text("".join(f"{shard}\n" for shard in drawn))
+    for name in names or ENGINES:
+        root = pathlib.Path(tempfile.mkdtemp(dir=folder)).resolve()
+        (root / "straight").mkdir()
+        for work in ENGINES[name](root, stock, len(drawn)):
+            used, start = processes.processor_seconds(), time.monotonic()
+            work()
+            seconds = time.monotonic() - start
+            used = processes.processor_seconds() - used
+        processes.kill_all()
+        wrong = shards.faults(stock, root / "straight")
+        rate = len(drawn) * pages / seconds
+        print(f"{kind}\t{name}\t{rate:.1f} pages/s\t{seconds:.2f} s\t{used:.2f} s of processors", *wrong, flush=True)
+        shutil.rmtree(root)
 
 
 if __name__ == "__main__":
     try:
-        main(sys.argv[1], sys.argv[2:] or ENGINES)
+        main(*sys.argv[1:])
     finally:
         processes.kill_all()

@@ -6,6 +6,7 @@
 import ctypes
 import os
 import pathlib
+import resource
 import signal
 import subprocess
 import sys
@@ -44,6 +45,19 @@ def command_of(pid):
 def named(name, pid):
     """Descendants of a process that run a program."""
     return [child for child in descendants(pid) if os.path.basename(command_of(child).split(" ")[0]) == name]
+
+
+def processor_seconds():
+    """What this process has had all its descendants compute, those that have ended included."""
+    ended = resource.getrusage(resource.RUSAGE_CHILDREN)
+    ticks = 0
+    for pid in descendants(os.getpid()):
+        try:
+            fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()
+        except OSError:
+            continue    # it has just ended
+        ticks += sum(int(field) for field in fields[11:15])    # its own and of the children that it waited for
+    return ended.ru_utime + ended.ru_stime + ticks / os.sysconf("SC_CLK_TCK")
 
 
 def kill(pids):
