@@ -1,11 +1,10 @@
 # SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 # SPDX-License-Identifier: MIT
 
-# What the tools link if they are self-contained: Leptonica and qpdf from ./dev static, and the archives in Debian's
+# What the tools link if they are self-contained: libtiff, Leptonica and qpdf from ./dev static, and the archives in Debian's
 # development packages, which all find_package of this folder finds from here on.
 set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
 find_package(ZLIB REQUIRED)
-find_package(TIFF QUIET)
 find_package(LibArchive QUIET)
 
 # static_needs(TARGET NAME...): the target of an archive also links libNAME.a.
@@ -22,14 +21,14 @@ function(static_needs target)
     set_property(TARGET ${target} APPEND PROPERTY INTERFACE_LINK_LIBRARIES ZLIB::ZLIB)
 endfunction()
 
-if(TIFF_FOUND)
-    static_needs(TIFF::TIFF webp sharpyuv Lerc jbig zstd lzma deflate)
-    set_property(TARGET TIFF::TIFF APPEND PROPERTY INTERFACE_LINK_LIBRARIES JPEG::JPEG m)
-endif()
 if(LibArchive_FOUND)
     static_needs(LibArchive::LibArchive bz2 lz4 lzma zstd)
 endif()
-
+static_library(tiff)
+static_needs(static_tiff webp sharpyuv Lerc zstd lzma deflate)
+set_property(TARGET static_tiff APPEND PROPERTY INTERFACE_LINK_LIBRARIES JPEG::JPEG m)
+add_library(TIFF::TIFF ALIAS static_tiff)
+set(TIFF_FOUND ON)
 static_library(leptonica)
 set_property(TARGET static_leptonica PROPERTY INTERFACE_LINK_LIBRARIES TIFF::TIFF)
 add_library(Leptonica::Leptonica ALIAS static_leptonica)

@@ -3,12 +3,12 @@
 
 # shellcheck shell=bash
 # The static libraries for OPCV_DLIB_SELF_CONTAINED: OpenCV's core and imgproc, libjpeg-turbo and Highway for the library,
-# and Leptonica and qpdf for scanpage. They are built from this Debian release's source packages once for each
+# and libtiff, Leptonica and qpdf for scanpage. They are built from this Debian release's source packages once for each
 # architecture and kept in build/static.
 
 static_packages=(dpkg-dev libbz2-dev liblz4-dev nasm zlib1g-dev)
 static=build/static
-static_sources=(opencv libjpeg-turbo highway leptonlib qpdf)
+static_sources=(opencv libjpeg-turbo highway leptonlib qpdf tiff)
 
 # apt_apart COMMAND...: runs an apt command with a configuration of its own. It reads the same archives as this machine
 # does, with their source packages, and RELEASE replaces the release.
@@ -37,20 +37,21 @@ END
     APT_CONFIG=$folder/apt.conf "$@"
 }
 
-# Unpacks the source packages, patched as Debian does. apt has verified them.
+# Unpacks the source packages that are missing, patched as Debian does. apt has verified them.
 fetch_static_sources() {
-    local package folder=$PWD/$static/sources
-    [ "$(cat "$folder/complete" 2>/dev/null)" = "${static_sources[*]}" ] && return
-    say "Fetching the sources of ${static_sources[*]}"
-    rm -rf "$folder"
+    local package folder=$PWD/$static/sources missing=()
     mkdir -p "$folder"
+    for package in "${static_sources[@]}"; do [ -e "$folder/$package/debian" ] || missing+=("$package"); done
+    [ ${#missing[@]} -eq 0 ] && return
+    say "Fetching the sources of ${missing[*]}"
     # shellcheck disable=SC2016
-    apt_apart bash -c 'cd "$0" && apt-get source -qq --download-only "$@"' "$folder" "${static_sources[@]}"
-    for package in "${static_sources[@]}"; do
-        dpkg-source --no-check -x "$folder/$package"_*.dsc "$folder/$package" >/dev/null
+    apt_apart bash -c 'cd "$0" && apt-get source -qq --download-only "$@"' "$folder" "${missing[@]}"
+    for package in "${missing[@]}"; do
+        rm -rf "${folder:?}/$package" "$folder/unpacked"
+        dpkg-source --no-check -x "$folder/$package"_*.dsc "$folder/unpacked" >/dev/null
+        mv "$folder/unpacked" "$folder/$package"
     done
-    rm -f "$folder"/*.tar.*
-    echo "${static_sources[*]}" >"$folder/complete"
+    rm -f "$folder"/*.tar.* "$folder"/*.dsc
 }
 
 # build_static PACKAGE ARCHITECTURE OPTION...: TARGET replaces all targets, COMPONENT what is installed of them.
@@ -117,14 +118,16 @@ static_libraries() {
     echo "$stamp" >"$static/$1/stamp"
 }
 
-# scanpage_libraries ARCHITECTURE: the same for what only scanpage calls. Leptonica's own fonts are TIFF files; qpdf's own
-# cryptography replaces GnuTLS, which brings eight other libraries.
+# scanpage_libraries ARCHITECTURE: the same for what only scanpage calls. libtiff is without JBIG, whose library would put
+# the program under its licence, the GPL. Leptonica reads its own fonts as TIFF. qpdf's own cryptography replaces GnuTLS,
+# which brings eight other libraries.
 scanpage_libraries() {
     local stamp
     stamp=$(static_recipe scanpage_libraries)
     [ "$(cat "$static/$1/stamp-scanpage" 2>/dev/null)" = "$stamp" ] && return
     need "${static_packages[@]}"
     fetch_static_sources
+    build_static tiff "$1" -Djbig=OFF -Dcxx=OFF -Dtiff-{tools,tests,contrib,docs}=OFF
     # Leptonica 1.82 takes what it finds, 1.84 has options.
     build_static leptonlib "$1" -DCMAKE_DISABLE_FIND_PACKAGE_{GIF,JPEG,PNG,PkgConfig,ZLIB}=ON -DWEBP_LIBRARY=OFF \
         -DWEBPMUX_LIBRARY=OFF -DENABLE_{GIF,JPEG,OPENJPEG,PNG,WEBP,ZLIB}=OFF

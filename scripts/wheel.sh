@@ -113,6 +113,9 @@ cmd_wheel() {
     scanpage_libraries "$native"
     build self-contained
     run_tests self-contained
+    build release scanpage pagegen opcv_dlib_python opcv_dlib_python_skew
+    say "Start times"
+    /usr/bin/python3 scripts/start_times.py build/release build/self-contained docs/compatibility.md
     echo "$passed passed, $failed failed"
     [ "$failed" -eq 0 ]
 }
