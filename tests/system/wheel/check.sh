@@ -34,7 +34,7 @@ as_root mmdebstrap --quiet --variant=apt \
     --dpkgopt='force-unsafe-io' \
     --dpkgopt='path-exclude=/usr/share/locale/*' \
     --dpkgopt='path-exclude=/usr/share/doc/*' \
-    --include=python3-venv,python3-numpy,python3-pytest,python3-hypothesis,python3-mypy,python3-opencv \
+    --include=python3-venv,python3-numpy,python3-pytest,python3-hypothesis,python3-mypy,python3-opencv,ocrmypdf \
     --customize-hook="copy-in $work/check /" \
     --customize-hook='chroot "$1" env -i HOME=/root LANG=C.UTF-8 PATH=/usr/sbin:/usr/bin:/sbin:/bin bash /check/inside.sh' \
     "$release" "$work/root"

@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 The OPCV_dlib authors
 # SPDX-License-Identifier: MIT
 
-# What check.sh runs in the fresh tree. NumPy, pytest and OpenCV come from Debian, the module from the wheel.
+# What check.sh runs in the fresh tree. NumPy, pytest, OpenCV and OCRmyPDF come from Debian, the module from the wheel.
 set -euo pipefail
 cd /check
 if dpkg -l | grep -E '^ii +[^ ]+-dev[: ]' | grep -vE '^ii +(libexpat1|zlib1g)-dev'; then
@@ -16,6 +16,9 @@ export PYTHONDONTWRITEBYTECODE=1 OPCV_DLIB_SOURCE=/check/source
 
 echo "- what is in the wheel, what it maps, how long its import takes, beside cv2"
 venv/bin/python check_module.py
+
+echo "- its plug-in for OCRmyPDF"
+venv/bin/python -m ocrmypdf --plugin opcv_dlib.ocrmypdf --help | grep -e --opcv-keep-skew
 
 echo "- the tests of the Python module"
 venv/bin/python -m pytest -q -p no:cacheprovider tests
