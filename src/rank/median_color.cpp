@@ -47,6 +47,7 @@ using simd::HWY_NAMESPACE::coverBeyond;
 using simd::HWY_NAMESPACE::coverPulledBack;
 using simd::HWY_NAMESPACE::lanesOf;
 using simd::HWY_NAMESPACE::prefetchRow;
+using simd::HWY_NAMESPACE::prefetchToWrite;
 
 using D8 = hn::ScalableTag<uint8_t>;
 using D16 = hn::ScalableTag<uint16_t>;
@@ -57,17 +58,17 @@ constexpr D8 d8;
 constexpr D16 d16;
 constexpr DI16 di16;
 
-constexpr ptrdiff_t kColumns = 256;           // of a strip, with one more on either side than it writes
-constexpr ptrdiff_t kStrip = kColumns - 2;    // columns that it writes
-constexpr ptrdiff_t kPad = 16;                // columns around them that are read but matter to no result
-constexpr int kReach = 2;                     // columns from one end of a window to the other
-constexpr int kShifts = 2 * kReach + 1;       // column distances of a pair in different rows
-constexpr int kScale = 16;                    // of the samples in 16 bits: 2 for the distance, 8 for the place
+constexpr ptrdiff_t kColumns = 320;                  // of a strip, with one more on either side than it writes
+constexpr ptrdiff_t kStrip = kColumns - 2;           // columns that it writes
+constexpr ptrdiff_t kPadBytes = hn::MaxLanes(d8);    // around them, without effect on results
+constexpr int kReach = 2;                            // columns from one end of a window to the other
+constexpr int kShifts = 2 * kReach + 1;              // column distances of a pair in different rows
+constexpr int kScale = 16;                           // of the samples in 16 bits: 2 for the distance, 8 for the place
 static_assert(kColumns % static_cast<ptrdiff_t>(hn::MaxLanes(d8)) == 0, "the last vector of a row ends with it");
 
 enum Column { kLeft, kMiddle, kRight, kColumnsOfWindow };
 
-// One value per column; column 0 is left of the first one that is written.
+// One value per column; column 0 is left of the first one that is written. Its address is that of an aligned vector.
 template <class T>
 class Row {
 public:
@@ -75,7 +76,8 @@ public:
     const T* at(ptrdiff_t p) const { return values_ + kPad + p; }
 
 private:
-    HWY_ALIGN T values_[kPad + kColumns + kPad] = {};
+    static constexpr ptrdiff_t kPad = kPadBytes / sizeof(T);
+    alignas(kPadBytes) T values_[kPad + kColumns + kPad] = {};
 };
 
 struct PixelRow {
@@ -154,26 +156,13 @@ private:
                 hn::LoadU(di16, row.samples[2].at(p))};
     }
 
-    static HWY_INLINE void storePair(const Pixels& a, const Pixels& b, Row<uint16_t>& out, ptrdiff_t p) {
-        const auto sum = hn::Add(hn::Add(hn::Max(a.c0, b.c0), hn::Max(a.c1, b.c1)), hn::Max(a.c2, b.c2));
-        hn::StoreU(hn::BitCast(d16, sum), d16, out.at(p));
-    }
-
-    // M of the pixels at column p with those of the row below.
-    HWY_INLINE void pairAt(ptrdiff_t p) {
-        const Pixels above2 = pixelsAt(above(), p);
-        const Pixels above1 = pixelsAt(here(), p);
-        for (int i = 0; i < kShifts; ++i) {
-            const Pixels partner = pixelsAt(below(), p + i - kReach);
-            storePair(above1, partner, nextRow_[i], p);
-            storePair(above2, partner, rowAfter_[i], p);
-        }
-        const Pixels own = pixelsAt(below(), p);
-        storePair(own, pixelsAt(below(), p + 1), nextColumn_, p);
-        storePair(own, pixelsAt(below(), p + 2), columnAfter_, p);
-    }
-
     static HWY_INLINE V16 load16(const Row<uint16_t>& row, ptrdiff_t p) { return hn::LoadU(d16, row.at(p)); }
+    static HWY_INLINE void store16(V16 values, Row<uint16_t>& row, ptrdiff_t p) { hn::StoreU(values, d16, row.at(p)); }
+
+    // M of two pixels.
+    static HWY_INLINE V16 largest(const Pixels& a, const Pixels& b) {
+        return hn::BitCast(d16, hn::Add(hn::Add(hn::Max(a.c0, b.c0), hn::Max(a.c1, b.c1)), hn::Max(a.c2, b.c2)));
+    }
 
     // Sums over the three pixels of another row, by the pairs' column distances -2 to 2.
     static HWY_INLINE ColumnSums sumsOf(V16 l2, V16 l1, V16 same, V16 r1, V16 r2) {
@@ -181,59 +170,87 @@ private:
         const V16 right = hn::Add(same, r1);
         return {{hn::Add(right, r2), hn::Add(left, r1), hn::Add(l2, left)}};
     }
-    static HWY_INLINE ColumnSums downwards(const Row<uint16_t> (&pairs)[kShifts], ptrdiff_t p) {
-        return sumsOf(load16(pairs[0], p), load16(pairs[1], p), load16(pairs[2], p), load16(pairs[3], p),
-                      load16(pairs[4], p));
-    }
-    // The same pairs from their lower pixel: the partner at distance i has this one at distance -i.
+    // The pairs of a pixel with those of a row above it: the partner at distance i has this pixel at distance -i.
     static HWY_INLINE ColumnSums upwards(const Row<uint16_t> (&pairs)[kShifts], ptrdiff_t p) {
         return sumsOf(load16(pairs[4], p - 2), load16(pairs[3], p - 1), load16(pairs[2], p), load16(pairs[1], p + 1),
                       load16(pairs[0], p + 2));
     }
 
+    // M of the pixels at column p with those of the row below, and keys of the candidates above and here, whose sums are
+    // then complete. Partners are loaded once for both: an unaligned load costs as much as two others.
+    HWY_INLINE void pairAt(ptrdiff_t p) {
+        const Pixels own = pixelsAt(below(), p);
+        const Pixels l2 = pixelsAt(below(), p - 2);
+        const Pixels l1 = pixelsAt(below(), p - 1);
+        const Pixels r1 = pixelsAt(below(), p + 1);
+        const Pixels r2 = pixelsAt(below(), p + 2);
+        store16(largest(own, r1), nextColumn_, p);
+        store16(largest(own, r2), columnAfter_, p);
+        const auto total = hn::BitCast(d16, hn::Add(hn::Add(own.c0, own.c1), own.c2));
+        store16(hn::Mul(hn::ShiftRight<1>(total), hn::Set(d16, 7)), sevenTotals_, p);
+
+        const auto sums = [&](const Pixels& upper, Row<uint16_t>(&pairs)[kShifts]) HWY_ATTR {
+            const V16 ml2 = largest(upper, l2);
+            const V16 ml1 = largest(upper, l1);
+            const V16 same = largest(upper, own);
+            const V16 mr1 = largest(upper, r1);
+            const V16 mr2 = largest(upper, r2);
+            store16(ml2, pairs[0], p);
+            store16(ml1, pairs[1], p);
+            store16(same, pairs[2], p);
+            store16(mr1, pairs[3], p);
+            store16(mr2, pairs[4], p);
+            return sumsOf(ml2, ml1, same, mr1, mr2);
+        };
+        const ColumnSums hereToBelow = sums(pixelsAt(here(), p), nextRow_);
+        const ColumnSums aboveToBelow = sums(pixelsAt(above(), p), rowAfter_);
+        for (int c = 0; c < kColumnsOfWindow; ++c) {
+            const V16 keyAbove = keyOf(c, load16(ownAndDown_[c], p), aboveToBelow.of[c]);
+            const V16 keyHere = keyOf(3 + c, load16(ownAndUp_[c], p), hereToBelow.of[c]);
+            store16(hn::Min(keyAbove, keyHere), keys_[c], p);
+            store16(hn::Add(load16(own_[c], p), hereToBelow.of[c]), ownAndDown_[c], p);
+        }
+    }
+
     // Sums within the row below, less 7 T of the pixel itself. Together with the sums over any further row they are not
     // negative, as 5 M >= 5 T.
     HWY_INLINE ColumnSums withinRow(ptrdiff_t p) const {
-        const Pixels own = pixelsAt(below(), p);
-        const auto total = hn::BitCast(d16, hn::Add(hn::Add(own.c0, own.c1), own.c2));
-        const V16 sevenTotals = hn::Mul(hn::ShiftRight<1>(total), hn::Set(d16, 7));
+        const V16 sevenTotals = load16(sevenTotals_, p);
         const V16 r1 = hn::Sub(load16(nextColumn_, p), sevenTotals);
         const V16 l1 = load16(nextColumn_, p - 1);
         const V16 l2 = hn::Sub(load16(columnAfter_, p - 2), sevenTotals);
         return {{hn::Add(r1, load16(columnAfter_, p)), hn::Add(r1, l1), hn::Add(l1, l2)}};
     }
 
-    // Keys of the window's candidates in column p, from the sums over its three rows.
+    // Keys of the candidates below, whose partners above have been paired in neighbouring columns.
     HWY_INLINE void scoreAt(ptrdiff_t p) {
         const ColumnSums own = withinRow(p);
         const ColumnSums belowToHere = upwards(nextRow_, p);
         const ColumnSums belowToAbove = upwards(rowAfter_, p);
-        const ColumnSums hereToBelow = downwards(nextRow_, p);
-        const ColumnSums aboveToBelow = downwards(rowAfter_, p);
         for (int c = 0; c < kColumnsOfWindow; ++c) {
             const V16 up = hn::Add(own.of[c], belowToHere.of[c]);
-            storeKey(c, load16(ownAndDown_[c], p), aboveToBelow.of[c], p);
-            storeKey(3 + c, load16(ownAndUp_[c], p), hereToBelow.of[c], p);
-            storeKey(6 + c, up, belowToAbove.of[c], p);
-            hn::StoreU(hn::Add(load16(own_[c], p), hereToBelow.of[c]), d16, ownAndDown_[c].at(p));
-            hn::StoreU(up, d16, ownAndUp_[c].at(p));
-            hn::StoreU(own.of[c], d16, own_[c].at(p));
+            const V16 key = keyOf(6 + c, up, belowToAbove.of[c]);
+            if (c == kRight)
+                store16(key, lastKey_, p);
+            else
+                store16(hn::Min(load16(keys_[c], p), key), keys_[c], p);
+            store16(up, ownAndUp_[c], p);
+            store16(own.of[c], own_[c], p);
         }
     }
 
     // Three bits cannot hold the index of the ninth candidate. It wins if its key with index 7 is below all others,
     // that is, if its score is.
-    HWY_INLINE void storeKey(int place, V16 twoRows, V16 oneRow, ptrdiff_t p) {
+    static HWY_INLINE V16 keyOf(int place, V16 twoRows, V16 oneRow) {
         const auto bits = static_cast<uint16_t>(std::min(place, 7));
-        hn::StoreU(hn::SaturatedAdd(twoRows, hn::Add(oneRow, hn::Set(d16, bits))), d16, keys_[place].at(p));
+        return hn::SaturatedAdd(twoRows, hn::Add(oneRow, hn::Set(d16, bits)));
     }
 
     // Places, 0 to 8, of the winners in the windows that begin at column p.
     HWY_INLINE V16 winnersAt(ptrdiff_t p) const {
-        const auto key = [=](int place) HWY_ATTR { return load16(keys_[place], p + place % 3); };
-        const V16 best = hn::Min(hn::Min(hn::Min(key(0), key(1)), hn::Min(key(2), key(3))),
-                                 hn::Min(hn::Min(key(4), key(5)), hn::Min(key(6), key(7))));
-        const auto lastLoses = hn::Eq(hn::Min(best, key(8)), best);
+        const V16 best =
+            hn::Min(hn::Min(load16(keys_[kLeft], p), load16(keys_[kMiddle], p + 1)), load16(keys_[kRight], p + 2));
+        const auto lastLoses = hn::Eq(hn::Min(best, load16(lastKey_, p + 2)), best);
         return hn::IfThenElse(lastLoses, hn::And(best, hn::Set(d16, 7)), hn::Set(d16, 8));
     }
 
@@ -261,10 +278,12 @@ private:
     Row<uint16_t> rowAfter_[kShifts];                            // M of above and below, at the pixel above
     Row<uint16_t> nextColumn_;                                   // M within the row below
     Row<uint16_t> columnAfter_;
-    SumRows own_;           // within one row; from here on of the last row entered
-    SumRows ownAndUp_;      // with the row before it
-    SumRows ownAndDown_;    // of the row before, with the last one
-    Row<uint16_t> keys_[9];
+    Row<uint16_t> sevenTotals_;    // 7 T of the row below, in the scale of M
+    SumRows own_;                  // within one row; from here on of the last row entered
+    SumRows ownAndUp_;             // with the row before it
+    SumRows ownAndDown_;           // of the row before, with the last one
+    SumRows keys_;                 // the least of the candidates in a column of the window
+    Row<uint16_t> lastKey_;        // of the ninth candidate, which keys_ leave out
 };
 
 void filterStrip(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep, ptrdiff_t width, int height) {
@@ -275,7 +294,7 @@ void filterStrip(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t 
     for (; height > 0; --height, src += srcStep, dst += dstStep) {
         if (height > kAhead) {
             prefetchRow(src + (1 + kAhead) * srcStep, 3 * width);
-            prefetchRow(dst + kAhead * dstStep, 3 * width);
+            prefetchToWrite(dst + kAhead * dstStep, 3 * width);
         }
         strip.enter(src + srcStep);
         strip.select(dst);
