@@ -4,7 +4,7 @@
 """Pages a second of each engine with a worker per core: measure.py FOLDER small|a4 [ENGINE...]
 
 From the start of the engine's command to its end; the daemons of Slurm and Dask and the store's server are up before.
-Processor time includes all of them. The pages are drawn to FOLDER, and kept there.
+Of the processor time, the part that is not scanpage's nor of the store's server is the engine's. The pages are drawn to FOLDER, and kept there.
 """
 
 import os
@@ -25,6 +25,12 @@ RECIPES = pathlib.Path(__file__).resolve().parents[3] / "examples" / "scale"
 os.environ["PATH"] = f"{os.environ['TOOLS']}:{os.environ['PATH']}"
 os.environ["PYTHONPATH"] = str(RECIPES)
 os.environ["OMP_NUM_THREADS"] = os.environ["OPENBLAS_NUM_THREADS"] = "1"
+
+
+WRAPPER = """#!/bin/bash
+TIMEFORMAT='%U %S'
+{{ time {} "$@" 2>&3; }} 3>&2 2>>{}
+"""
 
 
 def run(*command, **options):
@@ -53,7 +59,7 @@ def slurm(root, stock, workers):
     def work():
         array = f"--array=0-{workers - 1}"
         host.run("sbatch", array, f"--output={root}/%a.log", RECIPES / "slurm.sh", stock / "list", root / "straight")
-        processes.wait_until(lambda: host.run("squeue", "-h") == "", 80, "the end of the array")
+        processes.wait_until(lambda: len(shards.whole_manifests(root / "straight")) == workers, 80, "the end of the array")
 
     yield work
 
@@ -89,19 +95,28 @@ def main(folder, kind, *names):
     stock = pathlib.Path(folder, kind).resolve()
     drawn = shards.draw_all(stock, os.cpu_count(), pages, "--dpi", dpi)
     (stock / "list").write_text("".join(f"{shard}\n" for shard in drawn))
+    place = pathlib.Path(tempfile.mkdtemp(dir=folder)).resolve()
+    times, wrapper = place / "times", place / "scanpage"
+    wrapper.write_text(WRAPPER.format(shutil.which("scanpage"), times))
+    wrapper.chmod(0o755)
+    os.environ["PATH"] = f"{place}:{os.environ['PATH']}"
     for name in names or ENGINES:
         root = pathlib.Path(tempfile.mkdtemp(dir=folder)).resolve()
         (root / "straight").mkdir()
+        times.write_text("")
         for work in ENGINES[name](root, stock, len(drawn)):
-            used, start = processes.processor_seconds(), time.monotonic()
+            used, start = processes.processor_seconds(but="rclone serve"), time.monotonic()
             work()
             seconds = time.monotonic() - start
-            used = processes.processor_seconds() - used
+            used = processes.processor_seconds(but="rclone serve") - used
         processes.kill_all()
         wrong = shards.faults(stock, root / "straight")
         rate = len(drawn) * pages / seconds
-        print(f"{kind}\t{name}\t{rate:.1f} pages/s\t{seconds:.2f} s\t{used:.2f} s of processors", *wrong, flush=True)
+        bare = sum(float(part) for part in times.read_text().split())
+        share = 100 * (used - bare) / bare
+        print(f"{kind}\t{name}\t{rate:.1f} pages/s\t{bare:.2f} s of processors, engine {share:.1f} %", *wrong, flush=True)
         shutil.rmtree(root)
+    shutil.rmtree(place)
 
 
 if __name__ == "__main__":

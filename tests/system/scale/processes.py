@@ -47,11 +47,13 @@ def named(name, pid):
     return [child for child in descendants(pid) if os.path.basename(command_of(child).split(" ")[0]) == name]
 
 
-def processor_seconds():
-    """What this process has had all its descendants compute, those that have ended included."""
+def processor_seconds(but=None):
+    """The time of all descendants, those that have ended included, but not of running ones with this in their command."""
     ended = resource.getrusage(resource.RUSAGE_CHILDREN)
     ticks = 0
     for pid in descendants(os.getpid()):
+        if but and but in command_of(pid):
+            continue
         try:
             fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()
         except OSError:
