@@ -80,7 +80,7 @@ def improve(path):
     if _Settings.clean:
         pixels = without_specks(pixels)
     image = black_and_white(pixels) if _Settings.one_bit or was_one_bit else Image.fromarray(pixels)
-    image.save(path, **({"dpi": dpi} if dpi else {}))
+    image.save(path, compress_level=4, **({"dpi": dpi} if dpi else {}))    # as small as by 6, in a third of the time
 
 
 def straightened(pixels):
