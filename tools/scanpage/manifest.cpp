@@ -39,6 +39,7 @@ ShardTotals totalsOf(const Json& line) {
     line.at("passed").get_to(totals.passed);
     line.at("dropped").get_to(totals.dropped);
     line.at("without_skew").get_to(totals.withoutSkew);
+    line.at("out_of_memory").get_to(totals.outOfMemory);
     line.at("seconds").get_to(totals.seconds);
     line.at("input_sha256").get_to(totals.inputSum);
     line.at("input_size").get_to(totals.inputSize);
@@ -91,6 +92,7 @@ std::string lineOf(const ShardTotals& t) {
                        {"passed", t.passed},
                        {"dropped", t.dropped},
                        {"without_skew", t.withoutSkew},
+                       {"out_of_memory", t.outOfMemory},
                        {"seconds", rounded(t.seconds, 1000)},
                        {"input_sha256", t.inputSum},
                        {"input_size", t.inputSize},

@@ -31,6 +31,7 @@ struct MemberLine {
 struct ShardTotals {
     uint64_t done = 0, damaged = 0, failed = 0, passed = 0, dropped = 0;    // pages, and members that are none
     uint64_t withoutSkew = 0;                                               // of the pages that did not fail
+    uint64_t outOfMemory = 0;                                               // of those that did
     double seconds = 0;
     std::string inputSum, outputSum;    // SHA-256 of the streams
     uint64_t inputSize = 0, outputSize = 0;
@@ -55,4 +56,4 @@ std::string manifestNameOf(const std::string& output);
 std::string outputNameOf(const std::string& manifest);
 
 // Nothing if there is no such file, or if it is no manifest.
-std::optional<Manifest> readManifest(const std::string& file);
+std::optional<Manifest> readManifest(const std::string& name);

@@ -95,6 +95,9 @@ struct Skew {
     std::string reason;       // why it is not known: blank, picture, unsure; empty if nothing was measured
 };
 
+// A fault that another run may not meet.
+inline constexpr const char* kOutOfMemory = "out of memory";
+
 // What became of a page.
 struct PageResult {
     std::string file;

@@ -232,7 +232,7 @@ void processPage(const Place& place, const Run& run, bool thumbnails, PageResult
 }
 
 std::string explain(const cv::Exception& e) {
-    if (e.code == cv::Error::StsNoMem) return "out of memory";
+    if (e.code == cv::Error::StsNoMem) return kOutOfMemory;
     return "cannot be processed: OpenCV error " + std::to_string(e.code) + " in " + e.func;
 }
 
@@ -256,7 +256,7 @@ void attempt(PageResult& result, const Work& work) {
     } catch (const cv::Exception& e) {
         fail(result, explain(e));
     } catch (const std::bad_alloc&) {
-        fail(result, "out of memory");
+        fail(result, kOutOfMemory);
     } catch (const std::exception& e) {
         fail(result, e.what());
     }

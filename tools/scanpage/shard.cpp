@@ -20,8 +20,8 @@ namespace {
 
 constexpr size_t kPiece = 1 << 18;
 constexpr size_t kSmall = 1 << 20;           // up to this size a member that is no page waits in memory for its turn
-constexpr size_t kMostWaiting = 32 << 20;    // bytes of these members
-constexpr size_t kHeader = 1024;             // what a member without contents counts
+constexpr size_t kMostWaiting = 16 << 20;    // bytes of these members
+constexpr size_t kHeader = 4096;             // what a member without contents counts
 constexpr int64_t kLargestPage = std::numeric_limits<int>::max();    // as of a file
 
 // A page of a member, worked on.
@@ -245,6 +245,7 @@ private:
             default: ++totals_.done;
         }
         if (result.status != Status::kFailed && !result.skew.known) ++totals_.withoutSkew;
+        if (result.fault == kOutOfMemory) ++totals_.outOfMemory;
     }
 
     void write(archive_entry* entry, const std::vector<uint8_t>& bytes) {

@@ -52,7 +52,7 @@ private:
 
 bool isDone(const std::optional<Manifest>& earlier, const Settings& settings, const Input& input,
             const Existing& output) {
-    if (!earlier || !earlier->totals) return false;
+    if (!earlier || !earlier->totals || earlier->totals->outOfMemory > 0) return false;
     const ManifestHead head = headOf(settings);
     return earlier->head.program == head.program && earlier->head.options == head.options &&
            output.size == earlier->totals->outputSize && input.isThatOf(*earlier->totals);
