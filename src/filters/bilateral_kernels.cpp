@@ -44,7 +44,7 @@ using opcv::simd::HWY_NAMESPACE::coverBeyond;
 using opcv::simd::HWY_NAMESPACE::coverWithRest;
 using opcv::simd::HWY_NAMESPACE::fusedMulAdd;
 using opcv::simd::HWY_NAMESPACE::lookUpRow;
-using opcv::simd::HWY_NAMESPACE::nearestWithin;
+using opcv::simd::HWY_NAMESPACE::nearestShorts;
 using opcv::simd::HWY_NAMESPACE::prefetchRow;
 
 using D = hn::ScalableTag<float>;
@@ -95,17 +95,19 @@ public:
     Strip(const BilateralRegion& region, const BilateralWeights& weights, ptrdiff_t left, ptrdiff_t width)
         : region_(region), weights_(weights), left_(left), width_(width) {}
 
+    // Bytes are copied one row before they are used: loads that overlap several stores wait until these have left the
+    // processor's store buffer.
     void filter(int firstRow, int endRow) {
-        for (int row = firstRow - kRadius; row < firstRow + kRadius; ++row) copyRow(row);
-        for (int row = firstRow - kRadius; row < firstRow; ++row) {
-            copyRow(row + kRadius);
+        for (int row = firstRow - kRadius; row <= firstRow; ++row) copyRow(row);
+        for (int row = firstRow - kRadius; row < firstRow; ++row) convertRow(row);
+        for (int row = firstRow - kRadius; row < endRow; ++row) {
+            const int last = row + kRadius;
+            if (last + 1 < endRow + kRadius) copyRow(last + 1);
+            convertRow(last);
+            const bool isAbove = row < firstRow;
             for (const Pair& pair : W::kPair)
-                if (pair.dy > 0) lookUp(pair, row);
-        }
-        for (int row = firstRow; row < endRow; ++row) {
-            copyRow(row + kRadius);
-            for (const Pair& pair : W::kPair) lookUp(pair, row);
-            filterRow(row);
+                if (pair.dy > 0 || !isAbove) lookUp(pair, row);
+            if (!isAbove) filterRow(row);
         }
     }
 
@@ -129,9 +131,13 @@ private:
         uint8_t* bytes = row(y);
         std::memcpy(bytes - margin, from, static_cast<size_t>(count));
         prefetchRow(from + region_.srcStep, count);
+    }
+
+    void convertRow(int y) {
+        const ptrdiff_t end = width_ + ptrdiff_t{kRadius} * region_.channels;
+        const uint8_t* bytes = row(y);
         float* converted = floats(y);
-        for (ptrdiff_t x = -kMargin; x < width_ + margin; x += kLanes)
-            hn::Store(toFloat(bytes + x), D(), converted + x);
+        for (ptrdiff_t x = -kMargin; x < end; x += kLanes) hn::Store(toFloat(bytes + x), D(), converted + x);
     }
 
     // Weights of the pixels of a row and their partners, where at least one of them is in the strip.
@@ -198,10 +204,13 @@ private:
             sums[part] = hn::Add(sums[part], hn::Load(d, centre + x + part * kLanes));
         }
         add(cells + W::kPairs);
-        const hn::Rebind<uint8_t, D> bytes;
-        for (ptrdiff_t part = 0; part < kParts; ++part)
-            hn::StoreU(hn::DemoteTo(bytes, nearestWithin(d, hn::Div(sums[part], weightSums[part]), 0, 255)), bytes,
-                       means + part * kLanes);
+        const auto mean = [&](ptrdiff_t part) HWY_ATTR {
+            const V quotient = hn::Div(sums[part], weightSums[part]);
+            return hn::IfThenElseZero(hn::Ge(quotient, hn::Zero(d)), quotient);    // 0 for NaN
+        };
+        const hn::Twice<hn::Rebind<uint8_t, D>> bytes;
+        for (ptrdiff_t part = 0; part < kParts; part += 2)
+            hn::StoreU(hn::DemoteTo(bytes, nearestShorts(d, mean(part), mean(part + 1))), bytes, means + part * kLanes);
     }
 
     static V toFloat(const uint8_t* pixels) {
