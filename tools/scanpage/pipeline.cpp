@@ -293,7 +293,7 @@ void forEachPage(const std::string& file, const Open& open, const Work& work, co
     const size_t count = pages->pages();
     for (size_t page = 0; page < count && (page == 0 || !stopRequested()); ++page) {
         const std::string number = count == 1 ? "" : padded(page + 1, count);
-        PageResult result = nextPage(first, page, number.empty() ? file : file + "#" + number);
+        PageResult result = nextPage(first, page, number.empty() ? file : std::string(file).append("#").append(number));
         attempt(result, [&] { work(*pages, page, number, result); });
         finished(result);
     }

@@ -149,7 +149,7 @@ private:
             while (!members_.empty()) writeNext();
             return copyOther(member);
         }
-        reader_.append(member.bytes, kSmall);
+        reader_.append(member.bytes, member.line.inputSize - member.bytes.size());
         member.line.inputSum = sha256Of(member.bytes);
         wait(std::move(member));
     }

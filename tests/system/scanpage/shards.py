@@ -60,7 +60,7 @@ class ShardTest(PageTest):
         command = [SCANPAGE, "--tar", *map(os.fspath, options)]
         if "-o" not in options:
             command += ["-o", self.output, self.input]
-        done = subprocess.run(command, input=stdin, capture_output=True, timeout=60, env={**os.environ, **(environment or {})})
+        done = subprocess.run(command, input=stdin, capture_output=True, timeout=110, env={**os.environ, **(environment or {})})
         if "-" in options:
             return Run(done.returncode, done.stdout, done.stderr.decode())
         return Run(done.returncode, parse(done.stdout.decode()), done.stderr.decode())

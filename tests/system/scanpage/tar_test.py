@@ -188,6 +188,11 @@ class Names(ShardTest):
             self.assertEqual(right, [member.name for member in members_of(run.lines)])
         self.assertEqual(["in", "out"], sorted(path.name for path in self.root.iterdir()))
 
+    def test_a_name_in_utf_8_is_written_as_such(self):
+        run = self.piped(tar_of([(self.names[1], self.bytes[0])]))
+        self.assertIn("path=Zürich/Straße 7.jpg\n".encode(), run.lines)
+        self.assertNotIn(b"hdrcharset", run.lines)    # no other character set
+
     def test_the_locale_does_not_matter(self):
         data = tar_of([(name, self.bytes[0]) for name in self.names])
         runs = [self.tar("-", "-o", "-", stdin=data, environment={"LC_ALL": name}) for name in ("C", "C.UTF-8", "de_DE")]
