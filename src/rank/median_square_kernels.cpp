@@ -148,16 +148,19 @@ private:
 template <int m>
 class Strip {
 public:
-    // Columns of a strip. The buffers fit in the first-level cache together with the source rows. For m = 3 there are
-    // only six, so strips as wide as a page are faster, because the processor prefetches whole rows.
-    static constexpr ptrdiff_t kBytes = m == 3 ? 8192 : 512;
+    // Columns of a strip. The buffers fit in the first-level cache together with the source rows. For m = 3 these are so
+    // few that a strip can be filtered in two rows, then its right neighbour: the processor prefetches whole rows.
+    static constexpr bool kGoesAlongRows = m == 3;
+    static constexpr ptrdiff_t kBytes = m == 3 ? 2496 : 512;
 
-    Strip(ptrdiff_t width, int channels) : width_(width), channels_(channels) {}
+    explicit Strip(int channels) : channels_(channels) {}
 
     // Filters two rows, or one if `dst[1]` is null. `src` are the m + 1 rows of their windows, from the left edge of
     // the first window. The rows of the next two are `srcAhead` after the last two of them and `dstAhead` after `dst`;
     // they are prefetched.
-    void filter(const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2], ptrdiff_t srcAhead, ptrdiff_t dstAhead) {
+    void filter(ptrdiff_t width, const uint8_t* const (&src)[m + 1], uint8_t* const (&dst)[2], ptrdiff_t srcAhead,
+                ptrdiff_t dstAhead) {
+        width_ = width;
         srcAhead_ = srcAhead;
         dstAhead_ = dstAhead;
         sortColumns(src);
@@ -177,7 +180,8 @@ public:
 
 private:
     static constexpr int kLargestGroup = m >= 9 ? 4 : m >= 5 ? 2 : 1;
-    static constexpr ptrdiff_t kBuffer = kBytes + 3 * (m - 1) + 2 * kMaxLanes;
+    // Whole vectors, so that vectors of all rows are aligned.
+    static constexpr ptrdiff_t kBuffer = (kBytes + 3 * (m - 1) + 3 * kMaxLanes - 1) / kMaxLanes * kMaxLanes;
     struct Nothing {};
     using Columns = ListRows<m, m, kBuffer>;
     using Pairs = std::conditional_t<kLargestGroup >= 2, ListRows<m, 2 * m, kBuffer>, Nothing>;
@@ -247,7 +251,7 @@ private:
             });
     }
 
-    ptrdiff_t width_;
+    ptrdiff_t width_ = 0;
     ptrdiff_t channels_;
     ptrdiff_t srcAhead_ = 0;
     ptrdiff_t dstAhead_ = 0;
@@ -265,25 +269,33 @@ struct Image {
     ptrdiff_t height;
 };
 
+// Filters the columns from `first` to `end` of two rows from y, or of a last row.
 template <int m>
-void filterStrip(const Image& image, ptrdiff_t first, ptrdiff_t end, int channels) {
-    Strip<m> strip(end - first, channels);
-    for (ptrdiff_t y = 0; y < image.height; y += 2) {
-        const bool pair = y + 1 < image.height;
-        const uint8_t* rows[m + 1];
-        for (int i = 0; i < m + (pair ? 1 : 0); ++i) rows[i] = image.src + (y + i) * image.srcStep + first;
-        if (!pair) rows[m] = rows[m - 1];
-        const ptrdiff_t ahead = y + 3 < image.height ? 2 : 0;
-        uint8_t* const dst = image.dst + y * image.dstStep + first;
-        strip.filter(rows, {dst, pair ? dst + image.dstStep : nullptr}, ahead * image.srcStep, ahead * image.dstStep);
-    }
+void filterPair(const Image& image, ptrdiff_t y, ptrdiff_t first, ptrdiff_t end, Strip<m>& strip) {
+    const bool pair = y + 1 < image.height;
+    const uint8_t* rows[m + 1];
+    for (int i = 0; i < m + (pair ? 1 : 0); ++i) rows[i] = image.src + (y + i) * image.srcStep + first;
+    if (!pair) rows[m] = rows[m - 1];
+    const ptrdiff_t ahead = y + 3 < image.height ? 2 : 0;
+    uint8_t* const dst = image.dst + y * image.dstStep + first;
+    strip.filter(end - first, rows, {dst, pair ? dst + image.dstStep : nullptr}, ahead * image.srcStep,
+                 ahead * image.dstStep);
 }
 
 template <int m>
 void filterImage(const Image& image, int channels) {
+    Strip<m> strip(channels);
     const ptrdiff_t strips = (image.width + Strip<m>::kBytes - 1) / Strip<m>::kBytes;
-    for (ptrdiff_t i = 0; i < strips; ++i)
-        filterStrip<m>(image, image.width * i / strips, image.width * (i + 1) / strips, channels);
+    const auto filterPart = [&](ptrdiff_t i, ptrdiff_t y) {
+        filterPair(image, y, image.width * i / strips, image.width * (i + 1) / strips, strip);
+    };
+    if (Strip<m>::kGoesAlongRows) {
+        for (ptrdiff_t y = 0; y < image.height; y += 2)
+            for (ptrdiff_t i = 0; i < strips; ++i) filterPart(i, y);
+    } else {
+        for (ptrdiff_t i = 0; i < strips; ++i)
+            for (ptrdiff_t y = 0; y < image.height; y += 2) filterPart(i, y);
+    }
 }
 
 void filter(const Image& image, int m, int channels) {

@@ -90,7 +90,8 @@ TEST_P(SquareMedian, FiltersLikeOpenCV) {
         for (const int channels : {1, 3})
             ASSERT_NO_FATAL_FAILURE(
                 filterAny(random, {random.between(71, 700), random.between(1, 12)}, channels, false));
-    for (const int width : {2047, 2048, 2049, 2480}) ASSERT_NO_FATAL_FAILURE(filterAny(random, {width, 3}, 1, false));
+    for (const int width : {512, 513, 1025, 2480, 2496, 2497, 4993})
+        ASSERT_NO_FATAL_FAILURE(filterAny(random, {width, 3}, 1, false));
 }
 
 // The source ends with the last byte of a window, the destination with the last byte written; and both begin with the
