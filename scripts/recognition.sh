@@ -18,6 +18,6 @@ cmd_recognition() {
     say "OCRmyPDF"
     PYTHONPATH=build/release/python /usr/bin/python3 -B "$program/measure_ocrmypdf.py" | tee "$folder/ocrmypdf.tsv"
     /usr/bin/python3 -B "$program/section.py" "$folder/errors.tsv" "$folder/ocrmypdf.tsv" "$program/section.md" \
-        docs/images/recognition.svg
+        docs/images/recognition.svg README.md
     ./build/release/docs/generators/gallery docs
 }

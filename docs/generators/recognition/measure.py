@@ -29,9 +29,9 @@ GREY = 256    # stands for no threshold
 # For each series: what its value changes on a page, and the values.
 SERIES = {
     "skew": (lambda v: dict(skew=v), (0, 0.5, 1, 1.5, 2, 2.5, 3, 4, 5)),
-    "noise": (lambda v: dict(skew=1, noise=v), (0, 10, 20, 30, 40, 50)),
-    "shading": (lambda v: dict(skew=1, shading=v / 100), (0, 25, 50, 65, 75, 85)),
-    "threshold": (lambda v: dict(skew=1, noise=10, shading=0.5), (32, 64, 96, 128, 160, 192, GREY)),
+    "noise": (lambda v: dict(skew=1, noise=v), (0, 20, 40)),
+    "shading": (lambda v: dict(skew=1, shading=v / 100), (0, 25, 50, 75, 85)),
+    "threshold": (lambda v: dict(skew=1, noise=10, shading=0.5), (64, 96, 128, 192, GREY)),
     "lid": (lambda v: dict(skew=3, lid=v), (pages.DARK,)),
 }
 
