@@ -46,8 +46,7 @@ except in the last table. `./dev recognition` measures all of this.
 """
 
 OCRMYPDF = """
-[OCRmyPDF](../README.md#ocrmypdf) on three such pages, skewed by 1.4, -1.4 and 3.4 degrees, one page after the other in one
-thread:
+OCRmyPDF on three such pages, skewed by 1.4, -1.4 and 3.4 degrees, one page after the other in one thread:
 
 | options | seconds a page | characters wrong, % |
 |---|---|---|
