@@ -5,14 +5,14 @@
 # Runs scanpage on a generated page; the measured skew must be the drawn one.
 
 cmd_demo() {
-    local folder=build/demo skew=2.3 found
+    local folder=build/demo skew=4.2 found
     install_packages
     build release scanpage pagegen
-    mkdir -p "$folder/straight"
-    say "Drawing a page with a skew of $skew degrees"
-    ./build/release/bin/pagegen --skew "$skew" "$folder/page.jpg"
-    say "Straightening it"
-    ./build/release/bin/scanpage --verbose "$folder/page.jpg" -o "$folder/straight" --format jpeg,g4 \
+    mkdir -p "$folder"
+    say "Drawing a dark page with a skew of $skew degrees"
+    ./build/release/bin/pagegen --skew "$skew" --shade 65 --text "$folder/page.jpg"
+    say "Straightening it and evening out its light"
+    ./build/release/bin/scanpage --verbose --overwrite --background flatten "$folder/page.jpg" -o "$folder/straight" --format jpeg,g4 \
         --contact-sheet "$folder/contact_sheet.png" >"$folder/report.tsv"
     found=$(cut -f 3 "$folder/report.tsv")
     echo

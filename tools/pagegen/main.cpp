@@ -22,13 +22,14 @@ namespace {
 // Shared by all pages of a run, at their resolution: the sheet, its illumination and a stock of noise.
 class Scanner {
 public:
-    Scanner(int dpi, unsigned seed) {
+    Scanner(int dpi, unsigned seed, bool picture, double shade) {
         const double scale = static_cast<double>(dpi) / kSheetDpi;
-        cv::resize(drawSheet(), sheet_, {}, scale, scale, dpi < kSheetDpi ? cv::INTER_AREA : cv::INTER_CUBIC);
+        cv::resize(drawSheet(picture), sheet_, {}, scale, scale, dpi < kSheetDpi ? cv::INTER_AREA : cv::INTER_CUBIC);
         light_.create(sheet_.size(), CV_32FC3);
         for (int y = 0; y < light_.rows; ++y)
             for (int x = 0; x < light_.cols; ++x)
-                light_.at<cv::Vec3f>(y, x) = cv::Vec3f::all(static_cast<float>(lightAt({x, y}, light_.size())));
+                light_.at<cv::Vec3f>(y, x) =
+                    cv::Vec3f::all(static_cast<float>(lightAt({x, y}, light_.size()) * (1 - shade * x / light_.cols)));
         cv::Mat grain(sheet_.rows + kNoiseShifts, sheet_.cols + kNoiseShifts, CV_16S);
         cv::RNG(seed).fill(grain, cv::RNG::NORMAL, 0, 5);
         cv::merge(std::vector<cv::Mat>(3, grain), noise_);
@@ -72,7 +73,9 @@ int run(int argc, char** argv) {
     int count = 0;
     int dpi = kSheetDpi;
     std::string target;
+    int shade = 0;
     bool grey = false;
+    bool text = false;
     CLI::App app("Draws scanned A4 pages.", "pagegen");
     app.add_option("--skew", skew, "Degrees by which the page is turned clockwise; of many pages, the largest skew")
         ->capture_default_str();
@@ -80,11 +83,15 @@ int run(int argc, char** argv) {
     app.add_option("--dpi", dpi, "Resolution")->check(CLI::Range(30, 1200))->capture_default_str();
     app.add_option("--count", count, "Draw this many pages, TARGET/page-000001.jpg and on, of different skews")
         ->check(CLI::PositiveNumber);
+    app.add_option("--shade", shade, "Percent by which the right edge is darker than the left one")
+        ->check(CLI::Range(0, 100))
+        ->capture_default_str();
+    app.add_flag("--text", text, "Text only, no picture");
     app.add_flag("--grey", grey, "Grey instead of colour");
     app.add_option("target", target, "JPEG to write; with --count, the folder to write to")->required();
     CLI11_PARSE(app, argc, argv);
 
-    const Scanner scanner(dpi, seed);
+    const Scanner scanner(dpi, seed, !text, shade / 100.0);
     const auto draw = [&](const std::string& file, double degrees, unsigned page) {
         cv::Mat image = scanner.scan(degrees, page);
         if (grey) cv::cvtColor(image, image, cv::COLOR_RGB2GRAY);

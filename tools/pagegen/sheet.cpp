@@ -56,11 +56,15 @@ void drawPicture(cv::Mat picture) {
 
 }    // namespace
 
-cv::Mat drawSheet() {
+cv::Mat drawSheet(bool picture) {
     cv::Mat page(kHeight, kWidth, CV_8UC3, cv::Scalar(248, 245, 236));
     cv::putText(page, "ON STRAIGHT LINES", {kMargin, 420}, cv::FONT_HERSHEY_TRIPLEX, 4.4, cv::Scalar(150, 38, 40), 8,
                 cv::LINE_AA);
     cv::line(page, {kMargin, 480}, {kWidth - kMargin, 480}, cv::Scalar(60, 55, 55), 4, cv::LINE_AA);
+    if (!picture) {
+        drawText(page, 610, 36, 0);
+        return page;
+    }
     drawText(page, 610, 14, 0);
     drawPicture(page(cv::Rect(kMargin, 1700, kWidth - 2 * kMargin, 760)));
     drawText(page, 2590, 9, 2);

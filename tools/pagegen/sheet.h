@@ -8,8 +8,9 @@
 
 constexpr int kSheetDpi = 300;
 
-// An A4 sheet at 300 dpi, in red, green, blue: a title, text and a picture on paper. Sharp, straight and clean.
-cv::Mat drawSheet();
+// An A4 sheet at 300 dpi, in red, green, blue: a title, text and a picture, or more text, on paper. Sharp, straight and
+// clean.
+cv::Mat drawSheet(bool picture = true);
 
 // The sheet turned clockwise for a positive skew, on the dark lid of the scanner.
 cv::Mat skewed(const cv::Mat& sheet, double degrees);

@@ -7,14 +7,12 @@
 
 #include "result_mark.h"
 
-Book::Book(const std::string& pdf, const std::string& tiff, const InputIds& inputs)
-    : inputs_(inputs), pdf_(open(pdf)), tiff_(open(tiff)), spool_((pdf_ ? pdf_ : tiff_)->folder.path()) {}
+Book::Book(const std::string& pdf, const std::string& tiff, const Rules& rules)
+    : rules_(rules), pdf_(open(pdf)), tiff_(open(tiff)), spool_((pdf_ ? pdf_ : tiff_)->folder.path()) {}
 
 std::optional<OutputPlace> Book::open(const std::string& path) const {
     if (path.empty()) return std::nullopt;
-    OutputPlace file = placeOf(path);
-    requireEarlierBook(examine(file.folder, file.name), file.path(), inputs_);
-    return file;
+    return placeOfBook(path, rules_);
 }
 
 void Book::add(const PageOrder& order, PageStream page) {
@@ -32,7 +30,7 @@ void Book::write() {
 
 void Book::writeFile(const OutputPlace& file, Writer writer) const {
     const Existing existing = examine(file.folder, file.name);
-    requireEarlierBook(existing, file.path(), inputs_);
+    requireEarlierBook(existing, file.path(), rules_);
     file.folder.write(file.name, existing.id, [&](UnnamedFile& unnamed) {
         const std::string title = std::filesystem::path(file.name).stem().string();
         writer(pages_, spool_, unnamed, title, resultMark(0, "book"));

@@ -23,7 +23,7 @@ using BookPages = std::map<PageOrder, BookPage>;
 class Book {
 public:
     // An empty name asks for no such file. Throws if one may not be written. Only earlier books are replaced.
-    Book(const std::string& pdf, const std::string& tiff, const InputIds& inputs);
+    Book(const std::string& pdf, const std::string& tiff, const Rules& rules);
 
     // From any thread and in any order. Throws if the disk refuses the page.
     void add(const PageOrder& order, PageStream page);
@@ -38,7 +38,7 @@ private:
     void writeFile(const OutputPlace& file, Writer writer) const;
     std::optional<OutputPlace> open(const std::string& path) const;
 
-    const InputIds& inputs_;
+    Rules rules_;
     std::optional<OutputPlace> pdf_, tiff_;
     Spool spool_;
     std::mutex mutex_;

@@ -84,18 +84,20 @@ void addShardOptions(CLI::App& app, ShardSettings& shard) {
 // Whatever the parser cannot check itself.
 void check(const CLI::App& app, const Settings& settings) {
     const Options& page = settings.page;
-    if (settings.pages.empty() && app.count("--from") == 0) throw CLI::RequiredError("PAGE or --from");
-    if (settings.folder.empty() && !page.forBook) throw CLI::RequiredError("--output, --pdf or --tiff");
+    if (settings.pages.empty() && app.count("--from") == 0)
+        throw CLI::RequiredError("pages are missing: name files, a folder, or a list of names by --from LIST", kUsage);
+    if (app.count("--output") == 0 && !page.forBook)
+        throw CLI::RequiredError("the place of the results is missing: -o FOLDER, --pdf FILE.pdf or --tiff FILE.tif",
+                                 kUsage);
     if (page.resume && page.forBook)
         throw CLI::ValidationError("--resume", "a PDF or TIFF of all pages needs all of them worked on again");
     if (app.count("--from") > 0 && settings.list.empty()) throw CLI::ValidationError("--from", "the name is empty");
-    if (!settings.shard.on && app.count("--output") > 0)
-        if (const std::string fault = CLI::ExistingDirectory(settings.folder); !fault.empty())
-            throw CLI::ValidationError("--output", fault);
+    if (app.count("--output") > 0 && settings.folder.empty())
+        throw CLI::ValidationError("--output", "the name is empty; write . for this folder");
 }
 
 void checkShard(const CLI::App& app, const Settings& settings) {
-    for (const char* option : {"--from", "--pdf", "--tiff", "--contact-sheet", "--resume"})
+    for (const char* option : {"--from", "--recursive", "--pdf", "--tiff", "--contact-sheet", "--resume", "--dry-run"})
         if (app.count(option) > 0) throw CLI::ValidationError("--tar", std::string("excludes ") + option);
     if (settings.pages.size() != 1) throw CLI::ValidationError("--tar", "takes one tar");
     if (settings.page.formats.size() != 1) throw CLI::ValidationError("--tar", "takes one --format");
@@ -126,11 +128,13 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
     CLI::App app("Straightens scanned pages.", "scanpage");
     app.formatter(std::make_shared<Wrapping>());
     app.set_version_flag("--version", SCANPAGE_VERSION, "Print the version and exit");
-    app.add_option("pages", settings.pages, "JPEG, PNG, TIFF and PNM files")->type_name("PAGE");
+    app.add_option("pages", settings.pages, "JPEG, PNG, TIFF and PNM files, or folders of them")->type_name("PAGE");
+    app.add_flag("-r,--recursive", settings.recursive, "Also the pages in the subfolders of a folder");
     app.add_option("--from", settings.list, "File with the names of more pages, one per line; - is standard input")
         ->type_name("LIST");
     app.add_flag("-0,--null", nul, "Names in the list end with a NUL character instead of a line feed");
-    app.add_option("-o,--output", settings.folder, "Folder for the results of each page; with --tar, the tar to write")
+    app.add_option("-o,--output", settings.folder,
+                   "Folder for the results of each page, made if it is missing; with --tar, the tar to write")
         ->type_name("OUTPUT");
     app.add_option("--pdf", settings.pdf, "One PDF of all pages")->type_name("FILE.pdf")->check(endsIn({".pdf"}));
     app.add_option("--tiff", settings.tiff, "One TIFF of all pages")
@@ -144,7 +148,8 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         ->capture_default_str();
     addShardOptions(app, settings.shard);
     app.add_flag("--resume", page.resume, "Keep results that are complete and made with the same options");
-    app.add_flag("--overwrite", settings.overwrite, "Replace files that scanpage did not make");
+    app.add_flag("--overwrite", settings.overwrite,
+                 "Replace results that exist; without it, pages that have some fail");
     addChoice<bool>(app, "--damaged", page.refuseDamaged, {{"keep", false}, {"refuse", true}},
                     "Damaged pages: keep what is left of them, or refuse them")
         ->default_str("keep");
@@ -175,6 +180,7 @@ bool parseCommandLine(int argc, char** argv, Settings& settings, int& exitStatus
         ->excludes(quality);
     addNumber(app, "--threshold", page.threshold, 0, 255,
               "Largest grey value that is black at 1 bit; chosen by histogram if not given");
+    app.add_flag("--dry-run", settings.dryRun, "Only print the names of the files that would be written");
     app.add_option("--contact-sheet", settings.contactSheet, "PNG with the first 200 pages before and after")
         ->type_name("OUT.png")
         ->check(endsIn({".png"}));

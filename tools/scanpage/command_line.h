@@ -22,11 +22,13 @@ struct ShardSettings {
 
 struct Settings {
     Options page;
-    std::vector<std::string> pages;
-    std::string list;         // file with more names; "-": standard input
-    std::string folder;       // for the results; empty: none are written but a book. Of a shard, the tar
-    std::string pdf, tiff;    // names of books
+    std::vector<std::string> pages;    // and folders of pages
+    bool recursive = false;            // the folders below them, too
+    std::string list;                  // file with more names; "-": standard input
+    std::string folder;                // for the results; empty: none are written but a book. Of a shard, the tar
+    std::string pdf, tiff;             // names of books
     bool overwrite = false;
+    bool dryRun = false;
     char separator = '\n';
     std::string contactSheet;
     ShardSettings shard;

@@ -124,9 +124,8 @@ void addMark(std::vector<uint8_t>& png, const std::string& name) {
 
 }    // namespace
 
-ContactSheet::ContactSheet(const std::string& file, const Rules& rules) : place_(placeOf(file)), rules_(rules) {
-    requireReplaceable(examine(place_.folder, place_.name), place_.path(), rules_);
-}
+ContactSheet::ContactSheet(const std::string& file, const Rules& rules)
+    : place_(placeOfBook(file, rules)), rules_(rules) {}
 
 void ContactSheet::add(const PageOrder& order, SheetEntry entry) {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -155,7 +154,7 @@ std::vector<uint8_t> ContactSheet::drawn() const {
 void ContactSheet::write() const {
     if (entries_.empty()) return;
     const Existing existing = examine(place_.folder, place_.name);
-    requireReplaceable(existing, place_.path(), rules_);
+    requireEarlierBook(existing, place_.path(), rules_);
     std::vector<uint8_t> png = drawn();
     addMark(png, place_.name);
     place_.folder.write(place_.name, png, existing.id);

@@ -30,6 +30,7 @@ void requireSize(uintmax_t size) {
 size_t sizeOf(const Descriptor& descriptor) {
     struct stat status {};
     if (fstat(descriptor.get(), &status) != 0) failToRead();
+    if (S_ISDIR(status.st_mode)) throw std::runtime_error("is a folder; name it on the command line to read its pages");
     if (!S_ISREG(status.st_mode)) throw std::runtime_error("is not a regular file");
     requireSize(static_cast<uintmax_t>(status.st_size));
     return static_cast<size_t>(status.st_size);

@@ -34,11 +34,11 @@ void occupyClosedStreams() {
 }
 
 // Two pages of the same name, from two folders, would write the same files: the second is rejected.
-PageResult sharedName(const std::string& file) {
+PageResult sharedName(const PageName& page) {
     PageResult result;
-    result.file = file;
+    result.file = page.file;
     result.status = Status::kFailed;
-    result.fault = nameIsUsed(resultName(file));
+    result.fault = nameIsUsed(resultName(page));
     return result;
 }
 
@@ -55,24 +55,41 @@ void addToSheet(ContactSheet& sheet, const PageOrder& order, PageResult& result)
 // False if pages are left over.
 bool straightenAll(const Run& run, int jobs, PageList& pages, PageReport& report, std::optional<ContactSheet>& sheet) {
     ThreadPool pool(jobs);
-    std::string file;
-    for (size_t index = 0; pages.next(file); ++index) {
+    PageName name;
+    for (size_t index = 0; pages.next(name); ++index) {
         pool.waitForFreeThread();
         if (stopRequested()) return false;
-        if (run.folder && !run.names.claim(resultName(file))) {
-            report.add(sharedName(file));
+        if (run.folder && !run.names.claim(resultName(name))) {
+            report.add(sharedName(name));
             continue;
         }
         const bool thumbnails = sheet && index < ContactSheet::kMostPages;
-        pool.start([&, file, index, thumbnails] {
+        pool.start([&, name, index, thumbnails] {
             size_t page = 0;
-            processFile(file, index, run, thumbnails, [&](PageResult& result) {
+            processFile(name, index, run, thumbnails, [&](PageResult& result) {
                 report.add(result);
                 if (thumbnails) addToSheet(*sheet, {index, page++}, result);
             });
         });
     }
     return !stopRequested();    // the list may have more pages
+}
+
+// A folder on the command line stands for its pages. The results may be in it.
+std::vector<PageName> namedPages(const Settings& settings) {
+    struct stat results {};
+    std::optional<FileId> except;
+    if (!settings.folder.empty() && stat(settings.folder.c_str(), &results) == 0) except = idOf(results);
+    std::vector<PageName> pages;
+    for (const std::string& name : settings.pages) {
+        if (!isFolder(name)) {
+            pages.push_back({name, ""});
+            continue;
+        }
+        const std::vector<PageName> more = pagesIn(name, settings.recursive, except);
+        pages.insert(pages.end(), more.begin(), more.end());
+    }
+    return pages;
 }
 
 void silenceLibraries() {
@@ -92,6 +109,52 @@ void finish(Book& book, bool complete, size_t failed) {
     if (failed > 0) std::fprintf(stderr, "scanpage: the PDF or TIFF lacks pages that failed: %zu\n", failed);
 }
 
+int statusOf(bool complete, const PageReport& report) {
+    if (!complete) std::fputs("scanpage: stopped before the last page\n", stderr);
+    if (!complete || report.anyLineLost()) return kStopped;
+    return report.anyBad() ? kSomeBad : kAllDone;
+}
+
+int straighten(const Settings& settings, InputIds& inputs, PageList& pages) {
+    const Rules rules{inputs, settings.overwrite};
+    std::optional<Book> book;
+    if (settings.page.forBook) book.emplace(settings.pdf, settings.tiff, rules);
+    std::optional<ContactSheet> sheet;
+    if (!settings.contactSheet.empty()) sheet.emplace(settings.contactSheet, rules);
+    std::optional<OutputFolder> folder;
+    if (!settings.folder.empty()) folder = OutputFolder::made(settings.folder);
+    PageReport report(pages.count(), settings.talk, Lines::kPages);
+
+    UsedNames names;
+    const Run run{settings.page, folder ? &*folder : nullptr, inputs,
+                  names,         book ? &*book : nullptr,     settings.overwrite};
+    const bool complete = straightenAll(run, settings.jobs, pages, report, sheet);
+    report.summarise();
+    if (sheet) sheet->write();
+    if (book) finish(*book, complete, report.failed());
+    return statusOf(complete, report);
+}
+
+// Prints what would be written.
+int plan(const Settings& settings, InputIds& inputs, PageList& pages) {
+    const Rules rules{inputs, settings.overwrite};
+    const std::vector<std::string> files = {settings.pdf, settings.tiff, settings.contactSheet};
+    for (const std::string& file : files)
+        if (!file.empty()) placeOfBook(file, rules);
+    std::optional<OutputFolder> folder;
+    if (!settings.folder.empty()) folder = OutputFolder::planned(settings.folder);
+    PageReport report(pages.count(), settings.talk, Lines::kPlan);
+
+    UsedNames names;
+    const Run run{settings.page, folder ? &*folder : nullptr, inputs, names, nullptr, settings.overwrite, true};
+    std::optional<ContactSheet> noSheet;
+    const bool complete = straightenAll(run, settings.jobs, pages, report, noSheet);
+    for (const std::string& file : files)
+        if (complete && !file.empty()) report.plan(file);
+    report.summarise();
+    return statusOf(complete, report);
+}
+
 int run(int argc, char** argv) {
     occupyClosedStreams();
     if (argc > 1 && std::string(argv[1]) == "manifest") return manifestCommand(argc - 1, argv + 1);
@@ -102,27 +165,11 @@ int run(int argc, char** argv) {
     catchStopSignals();
     if (settings.shard.on) return runShard(settings);
 
+    const std::vector<PageName> named = namedPages(settings);
     InputIds inputs;
-    for (const std::string& file : settings.pages) addInput(file, inputs);
-    std::optional<OutputFolder> folder;
-    if (!settings.folder.empty()) folder.emplace(settings.folder);
-    std::optional<Book> book;
-    if (settings.page.forBook) book.emplace(settings.pdf, settings.tiff, inputs);
-    std::optional<ContactSheet> sheet;
-    if (!settings.contactSheet.empty()) sheet.emplace(settings.contactSheet, Rules{inputs, settings.overwrite});
-    PageList pages(settings.pages, settings.list, settings.separator);
-    PageReport report(pages.count(), settings.talk);
-
-    UsedNames names;
-    const Run run{settings.page, folder ? &*folder : nullptr, inputs,
-                  names,         book ? &*book : nullptr,     settings.overwrite};
-    const bool complete = straightenAll(run, settings.jobs, pages, report, sheet);
-    report.summarise();
-    if (sheet) sheet->write();
-    if (book) finish(*book, complete, report.failed());
-    if (!complete) std::fputs("scanpage: stopped before the last page\n", stderr);
-    if (!complete || report.anyLineLost()) return kStopped;
-    return report.anyBad() ? kSomeBad : kAllDone;
+    for (const PageName& page : named) addInput(page.file, inputs);
+    PageList pages(named, settings.list, settings.separator);
+    return settings.dryRun ? plan(settings, inputs, pages) : straighten(settings, inputs, pages);
 }
 
 }    // namespace

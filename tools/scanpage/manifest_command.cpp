@@ -207,8 +207,10 @@ int manifestCommand(int argc, char** argv) {
     }
     if (!whole.empty()) return isWhole(whole, files) ? kAllDone : kSomeBad;
     Summary summary;
-    PageList manifests(files, list, '\n');
-    for (std::string file; manifests.next(file);) summary.add(file, verify);
+    std::vector<PageName> named;
+    for (const std::string& file : files) named.push_back({file, ""});
+    PageList manifests(std::move(named), list, '\n');
+    for (PageName name; manifests.next(name);) summary.add(name.file, verify);
     if (!expected.empty()) summary.expect(linesOf(expected));
     if (!retry.empty()) replaceFile(retry, summary.retryList());
     if (json)

@@ -10,7 +10,7 @@ namespace {
 
 Existing earlierManifest(const OutputPlace& place, const std::optional<Manifest>& earlier, const Rules& rules) {
     Existing existing = identify(place.folder, place.name);
-    if (earlier) existing.mark = lineOf(earlier->head);
+    existing.mayBeRemade = earlier.has_value();
     requireReplaceable(existing, place.path(), rules);
     return existing;
 }

@@ -15,15 +15,67 @@ namespace {
 
 std::string reason() { return std::string(": ") + std::strerror(errno); }
 
+// The names of new folders are on disk after this.
+void syncFolder(int folder) {
+    // Some file systems keep names without being asked, and cannot be asked.
+    if (fsync(folder) != 0 && errno != EINVAL) throw std::system_error(errno, std::generic_category());
+}
+
+Descriptor openFolder(int start, const std::string& path) {
+    return Descriptor(openat(start, path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+bool isFolderAt(int start, const std::string& path) {
+    struct stat status {};
+    return fstatat(start, path.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::string folderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+// The folders of the path that are missing, from a start on.
+void makeFolders(int start, const std::string& path) {
+    for (size_t end = 0; end != std::string::npos;) {
+        end = path.find('/', end + 1);
+        const std::string part = path.substr(0, end);
+        if (isFolderAt(start, part)) continue;
+        if (mkdirat(start, part.c_str(), 0777) == 0)
+            syncFolder(openFolder(start, folderOf(part)).get());
+        else if (errno != EEXIST)
+            throw std::runtime_error("the folder " + part + " cannot be made" + reason());
+        else if (!isFolderAt(start, part))
+            throw std::runtime_error(part + " is a file, but the results need a folder; choose another name");
+    }
+}
+
 }    // namespace
 
-OutputFolder::OutputFolder(const std::string& path)
-    : path_(path), descriptor_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (!descriptor_.isOpen()) throw std::runtime_error("the folder " + path + " cannot be opened" + reason());
+OutputFolder::OutputFolder(std::string path, Descriptor descriptor, bool isPlanned)
+    : isPlanned_(isPlanned), path_(std::move(path)), descriptor_(std::move(descriptor)) {
+    if (!descriptor_.isOpen() && (!isPlanned_ || errno != ENOENT))
+        throw std::runtime_error("the folder " + path_ + " cannot be opened" + reason());
 }
+
+OutputFolder::OutputFolder(const std::string& path) : OutputFolder(path, openFolder(AT_FDCWD, path)) {}
+
+OutputFolder OutputFolder::made(const std::string& path) {
+    makeFolders(AT_FDCWD, path);
+    return OutputFolder(path);
+}
+
+OutputFolder OutputFolder::below(const std::string& path) const {
+    if (!isPlanned_) makeFolders(descriptor_.get(), path);
+    if (!descriptor_.isOpen()) return planned(pathOf(path));
+    return {pathOf(path), openFolder(descriptor_.get(), path), isPlanned_};
+}
+
+OutputFolder OutputFolder::planned(const std::string& path) { return {path, openFolder(AT_FDCWD, path), true}; }
 
 std::optional<struct stat> OutputFolder::find(const std::string& name) const {
     struct stat status {};
+    if (!descriptor_.isOpen()) return std::nullopt;
     if (fstatat(descriptor_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
     if (errno == ENOENT) return std::nullopt;
     throw std::runtime_error(pathOf(name) + " cannot be written" + reason());
@@ -83,13 +135,9 @@ void OutputFolder::checkStillThere(const std::string& name, const FileId& replac
     if (!there || idOf(*there) != replaced) throw std::system_error(EEXIST, std::generic_category());
 }
 
-// The name is on disk after this. Some file systems keep names without being asked, and cannot be asked.
-void OutputFolder::sync() const {
-    if (fsync(descriptor_.get()) != 0 && errno != EINVAL) throw std::system_error(errno, std::generic_category());
-}
+// The name is on disk after this.
+void OutputFolder::sync() const { syncFolder(descriptor_.get()); }
 
 OutputPlace placeOf(const std::string& path) {
-    const std::filesystem::path file(path);
-    const std::string folder = file.parent_path().string();
-    return {OutputFolder(folder.empty() ? "." : folder), file.filename().string()};
+    return {OutputFolder(folderOf(path)), std::filesystem::path(path).filename().string()};
 }

@@ -20,6 +20,13 @@ class OutputFolder {
 public:
     explicit OutputFolder(const std::string& path);
 
+    // Makes the folder, and those above it, if they are missing.
+    static OutputFolder made(const std::string& path);
+    OutputFolder below(const std::string& path) const;
+
+    // It may be missing, and is not made; nor are folders below it.
+    static OutputFolder planned(const std::string& path);
+
     // Of whatever has this name; a link is not followed.
     std::optional<struct stat> find(const std::string& name) const;
 
@@ -42,12 +49,14 @@ public:
     std::string pathOf(const std::string& name) const { return path_ + "/" + name; }
 
 private:
+    OutputFolder(std::string path, Descriptor descriptor, bool isPlanned = false);
     template <class Work>
     auto explained(const std::string& name, const Work& work) const;
     void nameFile(UnnamedFile& file, const std::string& name, const std::optional<FileId>& replaced) const;
     void checkStillThere(const std::string& name, const FileId& replaced) const;
     void sync() const;
 
+    bool isPlanned_ = false;
     std::string path_;
     Descriptor descriptor_;
 };

@@ -110,6 +110,7 @@ struct PageResult {
     double milliseconds = 0;
     size_t bytes = 0;    // of its results
     std::vector<Stage> stages;
+    std::vector<std::string> planned;          // paths that would be written
     std::optional<PageStream> stream;          // for a book
     std::optional<Thumbnail> before, after;    // on request
 };

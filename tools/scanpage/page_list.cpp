@@ -7,8 +7,8 @@
 
 #include "stop.h"
 
-PageList::PageList(std::vector<std::string> names, const std::string& list, char separator)
-    : names_(std::move(names)), separator_(separator), count_(names_.size()) {
+PageList::PageList(std::vector<PageName> pages, const std::string& list, char separator)
+    : pages_(std::move(pages)), separator_(separator), count_(pages_.size()) {
     if (list.empty()) return;
     // A list in a file replaces standard input, because a request to stop ends reading from standard input.
     if (list != "-" && !std::freopen(list.c_str(), "r", stdin)) throw std::runtime_error(list + " cannot be opened");
@@ -22,12 +22,13 @@ PageList::PageList(std::vector<std::string> names, const std::string& list, char
     std::fseek(list_, start, SEEK_SET);
 }
 
-bool PageList::next(std::string& name) {
-    if (used_ < names_.size()) {
-        name = names_[used_++];
+bool PageList::next(PageName& page) {
+    if (used_ < pages_.size()) {
+        page = pages_[used_++];
         return true;
     }
-    return list_ && nextOfList(name);
+    page.folder.clear();
+    return list_ && nextOfList(page.file);
 }
 
 // Skips empty lines. A last name without its separator counts. Names with NUL are rejected, because opening them would

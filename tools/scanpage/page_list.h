@@ -9,13 +9,15 @@
 #include <string>
 #include <vector>
 
+#include "page_folder.h"
+
 class PageList {
 public:
     // The list is a file, or "-" for standard input; empty for none. Names in it end with the separator.
-    PageList(std::vector<std::string> names, const std::string& list, char separator);
+    PageList(std::vector<PageName> pages, const std::string& list, char separator);
 
     // False at the end.
-    bool next(std::string& name);
+    bool next(PageName& page);
 
     // 0 if it is not known before the end, as for a pipe.
     size_t count() const { return count_; }
@@ -23,7 +25,7 @@ public:
 private:
     bool nextOfList(std::string& name);
 
-    std::vector<std::string> names_;
+    std::vector<PageName> pages_;
     size_t used_ = 0;
     char separator_;
     std::FILE* list_ = nullptr;

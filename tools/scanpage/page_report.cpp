@@ -44,6 +44,12 @@ std::string lineOf(const PageResult& r) {
            (r.skew.reason.empty() ? "-" : r.skew.reason) + '\t' + (r.blank >= 0 ? number("%.2f", r.blank) : "-") + '\n';
 }
 
+std::string planOf(const std::vector<std::string>& paths) {
+    std::string lines;
+    for (const std::string& path : paths) lines += escaped(path) + '\n';
+    return lines;
+}
+
 // Writes all of the text, in one piece if the system takes it so. Returns how much it took.
 size_t writeText(int stream, const std::string& text) {
     size_t written = 0;
@@ -69,25 +75,28 @@ void beginOnFreshLine() {
 
 }    // namespace
 
-PageReport::PageReport(size_t pages, Talk talk, bool lines)
+PageReport::PageReport(size_t pages, Talk talk, Lines lines)
     : progress_(pages, talk != Talk::kQuiet),
       talk_(talk),
       lines_(lines),
-      linesOnTerminal_(lines && isatty(STDOUT_FILENO) != 0) {
-    if (lines_) beginOnFreshLine();
+      linesOnTerminal_(lines != Lines::kNone && isatty(STDOUT_FILENO) != 0) {
+    if (lines_ == Lines::kPages) beginOnFreshLine();
 }
 
 void PageReport::add(const PageResult& result) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (linesOnTerminal_ || talk_ == Talk::kVerbose || !result.fault.empty()) progress_.clear();
-    if (lines_) writeLine(result);
+    if (lines_ == Lines::kPages) writeLines(lineOf(result));
+    if (lines_ == Lines::kPlan) writeLines(planOf(result.planned));
     print(result);
     count(result);
     progress_.show(done_ + kept_ + damaged_ + failed_, worked_);
 }
 
-void PageReport::writeLine(const PageResult& result) {
-    const std::string line = (lineCut_ ? "\n" : "") + lineOf(result);
+void PageReport::plan(const std::string& path) { writeLines(planOf({path})); }
+
+void PageReport::writeLines(const std::string& lines) {
+    const std::string line = (lineCut_ ? "\n" : "") + lines;
     const size_t written = writeText(STDOUT_FILENO, line);
     lineCut_ = written < line.size() && (written > 0 || lineCut_);
     if (written == line.size()) return;
@@ -99,6 +108,7 @@ void PageReport::print(const PageResult& r) {
     const std::string file = escaped(r.file);
     if (!r.fault.empty()) std::fprintf(stderr, "scanpage: %s: %s\n", file.c_str(), escaped(r.fault).c_str());
     if (talk_ != Talk::kVerbose || r.status == Status::kFailed) return;
+    if (lines_ == Lines::kPlan && r.status == Status::kDone) return;
     if (r.stages.empty()) {
         std::fprintf(stderr, "%s: its results are complete\n", file.c_str());
         return;
@@ -141,8 +151,9 @@ void PageReport::summarise() {
 void PageReport::printCounts() const {
     const std::string damaged = damaged_ > 0 ? std::to_string(damaged_) + " damaged, " : "";
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    std::fprintf(stderr, "%zu done, %zu kept, %s%zu failed in %.1f s: %.1f pages/s\n", done_, kept_, damaged.c_str(),
-                 failed_, seconds, static_cast<double>(worked_) / std::max(seconds, 1e-9));
+    std::fprintf(stderr, "%zu %s, %zu kept, %s%zu failed in %.1f s: %.1f pages/s\n", done_,
+                 lines_ == Lines::kPlan ? "would be done" : "done", kept_, damaged.c_str(), failed_, seconds,
+                 static_cast<double>(worked_) / std::max(seconds, 1e-9));
     if (withoutSkew_.empty()) return;
     size_t pages = 0;
     std::string reasons;

@@ -13,16 +13,22 @@
 // How much people are told. kQuiet: errors only.
 enum class Talk { kQuiet, kUsual, kVerbose };
 
+// What standard output gets: a line for each page, or for each file that would be written.
+enum class Lines { kNone, kPages, kPlan };
+
 // As the report has it.
 const char* nameOf(Status status);
 
 class PageReport {
 public:
-    // `pages` is 0 if their number is not known. Without `lines` standard output stays free for something else.
-    PageReport(size_t pages, Talk talk, bool lines = true);
+    // `pages` is 0 if their number is not known.
+    PageReport(size_t pages, Talk talk, Lines lines);
 
     // From any thread. If standard output fails, the program is asked to stop.
     void add(const PageResult& result);
+
+    // A file that would be written besides those of the pages.
+    void plan(const std::string& path);
 
     // Prints counts and pages per second; if verbose, also a table of the stages and peak memory.
     void summarise();
@@ -32,7 +38,7 @@ public:
     bool anyLineLost() const { return lineLost_; }
 
 private:
-    void writeLine(const PageResult& result);
+    void writeLines(const std::string& lines);
     void print(const PageResult& result);
     void count(const PageResult& result);
     void printCounts() const;
@@ -41,7 +47,7 @@ private:
     std::mutex mutex_;
     Progress progress_;
     Talk talk_;
-    bool lines_;
+    Lines lines_;
     bool linesOnTerminal_;
     bool lineLost_ = false;
     bool lineCut_ = false;

@@ -214,16 +214,24 @@ bool keepResults(const FolderResults& results, const Options& options, PageResul
 // Where a page is.
 struct Place {
     PageFile& file;
-    size_t index, page;    // of the file in the input, and of the page in the file
+    size_t index, page;           // of the file in the input, and of the page in the file
+    const std::string& folder;    // of its results, below that of all
     std::string resultName;
 };
 
 void processPage(const Place& place, const Run& run, bool thumbnails, PageResult& result) {
+    std::optional<OutputFolder> below;
     std::optional<FolderResults> results;
     if (run.folder) {
-        results.emplace(place.resultName, place.file.sumOf(place.page), run.options, *run.folder);
+        const OutputFolder& folder =
+            place.folder.empty() ? *run.folder : below.emplace(run.folder->below(place.folder));
+        results.emplace(place.resultName, place.file.sumOf(place.page), run.options, folder);
         if (keepResults(*results, run.options, result)) return;
-        results->requireReplaceable({run.inputs, run.overwrite});
+        results->requireReplaceable({run.inputs, run.overwrite, run.options.resume});
+    }
+    if (run.dryRun) {
+        if (results) result.planned = results->paths();
+        return;
     }
     Pipeline pipeline(run.options, result);
     pipeline.straighten(place.file, place.page, thumbnails);
@@ -299,24 +307,25 @@ void forEachPage(const std::string& file, const Open& open, const Work& work, co
     }
 }
 
-std::string numbered(const std::string& file, const std::string& number) {
-    return resultName(file) + (number.empty() ? "" : "-" + number);
+std::string numbered(const std::string& name, const std::string& number) {
+    return name + (number.empty() ? "" : "-" + number);
 }
 
 }    // namespace
 
-void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
+void processFile(const PageName& name, size_t index, const Run& run, bool thumbnails,
                  const std::function<void(PageResult&)>& finished) {
     const auto open = [&] {
-        addInput(file, run.inputs);
-        return InputFile(file);
+        addInput(name.file, run.inputs);
+        return InputFile(name.file);
     };
     const auto work = [&](PageFile& pages, size_t page, const std::string& number, PageResult& result) {
-        const std::string name = numbered(file, number);
-        if (!number.empty() && run.folder && !run.names.claim(name)) throw std::runtime_error(nameIsUsed(name));
-        processPage({pages, index, page, name}, run, thumbnails, result);
+        const std::string used = numbered(resultName(name), number);
+        if (!number.empty() && run.folder && !run.names.claim(used)) throw std::runtime_error(nameIsUsed(used));
+        const std::string own = numbered(resultName(name.file), number);
+        processPage({pages, index, page, name.folder, own}, run, thumbnails, result);
     };
-    forEachPage(file, open, work, finished);
+    forEachPage(name.file, open, work, finished);
 }
 
 void processMember(const std::string& name, std::vector<uint8_t> bytes, const Options& options,
@@ -324,7 +333,7 @@ void processMember(const std::string& name, std::vector<uint8_t> bytes, const Op
     std::vector<ResultFile> files;
     const auto open = [&] { return InputFile(std::move(bytes)); };
     const auto work = [&](PageFile& pages, size_t page, const std::string& number, PageResult& result) {
-        MemoryResults results(numbered(name, number), pages.sumOf(page), options);
+        MemoryResults results(numbered(resultName(name), number), pages.sumOf(page), options);
         Pipeline pipeline(options, result);
         pipeline.straighten(pages, page, false);
         pipeline.write(&results, false);

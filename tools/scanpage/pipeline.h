@@ -32,12 +32,13 @@ struct Run {
     UsedNames& names;
     Book* book;    // null: none is made
     bool overwrite;
+    bool dryRun = false;    // pages are opened, but nothing is made
 };
 
 // Reads, straightens, filters and writes the pages of a file, one after the other. Does not throw: a fault is reported.
 // `index` is the place of the file in the order of the input. `finished` is called for each page. `thumbnails` asks for
 // small pictures of the page before and after.
-void processFile(const std::string& file, size_t index, const Run& run, bool thumbnails,
+void processFile(const PageName& name, size_t index, const Run& run, bool thumbnails,
                  const std::function<void(PageResult&)>& finished);
 
 // The same for a file in memory, whose results stay in memory. A page that fails has none.

@@ -3,6 +3,7 @@
 
 #include "results.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -66,19 +67,31 @@ void requireReplaceable(const Existing& existing, const std::string& path, const
     if (!existing.id) return;
     if (existing.isFolder) throw std::runtime_error(path + " cannot be written: Is a directory");
     if (rules.inputs.contains(*existing.id)) throw std::runtime_error(path + " is an input and is not replaced");
-    if (!rules.overwrite && existing.mark.empty() && !existing.isEmptyFile)
-        throw std::runtime_error(path + " exists and is not a whole result of scanpage; --overwrite replaces it");
+    if (!rules.overwrite && !existing.isEmptyFile && !existing.mayBeRemade)
+        throw std::runtime_error(
+            path + (rules.resume ? " exists, but is not a whole result of this page with these options" : " exists") +
+            "; --overwrite replaces it");
 }
 
-void requireEarlierBook(const Existing& existing, const std::string& path, const InputIds& inputs) {
-    if (existing.id && !existing.isFolder && !inputs.contains(*existing.id) && existing.mark.empty() &&
+void requireEarlierBook(const Existing& existing, const std::string& path, const Rules& rules) {
+    if (existing.id && !existing.isFolder && !rules.inputs.contains(*existing.id) && existing.mark.empty() &&
         !existing.isEmptyFile)
         throw std::runtime_error(path +
                                  " exists and is not a whole result of scanpage; remove it or choose another name");
-    requireReplaceable(existing, path, {inputs, false});
+    requireReplaceable(existing, path, rules);
+}
+
+OutputPlace placeOfBook(const std::string& path, const Rules& rules) {
+    OutputPlace place = placeOf(path);
+    requireEarlierBook(examine(place.folder, place.name), place.path(), rules);
+    return place;
 }
 
 std::string resultName(const std::string& file) { return std::filesystem::path(file).stem().string(); }
+
+std::string resultName(const PageName& page) {
+    return (page.folder.empty() ? "" : page.folder + "/") + resultName(page.file);
+}
 
 std::string nameIsUsed(const std::string& resultName) {
     return "another page has already used the name " + resultName + " for its results";
@@ -104,20 +117,31 @@ FolderResults::FolderResults(const std::string& name, uint64_t pageSum, const Op
 }
 
 void FolderResults::requireReplaceable(const Rules& rules) const {
-    for (const auto& [format, existing] : existing_)
+    for (auto [format, existing] : existing_) {
+        existing.mayBeRemade = rules.resume && (isSame(format, false) || isSame(format, true));
         ::requireReplaceable(existing, folder_.pathOf(nameOf(format)), rules);
+    }
+}
+
+bool FolderResults::isSame(Format format, bool ofDamagedPage) const {
+    return existing_.at(format).mark == markFor(format, ofDamagedPage);
 }
 
 bool FolderResults::areComplete(bool ofDamagedPage) const {
-    for (const auto& [format, existing] : existing_)
-        if (existing.mark != markFor(format, ofDamagedPage)) return false;
-    return true;
+    return std::all_of(existing_.begin(), existing_.end(),
+                       [&](const auto& result) { return isSame(result.first, ofDamagedPage); });
 }
 
 size_t FolderResults::bytes() const {
     size_t sum = 0;
     for (const auto& [format, existing] : existing_) sum += existing.size;
     return sum;
+}
+
+std::vector<std::string> FolderResults::paths() const {
+    std::vector<std::string> paths;
+    for (const auto& [format, existing] : existing_) paths.push_back(folder_.pathOf(nameOf(format)));
+    return paths;
 }
 
 // In place of what was there.

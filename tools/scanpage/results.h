@@ -8,10 +8,12 @@
 
 #include "output_folder.h"
 #include "page.h"
+#include "page_folder.h"
 
 struct Rules {
     const InputIds& inputs;    // are never replaced
-    bool overwrite;            // files that scanpage did not make may be replaced
+    bool overwrite;            // any other file may be
+    bool resume = false;       // results may be that this run would make the same
 };
 
 // The file behind a name in the output folder. Unknown members are empty.
@@ -20,7 +22,8 @@ struct Existing {
     bool isFolder = false;
     bool isEmptyFile = false;    // holds nothing, so it may be replaced
     size_t size = 0;
-    std::string mark;    // only of a whole file that scanpage made
+    std::string mark;            // only of a whole file that scanpage made
+    bool mayBeRemade = false;    // without --overwrite
 };
 Existing examine(const OutputFolder& folder, const std::string& name);
 Existing identify(const OutputFolder& folder, const std::string& name);    // without its mark
@@ -30,11 +33,15 @@ void requireReplaceable(const Existing& existing, const std::string& path, const
 
 // The same for a file of many pages. Not even --overwrite replaces another program's, which may be a page that was taken
 // for its name.
-void requireEarlierBook(const Existing& existing, const std::string& path, const InputIds& inputs);
+void requireEarlierBook(const Existing& existing, const std::string& path, const Rules& rules);
+
+// Where a file of many pages goes. Throws if the rules forbid it.
+OutputPlace placeOfBook(const std::string& path, const Rules& rules);
 
 // Name of the results of a page, without folder and extension. Pages that share it would overwrite each other's
 // results; `nameIsUsed` tells so.
 std::string resultName(const std::string& file);
+std::string resultName(const PageName& page);    // with the folder below that of the results
 std::string nameIsUsed(const std::string& resultName);
 
 // The options that decide about the bytes of a result, as one would give them.
@@ -77,7 +84,10 @@ public:
 
     size_t bytes() const;
 
+    std::vector<std::string> paths() const;
+
 private:
+    bool isSame(Format format, bool ofDamagedPage) const;
     void store(Format format, std::vector<uint8_t> file) override;
 
     const OutputFolder& folder_;

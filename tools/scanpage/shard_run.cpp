@@ -77,7 +77,7 @@ public:
             return statusOf(*manifest_->earlier()->totals);
         }
         UnnamedFile file = place.folder.create(place.name);
-        PageReport report(0, settings_.talk);
+        PageReport report(0, settings_.talk, Lines::kPages);
         const ShardTotals totals = straighten(file.descriptor(), settings_.folder, report);
         manifest_->announce();
         place.folder.publish(file, place.name, existing.id);
@@ -87,7 +87,7 @@ public:
     }
 
     int toStandardOutput() {
-        PageReport report(0, settings_.talk, false);
+        PageReport report(0, settings_.talk, Lines::kNone);
         const ShardTotals totals = straighten(STDOUT_FILENO, "standard output", report);
         if (manifest_) manifest_->finish(totals);
         report.summarise();
@@ -97,7 +97,7 @@ public:
 private:
     Existing existingOutput(const OutputPlace& place) const {
         Existing existing = identify(place.folder, place.name);
-        if (manifest_->earlier()) existing.mark = lineOf(manifest_->earlier()->head);
+        existing.mayBeRemade = manifest_->earlier().has_value();
         requireReplaceable(existing, place.path(), {inputs_, settings_.overwrite});
         return existing;
     }

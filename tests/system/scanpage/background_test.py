@@ -10,7 +10,7 @@ import unittest
 
 from encoders import pnm
 from images import Image, lept, ppm
-from support import PageTest, scanpage
+from support import PageTest, rescan
 
 PAPER, INK = 240, 30
 TEXT = (
@@ -73,7 +73,7 @@ class Pages(PageTest):
     def run_on(self, rows, *options):
         page = self.folder / "page.pnm"
         page.write_bytes(pnm(rows, 6 if isinstance(rows[0][0], tuple) else 5))
-        run = scanpage("--assume-dpi", "100", *options, page, "-o", self.out)
+        run = rescan("--assume-dpi", "100", *options, page, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         return run.lines[0]
 
@@ -108,7 +108,7 @@ class Background(Pages):
         ink = [[int(200 < x < 400 and 200 < y < 300) or b for x, b in enumerate(row)] for y, row in enumerate(self.ink_of(self.text))]
         page = self.folder / "bits.pbm"
         page.write_bytes(pnm(ink, 4))
-        scanpage("--angle", "0", "--format", "pbm", page, "-o", self.out)
+        rescan("--angle", "0", "--format", "pbm", page, "-o", self.out)
         self.assertTrue(ink == pbm_rows((self.out / "bits.pbm").read_bytes()))
 
     def test_a_jpeg_is_flattened_on_request(self):
@@ -135,11 +135,11 @@ class Background(Pages):
         self.bits_of(self.text)
         page = self.folder / "page.pnm"
         for options, status in (([], "kept"), (["--background", "keep"], "done"), (["--background", "flatten"], "done")):
-            run = scanpage("--resume", "--assume-dpi", "100", "--angle", "0", "--format", "pbm", *options, page, "-o", self.out)
+            run = rescan("--resume", "--assume-dpi", "100", "--angle", "0", "--format", "pbm", *options, page, "-o", self.out)
             self.assertEqual(status, run.lines[0].status, options)
 
     def test_unknown_choices_are_refused(self):
-        run = scanpage("--background", "white", self.pages[0], "-o", self.out)
+        run = rescan("--background", "white", self.pages[0], "-o", self.out)
         self.assertEqual((2, []), (run.status, run.lines))
         self.assertIn("--background", run.stderr)
 
@@ -162,7 +162,7 @@ class Orientation(Pages):
     def test_a_skewed_page_on_its_head(self):
         self.run_on(self.text, "--angle", "177", "--mode", "788")
         (self.out / "page.jpg").rename(self.folder / "head.jpg")
-        line = scanpage("--orient", self.folder / "head.jpg", "-o", self.out).lines[0]
+        line = rescan("--orient", self.folder / "head.jpg", "-o", self.out).lines[0]
         self.assertAlmostEqual(183, float(line.skew) % 360, delta=0.4)
 
     def test_pages_without_text_stay(self):
@@ -170,7 +170,7 @@ class Orientation(Pages):
         self.assertEqual(("-", "blank"), (line.skew, line.reason))
 
     def test_it_excludes_an_angle(self):
-        run = scanpage("--orient", "--angle", "90", self.pages[0], "-o", self.out)
+        run = rescan("--orient", "--angle", "90", self.pages[0], "-o", self.out)
         self.assertEqual((2, []), (run.status, run.lines))
         self.assertIn("--orient", run.stderr)
 
@@ -224,12 +224,12 @@ class BlankScore(Pages):
     def test_the_resolution_does_not_matter(self):
         double = [[v for v in row for _ in "ab"] for row in printed("letter") for _ in "ab"]
         ppm(self.folder / "double.pnm", double)
-        run = scanpage("--assume-dpi", "200", self.folder / "double.pnm", "-o", self.out)
+        run = rescan("--assume-dpi", "200", self.folder / "double.pnm", "-o", self.out)
         self.assertAlmostEqual(self.score(printed("letter")), float(run.lines[0].blank), delta=0.05)
 
     def test_unknown_for_pages_that_were_not_read(self):
         (self.folder / "no.pnm").write_text("no page")
-        run = scanpage(self.folder / "no.pnm", "-o", self.out)
+        run = rescan(self.folder / "no.pnm", "-o", self.out)
         self.assertEqual("-", run.lines[0].blank)
 
 

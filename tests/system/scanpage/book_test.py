@@ -12,7 +12,7 @@ import unittest
 
 from encoders import pnm, tiff, tiff_page
 from images import Image
-from support import HOLD, SCANPAGE, PageTest, parse, scanpage
+from support import HOLD, SCANPAGE, PageTest, parse, rescan, scanpage
 
 SCAN = ["scanimage", "-d", "test", "--resolution", "100", "-x", "60", "-y", "40"]
 WIDTH, HEIGHT = 236, 157    # of such a scan
@@ -48,14 +48,14 @@ class Contents(Books):
         pages[3].write_bytes(tiff(*[tiff_page([[90] * width] * 20) for width in (101, 102, 103)]))
         widths = [20, 21, 22, 101, 102, 103, *range(23, 32)]
         for jobs in ("1", "4"):
-            run = scanpage("--angle", "0", "-j", jobs, *pages, *self.options)
+            run = rescan("--angle", "0", "-j", jobs, *pages, *self.options)
             self.assertEqual((0, 15), (run.status, len(run.lines)), run.stderr)
             self.assertEqual(widths, [image[0] for image in self.images_in(self.pdf)])
             self.assertEqual(widths, self.tiff_widths())
         self.assertEqual(["Our book.pdf", "book.tif", "in", "out"], sorted(path.name for path in self.root.iterdir()))
 
     def tiff_widths(self):
-        run = scanpage("-v", "--angle", "0", self.tiff, "-o", self.out)
+        run = rescan("-v", "--angle", "0", self.tiff, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         return [int(width) for width in re.findall(r"^.*#\d+: (\d+) x 20, ", run.stderr, re.M)]
 
@@ -87,7 +87,7 @@ class Contents(Books):
     def test_grey_colour_and_one_bit(self):
         grey = self.flat("grey.pgm", 90)
         for chosen, kind in (("jpeg", "jpeg"), ("g4", "ccitt"), ("pbm", "ccitt"), ("jpeg,g4", "jpeg")):
-            self.assertEqual(0, scanpage("--format", chosen, grey, self.pages[0], *self.options).status)
+            self.assertEqual(0, rescan("--format", chosen, grey, self.pages[0], *self.options).status)
             self.assertEqual([kind, kind], [image[4] for image in self.images_in(self.pdf)])
 
     def test_size_title_and_date(self):
@@ -101,7 +101,7 @@ class Contents(Books):
         made = time.strptime(about["CreationDate"].strip(), "D:%Y%m%d%H%M%SZ")
         self.assertLess(abs(calendar.timegm(made) - before), 60)
         self.assertEqual((150, 50), self.images_in(self.pdf)[0][5:])
-        scanpage("--angle", "90", page, *self.options)
+        rescan("--angle", "90", page, *self.options)
         self.assertEqual((100, 300, 50, 150), (lambda i: (*i[:2], *i[5:]))(self.images_in(self.pdf)[0]))
 
     def test_failed_pages_are_named(self):
@@ -120,7 +120,7 @@ class Contents(Books):
             noise = os.urandom(400 * 400)
             for page in pages:
                 page.write_bytes(b"P5 400 400 255\n" + noise)
-            scan = subprocess.Popen([SCANPAGE, "--angle", "0", *pages, *self.options], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            scan = subprocess.Popen([SCANPAGE, "--overwrite", "--angle", "0", *pages, *self.options], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             _, status, usage = os.wait4(scan.pid, 0)
             scan.returncode = status
             self.assertEqual(0, status)
@@ -134,7 +134,7 @@ class Contents(Books):
 class Safety(Books):
     def test_wrong_usage(self):
         for options, reason in (
-            ([], "--output, --pdf or --tiff"),
+            ([], "the place of the results is missing: -o FOLDER, --pdf FILE.pdf or --tiff FILE.tif\n"),
             (["--pdf", self.root / "book.txt"], "does not end in .pdf"),
             (["--tiff", self.pages[1]], "does not end in .tif"),
             (["--pdf", self.pdf, "--resume"], "needs all of them worked on again"),
@@ -146,18 +146,22 @@ class Safety(Books):
         self.assertEqual(["in", "out"], sorted(path.name for path in self.root.iterdir()))
 
     def test_only_an_earlier_book_is_replaced(self):
-        for _ in range(2):
-            self.assertEqual(0, scanpage(self.pages[0], *self.options).status)
-        for book in (self.pdf, self.tiff):
+        self.assertEqual(0, scanpage(self.pages[0], *self.options).status)
+        for option, book in (("--pdf", self.pdf), ("--tiff", self.tiff)):
+            right = book.read_bytes()
+            run = scanpage(self.pages[0], option, book)
+            self.assertEqual((2, [], right), (run.status, run.lines, book.read_bytes()))
+            self.assertIn(f"{book} exists; --overwrite replaces it\n", run.stderr)
+            self.assertEqual(0, rescan(self.pages[0], option, book).status)
             right = book.read_bytes()
             for theirs in (b"theirs", right[:-1], right[:500] + b"x" + right[501:]):
                 book.write_bytes(theirs)
                 for options in ([], ["--overwrite"]):
-                    run = scanpage(self.pages[0], *options, *self.options)
+                    run = scanpage(self.pages[0], *options, option, book)
                     self.assertEqual((2, []), (run.status, run.lines))
                     self.assertIn(f"{book} exists and is not a whole result of scanpage; remove it", run.stderr)
                     self.assertEqual(theirs, book.read_bytes())
-            book.unlink()
+            book.write_bytes(right)
 
     def test_a_page_is_not_replaced(self):
         page = self.folder / "page.tif"

@@ -45,7 +45,7 @@ class Faults(PageTest):
         report = self.root / "report.tsv"
         report.unlink(missing_ok=True)
         (self.root / "fired").unlink(missing_ok=True)
-        command = [SCANPAGE, *options, *FORMATS, *map(str, self.pages), "-o", str(self.out)]
+        command = [SCANPAGE, "--overwrite", *options, *FORMATS, *map(str, self.pages), "-o", str(self.out)]
         environment = {"LD_PRELOAD": os.environ["FAULTS"], "FAULT": fault, "FOLDER": str(self.root), **environment}
         with open(report, "ab") as stream:
             done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=stream, stderr=subprocess.PIPE, timeout=60,

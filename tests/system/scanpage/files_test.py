@@ -4,6 +4,7 @@
 """No file is destroyed: neither pages, nor files of other programs, nor what links lead to."""
 
 import os
+import shutil
 import unittest
 
 from images import Image
@@ -29,7 +30,7 @@ class Results(PageTest):
             self.result.write_bytes(theirs)
             for options in ([], ["--resume"]):
                 run = scanpage(*options, self.page, "-o", self.out)
-                self.assert_refused(run, f"{self.result} exists and is not a whole result of scanpage")
+                self.assert_refused(run, f"{self.result} exists")
                 self.assertEqual(theirs, self.result.read_bytes())
             self.assertEqual("done", scanpage("--overwrite", self.page, "-o", self.out).lines[0].status)
             self.assertEqual(self.right, self.result.read_bytes())
@@ -39,7 +40,7 @@ class Results(PageTest):
         for target in (other, self.page, self.root / "nowhere"):
             other.write_bytes(b"other")
             os.symlink(target, self.result)
-            self.assert_refused(scanpage("--resume", self.page, "-o", self.out), "is not a whole result of scanpage")
+            self.assert_refused(scanpage("--resume", self.page, "-o", self.out), "exists, but is not a whole result of this page")
             self.assertTrue(self.result.is_symlink())
             self.assertEqual("done", scanpage("--overwrite", self.page, "-o", self.out).lines[0].status)
             self.assertFalse(self.result.is_symlink())
@@ -52,7 +53,7 @@ class Results(PageTest):
         other = self.root / "other"
         other.write_bytes(b"other")
         os.link(other, self.result)
-        self.assert_refused(scanpage(self.page, "-o", self.out), "is not a whole result of scanpage")
+        self.assert_refused(scanpage(self.page, "-o", self.out), f"{self.result} exists; --overwrite replaces it")
         self.assertEqual("done", scanpage("--overwrite", self.page, "-o", self.out).lines[0].status)
         self.assertEqual((self.right, b"other"), (self.result.read_bytes(), other.read_bytes()))
 
@@ -61,6 +62,7 @@ class Results(PageTest):
             part = self.out / f"{self.page.name}.part"
             make(self.page, part)
             self.assertEqual(0, scanpage(self.page, "-o", self.out).status)
+            self.result.unlink()
             self.assertEqual((self.original, self.original), (self.page.read_bytes(), part.read_bytes()))
             part.unlink()
 
@@ -86,7 +88,7 @@ class Results(PageTest):
 
     def test_nothing_else_is_left_in_the_folder(self):
         for _ in range(2):
-            scanpage(*self.pages, "--format", "jpeg,pbm,g4", "-o", self.out)
+            scanpage(*self.pages, "--overwrite", "--format", "jpeg,pbm,g4", "-o", self.out)
             self.assertEqual(18, len(self.results()))
 
 
@@ -123,28 +125,31 @@ class ContactSheet(PageTest):
             self.assert_refused(self.run_with(page, page, *options), f"{page} is an input and is not replaced")
             self.assertEqual(self.originals[self.pages[0]], page.read_bytes())
 
-    def test_a_file_of_another_program_needs_overwrite(self):
+    def test_a_file_of_another_program_stays(self):
         scanpage(self.pages[0], "-o", self.folder.parent, "--contact-sheet", self.sheet)
         theirs = self.sheet.read_bytes().replace(b"IEND", b"IENd")
         for contents in (b"theirs", theirs):
             self.sheet.write_bytes(contents)
-            self.assert_refused(self.run_with(self.sheet), f"{self.sheet} exists and is not a whole result of scanpage")
+            for options in ([], ["--overwrite"]):
+                self.assert_refused(self.run_with(self.sheet, *options),
+                                    f"{self.sheet} exists and is not a whole result of scanpage; remove it")    # fmt: skip
             self.assertEqual(contents, self.sheet.read_bytes())
-        self.assertEqual(0, self.run_with(self.sheet, "--overwrite").status)
-        Image(self.sheet)
 
-    def test_an_earlier_sheet_is_replaced(self):
-        self.assertEqual(0, self.run_with(self.sheet).status)
+    def test_an_earlier_sheet_needs_overwrite(self):
+        self.assertEqual(0, scanpage(*self.pages, "-o", self.root / "other", "--contact-sheet", self.sheet).status)
+        shutil.rmtree(self.root / "other")
         first = self.sheet.read_bytes()
-        self.assertEqual(0, self.run_with(self.sheet, "--angle", "90").status)
+        self.assert_refused(self.run_with(self.sheet), f"{self.sheet} exists; --overwrite replaces it")
+        self.assertEqual(first, self.sheet.read_bytes())
+        self.assertEqual(0, self.run_with(self.sheet, "--overwrite", "--angle", "90").status)
         self.assertNotEqual(first, self.sheet.read_bytes())
         self.assertEqual(["in", "out", "sheet.png"], sorted(path.name for path in self.root.iterdir()))
 
-    def test_a_link_is_replaced_not_followed(self):
+    def test_a_link_is_not_followed(self):
         os.symlink(self.pages[0], self.sheet)
-        self.assert_refused(self.run_with(self.sheet), "is not a whole result of scanpage")
-        self.assertEqual(0, self.run_with(self.sheet, "--overwrite").status)
-        self.assertFalse(self.sheet.is_symlink())
+        for options in ([], ["--overwrite"]):
+            self.assert_refused(self.run_with(self.sheet, *options), f"{self.sheet} exists and is not a whole result of scanpage")
+            self.assertTrue(self.sheet.is_symlink())
 
 
 if __name__ == "__main__":

@@ -12,7 +12,7 @@ import unittest
 
 from encoders import CMYK, MIN_IS_BLACK, MIN_IS_WHITE, PALETTE, RGB, chunk, png, pnm, tiff, tiff_page
 from images import Image, jpeg_of, lept
-from support import SCANPAGE, PageTest, scanpage
+from support import SCANPAGE, PageTest, rescan
 
 WIDTH, HEIGHT = 45, 37
 GREY = [[(7 * x + 5 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
@@ -41,7 +41,7 @@ class Formats(PageTest):
         pages = [self.folder / f"page-{i}" for i in range(len(streams))]    # their names tell nothing
         for page, stream in zip(pages, streams):
             page.write_bytes(stream)
-        run = scanpage("-v", "--angle", "0", "--mode", "788", *options, *pages, "-o", self.out)
+        run = rescan("-v", "--angle", "0", "--mode", "788", *options, *pages, "-o", self.out)
         self.assertEqual([status] * len(pages), [line.status for line in run.lines], run.stderr)
         self.stderr = run.stderr
         mark = re.compile(rb"\xff\xfe..scanpage: page [0-9a-f]{16}, options [^,]*, (page damaged, )?sum [0-9a-f]{16}", re.S)
@@ -55,7 +55,7 @@ class Formats(PageTest):
     def assert_fails(self, stream, reason):
         page = self.folder / "page"
         page.write_bytes(stream)
-        run = scanpage(page, "-o", self.out)
+        run = rescan(page, "-o", self.out)
         self.assertEqual((1, ["failed"]), (run.status, [line.status for line in run.lines]), run.stderr)
         self.assertIn(f"scanpage: {page}: {reason}\n", run.stderr)
         self.assertEqual([], self.results())
@@ -198,15 +198,15 @@ class Resolution(Formats):
         self.read_with(["--assume-dpi", "75"], png(GREY, 8, 0, (11811, 11811, 1)))
         self.assertIn(", 300 x 300 dpi", self.stderr)
         options = ["--resume", "--angle", "0", "--mode", "788", self.folder / "page-0", "-o", self.out]
-        self.assertEqual("kept", scanpage("--assume-dpi", "75", *options).lines[0].status)
-        self.assertEqual("done", scanpage(*options).lines[0].status)
+        self.assertEqual("kept", rescan("--assume-dpi", "75", *options).lines[0].status)
+        self.assertEqual("done", rescan(*options).lines[0].status)
 
 
 class SeveralPages(Formats):
     def pages_of(self, stream, *options, name="book.tif"):
         page = self.folder / name
         page.write_bytes(stream)
-        return scanpage("--angle", "0", *options, page, "-o", self.out)
+        return rescan("--angle", "0", *options, page, "-o", self.out)
 
     def test_all_are_read(self):
         thumbnail, mask = {"t254": (4, 1)}, {"t254": (4, 4)}
@@ -222,7 +222,7 @@ class SeveralPages(Formats):
         run = self.pages_of(stream, "--resume")
         self.assertEqual(["kept"] * 3, [line.status for line in run.lines])
         self.assertEqual(before, {path: path.stat() for path in self.out.iterdir()})
-        one = scanpage("--angle", "0", self.folder / "book.tif", "-o", self.out)
+        one = rescan("--angle", "0", self.folder / "book.tif", "-o", self.out)
         self.assertEqual(["done"] * 3, [line.status for line in one.lines])
 
     def test_one_page_has_the_name_of_its_file(self):
@@ -243,7 +243,7 @@ class SeveralPages(Formats):
     def test_a_name_is_used_once(self):
         taken = jpeg_of(self.folder / "book-002.jpg", GREY)
         (self.folder / "book.tif").write_bytes(tiff(*[tiff_page(GREY)] * 3))
-        run = scanpage("--angle", "0", taken, self.folder / "book.tif", "-o", self.out)
+        run = rescan("--angle", "0", taken, self.folder / "book.tif", "-o", self.out)
         self.assertEqual(["done", "done", "failed", "done"], [line.status for line in run.lines])
         self.assertIn("another page has already used the name book-002 for its results", run.stderr)
 
@@ -321,11 +321,11 @@ class Damage(Formats):
     def test_damaged_pages_may_be_refused(self):
         page = self.folder / "page"
         page.write_bytes(self.cut(pnm(GREY, 5), 0.5))
-        run = scanpage("--damaged", "refuse", page, "-o", self.out)
+        run = rescan("--damaged", "refuse", page, "-o", self.out)
         self.assertEqual((1, "failed", []), (run.status, run.lines[0].status, self.results()))
         self.assertIn("is damaged: only", run.stderr)
-        scanpage(page, "-o", self.out)
-        self.assertEqual("damaged", scanpage("--resume", page, "-o", self.out).lines[0].status)
+        rescan(page, "-o", self.out)
+        self.assertEqual("damaged", rescan("--resume", page, "-o", self.out).lines[0].status)
 
     def test_nothing_of_the_page_is_there(self):
         decoded = "cannot be decoded"
@@ -340,7 +340,7 @@ class Damage(Formats):
         floats = {"t339": (3, 3)}
         page = self.folder / "page"
         page.write_bytes(tiff(tiff_page(each(GREY, lambda v: 257 * v), 16, **floats, tile=16)))
-        run = scanpage(page, "-o", self.out)
+        run = rescan(page, "-o", self.out)
         self.assertEqual("failed", run.lines[0].status)
         self.assertRegex(run.stderr, "cannot be decoded")
 

@@ -7,7 +7,7 @@ import os
 import subprocess
 import unittest
 
-from support import SCANPAGE, PageTest, Run, names, parse, scanpage
+from support import SCANPAGE, PageTest, Run, names, parse, rescan, scanpage
 
 
 class Lists(PageTest):
@@ -87,7 +87,7 @@ class SharedNames(PageTest):
         scanpage(self.pages[0], "-o", self.out)
         right = (self.out / self.pages[0].name).read_bytes()
         for options in ([], ["--resume"], ["--jobs", "2"]):
-            run = scanpage(*options, self.pages[0], self.twin, *self.pages[2:], "-o", self.out)
+            run = rescan(*options, self.pages[0], self.twin, *self.pages[2:], "-o", self.out)
             self.assertEqual(1, run.status)
             self.assertEqual([str(self.twin)], [line.file for line in run.lines if line.status == "failed"])
             self.assertIn("another page has already used the name page-000000 for its results", run.stderr)

@@ -45,7 +45,7 @@ class Memory(PageTest):
         page = self.root / "large.jpg"
         pagegen("--dpi", "200", page)
         for median in ("none", "cross"):
-            small, large = (self.peak("--median", median, "-o", self.out, file) for file in (self.pages[0], page))
+            small, large = (self.peak("--overwrite", "--median", median, "-o", self.out, file) for file in (self.pages[0], page))
             self.assertLess(large - small, 3.3 * 1654 * 2339 * 3 / 1024)
 
     def test_a_contact_sheet_of_80_pages_takes_20_megabytes_and_2_seconds_at_most(self):

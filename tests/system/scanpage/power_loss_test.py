@@ -99,7 +99,7 @@ class PowerLoss(PageTest):
     def record(self, fault, *options):
         journal = self.root / "journal"
         journal.unlink(missing_ok=True)
-        command = [SCANPAGE, *map(str, options), "--format", "jpeg,pbm,g4", "-o", str(self.out), "--contact-sheet",
+        command = [SCANPAGE, "--overwrite", *map(str, options), "--format", "jpeg,pbm,g4", "-o", str(self.out), "--contact-sheet",
                    str(self.sheet), *map(str, self.pages)]    # fmt: skip
         environment = {"LD_PRELOAD": os.environ["FAULTS"], "FAULT": fault, "FOLDER": str(self.root), "JOURNAL": str(journal)}
         subprocess.run(command, check=True, capture_output=True, env={**os.environ, **environment})

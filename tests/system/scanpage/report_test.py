@@ -12,7 +12,7 @@ import time
 import unittest
 
 from images import jpeg_of
-from support import HOLD, SCANPAGE, PageTest, open_files, pagegen, parse, scanpage, wait_until
+from support import HOLD, SCANPAGE, PageTest, open_files, pagegen, parse, rescan, scanpage, wait_until
 
 
 class Report(PageTest):
@@ -112,11 +112,11 @@ class Report(PageTest):
         for skew in (-3.1, 0.0, 2.3):
             page = self.folder / "drawn.jpg"
             pagegen("--dpi", "150", "--skew", str(skew), page)
-            run = scanpage(page, "-o", self.out)
+            run = rescan(page, "-o", self.out)
             self.assertAlmostEqual(skew, float(run.lines[0].skew), delta=0.2)
             again = self.root / "again"
             again.mkdir(exist_ok=True)
-            straight = scanpage(self.out / "drawn.jpg", "-o", again)
+            straight = rescan(self.out / "drawn.jpg", "-o", again)
             self.assertAlmostEqual(0, float(straight.lines[0].skew), delta=0.2)
 
     def test_thin_lines_are_lines(self):
@@ -129,7 +129,7 @@ class Report(PageTest):
 
     def test_a_given_angle_is_reported(self):
         for angle, skew in (("-0.5", "-0.50"), ("0", "0.00")):
-            run = scanpage("--angle", angle, self.pages[0], "-o", self.out)
+            run = rescan("--angle", angle, self.pages[0], "-o", self.out)
             self.assertEqual(skew, run.lines[0].skew)
 
     def test_bytes_are_those_of_all_results(self):
@@ -156,7 +156,7 @@ class Report(PageTest):
     def test_jobs_do_not_change_the_results(self):
         scanpage(*self.pages, "-o", self.out)
         alone = {path.name: path.read_bytes() for path in self.out.iterdir()}
-        run = scanpage("--jobs", "3", *self.pages, "-o", self.out)
+        run = rescan("--jobs", "3", *self.pages, "-o", self.out)
         self.assertEqual({str(page) for page in self.pages}, {line.file for line in run.lines})
         self.assertEqual(alone, {path.name: path.read_bytes() for path in self.out.iterdir()})
 
@@ -173,13 +173,13 @@ class ExitStatus(PageTest):
         empty.touch()
         text.write_text("This is no page.\n" * 50)
         cut.write_bytes(self.pages[0].read_bytes()[:100])
-        bad = [empty, text, cut, missing, self.folder]
+        bad = [empty, text, cut, missing]
         mixed = [page for pair in zip(bad, self.pages) for page in pair]
         for jobs in ("1", "2"):
-            run = scanpage("-j", jobs, *mixed, "-o", self.out)
+            run = rescan("-j", jobs, *mixed, "-o", self.out)
             self.assertEqual(1, run.status)
             self.assertEqual({str(page) for page in bad}, {line.file for line in run.lines if line.status == "failed"})
-            self.assertEqual([page.name for page in self.pages[:5]], self.results())
+            self.assertEqual([page.name for page in self.pages[:4]], self.results())
             for line in run.lines:
                 if line.status == "failed":
                     self.assertEqual(("-", "0"), (line.skew, line.bytes))
@@ -210,7 +210,6 @@ class ExitStatus(PageTest):
             [],
             [self.pages[0]],
             ["-o", self.out],
-            [self.pages[0], "-o", self.root / "nowhere"],
             [self.pages[0], "-o", self.pages[1]],
             [self.pages[0], "-o", ""],
             [self.pages[0], "-o", self.out, "--format", "gif"],

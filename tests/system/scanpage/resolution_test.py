@@ -6,7 +6,7 @@
 import struct
 import unittest
 
-from support import PageTest, scanpage
+from support import PageTest, rescan
 
 
 def with_density(stream, unit, x, y):
@@ -29,7 +29,7 @@ class Resolution(PageTest):
     def result_of(self, stream, *arguments):
         page = self.folder / "density.jpg"
         page.write_bytes(stream)
-        run = scanpage("-v", *arguments, page, "-o", self.out)
+        run = rescan("-v", *arguments, page, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         self.stderr = run.stderr
         return density(self.out / "density.jpg")

@@ -11,7 +11,7 @@ import unittest
 
 from encoders import tiff, tiff_page
 from images import Image, jpeg_of, written
-from support import SCANPAGE, PageTest, link_pages, pagegen, scanpage
+from support import SCANPAGE, PageTest, link_pages, pagegen, rescan
 
 
 def tags_of(tiff):
@@ -48,7 +48,7 @@ class OneBit(PageTest):
             for x in range(11, 30):
                 rows[y][x] = 20
         page = jpeg_of(self.folder / "drawn.jpg", rows)
-        run = scanpage("--angle", "0", "--format", "pbm,g4", page, "-o", self.out)
+        run = rescan("--angle", "0", "--format", "pbm,g4", page, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         expected = [[int(p == 20) for p in row] for row in rows]
         header, comment, size, bits = (self.out / "drawn.pbm").read_bytes().split(b"\n", 3)
@@ -59,7 +59,7 @@ class OneBit(PageTest):
     def test_rows_of_a_pbm_are_whole_bytes(self):
         for width, row in ((1, 1), (8, 1), (9, 2), (16, 2)):
             page = jpeg_of(self.folder / "drawn.jpg", plain(width, 7, 20))
-            scanpage("--angle", "0", "--format", "pbm", "--threshold", "99", page, "-o", self.out)
+            rescan("--angle", "0", "--format", "pbm", "--threshold", "99", page, "-o", self.out)
             stream = re.sub(rb"#.*\n", b"", (self.out / "drawn.pbm").read_bytes(), count=1)
             black = bytes([0xFF] * (width // 8) + [0x80] * (width % 8))
             self.assertEqual((row, b"P4\n%d 7\n" % width + black * 7), (len(black), stream))
@@ -68,7 +68,7 @@ class OneBit(PageTest):
         noise = random.Random(1)
         rows = [[noise.choice((0, 255)) for _ in range(200)] for _ in range(200)]
         page = jpeg_of(self.folder / "noise.jpg", rows)
-        scanpage("--angle", "0", "--format", "pbm,g4", page, "-o", self.out)
+        rescan("--angle", "0", "--format", "pbm,g4", page, "-o", self.out)
         self.assertTrue(Image(self.out / "noise.pbm").rows() == Image(self.out / "noise.tif").rows())
 
     def test_the_tags_of_a_tiff(self):
@@ -76,7 +76,7 @@ class OneBit(PageTest):
         pagegen("--dpi", "60", page)
         stream = page.read_bytes()
         page.write_bytes(stream[:13] + struct.pack(">BHH", 1, 120, 60) + stream[18:])
-        scanpage("--format", "g4", page, "-o", self.out)
+        rescan("--format", "g4", page, "-o", self.out)
         image = Image(page)
         tags = tags_of(self.out / "drawn.tif")
         self.assertEqual((image.width, image.height), (tags[256], tags[257]))
@@ -88,7 +88,7 @@ class OneBit(PageTest):
     def test_the_threshold_is_the_largest_black(self):
         page = jpeg_of(self.folder / "drawn.jpg", plain(16, 16, 100))
         for threshold, black in ((0, 0), (99, 0), (100, 1), (255, 1)):
-            scanpage("--angle", "0", "--format", "pbm", "--threshold", str(threshold), page, "-o", self.out)
+            rescan("--angle", "0", "--format", "pbm", "--threshold", str(threshold), page, "-o", self.out)
             self.assertEqual(black, Image(self.out / "drawn.pbm").at(8, 8), threshold)
 
     def test_the_histogram_chooses_a_threshold_between_ink_and_paper(self):
@@ -96,7 +96,7 @@ class OneBit(PageTest):
         for y in range(0, 40, 8):
             rows[y] = [60] * 40
         page = jpeg_of(self.folder / "drawn.jpg", rows)
-        scanpage("--angle", "0", "--format", "pbm", page, "-o", self.out)
+        rescan("--angle", "0", "--format", "pbm", page, "-o", self.out)
         image = Image(self.out / "drawn.pbm")
         self.assertEqual([1, 0, 0], [image.at(20, y) for y in (8, 12, 20)])
 
@@ -104,14 +104,14 @@ class OneBit(PageTest):
         for colour, level in (((255, 0, 0), 76), ((0, 255, 0), 149), ((0, 0, 255), 29)):
             page = jpeg_of(self.folder / "drawn.jpg", plain(16, 16, colour))
             for threshold, black in ((level - 3, 0), (level + 3, 1)):
-                scanpage("--angle", "0", "--format", "pbm", "--threshold", str(threshold), page, "-o", self.out)
+                rescan("--angle", "0", "--format", "pbm", "--threshold", str(threshold), page, "-o", self.out)
                 self.assertEqual(black, Image(self.out / "drawn.pbm").at(8, 8), (colour, threshold))
 
 
 class Pixels(PageTest):
     def result_of(self, rows, *options, angle="0"):
         page = jpeg_of(self.folder / "drawn.jpg", rows)
-        run = scanpage("--angle", angle, "--mode", "788", *options, page, "-o", self.out)
+        run = rescan("--angle", angle, "--mode", "788", *options, page, "-o", self.out)
         self.assertEqual(0, run.status, run.stderr)
         return Image(self.out / "drawn.jpg")
 
@@ -214,21 +214,21 @@ class Pixels(PageTest):
         page = self.pages[0]
         sizes = {}
         for mode in ("0", "286", "389", "450", "788"):
-            scanpage("--mode", mode, page, "-o", self.out)
+            rescan("--mode", mode, page, "-o", self.out)
             sizes[mode] = (self.out / page.name).stat().st_size
         self.assertEqual(sorted(sizes.values()), list(sizes.values()))
         self.assertEqual(5, len(set(sizes.values())))
-        scanpage(page, "-o", self.out)
+        rescan(page, "-o", self.out)
         self.assertEqual(sizes["450"], (self.out / page.name).stat().st_size)
 
     def test_scaling_goes_by_the_resolution(self):
         page = self.pages[0]    # 60 dots per inch
         image = Image(page)
-        run = scanpage("-v", "--dpi", "30", page, "-o", self.out)
+        run = rescan("-v", "--dpi", "30", page, "-o", self.out)
         half = Image(self.out / page.name)
         self.assertEqual((image.width // 2, image.height // 2), (half.width, half.height))
         self.assertIn("scale ", run.stderr)
-        same = scanpage("-v", "--dpi", "60", "--median", "none", page, "-o", self.out)
+        same = rescan("-v", "--dpi", "60", "--median", "none", page, "-o", self.out)
         self.assertNotRegex(same.stderr, "scale |median ")
 
 
@@ -290,7 +290,7 @@ class ContactSheet(PageTest):
         self.sheet = self.root / "sheet.png"
 
     def sheet_of(self, pages, *options, status=0):
-        run = scanpage(*options, *pages, "-o", self.out, "--overwrite", "--contact-sheet", self.sheet)
+        run = rescan(*options, *pages, "-o", self.out, "--contact-sheet", self.sheet)
         self.assertEqual(status, run.status, run.stderr)
         return Sheet(self.sheet)
 
@@ -409,7 +409,7 @@ class ContactSheet(PageTest):
         self.assertAlmostEqual(240, found[0], delta=6)
         self.assertAlmostEqual(120, found[1], delta=6)
         self.sheet.unlink()
-        run = scanpage(text, "-o", self.out, "--contact-sheet", self.sheet)
+        run = rescan(text, "-o", self.out, "--contact-sheet", self.sheet)
         self.assertEqual((1, False), (run.status, self.sheet.exists()))
 
     def test_grey_pages_are_grey(self):
@@ -418,7 +418,7 @@ class ContactSheet(PageTest):
             self.assertAlmostEqual(77, found, delta=4)
 
     def test_a_sheet_that_cannot_be_written(self):
-        run = scanpage(self.pages[0], "-o", self.out, "--contact-sheet", self.root / "nowhere" / "sheet.png")
+        run = rescan(self.pages[0], "-o", self.out, "--contact-sheet", self.root / "nowhere" / "sheet.png")
         self.assertEqual((2, []), (run.status, run.lines))
         self.assertRegex(run.stderr, r"/nowhere cannot be opened: No such file or directory\n\Z")
         self.assertEqual([], self.results())
@@ -437,7 +437,7 @@ class CommandLine(PageTest):
             "--angle": ("360.1", "-361", "inf", "nan", "1e300", "x"),
         }.items():
             for value in values:
-                run = scanpage(f"{option}={value}", self.pages[0], "-o", self.out)
+                run = rescan(f"{option}={value}", self.pages[0], "-o", self.out)
                 self.assertEqual((2, []), (run.status, run.lines), (option, value))
         self.assertEqual([], self.results())
 
@@ -451,13 +451,13 @@ class CommandLine(PageTest):
             "--angle": ("-360", "360"),
         }.items():
             for value in values:
-                run = scanpage("-v", f"{option}={value}", page, "-o", self.out)
+                run = rescan("-v", f"{option}={value}", page, "-o", self.out)
                 self.assertEqual(0, run.status, (option, value, run.stderr))
                 self.assertEqual(option == "--denoise", "reduce noise " in run.stderr, value)
-        self.assertEqual(0, scanpage("--dpi", "10", self.pages[0], "-o", self.out).status)
+        self.assertEqual(0, rescan("--dpi", "10", self.pages[0], "-o", self.out).status)
 
     def test_a_page_behind_the_formats_is_a_page(self):
-        run = scanpage("-o", self.out, "--format", "pbm", self.pages[0])
+        run = rescan("-o", self.out, "--format", "pbm", self.pages[0])
         self.assertEqual(0, run.status, run.stderr)
         self.assertEqual(["page-000000.pbm"], self.results())
 

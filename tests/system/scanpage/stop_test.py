@@ -11,7 +11,7 @@ import subprocess
 import time
 import unittest
 
-from support import HOLD, SCANPAGE, PageTest, link_pages, names, open_files, parse, scanpage, wait_until
+from support import HOLD, SCANPAGE, PageTest, link_pages, names, open_files, parse, rescan, scanpage, wait_until
 
 
 class Resume(PageTest):
@@ -44,9 +44,15 @@ class Resume(PageTest):
         self.assertEqual("done", scanpage("--resume", self.pages[0], "-o", self.out).lines[0].status)
         self.assert_whole([self.out / "page-000000.jpg"])
 
-    def test_without_resume_pages_are_done_again(self):
+    def test_without_resume_and_overwrite_results_stay(self):
         scanpage(self.pages[0], "-o", self.out)
-        self.assertEqual("done", scanpage(self.pages[0], "-o", self.out).lines[0].status)
+        before = self.contents()
+        for options in ([], ["--angle", "1"]):
+            run = scanpage(*options, *self.pages[:2], "-o", self.out)
+            self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
+            self.assertIn("page-000000.jpg exists; --overwrite replaces it\n", run.stderr)
+            self.assertEqual(before["page-000000.jpg"], (self.out / "page-000000.jpg").read_bytes())
+        self.assertEqual("done", rescan(self.pages[0], "-o", self.out).lines[0].status)
 
     def test_a_result_that_was_changed_is_neither_kept_nor_replaced(self):
         scanpage("--format", "jpeg,pbm,g4", self.pages[0], "-o", self.out)
@@ -58,14 +64,15 @@ class Resume(PageTest):
                 (self.out / name).write_bytes(changed)
                 run = scanpage("--resume", "--format", "jpeg,pbm,g4", self.pages[0], "-o", self.out)
                 self.assertEqual((1, "failed"), (run.status, run.lines[0].status))
-                self.assertIn(f"{name} exists and is not a whole result of scanpage", run.stderr)
+                self.assertIn(f"{name} exists, but is not a whole result of this page with these options; --overwrite replaces it",
+                              run.stderr)    # fmt: skip
                 self.assertEqual(changed, (self.out / name).read_bytes())
             run = scanpage("--resume", "--overwrite", "--format", "jpeg,pbm,g4", self.pages[0], "-o", self.out)
             self.assertEqual((0, "done"), (run.status, run.lines[0].status))
             self.assertEqual(right, self.contents())
 
     def test_a_result_of_other_options_is_no_result(self):
-        plain = ["--resume", "--format", "jpeg,pbm,g4", self.pages[0], "-o", self.out]
+        plain = ["--resume", "--overwrite", "--format", "jpeg,pbm,g4", self.pages[0], "-o", self.out]
         for options in (["--dpi", "50"], ["--angle", "1"], ["--denoise", "2"], ["--median", "cross"], ["--mode", "0"],
                         ["--threshold", "99"]):    # fmt: skip
             for arguments in ([*options, *plain], plain):
@@ -82,7 +89,8 @@ class Resume(PageTest):
         scanpage(self.pages[0], "-o", self.out)
         self.pages[0].unlink()
         os.link(self.pages[1], self.pages[0])
-        self.assertEqual("done", scanpage("--resume", self.pages[0], "-o", self.out).lines[0].status)
+        self.assertEqual("failed", scanpage("--resume", self.pages[0], "-o", self.out).lines[0].status)
+        self.assertEqual("done", rescan("--resume", self.pages[0], "-o", self.out).lines[0].status)
         self.assertEqual("kept", scanpage("--resume", self.pages[0], "-o", self.out).lines[0].status)
 
     def test_a_copy_under_another_name_is_no_result(self):
@@ -148,7 +156,7 @@ class Names(PageTest):
             ["bash", "-c", command, SCANPAGE, "--angle", "0", *pages, "-o", self.out], capture_output=True
         )
         self.assertEqual(20, done.stderr.count(b": Is a directory"), done.stderr)
-        self.assertEqual(20, done.stderr.count(b"is not a whole result of scanpage"), done.stderr)
+        self.assertEqual(20, done.stderr.count(b"exists; --overwrite replaces it"), done.stderr)
 
 
 class Stop(PageTest):

@@ -41,6 +41,11 @@ def scanpage(*arguments, stdin=b"", **environment):
     return Run(done.returncode, parse(done.stdout.decode()), done.stderr.decode())
 
 
+def rescan(*arguments, **environment):
+    """The same in place of results that an earlier run has left."""
+    return scanpage("--overwrite", *arguments, **environment)
+
+
 def pagegen(*arguments):
     subprocess.run([PAGEGEN, *map(os.fspath, arguments)], check=True, stdout=subprocess.DEVNULL, timeout=60)
 
@@ -123,6 +128,6 @@ class PageTest(unittest.TestCase):
             self.assertEqual((b"\xff\xd8", b"\xff\xd9"), (stream[:2], stream[-2:]), file)
         again = self.root / "again"
         again.mkdir(exist_ok=True)
-        run = scanpage("--angle", "0", "--from", "-", "-o", again, stdin=names(files))
+        run = rescan("--angle", "0", "--from", "-", "-o", again, stdin=names(files))
         self.assertEqual(0, run.status, run.stderr)
         self.assertEqual(len(files), len(run.lines))

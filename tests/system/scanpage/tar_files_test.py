@@ -100,7 +100,7 @@ class Replaced(ShardTest):
 
     def test_an_output_without_a_manifest(self):
         self.output.write_bytes(b"theirs")
-        self.assert_refused("out.tar exists and is not a whole result of scanpage; --overwrite replaces it")
+        self.assert_refused("out.tar exists; --overwrite replaces it")
         self.assertEqual(0, self.tar("--overwrite").status)
         self.assertEqual(2, len(members_of(self.output.read_bytes())))
 
@@ -111,7 +111,7 @@ class Replaced(ShardTest):
     def test_another_file_in_the_place_of_the_manifest(self):
         for text in ("theirs\n", '{"manifest": 2}\n', "{}\n", "[]", '{"a": 1'):
             self.manifest.write_text(text)
-            self.assert_refused("out.tar.manifest.jsonl exists and is not a whole result of scanpage")
+            self.assert_refused("out.tar.manifest.jsonl exists; --overwrite replaces it")
         self.assertEqual(0, self.tar("--overwrite").status)
 
     def test_the_input(self):

@@ -18,7 +18,7 @@ class Bar(PageTest):
         """What is shown. Once it holds `until`, does `then`, or stops the program."""
         ours, theirs = pty.openpty()
         scan = subprocess.Popen(
-            [SCANPAGE, *map(str, arguments), "-o", str(self.out)],
+            [SCANPAGE, "--overwrite", *map(str, arguments), "-o", str(self.out)],
             stdin=subprocess.PIPE,
             stdout=theirs if lines_too else subprocess.DEVNULL,
             stderr=theirs,

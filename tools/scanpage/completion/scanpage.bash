@@ -47,9 +47,9 @@ _scanpage() {
                 )
                 return
             fi
-            words='-h --help --version --from -0 --null -o --output --pdf --tiff --format --tar --manifest --other --compress
+            words='-h --help --version -r --recursive --from -0 --null -o --output --pdf --tiff --format --tar --manifest --other --compress
                 --resume --overwrite --damaged -j --jobs --angle --orient --background --denoise --median --assume-dpi --dpi
-                --quality --mode --threshold --contact-sheet -v --verbose -q --quiet'
+                --quality --mode --threshold --dry-run --contact-sheet -v --verbose -q --quiet'
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
