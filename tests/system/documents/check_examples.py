@@ -3,8 +3,8 @@
 
 """Checks that the programs in the documents are files that the tests build and run.
 
-Every fenced block of a programming language in README.md and docs/*.md must equal a file in examples/readme or
-examples/guide without its licence, and every file there must be shown in a document.
+Every fenced block of a programming language in README.md and docs/*.md must equal a file in examples/readme,
+examples/guide or examples/recipes without its licence, and every file there must be shown in a document.
 """
 import pathlib
 import re
@@ -20,7 +20,7 @@ def without_licence(text):
 
 
 programs = {path: without_licence(path.read_text(encoding="utf-8"))
-            for folder in ("readme", "guide") for path in sorted((root / "examples" / folder).iterdir())}
+            for folder in ("readme", "guide", "recipes") for path in sorted((root / "examples" / folder).iterdir())}
 shown, faults = set(), []
 for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
     for language, code in re.findall(r"^```(\w+)\n(.*?)^```$", document.read_text(encoding="utf-8"), re.S | re.M):

@@ -3,6 +3,9 @@
 
 """The skew of pages and of arrays."""
 
+import importlib.util
+import os
+import pathlib
 import subprocess
 import sys
 
@@ -48,6 +51,14 @@ def test_views_are_taken_as_they_are():
     wide = np.zeros((1200, 1000), np.uint8)
     wide[:, 60:960] = drawn(0.04)
     assert opcv_dlib.find_skew(wide[:, 60:960]) == opcv_dlib.find_skew(drawn(0.04))
+
+
+def test_the_function_of_the_recipes_straightens_a_stream():
+    file = pathlib.Path(os.environ["OPCV_DLIB_SOURCE"]) / "examples" / "recipes" / "straighten.py"
+    recipe = importlib.util.module_from_spec(importlib.util.spec_from_file_location("straighten", file))
+    recipe.__spec__.loader.exec_module(recipe)
+    stream = recipe.straighten(opcv_dlib.compress_gray(drawn(0.04), 80))
+    assert abs(opcv_dlib.find_skew(opcv_dlib.read_jpeg(stream)).angle) < 0.1
 
 
 def test_a_page_without_lines_has_a_reason():
