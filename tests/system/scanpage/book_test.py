@@ -206,6 +206,22 @@ class Safety(Books):
                 (self.root / "fired").unlink(missing_ok=True)
 
 
+    def test_faults_of_the_collected_pages(self):
+        """A page that cannot be collected fails; the others are written if they can be read again."""
+        for fault, status, images, message in (
+            ("pwrite 1", 1, 1, "page-000000.jpg: the pages cannot be collected: No space left on device"),
+            ("pwrite 1 lasting", 2, 0, "there are no pages for the PDF or TIFF"),
+            ("pread 1", 2, 0, "the pages cannot be read again: Input/output error"),
+        ):
+            run = scanpage(*self.pages[:2], "--pdf", self.pdf, LD_PRELOAD=os.environ["FAULTS"], FAULT=fault,
+                           FOLDER=str(self.root))    # fmt: skip
+            self.assertEqual(status, run.status, (fault, run.stderr))
+            self.assertIn(message, run.stderr, fault)
+            self.assertEqual(images, len(self.images_in(self.pdf)) if self.pdf.exists() else 0, fault)
+            self.pdf.unlink(missing_ok=True)
+            (self.root / "fired").unlink()
+
+
 class Scanner(Books):
     """SANE's test device."""
 

@@ -6,6 +6,7 @@
 // Only files below FOLDER are looked at. FAULT is "CALL N", "CALL N lasting" or "hold":
 //
 //     open, read, write, fsync, name, close, thread, memory   the Nth call of this kind fails, or all from it on
+//     pread, pwrite                                           the same at a place of the file
 //     short                                                   the Nth write writes a single byte
 //     stop, kill                                              at the Nth call of any kind, SIGTERM comes, or comes twice
 //     taken                                                   at the Nth call of any kind, another program takes the
@@ -225,6 +226,16 @@ extern "C" ssize_t write(int descriptor, const void* data, size_t size) {
     const ssize_t written = realWrite(descriptor, data, size);
     if (written > 0) record("write " + inodeOf(descriptor), data, static_cast<size_t>(written));
     return written;
+}
+
+extern "C" ssize_t pread(int descriptor, void* data, size_t size, off_t place) {
+    if (isOurs(nameOf(descriptor)) && fails("pread")) return failure(EIO);
+    return real<ssize_t(int, void*, size_t, off_t)>("pread")(descriptor, data, size, place);
+}
+
+extern "C" ssize_t pwrite(int descriptor, const void* data, size_t size, off_t place) {
+    if (isOurs(nameOf(descriptor)) && fails("pwrite")) return failure(ENOSPC);
+    return real<ssize_t(int, const void*, size_t, off_t)>("pwrite")(descriptor, data, size, place);
 }
 
 extern "C" int fsync(int descriptor) {
