@@ -55,6 +55,7 @@ template <class Value>
 CLI::Option* addChoice(CLI::App& app, const std::string& name, Value& value, const Choices<Value>& choices,
                        const std::string& description) {
     std::vector<std::string> words;
+    words.reserve(choices.size());
     for (const auto& [word, meaning] : choices) words.push_back(word);
     const auto choose = [&value, choices](const std::string& chosen) {
         for (const auto& [word, meaning] : choices)

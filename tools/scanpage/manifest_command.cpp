@@ -208,6 +208,7 @@ int manifestCommand(int argc, char** argv) {
     if (!whole.empty()) return isWhole(whole, files) ? kAllDone : kSomeBad;
     Summary summary;
     std::vector<PageName> named;
+    named.reserve(files.size());
     for (const std::string& file : files) named.push_back({file, ""});
     PageList manifests(std::move(named), list, '\n');
     for (PageName name; manifests.next(name);) summary.add(name.file, verify);

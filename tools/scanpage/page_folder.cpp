@@ -59,6 +59,7 @@ std::vector<PageName> pagesIn(const std::string& folder, bool deep, const std::o
         throw std::runtime_error("no pages in the folder " + folder + ": none ends in .jpg, .png, .tif or .pnm" +
                                  (deep ? "" : "; --recursive reads its subfolders"));
     std::vector<PageName> pages;
+    pages.reserve(paths.size());
     for (const std::string& path : paths) pages.push_back({fs::path(folder) / path, fs::path(path).parent_path()});
     return pages;
 } catch (const fs::filesystem_error& e) {
