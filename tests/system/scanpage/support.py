@@ -8,10 +8,14 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import tempfile
 import time
 import unittest
+
+# A shell lets its background jobs ignore SIGINT, which programs that they start inherit. What is caught, they do not.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 SCANPAGE = os.environ["SCANPAGE"]
 PAGEGEN = os.environ["PAGEGEN"]
