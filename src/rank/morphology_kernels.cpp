@@ -97,8 +97,7 @@ private:
     static constexpr ptrdiff_t kAtOnce = 2 * std::max(kLanes, kCacheLine / 2);    // columns
     static constexpr int kMostDoublings = 5;    // two groups of 32 cover kLargestRectangleSide
     static constexpr ptrdiff_t kMargin = kMostDoublings * kLanes;
-    static constexpr ptrdiff_t kRun =
-        2048;    // bytes of lines whose groups are formed in one run, as lines may be short
+    static constexpr ptrdiff_t kRun = 2048;    // bytes of lines, which may be short, whose groups are formed in one go
 
     static_assert((kScratch - 2 * kMargin) / kLargestRectangleSide - 2 * kCacheLine >= 2 * kLargestRectangleSide,
                   "the largest rectangle leaves room for columns to write");

@@ -52,20 +52,28 @@ private:
     std::vector<uint8_t> buffer_;
 };
 
-// Reads a page from the spool when its turn comes.
+// Reads a page from the spool when its turn comes. A fault is also kept, because qpdf 12 catches what is thrown here,
+// warns, and writes the other pages.
 class SpoolReader : public QPDFObjectHandle::StreamDataProvider {
 public:
-    SpoolReader(const Spool& spool, const Spool::Place& place) : spool_(spool), place_(place) {}
+    SpoolReader(const Spool& spool, const Spool::Place& place, std::exception_ptr& fault)
+        : spool_(spool), place_(place), fault_(fault) {}
 
     void provideStreamData(const QPDFObjGen&, Pipeline* pipeline) override {
-        const std::vector<uint8_t> bytes = spool_.read(place_);
-        pipeline->write(bytes.data(), bytes.size());
-        pipeline->finish();
+        try {
+            const std::vector<uint8_t> bytes = spool_.read(place_);
+            pipeline->write(bytes.data(), bytes.size());
+            pipeline->finish();
+        } catch (const std::exception&) {
+            fault_ = std::current_exception();
+            throw;
+        }
     }
 
 private:
     const Spool& spool_;
     Spool::Place place_;
+    std::exception_ptr& fault_;
 };
 
 QPDFObjectHandle number(int value) { return QPDFObjectHandle::newInteger(value); }
@@ -91,10 +99,10 @@ QPDFObjectHandle faxParameters(const PageStream& page) {
     return parameters;
 }
 
-void addPage(QPDF& pdf, const BookPage& page, const Spool& spool) {
+void addPage(QPDF& pdf, const BookPage& page, const Spool& spool, std::exception_ptr& fault) {
     const bool fax = page.page.kind == PageStream::kG4;
     QPDFObjectHandle image = imageOf(pdf, page.page);
-    image.replaceStreamData(std::make_shared<SpoolReader>(spool, page.place),
+    image.replaceStreamData(std::make_shared<SpoolReader>(spool, page.place, fault),
                             name(fax ? "/CCITTFaxDecode" : "/DCTDecode"),
                             fax ? faxParameters(page.page) : QPDFObjectHandle::newNull());
     const std::string width = QPDFObjectHandle::newReal(page.page.width * kPointsPerInch / page.page.dpiX, 3).unparse();
@@ -121,9 +129,11 @@ std::string now() {
 
 void writePdf(const BookPages& pages, const Spool& spool, UnnamedFile& file, const std::string& title,
               const std::string& mark) {
+    std::exception_ptr fault;
     QPDF pdf;
     pdf.emptyPDF();
-    for (const auto& [order, page] : pages) addPage(pdf, page, spool);
+    pdf.setSuppressWarnings(true);    // the fault that they are about is thrown
+    for (const auto& [order, page] : pages) addPage(pdf, page, spool, fault);
     QPDFObjectHandle about = QPDFObjectHandle::newDictionary();
     about.replaceKey("/Title", QPDFObjectHandle::newUnicodeString(title));
     about.replaceKey("/Producer", QPDFObjectHandle::newString("scanpage"));
@@ -135,5 +145,6 @@ void writePdf(const BookPages& pages, const Spool& spool, UnnamedFile& file, con
     writer.setExtraHeaderText("% " + mark);
     writer.setDecodeLevel(qpdf_dl_none);    // the pages stay as they are
     writer.write();
+    if (fault) std::rethrow_exception(fault);
     sink.requireSuccess();
 }
