@@ -10,9 +10,8 @@ namespace opcv {
 template <class... Arguments>
 class FunctionRef {
 public:
-    // Not explicit, so that callers pass a lambda directly, as they would to std::function.
     template <class Function>
-    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor)
+    FunctionRef(const Function& function)    // NOLINT(google-explicit-constructor): callers pass a lambda directly
         : object_(&function), call_([](const void* object, Arguments... arguments) {
               (*static_cast<const Function*>(object))(arguments...);
           }) {}

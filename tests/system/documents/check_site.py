@@ -14,7 +14,7 @@ import urllib.parse
 
 
 class Page(html.parser.HTMLParser):
-    """Collects the links, anchors and pictures of one page."""
+    """Reads a page and lists its links, anchors and pictures."""
 
     def __init__(self, path):
         super().__init__()

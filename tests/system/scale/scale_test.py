@@ -259,18 +259,18 @@ class JobFile(unittest.TestCase):
     def test_the_schema_rejects_other_fields_and_types(self):
         def spoilt(change):
             job = copy.deepcopy(IndexedJob.job)
-            change(job["spec"], job["spec"]["template"]["spec"]["containers"][0])
+            change(job["spec"], job["spec"]["template"]["spec"])
             return job
 
         for change in (
-            lambda spec, _: spec.update(completion=3),
-            lambda spec, _: spec.update(completions="400"),
-            lambda spec, _: spec.pop("completionMode"),
-            lambda spec, _: spec["template"]["spec"].update(restartPolicy="Always"),
-            lambda _, container: container.update(comand=["x"]),
-            lambda _, container: container.pop("image"),
-            lambda _, container: container["env"].append({"name": "X", "value": 1}),
-            lambda _, container: container["resources"]["limits"].update(memory="1 GB"),
+            lambda work, _: work.update(completion=3),
+            lambda work, _: work.update(completions="400"),
+            lambda work, _: work.pop("completionMode"),
+            lambda _, pod: pod.update(restartPolicy="Always"),
+            lambda _, pod: pod["containers"][0].update(comand=["x"]),
+            lambda _, pod: pod["containers"][0].pop("image"),
+            lambda _, pod: pod["containers"][0]["env"].append({"name": "X", "value": 1}),
+            lambda _, pod: pod["containers"][0]["resources"]["limits"].update(memory="1 GB"),
         ):
             self.assertFalse(self.valid(spoilt(change)))
 

@@ -69,7 +69,7 @@ def whole_manifests(folder):
 
 
 def faults(stock, results):
-    """What is wrong with the results of all shards; nothing if each page is there once and as in the undisturbed run."""
+    """Lists each fault: shards that are missing or too many, and pages that differ from the undisturbed run."""
     found = []
     undisturbed = {file.stem: json.loads(file.read_text()) for file in (stock / "sums").iterdir()}
     manifests = whole_manifests(results)

@@ -90,7 +90,7 @@ class Damage(ShardTest):
                 self.refused(packed[:size])
 
     def test_our_own_output_that_was_cut(self):
-        """What comes of a cut stream is itself a cut one, for the next program in the pipe."""
+        """The result of a cut stream has no end either, so the next program in the pipe rejects it."""
         large = ("x", os.urandom(3_000_000))
         cut = tar_of([self.few_pages()[0], large, self.few_pages()[1]])[:3_200_000]
         for compression in ("none", "gzip", "zstd"):
