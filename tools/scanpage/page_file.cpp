@@ -4,6 +4,9 @@
 #include "page_file.h"
 
 #include <algorithm>
+#include <cctype>
+#include <set>
+#include <string>
 #include <string_view>
 
 #include "jpeg_header.h"
@@ -47,6 +50,14 @@ void readJpeg(InputFile& file, std::vector<uint8_t>& bytes) {
 }    // namespace
 
 bool beginsLikePage(const std::vector<uint8_t>& bytes) { return isJpeg(bytes) || isPng(bytes) || isTiff(bytes); }
+
+bool isNamedLikePage(const std::string& name) {
+    std::string ending = name.substr(std::min(name.rfind('.'), name.size()));
+    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
+    static const std::set<std::string> kEndings = {".jpg", ".jpeg", ".png", ".tif", ".tiff",
+                                                   ".pnm", ".pbm",  ".pgm", ".ppm"};
+    return kEndings.count(ending) > 0;
+}
 
 PageFile::PageFile(InputFile file) : file_(std::move(file)) {
     file_.append(stream_, kSignature);

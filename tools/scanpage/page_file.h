@@ -14,6 +14,9 @@
 constexpr size_t kSignature = 16;    // as many bytes as it takes
 bool beginsLikePage(const std::vector<uint8_t>& bytes);
 
+// By its ending, as PNM cannot be told by its first bytes.
+bool isNamedLikePage(const std::string& name);
+
 class PageFile {
 public:
     // Throws if the file cannot be read or is none of them. Reading stops at the first bytes that cannot belong to a page,

@@ -4,25 +4,17 @@
 #include "page_folder.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <filesystem>
-#include <set>
 #include <stdexcept>
+
+#include "page_file.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 bool isHidden(const fs::path& path) { return path.filename().string().front() == '.'; }
-
-bool isPage(const fs::path& path) {
-    static const std::set<std::string> kEndings = {".jpg", ".jpeg", ".png", ".tif", ".tiff",
-                                                   ".pnm", ".pbm",  ".pgm", ".ppm"};
-    std::string ending = path.extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
-    return kEndings.count(ending) > 0;
-}
 
 bool isThat(const fs::path& path, const std::optional<FileId>& wanted) {
     struct stat status {};
@@ -36,7 +28,7 @@ std::vector<std::string> pathsIn(const fs::path& folder, bool deep, const std::o
         const fs::path& path = entry->path();
         const bool skipped = isHidden(path) || isThat(path, results);
         if (!deep || skipped) entry.disable_recursion_pending();
-        if (!skipped && isPage(path) && !entry->is_directory())
+        if (!skipped && isNamedLikePage(path.string()) && !entry->is_directory())
             paths.push_back(path.lexically_relative(folder).string());
     }
     return paths;

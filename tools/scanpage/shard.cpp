@@ -4,11 +4,9 @@
 #include "shard.h"
 
 #include <algorithm>
-#include <cctype>
 #include <deque>
 #include <future>
 #include <limits>
-#include <set>
 
 #include "escape.h"
 #include "page_file.h"
@@ -38,15 +36,6 @@ struct Member {
     std::vector<uint8_t> bytes;              // if it is no page
     std::future<std::vector<Page>> pages;    // valid if it is one
 };
-
-// Most formats can be told by their first bytes, and all by the ending of the name.
-bool isNamedLikePage(const std::string& name) {
-    std::string ending = name.substr(std::min(name.rfind('.'), name.size()));
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
-    static const std::set<std::string> kEndings = {".jpg", ".jpeg", ".png", ".tif", ".tiff",
-                                                   ".pnm", ".pbm",  ".pgm", ".ppm"};
-    return kEndings.count(ending) > 0;
-}
 
 // The folder of a member with the slash.
 std::string folderOf(const std::string& name) { return name.substr(0, name.rfind('/') + 1); }
