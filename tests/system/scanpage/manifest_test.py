@@ -3,6 +3,7 @@
 
 """The manifest of scanpage --tar, and scanpage manifest, which sums up many of them."""
 
+import gzip
 import json
 import os
 import pathlib
@@ -54,6 +55,12 @@ class Lines(ShardTest):
         last = self.lines()[2]
         self.assertEqual((sha256(packed), len(packed), sha256(run.lines), len(run.lines)), tuple(
             last[key] for key in ("input_sha256", "input_size", "output_sha256", "output_size")))    # fmt: skip
+
+    def test_the_sum_includes_what_follows_a_compressed_stream(self):
+        self.input.write_bytes(gzip.compress(tar_of(self.few_pages())) + os.urandom(1_000_000))
+        self.assertEqual(0, self.tar().status)
+        data, last = self.input.read_bytes(), self.lines()[2]
+        self.assertEqual((sha256(data), len(data)), (last["input_sha256"], last["input_size"]))
 
     def test_why_there_is_no_skew(self):
         blank = self.root / "blank.ppm"
